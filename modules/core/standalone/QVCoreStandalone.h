@@ -1,0 +1,25 @@
+// A complete core for use without a player. Each platform function stands in an object file of its own, so
+// that a program may define any one of them itself and take the rest from here.
+#ifndef QV_CORE_STANDALONE_QVCORESTANDALONE_H
+#define QV_CORE_STANDALONE_QVCORESTANDALONE_H
+
+#include "QVDumpData.h"
+#include "QVHDRVivid.h"
+#include "QVMemory.h"
+#include "QVSeiInfo.h"
+#include "QVTraceLog.h"
+
+extern "C" {
+
+// Sets the highest level that qvTraceLog prints; -1 silences it. The start value is QVTraceWarning.
+// Nothing else (no file, no environment) changes it. May be called from any thread.
+void qvSetTraceLevel(int level);
+
+// The level in force.
+int qvGetTraceLevel(void);
+
+// Releases memory of qvMalloc or qvMallocz. Null is allowed.
+void qvFree(void* memory);
+}
+
+#endif

@@ -1,0 +1,7 @@
+#include <cstdlib>
+
+#include "QVCoreStandalone.h"
+
+extern "C" void qvFree(void* memory) {
+    std::free(memory);
+}

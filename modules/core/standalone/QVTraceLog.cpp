@@ -1,0 +1,68 @@
+// One line to stderr for each call, whole even when several threads log at once: the line is put together
+// first and handed to stdio in one piece.
+#include "QVTraceLog.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <string>
+
+#include "QVCoreStandalone.h"
+
+namespace {
+
+QV_PRINTF_FORMAT(1, 0)
+std::string formatted(const char* format, va_list arguments) {
+    va_list measured;
+    va_copy(measured, arguments);
+    const int length = std::vsnprintf(nullptr, 0, format, measured);
+    va_end(measured);
+    if (length < 0) {
+        return format;
+    }
+    std::string text(static_cast<size_t>(length) + 1, '\0');
+    std::vsnprintf(&text[0], text.size(), format, arguments);
+    text.pop_back();
+    return text;
+}
+
+char levelLetter(int level) {
+    switch (level) {
+        case QVTraceError:
+            return 'E';
+        case QVTraceWarning:
+            return 'W';
+        case QVTraceInformation:
+            return 'I';
+        default:
+            return 'D';
+    }
+}
+
+// A text ends its line once, whether or not it brought a line feed; inner line feeds would break the line.
+void endLine(std::string& text) {
+    while (!text.empty() && text.back() == '\n') {
+        text.pop_back();
+    }
+    for (char& c : text) {
+        c = c == '\n' ? ' ' : c;
+    }
+    text += '\n';
+}
+
+}  // namespace
+
+extern "C" void qvTraceLog(int level, const char* file, int line, const char* function, const char* tag,
+                           const char* format, ...) {
+    if (level > qvGetTraceLevel()) {
+        return;
+    }
+    va_list arguments;
+    va_start(arguments, format);
+    std::string text = formatted(format, arguments);
+    va_end(arguments);
+
+    endLine(text);
+    const std::string whole = std::string("[") + levelLetter(level) + "] " + tag + " " + file + ":" +
+                              std::to_string(line) + " " + function + ": " + text;
+    std::fwrite(whole.data(), 1, whole.size(), stderr);
+}

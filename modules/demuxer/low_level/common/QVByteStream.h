@@ -1,0 +1,105 @@
+// The bit reader: one payload buffer, two bit cursors over one shared byte position.
+//
+// The RBSP cursor (readRbspBits) steps over emulation_prevention_three_byte (H.264/H.265 7.4.1.1); the plain
+// cursor (everything else) does not. Their bit counters are never brought in line with each other: the byte
+// position is all they share.
+//
+// No operation fails. A read past the end gives zero bits, a skip past the end is not made, and a null data
+// reads as zero bytes. A reader is used by one thread at a time.
+#ifndef QV_DEMUXER_QVBYTESTREAM_H
+#define QV_DEMUXER_QVBYTESTREAM_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+class QVByteStream {
+public:
+    // An empty stream.
+    QVByteStream() {}
+
+    // A stream over a malloc'd copy of the sourceSize bytes at source, owned by the stream. Empty when source
+    // is null, sourceSize is 0 or the allocation fails.
+    QVByteStream(const uint8_t* source, size_t sourceSize);
+
+    ~QVByteStream();
+
+    QVByteStream(const QVByteStream&) = delete;
+    QVByteStream& operator=(const QVByteStream&) = delete;
+
+    // --- RBSP cursor ---
+
+    // Reads n bits, most significant first, stepping over emulation prevention bytes: when a byte is left,
+    // it and the byte before it are zero, the byte before is not the first of the buffer, and 0x03 follows,
+    // that 0x03 is passed.
+    // n == 0 touches nothing. n > 32 consumes n bits and returns 0. Past the end nothing moves.
+    uint32_t readRbspBits(unsigned long n);
+
+    // --- Plain cursor ---
+
+    // u(1). At the end of the data 0, and nothing moves.
+    uint32_t readBit();
+
+    // u(n), most significant bit first. Stops at the end of the data and leaves the missing low bits 0.
+    // For n > 32 all n bits are consumed and the last 32 are returned.
+    uint32_t readBits(uint32_t n);
+
+    // ue(v) of H.264 9.1 / H.265 9.2. 0 when the data ends before the first 1 bit. At the end of the data on
+    // entry the bit offset still moves by one, past the end if need be. Codes with 32 or more leading zero
+    // bits are consumed whole; their value is meaningless, shifts being taken modulo 32.
+    uint32_t readGolombUe();
+
+    // se(v), as readGolombUe.
+    int32_t readGolombSe();
+
+    // Skips n bits if the byte position stays at most size, otherwise moves nothing.
+    void skipBits(uint64_t n);
+
+    // Skips n bytes from the byte position and clears the bit offset, if that ends at most at size and the
+    // stream is not empty; otherwise moves nothing.
+    void skipBytes(uint64_t n);
+
+    // size - bytePos, unsigned: wraps when the byte position has passed the end.
+    uint64_t bytesLeft() const { return size - bytePos; }
+
+    // True when no byte is left to read.
+    bool atEnd() const { return bytePos >= size; }
+
+    // --- State ---
+
+    // bitMask[b] selects the bit of weight 2^b.
+    const uint8_t bitMask[8] = {0x01, 0x02, 0x04, 0x08, 0x10, 0x20, 0x40, 0x80};
+
+    // RBSP cursor: the next bit of the current byte, 7 the most significant, counting down.
+    uint32_t rbspBitIndex = 7;
+
+    // True when data came from malloc and the destructor frees it.
+    bool ownsData = true;
+
+    uint8_t* data = nullptr;
+
+    // Valid bytes at data.
+    uint64_t size = 0;
+
+    // Allocated bytes at data; equal to size in every stream that this module builds.
+    uint64_t capacity = 0;
+
+    // The current byte, shared by both cursors.
+    uint64_t bytePos = 0;
+
+    // Plain cursor: bits of the current byte already consumed, 0..7.
+    uint8_t bitOffset = 0;
+
+    // Starts at 1; nothing here reads it.
+    uint32_t extraFlag = 1;
+
+private:
+    enum class GolombPrefix { Ended, Empty, Counted };
+
+    uint32_t byteAt(uint64_t position) const { return data != nullptr ? data[position] : 0U; }
+    void advancePlainBit();
+    void leaveRbspByte();
+    GolombPrefix countLeadingZeroBits(uint64_t& leadingZeroBits);
+    uint32_t readGolombBits(uint64_t count);
+};
+
+#endif

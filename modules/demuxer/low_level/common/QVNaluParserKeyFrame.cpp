@@ -1,0 +1,63 @@
+// Key-frame detection by nal_unit_type, ITU-T H.264 (08/2021) and H.265 (08/2021) Table 7-1.
+#include <cstdint>
+
+#include "QVNaluParser.h"
+#include "detail/NalUnit.h"
+#include "detail/StartCode.h"
+#include "detail/WorkingCopy.h"
+
+using namespace qv_detail;
+
+namespace {
+
+// D01: one set of type numbers for both codecs: 5 and 16 to 21.
+bool isKeyUnitType(uint32_t type) {
+    return type == 5 || (type >= 16 && type <= 21);
+}
+
+bool isKeyUnit(QVCodecID codec, unsigned char firstByte) {
+    return isKeyUnitType(nalUnitType(codec, firstByte));
+}
+
+bool holdsKeyUnitAnnexB(QVCodecID codec, const unsigned char* data, size_t size) {
+    StartCodeScanner scanner(data, size);
+    while (scanner.next()) {
+        if (isKeyUnit(codec, data[scanner.unitOffset()])) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// Lengths are 4 bytes here whatever the stream's configuration record says. One that runs past the end does
+// not end the search: the next is read from inside the unit.
+bool holdsKeyUnitLengthPrefixed(QVCodecID codec, const unsigned char* data, size_t size) {
+    constexpr size_t kLengthSize = 4;
+    const WorkingCopy copy = makeWorkingCopy(data, size);
+    if (copy == nullptr) {
+        return false;
+    }
+    size_t position = 0;
+    while (size - position > kLengthSize) {
+        const uint32_t length = readBigEndian(copy.get() + position, kLengthSize);
+        position += kLengthSize;
+        if (isKeyUnit(codec, data[position])) {
+            return true;
+        }
+        // The size is an int's, so a length with its top bit set is always too long.
+        if (length <= size - position) {
+            position += length;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+bool QVNaluParser::isKeyFrame(QVCodecID codec, const unsigned char* data, int size) {
+    if (data == nullptr || !isSupported(codec)) {
+        return false;
+    }
+    return isAnnexBData(data, size) ? holdsKeyUnitAnnexB(codec, data, bufferSize(size))
+                                    : holdsKeyUnitLengthPrefixed(codec, data, bufferSize(size));
+}

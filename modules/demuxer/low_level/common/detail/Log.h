@@ -1,0 +1,19 @@
+// The module's one way to the player's log.
+#ifndef QV_DEMUXER_DETAIL_LOG_H
+#define QV_DEMUXER_DETAIL_LOG_H
+
+#include "QVTraceLog.h"
+
+namespace qv_detail {
+
+// Every line names the module's main source, whichever file it stands in: hosts filter by it.
+constexpr const char* kLogFile = "QVNaluParser.cpp";
+constexpr const char* kLogTag = "QVPlayerCore.DecoderConfigurationRecord";
+
+}  // namespace qv_detail
+
+// QV_LOG(level, function, format, arguments...)
+#define QV_LOG(level, function, ...) \
+    qvTraceLog(level, qv_detail::kLogFile, __LINE__, function, qv_detail::kLogTag, __VA_ARGS__)
+
+#endif
