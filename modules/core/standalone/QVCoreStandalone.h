@@ -5,8 +5,10 @@
 
 #include "QVDumpData.h"
 #include "QVHDRVivid.h"
+#include "QVHDRVividDynamicMetadata.h"
 #include "QVMemory.h"
 #include "QVSeiInfo.h"
+#include "QVSideData.h"
 #include "QVTraceLog.h"
 
 extern "C" {

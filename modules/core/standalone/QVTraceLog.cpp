@@ -4,11 +4,21 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
 #include <string>
 
 #include "QVCoreStandalone.h"
 
 namespace {
+
+// The one text that comes without a value for its "%d". Formatting it would read an argument that was never
+// passed.
+constexpr const char* kPlainText =
+    "parserAvcBufferingPeriod: non-existing SPS %d referenced in buffering period.\n";
+
+bool isPlainText(const char* format) {
+    return std::strcmp(format, kPlainText) == 0;
+}
 
 QV_PRINTF_FORMAT(1, 0)
 std::string formatted(const char* format, va_list arguments) {
@@ -58,7 +68,7 @@ extern "C" void qvTraceLog(int level, const char* file, int line, const char* fu
     }
     va_list arguments;
     va_start(arguments, format);
-    std::string text = formatted(format, arguments);
+    std::string text = isPlainText(format) ? format : formatted(format, arguments);
     va_end(arguments);
 
     endLine(text);

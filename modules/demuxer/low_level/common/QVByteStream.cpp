@@ -34,6 +34,7 @@ uint32_t QVByteStream::readRbspBits(unsigned long n) {
     return value;
 }
 
+// D03: a zero pair that begins the buffer is not taken for one in front of an emulation prevention byte.
 void QVByteStream::leaveRbspByte() {
     rbspBitIndex = 7;
     const uint64_t left = bytePos++;
@@ -69,6 +70,7 @@ void QVByteStream::advancePlainBit() {
     }
 }
 
+// D04: Exp-Golomb codes are read without a look at emulation prevention bytes.
 uint32_t QVByteStream::readGolombUe() {
     uint64_t leadingZeroBits = 0;
     if (countLeadingZeroBits(leadingZeroBits) != GolombPrefix::Counted) {
@@ -106,7 +108,7 @@ QVByteStream::GolombPrefix QVByteStream::countLeadingZeroBits(uint64_t& leadingZ
     return bytePos < size ? GolombPrefix::Counted : GolombPrefix::Ended;
 }
 
-// Reads count bits, bit i landing at (count - 1 - i) modulo 32.
+// Reads count bits, bit i landing at (count - 1 - i) modulo 32 (D05: codes of any length).
 uint32_t QVByteStream::readGolombBits(uint64_t count) {
     uint32_t value = 0;
     for (; count > 0 && bytePos < size; --count) {
@@ -126,9 +128,23 @@ void QVByteStream::skipBits(uint64_t n) {
 }
 
 void QVByteStream::skipBytes(uint64_t n) {
-    if (size == 0 || bytePos > size || n > size - bytePos) {
+    if (size == 0 || bytePos + n > size) {
         return;
     }
     bytePos += n;
     bitOffset = 0;
+}
+
+uint32_t QVByteStream::readByte() {
+    return bytePos < size ? byteAt(bytePos++) : 0U;
+}
+
+void QVByteStream::seekBytes(int64_t n) {
+    // Whole bytes and the truncation of what the bit offset adds to a negative distance.
+    const int64_t distance = n < 0 && bitOffset > 0 ? n + 1 : n;
+    if (distance < 0 ? 0U - static_cast<uint64_t>(distance) > bytePos
+                     : bytePos > size || static_cast<uint64_t>(distance) > size - bytePos) {
+        return;
+    }
+    bytePos += static_cast<uint64_t>(distance);
 }

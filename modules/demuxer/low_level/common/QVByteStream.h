@@ -54,15 +54,27 @@ public:
     // Skips n bits if the byte position stays at most size, otherwise moves nothing.
     void skipBits(uint64_t n);
 
-    // Skips n bytes from the byte position and clears the bit offset, if that ends at most at size and the
-    // stream is not empty; otherwise moves nothing.
+    // Skips n bytes from the byte position and clears the bit offset, if bytePos + n (64 bits, wrapping) is
+    // at most size and the stream is not empty; otherwise moves nothing.
     void skipBytes(uint64_t n);
+
+    // Reads the whole byte at the byte position, wherever the bit offset stands, and leaves that as it is.
+    // At the end of the data 0, and nothing moves.
+    uint32_t readByte();
+
+    // Moves n whole bytes forward, or backward for a negative n, and keeps the bit offset: the byte position
+    // changes by (bitOffset + 8 * n) / 8, truncated towards zero. A target before the start or past the end
+    // moves nothing.
+    void seekBytes(int64_t n);
 
     // size - bytePos, unsigned: wraps when the byte position has passed the end.
     uint64_t bytesLeft() const { return size - bytePos; }
 
     // True when no byte is left to read.
     bool atEnd() const { return bytePos >= size; }
+
+    // True when there is a buffer with a byte left to read.
+    bool hasData() const { return data != nullptr && !atEnd(); }
 
     // --- State ---
 

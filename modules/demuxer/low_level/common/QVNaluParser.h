@@ -1,4 +1,4 @@
-// NAL unit framing for ITU-T H.264 and H.265 elementary streams.
+// NAL unit framing, SEI and HDR metadata for ITU-T H.264 and H.265 elementary streams.
 //
 // Every operation is static, keeps no state between calls and only reads the buffers handed in; calls on
 // different buffers and records may run concurrently. Sizes and offsets are bytes. A size below 1 is an empty
@@ -10,11 +10,17 @@
 
 #include <stdint.h>
 
+#include <deque>
 #include <utility>
 #include <vector>
 
+#include "QVAvcSei.h"
+#include "QVAvcSps.h"
 #include "QVByteStream.h"
 #include "QVCodecParameters.h"
+#include "QVHDRMetadata.h"
+#include "QVHevcSei.h"
+#include "QVHevcSps.h"
 #include "QVResult.h"
 #include "QVSeiItem.h"
 
@@ -107,6 +113,195 @@ public:
     // QVResultNoMemory, outSize 0, when the buffer cannot be allocated or would pass INT_MAX bytes.
     static int connvertAvcCToAnnexB(const unsigned char* data, int size, int lengthSize, unsigned char** out,
                                     int& outSize);
+
+    // --- SEI messages ---
+    //
+    // Kept messages are appended to the caller's item list; nothing is ever removed from it, so items found
+    // before a failure stay. Payload bytes come from qvMalloc and are the caller's from then on. A walker
+    // works on a malloc'd copy of the unit, released on every path. requested lists the payloadType values to
+    // capture although no parser handles them; the first equal value counts.
+
+    // Walks one SEI unit of an access unit: nalu is its entry (H.264 type 6, H.265 types 39 and 40), data the
+    // access unit. sps is a QVAvcSps* or QVHevcSps* by codec; null is allowed where no parser needs it.
+    // Parsed records are dropped: what the caller sees are the items, the result and the log.
+    //
+    // Returns what parserAvcDataToSei or parserHevcDataToSei does; QVResultOk for null data and for any other
+    // codec. The unit's type is not tested for H.264.
+    static int parserDataToSei(QVCodecID codec, const unsigned char* data, const NaluInfo& nalu,
+                               std::vector<QVSeiItem>& items, void* sps, const std::deque<int>& requested);
+
+    // Walks every message of an H.264 SEI RBSP; data points just past the one-byte NAL unit header. Types 1
+    // and 5 are captured; 0, 4, 6, 45, 47 and 56 are parsed and dropped; 147 is passed over; any other type
+    // is captured when requested. The walk ends at two zero bytes, at a byte 0x80 and with fewer than 3
+    // bytes.
+    //
+    // Returns QVResultOk, also for a unit below 3 bytes or when the copy cannot be had; QVResultFailed when a
+    // payload runs past the unit (logged as a warning) or a capture fails; a parser's own failure as it is.
+    static int parserAvcDataToSei(const unsigned char* data, int size, std::vector<QVSeiItem>& items,
+                                  QVAvcSps* sps, const std::deque<int>& requested);
+
+    // Looks at the first message of an H.265 SEI RBSP; data points just past the two-byte NAL unit header.
+    // naluType 39 goes to parserHevcSeiPrefix, 40 to parserHevcSeiSuffix, any other is no SEI unit.
+    //
+    // Returns QVResultFailed when the payload runs past the unit (logged as a warning, whatever the
+    // naluType), otherwise what the prefix dispatcher returns, and QVResultOk for suffix and other units.
+    static int parserHevcDataToSei(int naluType, const unsigned char* data, int size,
+                                   std::vector<QVSeiItem>& items, QVHevcSps* sps,
+                                   const std::deque<int>& requested);
+
+    // Dispatches one payload of a prefix unit, the stream standing at it. Types 1, 4, 5 and 137 are captured;
+    // 45, 47, 129, 144 and 256 (a picture hash) are parsed; 147 is passed over; any other type is captured
+    // when requested, else skipped. sps is not used. Returns the parser's or capture's result.
+    static int parserHevcSeiPrefix(QVByteStream& stream, int payloadType, int payloadSize,
+                                   std::vector<QVSeiItem>& items, QVHevcSps* sps,
+                                   const std::deque<int>& requested);
+
+    // Dispatches one payload of a suffix unit. Type 132 is parsed as a picture hash; then any type is
+    // captured when requested (a hash from where its parser stopped), else skipped. Always returns
+    // QVResultOk.
+    static int parserHevcSeiSuffix(QVByteStream& stream, int payloadType, int payloadSize,
+                                   std::vector<QVSeiItem>& items, QVHevcSps* sps,
+                                   const std::deque<int>& requested);
+
+    // Reads one message header (H.264/H.265 7.3.2.3.1) by whole bytes and adds payloadType and payloadSize,
+    // wrapping at 32 bits, to the values passed in: start them at 0.
+    // Returns QVResultFailed, logged as a warning, when fewer than payloadSize bytes are left behind it.
+    static int parserPayloadParams(QVByteStream& stream, int& payloadType, int& payloadSize);
+
+    // Captures payloadSize bytes from the stream's position without emulation prevention bytes, zero bytes
+    // standing for what lies past the end, and appends them to items. The plain bit offset stays.
+    // Returns QVResultFailed, nothing appended, when payloadSize is below 1 or qvMalloc fails.
+    static int fillSeiDataWithoutParsing(QVByteStream& stream, int payloadSize, std::vector<QVSeiItem>& items,
+                                         QVCodecID codec, int payloadType, bool requested);
+
+    // Packs items into one side-data buffer through createQVSeiInfo, createSideDataFromQVSeiInfo and
+    // freepQVSeiInfo. Items without payloadData keep their place as empty entries. *out receives the buffer,
+    // the caller's by the host's rules, or null when the host could not make it; outSize its bytes.
+    // Returns QVResultFailed, *out and outSize untouched, when out is null or there is no description.
+    static int assembleSeiSideDataBuffer(const std::vector<QVSeiItem>& items, unsigned char** out,
+                                         int& outSize);
+
+    // --- H.264 SEI payloads ---
+    //
+    // Each reads one payload from the stream's position with the plain cursor into a record that the caller
+    // zero-initialised, and stops where its syntax ends. payloadSize is in bytes. A null record is
+    // QVResultFailed, logged, with the stream untouched; running out of data is no failure: missing bits are
+    // 0 and skips that do not fit are not made.
+
+    // buffering_period (payloadType 0, D.1.2). The HRD fields of sps tell what is there: record and sps must
+    // not be null. QVResultFailed, logged, also for a seq_parameter_set_id of which bits 5 to 7 are not 0;
+    // the record is then untouched. payloadSize is not used.
+    static int parserAvcBufferingPeriod(QVByteStream& stream, int payloadSize,
+                                        QVAvcSeiBufferingPeriod* bufferingPeriod, QVAvcSps* sps);
+
+    // pic_timing (payloadType 1, D.1.3), with the HRD and pic_struct fields of sps, which must not be null.
+    // QVResultFailed, logged, also for a pic_struct above 8: the delays and pic_struct stay written, isValid
+    // is not set. A debug line tells ct_type and pic_struct. Not called by the walk. payloadSize is not used.
+    static int parserAvcPictureTiming(QVByteStream& stream, int payloadSize,
+                                      QVAvcSeiPictureTiming* pictureTiming, QVAvcSps* sps);
+
+    // recovery_point (payloadType 6, D.1.8). QVResultFailed, logged, also for a recovery_frame_cnt above
+    // 65535; the record is then untouched. payloadSize is not used.
+    static int parserAvcRecoveryPoint(QVByteStream& stream, int payloadSize,
+                                      QVAvcSeiRecoveryPoint* recoveryPoint);
+
+    // user_data_registered_itu_t_t35 (payloadType 4, D.1.6) of any country and provider: "GA94" goes to the
+    // caption walk, "DTG1" to the active format, any other identifier is skipped. QVResultFailed, logged,
+    // also for a payloadSize below 7. sps is not used.
+    static int parserAvcRegisteredUserData(QVByteStream& stream, int payloadSize, QVAvcSeiAfd* afd,
+                                           QVAvcSps* sps);
+
+    // afd_data (ETSI TS 101 154 B.3); size is what follows the user_identifier. QVResultFailed, logged, also
+    // for a size below 1 and for an active_format_flag without a second byte.
+    static int parserAvcRegisteredUserDataAfd(QVByteStream& stream, int size, QVAvcSeiAfd* afd);
+
+    // A/53 captions, walked and not kept; size is what follows the user_identifier. QVResultFailed, not
+    // logged, for a size below 3.
+    static int parserAvcRegisteredUserDataClosedCaption(QVByteStream& stream, int size);
+
+    // frame_packing_arrangement (payloadType 45, D.1.25). payloadSize is not used.
+    static int parserAvcFramePackingArrangement(QVByteStream& stream, int payloadSize,
+                                                QVAvcSeiFramePacking* framePacking);
+
+    // display_orientation (payloadType 47, D.1.27). payloadSize is not used.
+    static int parserAvcDisplayOrientation(QVByteStream& stream, int payloadSize,
+                                           QVAvcSeiDisplayOrientation* displayOrientation);
+
+    // alternative_transfer_characteristics (payloadType 147, D.1.32). Not called by the walk. payloadSize is
+    // not used.
+    static int parserAvcAlternativeTransfer(QVByteStream& stream, int payloadSize,
+                                            QVAvcSeiAlternativeTransfer* alternativeTransfer);
+
+    // green_metadata (payloadType 56, ISO/IEC 23001-11). payloadSize is not used.
+    static int parserAvcGreenMetaData(QVByteStream& stream, int payloadSize,
+                                      QVAvcSeiGreenMetaData* greenMetaData);
+
+    // --- H.265 SEI payloads ---
+    //
+    // As the H.264 ones.
+
+    // mastering_display_colour_volume (payloadType 137, D.2.28), 24 bytes. Not called by the walk.
+    // payloadSize is not used.
+    static int parserHevcMasteringDisplayInfo(QVByteStream& stream, int payloadSize,
+                                              QVHevcSeiMasteringDisplay* masteringDisplay);
+
+    // content_light_level_info (payloadType 144, D.2.35), 4 bytes. payloadSize is not used.
+    static int parserHevcContentLightInfo(QVByteStream& stream, int payloadSize,
+                                          QVHevcSeiContentLight* contentLight);
+
+    // alternative_transfer_characteristics (payloadType 147, D.2.38). Not called by the walk. payloadSize is
+    // not used.
+    static int parserHevcAlternativeTransfer(QVByteStream& stream, int payloadSize,
+                                             QVHevcSeiAlternativeTransfer* alternativeTransfer);
+
+    // pic_timing (payloadType 1, D.2.3): the field parity, when frame_field_info_present_flag of sps is set;
+    // the rest of payloadSize bytes is skipped. Record and sps must not be null. Not called by the walk.
+    static int parserHevcPictureTiming(QVByteStream& stream, int payloadSize,
+                                       QVHevcSeiPictureTiming* pictureTiming, QVHevcSps* sps);
+
+    // decoded_picture_hash (payloadType 132, D.2.19): keeps MD5, skips CRC and checksum. payloadSize is not
+    // used.
+    static int parserHevcPictureHash(QVByteStream& stream, int payloadSize,
+                                     QVHevcSeiPictureHash* pictureHash);
+
+    // active_parameter_sets (payloadType 129, D.2.21): validated, not kept. QVResultFailed, logged, for a
+    // num_sps_ids_minus1 above 15 and for a first identifier above 15. payloadSize is not used.
+    static int parserHevcActiveParameterSets(QVByteStream& stream, int payloadSize);
+
+    // frame_packing_arrangement (payloadType 45, D.2.16). payloadSize is not used.
+    static int parserHevcFramePacking(QVByteStream& stream, int payloadSize,
+                                      QVHevcSeiFramePacking* framePacking);
+
+    // display_orientation (payloadType 47, D.2.17). Unless it cancels one, an item of type 47 is appended
+    // too, holding the orientation as NUL-terminated text from qvMallocz. QVResultFailed, nothing appended,
+    // also when the text cannot be allocated. payloadSize is not used.
+    static int parserHevcDisplayOrientation(QVByteStream& stream, int payloadSize,
+                                            std::vector<QVSeiItem>& items,
+                                            QVHevcSeiDisplayOrientation* displayOrientation);
+
+    // user_data_registered_itu_t_t35 (payloadType 4, D.2.6) with A/53 captions of any country and provider,
+    // walked and not kept: the record is only tested for null. QVResultFailed, logged, also for a payloadSize
+    // below 7. Not called by the walk.
+    static int parserHevcRegisteredUserData(QVByteStream& stream, int payloadSize,
+                                            QVHevcSeiA53Caption* a53Caption);
+
+    // A/53 captions behind the user_identifier. QVResultFailed, logged, also for a payloadSize below 3.
+    static int parserHevcRegisteredUserDataClosedCaption(QVByteStream& stream, int payloadSize,
+                                                         QVHevcSeiA53Caption* a53Caption);
+
+    // --- HDR metadata ---
+
+    // Reads a kept mastering display item (codec H.265, payloadType 137) into *metadata. A short payload
+    // leaves the fields behind it 0, and so does, for all of them, a working copy that cannot be had.
+    // Returns QVResultInvalidData, *metadata untouched, for null metadata, an item without bytes and one of
+    // another codec or type. Logs nothing.
+    static int fillHDR10StaticMetadataFromHevcMasteringDisplayInfoSei(const QVSeiItem& item,
+                                                                      QVHDR10StaticMetadata* metadata);
+
+    // Hands a kept user_data_registered_itu_t_t35 item and metadata, as they are, to the host's HDR Vivid
+    // parser and returns its status.
+    static int fillHDRVividDynamicMetadataFromHevcUserDataRegisteredSei(const QVSeiItem& item,
+                                                                        QVHDRVividDynamicMetadata* metadata);
 };
 
 #endif

@@ -29,8 +29,8 @@ bool holdsKeyUnitAnnexB(QVCodecID codec, const unsigned char* data, size_t size)
     return false;
 }
 
-// Lengths are 4 bytes here whatever the stream's configuration record says. One that runs past the end does
-// not end the search: the next is read from inside the unit.
+// Lengths are 4 bytes here whatever the stream's configuration record says (D23). One that runs past the end
+// does not end the search: the next is read from inside the unit.
 bool holdsKeyUnitLengthPrefixed(QVCodecID codec, const unsigned char* data, size_t size) {
     constexpr size_t kLengthSize = 4;
     const WorkingCopy copy = makeWorkingCopy(data, size);
@@ -58,6 +58,7 @@ bool QVNaluParser::isKeyFrame(QVCodecID codec, const unsigned char* data, int si
     if (data == nullptr || !isSupported(codec)) {
         return false;
     }
+    // D26: a length field of 1 or of 256 to 511 looks like a start code here.
     return isAnnexBData(data, size) ? holdsKeyUnitAnnexB(codec, data, bufferSize(size))
                                     : holdsKeyUnitLengthPrefixed(codec, data, bufferSize(size));
 }

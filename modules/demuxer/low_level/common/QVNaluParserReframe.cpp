@@ -1,6 +1,7 @@
 // Conversion between the byte stream format (ITU-T H.264/H.265 Annex B) and 4-byte length fields
 // (ISO/IEC 14496-15). Units are carried as they are: emulation prevention bytes are neither added nor
 // removed.
+#include <algorithm>
 #include <climits>
 #include <cstdint>
 #include <cstring>
@@ -14,15 +15,22 @@ using namespace qv_detail;
 namespace {
 
 constexpr unsigned char kStartCode[] = {0x00, 0x00, 0x00, 0x01};
+constexpr size_t kLengthSize = 4;
+
+// Makes room for count more bytes: a capacity that runs out is doubled, on every standard library.
+void makeRoom(std::vector<unsigned char>& out, size_t count) {
+    if (out.capacity() - out.size() < count) {
+        out.reserve(std::max(2 * out.capacity(), out.size() + count));
+    }
+}
 
 void appendUnit(std::vector<unsigned char>& out, const unsigned char* unit, uint32_t length) {
-    const unsigned char field[] = {
+    const unsigned char field[kLengthSize] = {
         static_cast<unsigned char>(length >> 24), static_cast<unsigned char>(length >> 16),
         static_cast<unsigned char>(length >> 8), static_cast<unsigned char>(length)};
-    out.insert(out.end(), field, field + sizeof field);
-    const size_t at = out.size();
-    out.resize(at + length);
-    std::memcpy(out.data() + at, unit, length);
+    makeRoom(out, kLengthSize + length);
+    out.insert(out.end(), field, field + kLengthSize);
+    out.insert(out.end(), unit, unit + length);
 }
 
 unsigned char* writeUnit(unsigned char* out, const unsigned char* unit, size_t length) {

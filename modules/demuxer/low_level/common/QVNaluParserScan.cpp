@@ -81,6 +81,7 @@ int64_t endOfUnits(const NalIndexList& nalus) {
 
 }  // namespace
 
+// D24: leading_zero_8bits ahead of the first start code are not accepted.
 bool QVNaluParser::isAnnexBData(const unsigned char* data, int size) {
     if (data == nullptr || size < 4) {
         return false;

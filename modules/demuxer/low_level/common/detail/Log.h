@@ -16,4 +16,18 @@ constexpr const char* kLogTag = "QVPlayerCore.DecoderConfigurationRecord";
 #define QV_LOG(level, function, ...) \
     qvTraceLog(level, qv_detail::kLogFile, __LINE__, function, qv_detail::kLogTag, __VA_ARGS__)
 
+// For the few texts that do not match their arguments and stay as hosts know them: the same call, without the
+// compiler's check of the format. Each use says why.
+namespace qv_detail {
+
+using UncheckedTraceLog = void (*)(int level, const char* file, int line, const char* function,
+                                   const char* tag, const char* format, ...);
+constexpr UncheckedTraceLog kUncheckedTraceLog = &qvTraceLog;
+
+}  // namespace qv_detail
+
+#define QV_LOG_UNCHECKED(level, function, ...)                                                        \
+    qv_detail::kUncheckedTraceLog(level, qv_detail::kLogFile, __LINE__, function, qv_detail::kLogTag, \
+                                  __VA_ARGS__)
+
 #endif

@@ -1,0 +1,51 @@
+// The side-data buffer of the stand-alone core: its layout, its reader, its release.
+//
+// One buffer carries the SEI items of one access unit. All integers are big-endian.
+//
+//   offset  width  content
+//   0       4      'Q' 'V' 'S' 'D'
+//   4       2      version, 1
+//   6       2      0
+//   8       4      size of the whole buffer in bytes
+//   12      4      number of items
+//   16             the items, one behind the other
+//   size-4  4      CRC-32 (IEEE 802.3) of everything before it
+//
+//   each item:
+//   0       4      codec (QVCodecID)
+//   4       4      payloadType
+//   8       4      payloadSize in bytes
+//   12      1      bit 0: requested; bit 1: the item has payload bytes; other bits 0
+//   13      3      0
+//   16             payloadSize bytes, if bit 1 is set; otherwise codec, payloadType and payloadSize are 0
+//
+// Ownership: createSideDataFromQVSeiInfo copies the payload bytes into one new block, which is its caller's
+// to release with freepQVSideData. The description borrows the payload pointers of the items: freepQVSeiInfo
+// releases the description alone, and whoever kept the items keeps and frees their payloads (qvFree).
+#ifndef QV_CORE_STANDALONE_QVSIDEDATA_H
+#define QV_CORE_STANDALONE_QVSIDEDATA_H
+
+#include <vector>
+
+#include "QVSeiItem.h"
+
+// What qvReadSideData found.
+enum QVSideDataStatus {
+    QVSideDataOk = 0,
+    QVSideDataNoBuffer = 1,       // null, or shorter than an empty buffer
+    QVSideDataNotSideData = 2,    // does not begin with the signature
+    QVSideDataOtherVersion = 3,   // a version that this reader does not know
+    QVSideDataWrongSize = 4,      // the size it names is not the size handed in
+    QVSideDataWrongChecksum = 5,  // changed since it was written
+    QVSideDataBrokenItems = 6     // items that do not fill the buffer, or reserved bits that are set
+};
+
+// Reads a buffer of size bytes into *items, replacing what it held. Payload pointers point into data, which
+// stays the caller's; items without payload bytes are all zero. On any status but QVSideDataOk *items is
+// untouched. items must not be null.
+QVSideDataStatus qvReadSideData(unsigned char* data, int size, std::vector<QVSeiItem>* items);
+
+// Releases *data, a buffer of createSideDataFromQVSeiInfo, and sets it to null. Null is allowed.
+void freepQVSideData(unsigned char** data);
+
+#endif

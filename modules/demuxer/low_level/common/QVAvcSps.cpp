@@ -1,0 +1,393 @@
+// The H.264 sequence parameter set: seq_parameter_set_data() and scaling_list(), ITU-T H.264 (08/2021)
+// 7.3.2.1.1, 7.3.2.1.1.1 and 7.4.2.1.1.
+//
+// Each sub-step holds a reference of its own on the stream and logs under its own name. Emulation prevention
+// bytes are read as data (D06).
+#include "QVAvcSps.h"
+
+#include <cstddef>
+#include <cstring>
+
+#include "detail/Log.h"
+#include "detail/PlainBits.h"
+
+using namespace qv_detail;
+
+namespace {
+
+using SharedStream = std::shared_ptr<QVByteStream>;
+
+constexpr uint32_t kSpsIdEnd = 32;
+constexpr uint32_t kChromaFormatEnd = 4;
+constexpr uint32_t kChromaFormat444 = 3;
+constexpr uint32_t kBitDepthEnd = 15;
+constexpr uint32_t kLog2Minus4End = 13;
+constexpr uint32_t kPocCycleEnd = 256;
+constexpr uint32_t kRefFrameEnd = 17;
+constexpr uint32_t kMbSizeEnd = INT32_MAX / 16;
+
+constexpr size_t kEntries4x4 = 16;
+constexpr size_t kEntries8x8 = 64;
+constexpr int kIntra = 0;
+constexpr int kInter = 1;
+constexpr uint8_t kFlatWeight = 16;
+
+// Table 7-3, in raster order.
+constexpr uint8_t kDefaultScaling4[2][kEntries4x4] = {
+    {6, 13, 20, 28, 13, 20, 28, 32, 20, 28, 32, 37, 28, 32, 37, 42},
+    {10, 14, 20, 24, 14, 20, 24, 27, 20, 24, 27, 30, 24, 27, 30, 34},
+};
+
+// Table 7-4, in raster order.
+constexpr uint8_t kDefaultScaling8[2][kEntries8x8] = {
+    {6,  10, 13, 16, 18, 23, 25, 27, 10, 11, 16, 18, 23, 25, 27, 29, 13, 16, 18, 23, 25, 27,
+     29, 31, 16, 18, 23, 25, 27, 29, 31, 33, 18, 23, 25, 27, 29, 31, 33, 36, 23, 25, 27, 29,
+     31, 33, 36, 38, 25, 27, 29, 31, 33, 36, 38, 40, 27, 29, 31, 33, 36, 38, 40, 42},
+    {9,  13, 15, 17, 19, 21, 22, 24, 13, 13, 17, 19, 21, 22, 24, 25, 15, 17, 19, 21, 22, 24,
+     25, 27, 17, 19, 21, 22, 24, 25, 27, 28, 19, 21, 22, 24, 25, 27, 28, 30, 21, 22, 24, 25,
+     27, 28, 30, 32, 22, 24, 25, 27, 28, 30, 32, 33, 24, 25, 27, 28, 30, 32, 33, 35},
+};
+
+// The frame zig-zag scans of 8.5.6 and 8.5.7 as raster indices.
+constexpr uint8_t kZigzagScan[kEntries4x4] = {0, 1, 4, 8, 5, 2, 3, 6, 9, 12, 13, 10, 7, 11, 14, 15};
+constexpr uint8_t kZigzagDirect[kEntries8x8] = {
+    0,  1,  8,  16, 9,  2,  3,  10, 17, 24, 32, 25, 18, 11, 4,  5,  12, 19, 26, 33, 40, 48,
+    41, 34, 27, 20, 13, 6,  7,  14, 21, 28, 35, 42, 49, 56, 57, 50, 43, 36, 29, 22, 15, 23,
+    30, 37, 44, 51, 58, 59, 52, 45, 38, 31, 39, 46, 53, 60, 61, 54, 47, 55, 62, 63};
+
+// The lists of one kind and size: where they stand, how they are scanned, what they fall back to.
+struct ScalingListShape {
+    size_t entries;
+    const uint8_t* scan;
+};
+
+constexpr ScalingListShape k4x4 = {kEntries4x4, kZigzagScan};
+constexpr ScalingListShape k8x8 = {kEntries8x8, kZigzagDirect};
+
+// D07: profiles 134, 135 and 139 carry the chroma syntax too; here they do not.
+bool hasChromaSyntax(uint32_t profile_idc) {
+    switch (profile_idc) {
+        case 100:
+        case 110:
+        case 122:
+        case 244:
+        case 44:
+        case 83:
+        case 86:
+        case 118:
+        case 128:
+        case 138:
+        case 144:
+            return true;
+        default:
+            return false;
+    }
+}
+
+bool fitsInt8(int32_t value) {
+    return value >= INT8_MIN && value <= INT8_MAX;
+}
+
+// scaling_list(): delta_scale by delta_scale in scan order. An invalid one ends the list, not the parameter
+// set (D09).
+void decodeScalingList(PlainBits& in, uint8_t* list, const ScalingListShape& shape, const uint8_t* fallback) {
+    uint32_t lastScale = 8;
+    uint32_t nextScale = 8;
+    for (size_t i = 0; i < shape.entries; ++i) {
+        if (nextScale != 0) {
+            const int32_t delta_scale = in.se();
+            if (!fitsInt8(delta_scale)) {
+                QV_LOG(QVTraceError, "parseScalingList", "parse_scaling_list, delta scale %d is invalid\n",
+                       delta_scale);
+                return;
+            }
+            nextScale = (lastScale + static_cast<uint32_t>(delta_scale)) % 256;
+        }
+        if (i == 0 && nextScale == 0) {
+            std::memcpy(list, fallback, shape.entries);
+            return;
+        }
+        lastScale = nextScale != 0 ? nextScale : lastScale;
+        list[shape.scan[i]] = static_cast<uint8_t>(lastScale);
+    }
+}
+
+// One list behind its seq_scaling_list_present_flag. A list that is not sent is a copy of inherited; one that
+// asks for the default is a copy of defaults.
+void parseScalingList(SharedStream stream, uint8_t* list, const ScalingListShape& shape,
+                      const uint8_t* inherited, const uint8_t* defaults) {
+    PlainBits in(*stream);
+    const uint32_t seq_scaling_list_present_flag = in.u(1);
+    if (seq_scaling_list_present_flag == 0) {
+        std::memcpy(list, inherited, shape.entries);
+        return;
+    }
+    decodeScalingList(in, list, shape, defaults);
+}
+
+// Table 7-2, fall-back rule set A: the first list of a kind falls back to the default, each other one to the
+// list before it.
+void parseScalingMatrices(QVAvcSps* sps, const SharedStream& stream) {
+    const auto parse4x4 = [&](int index, int kind, const uint8_t* inherited) {
+        parseScalingList(stream, sps->scaling_matrix4[index], k4x4, inherited, kDefaultScaling4[kind]);
+    };
+    const auto parse8x8 = [&](int index, int kind, const uint8_t* inherited) {
+        parseScalingList(stream, sps->scaling_matrix8[index], k8x8, inherited, kDefaultScaling8[kind]);
+    };
+    parse4x4(0, kIntra, kDefaultScaling4[kIntra]);
+    parse4x4(1, kIntra, sps->scaling_matrix4[0]);
+    parse4x4(2, kIntra, sps->scaling_matrix4[1]);
+    parse4x4(3, kInter, kDefaultScaling4[kInter]);
+    parse4x4(4, kInter, sps->scaling_matrix4[3]);
+    parse4x4(5, kInter, sps->scaling_matrix4[4]);
+    parse8x8(0, kIntra, kDefaultScaling8[kIntra]);
+    parse8x8(3, kInter, kDefaultScaling8[kInter]);
+    if (sps->chroma_format_idc == static_cast<int32_t>(kChromaFormat444)) {
+        parse8x8(1, kIntra, sps->scaling_matrix8[0]);
+        parse8x8(4, kInter, sps->scaling_matrix8[3]);
+        parse8x8(2, kIntra, sps->scaling_matrix8[1]);
+        parse8x8(5, kInter, sps->scaling_matrix8[4]);
+    }
+}
+
+// What the profile carries: chroma format, bit depths, scaling matrices.
+bool parseAvcSpsForProfile(QVAvcSps* sps, SharedStream stream) {
+    constexpr const char* kFunction = "parseAvcSpsForProfile";
+    if (!hasChromaSyntax(static_cast<uint32_t>(sps->profile_idc))) {
+        sps->chroma_format_idc = 1;
+        sps->bit_depth_luma = 8;
+        sps->bit_depth_chroma = 8;
+        return true;
+    }
+    PlainBits in(*stream);
+    const uint32_t chroma_format_idc = in.ue();
+    sps->chroma_format_idc = static_cast<int32_t>(chroma_format_idc);
+    if (chroma_format_idc >= kChromaFormatEnd) {
+        QV_LOG(QVTraceError, kFunction, "parseAvcCDecoderSps, chroma_format_idc : %u", chroma_format_idc);
+        return false;
+    }
+    if (chroma_format_idc == kChromaFormat444) {
+        sps->residual_color_transform_flag = in.flag();
+        if (sps->residual_color_transform_flag != 0) {  // D11
+            QV_LOG(QVTraceError, kFunction, "parseAvcCDecoderSps, separate color planes are not supported\n");
+            return false;
+        }
+    }
+    const uint32_t bitDepthLuma = in.ue() + 8;
+    const uint32_t bitDepthChroma = in.ue() + 8;
+    sps->bit_depth_luma = static_cast<int32_t>(bitDepthLuma);
+    sps->bit_depth_chroma = static_cast<int32_t>(bitDepthChroma);
+    if (bitDepthLuma != bitDepthChroma) {
+        QV_LOG(QVTraceError, kFunction, "parseAvcCDecoderSps, Different chroma and luma bit depth");
+        return false;
+    }
+    if (bitDepthLuma >= kBitDepthEnd) {
+        QV_LOG(QVTraceError, kFunction, "parseAvcCDecoderSps, illegal bit depth value : (%d, %d)\n",
+               sps->bit_depth_luma, sps->bit_depth_luma);
+        return false;
+    }
+    sps->transform_bypass = in.flag();
+    const uint32_t seq_scaling_matrix_present_flag = in.u(1);
+    if (seq_scaling_matrix_present_flag != 0) {
+        parseScalingMatrices(sps, stream);
+    }
+    return true;
+}
+
+bool parsePocType0(QVAvcSps* sps, PlainBits& in, const char* function) {
+    const uint32_t log2_max_pic_order_cnt_lsb_minus4 = in.ue();
+    if (log2_max_pic_order_cnt_lsb_minus4 >= kLog2Minus4End) {
+        QV_LOG(QVTraceError, function, "parseAvcCDecoderSps, logMmaxPocLsb is out of range : %d \n",
+               static_cast<int>(log2_max_pic_order_cnt_lsb_minus4));
+        return false;
+    }
+    sps->log2_max_poc_lsb = static_cast<int32_t>(log2_max_pic_order_cnt_lsb_minus4 + 4);
+    return true;
+}
+
+bool parsePocType1(QVAvcSps* sps, PlainBits& in, const char* function) {
+    sps->delta_pic_order_always_zero_flag = in.flag();
+    sps->offset_for_non_ref_pic = in.se();
+    sps->offset_for_top_to_bottom_field = in.se();
+    const uint32_t num_ref_frames_in_pic_order_cnt_cycle = in.ue();
+    sps->poc_cycle_length = static_cast<int32_t>(num_ref_frames_in_pic_order_cnt_cycle);
+    if (num_ref_frames_in_pic_order_cnt_cycle >= kPocCycleEnd) {
+        QV_LOG(QVTraceError, function, "parseAvcCDecoderSps, pocCycleLength overflow : %d\n",
+               sps->poc_cycle_length);
+        return false;
+    }
+    for (uint32_t i = 0; i < num_ref_frames_in_pic_order_cnt_cycle; ++i) {
+        sps->offset_for_ref_frame[i] = static_cast<int8_t>(in.se());  // D08: the low 8 bits alone
+    }
+    return true;
+}
+
+// Picture order count.
+bool parseAvcSpsForPoc(QVAvcSps* sps, SharedStream stream) {
+    constexpr const char* kFunction = "parseAvcSpsForPoc";
+    PlainBits in(*stream);
+    const uint32_t pic_order_cnt_type = in.ue();
+    sps->poc_type = static_cast<int32_t>(pic_order_cnt_type);
+    switch (pic_order_cnt_type) {
+        case 0:
+            return parsePocType0(sps, in, kFunction);
+        case 1:
+            return parsePocType1(sps, in, kFunction);
+        case 2:
+            return true;
+        default:
+            QV_LOG(QVTraceError, kFunction, "parseAvcCDecoderSps, illegal POC type : %d\n", sps->poc_type);
+            return false;
+    }
+}
+
+// Picture size in macroblocks and map units.
+bool parseMbSize(QVAvcSps* sps, PlainBits& in) {
+    const uint32_t mbWidth = in.ue() + 1;
+    const uint32_t mbHeight = in.ue() + 1;
+    sps->mb_width = static_cast<int32_t>(mbWidth);
+    sps->mb_height = static_cast<int32_t>(mbHeight);
+    if (mbHeight >= kMbSizeEnd || mbWidth >= kMbSizeEnd) {
+        QV_LOG(QVTraceError, "parseAvcSps", "parseAvcCDecoderSps, mb_width/height overflow\n");
+        return false;
+    }
+    return true;
+}
+
+void parseFrameCoding(QVAvcSps* sps, PlainBits& in) {
+    sps->frame_mbs_only_flag = in.flag();
+    sps->mb_aff = sps->frame_mbs_only_flag == 0 ? in.flag() : 0;
+    sps->direct_8x8_inference_flag = in.flag();
+    if (sps->mb_aff != 0) {
+        QV_LOG(QVTraceError, "parseAvcSps",
+               "parseAvcCDecoderSps, MBAFF support not included, enable it at compile-time.\n");
+    }
+}
+
+// CropUnitX and CropUnitY of equations 7-19 to 7-22, and the picture size behind the crop. Nothing is
+// compared with the picture: an oversize crop wraps (D10).
+void deriveCroppedSize(QVAvcSps* sps, uint32_t width, uint32_t height) {
+    const uint32_t frameHeightFactor = 2 - static_cast<uint32_t>(sps->frame_mbs_only_flag);
+    const uint32_t cropUnitX = sps->chroma_format_idc == 1 || sps->chroma_format_idc == 2 ? 2 : 1;
+    const uint32_t cropUnitY = frameHeightFactor * (sps->chroma_format_idc == 1 ? 2 : 1);
+    const uint32_t columns = static_cast<uint32_t>(sps->crop_left) + static_cast<uint32_t>(sps->crop_right);
+    const uint32_t rows = static_cast<uint32_t>(sps->crop_top) + static_cast<uint32_t>(sps->crop_bottom);
+    sps->width = static_cast<int32_t>(width - cropUnitX * columns);
+    sps->height = static_cast<int32_t>(height - cropUnitY * rows);
+}
+
+// Frame cropping.
+void parseAvcSpsForCrop(QVAvcSps* sps, SharedStream stream) {
+    PlainBits in(*stream);
+    const uint32_t width = 16 * static_cast<uint32_t>(sps->mb_width);
+    const uint32_t height =
+        16 * static_cast<uint32_t>(sps->mb_height) * (2 - static_cast<uint32_t>(sps->frame_mbs_only_flag));
+    sps->crop = in.flag();
+    if (sps->crop == 0) {
+        sps->crop_left = sps->crop_right = sps->crop_top = sps->crop_bottom = 0;
+        sps->width = static_cast<int32_t>(width);
+        sps->height = static_cast<int32_t>(height);
+        return;
+    }
+    sps->crop_left = static_cast<int32_t>(in.ue());
+    sps->crop_right = static_cast<int32_t>(in.ue());
+    sps->crop_top = static_cast<int32_t>(in.ue());
+    sps->crop_bottom = static_cast<int32_t>(in.ue());
+    QV_LOG(QVTraceDebug, "parseAvcSpsForCrop",
+           "parseAvcCDecoderSps, discarding sps cropping, original values are l:%d r:%d t:%d b:%d\n",
+           sps->crop_left, sps->crop_right, sps->crop_top, sps->crop_bottom);
+    deriveCroppedSize(sps, width, height);
+}
+
+const char* frameCodingWord(const QVAvcSps& sps) {
+    if (sps.frame_mbs_only_flag != 0) {
+        return "FRM";
+    }
+    return sps.mb_aff != 0 ? "MB-AFF" : "PIC-AFF";
+}
+
+void logSummary(const QVAvcSps& sps) {
+    static constexpr char csp[4][5] = {"Gray", "420", "422", "444"};
+    QV_LOG(QVTraceDebug, "parseAvcSps",
+           "parseAvcCDecoderSps, sps:%u profile:%d/%d poc:%d ref:%d %dx%d %s %s crop:%u/%u/%u/%u %s %s \n",
+           static_cast<unsigned>(sps.sps_id), sps.profile_idc, sps.level_idc, sps.poc_type,
+           sps.ref_frame_count, sps.mb_width, sps.mb_height, frameCodingWord(sps),
+           sps.direct_8x8_inference_flag != 0 ? "8B8" : "", static_cast<unsigned>(sps.crop_left),
+           static_cast<unsigned>(sps.crop_right), static_cast<unsigned>(sps.crop_top),
+           static_cast<unsigned>(sps.crop_bottom), sps.vui_parameters_present_flag != 0 ? "VUI" : "",
+           csp[sps.chroma_format_idc]);
+}
+
+// The head of the parameter set: nothing is stored before its identifier was accepted.
+bool parseHead(QVAvcSps* sps, PlainBits& in) {
+    in.skip(8);  // nal_unit() header
+    const uint32_t profile_idc = in.u(8);
+    uint32_t constraintSetFlags = 0;
+    for (uint32_t i = 0; i < 6; ++i) {
+        constraintSetFlags |= in.u(1) << i;
+    }
+    in.skip(2);  // reserved_zero_2bits
+    const uint32_t level_idc = in.u(8);
+    const uint32_t seq_parameter_set_id = in.ue();
+    if (seq_parameter_set_id >= kSpsIdEnd) {
+        QV_LOG(QVTraceError, "parseAvcSps", "parseAvcCDecoderSps, sps_id %u out of range\n",
+               seq_parameter_set_id);
+        return false;
+    }
+    sps->sps_id = static_cast<int32_t>(seq_parameter_set_id);
+    sps->time_offset_length = 24;
+    sps->profile_idc = static_cast<int32_t>(profile_idc);
+    sps->constraint_set_flags = static_cast<int32_t>(constraintSetFlags);
+    sps->level_idc = static_cast<int32_t>(level_idc);
+    sps->full_range = -1;
+    std::memset(sps->scaling_matrix4, kFlatWeight, sizeof sps->scaling_matrix4);
+    std::memset(sps->scaling_matrix8, kFlatWeight, sizeof sps->scaling_matrix8);
+    sps->scaling_matrix_present = 0;
+    sps->colorspace = 2;
+    return true;
+}
+
+bool parseLog2MaxFrameNum(QVAvcSps* sps, PlainBits& in) {
+    const uint32_t log2_max_frame_num_minus4 = in.ue();
+    if (log2_max_frame_num_minus4 >= kLog2Minus4End) {
+        QV_LOG(QVTraceError, "parseAvcSps",
+               "parseAvcCDecoderSps, log2MaxFrameNumMinus4 out of range (0-12): %d\n",
+               static_cast<int>(log2_max_frame_num_minus4));
+        return false;
+    }
+    sps->log2_max_frame_num = static_cast<int32_t>(log2_max_frame_num_minus4 + 4);
+    return true;
+}
+
+bool parseRefFrameCount(QVAvcSps* sps, PlainBits& in) {
+    const uint32_t max_num_ref_frames = in.ue();
+    sps->ref_frame_count = static_cast<int32_t>(max_num_ref_frames);
+    if (max_num_ref_frames >= kRefFrameEnd) {
+        QV_LOG(QVTraceError, "parseAvcSps", "parseAvcCDecoderSps, too many reference frames : %d\n",
+               sps->ref_frame_count);
+        return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+bool parseAvcSps(QVAvcSps* sps, std::shared_ptr<QVByteStream> stream) {
+    if (sps == nullptr || stream == nullptr || stream->size == 0) {
+        return false;
+    }
+    PlainBits in(*stream);
+    if (!parseHead(sps, in) || !parseAvcSpsForProfile(sps, stream) || !parseLog2MaxFrameNum(sps, in) ||
+        !parseAvcSpsForPoc(sps, stream) || !parseRefFrameCount(sps, in)) {
+        return false;
+    }
+    sps->gaps_in_frame_num_allowed_flag = in.flag();
+    if (!parseMbSize(sps, in)) {
+        return false;
+    }
+    parseFrameCoding(sps, in);
+    parseAvcSpsForCrop(sps, stream);
+    sps->vui_parameters_present_flag = in.flag();
+    logSummary(*sps);
+    return true;
+}

@@ -1,0 +1,42 @@
+// The start-code search with AVX2. Compiled with -mavx2 and entered only on machines that have it.
+#include <immintrin.h>
+
+#include "detail/StartCodeKernel.h"
+#include "detail/StartCodeSearch.h"
+
+namespace qv_detail {
+
+namespace {
+
+struct Avx2 {
+    static constexpr size_t kWidth = 32;
+
+    static bool mayHold(const unsigned char* aligned) {
+        const auto* const vectors = reinterpret_cast<const __m256i*>(aligned);
+        const __m256i mask = _mm256_set1_epi16(static_cast<short>(0xFEFF));
+        __m256i least = _mm256_and_si256(_mm256_load_si256(vectors), mask);
+        for (int i = 1; i < 8; ++i) {
+            least = _mm256_min_epu16(least, _mm256_and_si256(_mm256_load_si256(vectors + i), mask));
+        }
+        const __m256i hits = _mm256_cmpeq_epi16(least, _mm256_setzero_si256());
+        return _mm256_testz_si256(hits, hits) == 0;
+    }
+
+    static size_t firstMatch(const unsigned char* p) {
+        const __m256i first = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
+        const __m256i second = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + 1));
+        const __m256i third = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + 2));
+        const __m256i rest =
+            _mm256_or_si256(_mm256_or_si256(first, second), _mm256_xor_si256(third, _mm256_set1_epi8(1)));
+        const int matches = _mm256_movemask_epi8(_mm256_cmpeq_epi8(rest, _mm256_setzero_si256()));
+        return matches != 0 ? static_cast<size_t>(__builtin_ctz(static_cast<unsigned>(matches))) : kWidth;
+    }
+};
+
+}  // namespace
+
+size_t findPrefixAvx2(const unsigned char* data, size_t from, size_t end) {
+    return searchPrefix<Avx2>(data, from, end);
+}
+
+}  // namespace qv_detail
