@@ -1,0 +1,57 @@
+cmake_minimum_required(VERSION 3.22)
+
+# The library includes its own headers, the contracts of modules/core and the standard library; nothing
+# outside it includes its detail/ folder, and it never includes anything of the stand-alone core.
+set(library ${ROOT}/modules/demuxer/low_level/common)
+set(failures "")
+
+function(quoted_includes file result)
+  file(STRINGS ${file} lines REGEX "^#include \"")
+  set(names "")
+  foreach(line IN LISTS lines)
+    string(REGEX REPLACE "^#include \"([^\"]+)\".*" "\\1" name "${line}")
+    list(APPEND names ${name})
+  endforeach()
+  set(${result} "${names}" PARENT_SCOPE)
+endfunction()
+
+file(GLOB_RECURSE library_files ${library}/*.h ${library}/*.cpp)
+foreach(file IN LISTS library_files)
+  quoted_includes(${file} names)
+  foreach(name IN LISTS names)
+    if(NOT EXISTS ${library}/${name} AND NOT EXISTS ${ROOT}/modules/core/${name})
+      list(APPEND failures "${file} includes ${name}")
+    endif()
+  endforeach()
+endforeach()
+
+file(GLOB_RECURSE other_files
+  ${ROOT}/modules/core/*.h ${ROOT}/modules/core/*.cpp ${ROOT}/tools/*.h ${ROOT}/tools/*.cpp
+  ${ROOT}/tests/*.h ${ROOT}/tests/*.cpp ${ROOT}/bench/*.cpp ${ROOT}/fuzz/*.cpp ${ROOT}/examples/*.cpp)
+foreach(file IN LISTS other_files)
+  quoted_includes(${file} names)
+  foreach(name IN LISTS names)
+    if(name MATCHES "detail/")
+      list(APPEND failures "${file} includes ${name}")
+    endif()
+  endforeach()
+endforeach()
+
+file(GLOB contracts ${ROOT}/modules/core/*.h)
+foreach(file IN LISTS contracts)
+  quoted_includes(${file} names)
+  foreach(name IN LISTS names)
+    if(NOT EXISTS ${ROOT}/modules/core/${name})
+      list(APPEND failures "${file} includes ${name}")
+    endif()
+  endforeach()
+endforeach()
+
+if(failures)
+  string(REPLACE ";" "\n" failures "${failures}")
+  message(FATAL_ERROR "${failures}")
+endif()
+list(LENGTH library_files count)
+if(count EQUAL 0)
+  message(FATAL_ERROR "no library sources below ${library}")
+endif()

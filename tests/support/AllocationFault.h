@@ -1,0 +1,32 @@
+// Makes the n-th allocation of one kind fail while it lives.
+//
+// malloc is reached through the linker (--wrap=malloc), so only calls from objects of the test program count;
+// operator new and the non-throwing operator new[] are replaced.
+#ifndef QV_TESTS_ALLOCATIONFAULT_H
+#define QV_TESTS_ALLOCATIONFAULT_H
+
+namespace qv_test {
+
+enum class Allocator { Malloc, New, NothrowNewArray };
+
+class AllocationFault {
+public:
+    // nth counts from 1. 0 only counts.
+    AllocationFault(Allocator allocator, int nth);
+    ~AllocationFault();
+    AllocationFault(const AllocationFault&) = delete;
+    AllocationFault& operator=(const AllocationFault&) = delete;
+
+    // Allocations of the kind since construction.
+    int seen() const;
+
+    // True once the n-th allocation was asked for and refused.
+    bool triggered() const;
+
+private:
+    Allocator allocator_;
+};
+
+}  // namespace qv_test
+
+#endif
