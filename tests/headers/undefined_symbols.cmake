@@ -20,10 +20,10 @@ endif()
 set(platform
   qvTraceLog qvMalloc qvMallocz createQVSeiInfo createSideDataFromQVSeiInfo freepQVSeiInfo
   _ZN10QVDumpData14dumpActualDataEPKcPKhi
-  _ZN19qv_hdr_vivid_parser56fillHDRVividDynamicMetadataFromHevcUserDataRegisteredSeiERK9QVSeiItemP26QVHDRVividDynamicMetadata)
+  _ZN19qv_hdr_vivid_parser56fillHDRVividDynamicMetadataFromHevcUserDataRegisteredSeiERK9QVSeiItemP25QVHDRVividDynamicMetadata)
 set(runtime "^(_Z(nw|na|dl|da)|_ZSt|_ZNS[a-zA-Z]*|_ZNKS|_ZTV|_ZTI|__cxa_|__gxx_|_Unwind_|__stack_chk_fail)")
-# __cpu_model: what the compiler's runtime knows of the machine.
-set(c_library __cpu_model __cpu_indicator_init malloc free memchr memcmp memcpy memmove memset snprintf __snprintf_chk abort
+# __cpu_model is what the compiler's runtime knows of the machine, __libc_single_threaded is shared_ptr's.
+set(c_library __cpu_model __libc_single_threaded __cpu_indicator_init malloc free memchr memcmp memcpy memmove memset snprintf __snprintf_chk abort
   _GLOBAL_OFFSET_TABLE_)
 
 set(uses_platform FALSE)
