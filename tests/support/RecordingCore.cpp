@@ -1,6 +1,5 @@
 #include "RecordingCore.h"
 
-#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -129,9 +128,8 @@ extern "C" QVSeiInfo* createQVSeiInfo(uint32_t itemCount) {
     }
     const int64_t reported = core().reportedItemCount;
     const uint32_t count = reported >= 0 ? static_cast<uint32_t>(reported) : itemCount;
-    // Entries for the larger of the two counts, so that a wrong write is seen and not a crash.
-    const size_t room = std::max<size_t>(std::max(itemCount, count), 1);
-    auto* const info = new QVSeiInfo{count, new QVSeiItem[room]()};
+    // Room for the entries that the description reports and no more: a write beyond is for the sanitizer.
+    auto* const info = new QVSeiInfo{count, new QVSeiItem[count]()};
     ++core().liveSeiInfos;
     return info;
 }

@@ -600,7 +600,7 @@ TEST_P(QVByteStreamModel, randomOperations) {
         CursorModel model(bytes);
         for (int step = 0; step < 40; ++step) {
             const auto n = static_cast<uint32_t>(random() % 5 == 0 ? random() % 200 : random() % 34);
-            const auto operation = static_cast<unsigned>(random() % 8);
+            const auto operation = static_cast<unsigned>(random() % 9);
             SCOPED_TRACE("round " + std::to_string(round) + " step " + std::to_string(step) + " operation " +
                          std::to_string(operation) + " n " + std::to_string(n));
             switch (operation) {
@@ -620,7 +620,17 @@ TEST_P(QVByteStreamModel, randomOperations) {
                 case 5:
                     ASSERT_EQ(stream.readGolombSe(), model.readGolombSe());
                     break;
-                case 6:
+                case 6: {
+                    Bytes read(n % 40, 0x5A);
+                    stream.readRbspBytes(read.data(), read.size());
+                    Bytes expected;
+                    for (size_t i = 0; i < read.size(); ++i) {
+                        expected.push_back(static_cast<uint8_t>(model.readRbspBits(8)));
+                    }
+                    ASSERT_EQ(read, expected);
+                    break;
+                }
+                case 7:
                     stream.skipBits(n);
                     model.skipBits(n);
                     break;
@@ -636,6 +646,39 @@ TEST_P(QVByteStreamModel, randomOperations) {
 }
 
 INSTANTIATE_TEST_SUITE_P(seeds, QVByteStreamModel, ::testing::Range(1U, 9U));
+
+TEST(QVByteStreamRbsp, readsBytesAtAnyDensityOf03) {
+    for (const size_t distance : {1U, 2U, 3U, 5U, 31U, 32U, 33U, 64U, 100U, 400U}) {
+        for (const size_t size : {1U, 31U, 32U, 33U, 65U, 1000U}) {
+            Bytes bytes(size, 0x00);
+            for (size_t i = 0; i < size; ++i) {
+                bytes[i] = i % distance == 0 ? 0x03 : static_cast<uint8_t>(i % 7 == 0 ? 0x11 : 0x00);
+            }
+            for (size_t count = size > 40 ? size - 40 : 0; count <= size + 2; ++count) {
+                SCOPED_TRACE(std::to_string(distance) + " of " + std::to_string(size) + ": " +
+                             std::to_string(count));
+                Reader stream(bytes);
+                Bytes read(count, 0x5A);
+                stream.readRbspBytes(read.data(), count);
+                CursorModel model(bytes);
+                for (size_t i = 0; i < count; ++i) {
+                    ASSERT_EQ(read[i], model.readRbspBits(8)) << i;
+                }
+                ASSERT_EQ(cursorOf(stream), (Cursor{model.bytePos(), 0, 7}));
+            }
+        }
+    }
+}
+
+TEST(QVByteStreamRbsp, aCallersOwnBitIndexReadsZeroBits) {
+    Reader stream({0xFF, 0xFF});
+    stream.rbspBitIndex = 9;  // 9 and 8 hold no bit of the byte
+    EXPECT_EQ(stream.readRbspBits(3), 0b001U);
+    EXPECT_EQ(cursorOf(stream), (Cursor{0, 0, 6}));
+    stream.rbspBitIndex = 100;  // leaves the byte
+    EXPECT_EQ(stream.readRbspBits(2), 0b01U);
+    EXPECT_EQ(cursorOf(stream), (Cursor{1, 0, 6}));
+}
 
 TEST(QVByteStreamRbsp, readsBackWhatEmulationPreventionWasInsertedInto) {
     std::mt19937 random(7);

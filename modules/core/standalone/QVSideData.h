@@ -5,7 +5,7 @@
 //   offset  width  content
 //   0       4      'Q' 'V' 'S' 'D'
 //   4       2      version, 1
-//   6       2      0
+//   6       2      0, part of what a reader compares as the version
 //   8       4      size of the whole buffer in bytes
 //   12      4      number of items
 //   16             the items, one behind the other
@@ -17,7 +17,7 @@
 //   8       4      payloadSize in bytes
 //   12      1      bit 0: requested; bit 1: the item has payload bytes; other bits 0
 //   13      3      0
-//   16             payloadSize bytes, if bit 1 is set; otherwise codec, payloadType and payloadSize are 0
+//   16             payloadSize bytes, if bit 1 is set; otherwise the whole item is 0
 //
 // Ownership: createSideDataFromQVSeiInfo copies the payload bytes into one new block, which is its caller's
 // to release with freepQVSideData. The description borrows the payload pointers of the items: freepQVSeiInfo
@@ -37,7 +37,7 @@ enum QVSideDataStatus {
     QVSideDataOtherVersion = 3,   // a version that this reader does not know
     QVSideDataWrongSize = 4,      // the size it names is not the size handed in
     QVSideDataWrongChecksum = 5,  // changed since it was written
-    QVSideDataBrokenItems = 6     // items that do not fill the buffer, or reserved bits that are set
+    QVSideDataBrokenItems = 6     // items that do not fill the buffer, or hold what the layout does not allow
 };
 
 // Reads a buffer of size bytes into *items, replacing what it held. Payload pointers point into data, which

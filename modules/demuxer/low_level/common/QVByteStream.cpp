@@ -1,7 +1,9 @@
 // The bit reader. Bit descriptors u(n), ue(v), se(v) as in ITU-T H.264 (08/2021) 7.2 and 9.1.
 #include "QVByteStream.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
 
 #include "detail/WorkingCopy.h"
 
@@ -19,15 +21,28 @@ QVByteStream::~QVByteStream() {
     }
 }
 
+// --- RBSP cursor ---
+
 uint32_t QVByteStream::readRbspBits(unsigned long n) {
     const bool isSkip = n > 32;
     uint32_t value = 0;
-    for (; n > 0 && bytePos < size; --n) {
-        const uint32_t bit = rbspBitIndex < 8 ? (byteAt(bytePos) >> rbspBitIndex) & 1U : 0U;
-        if (!isSkip) {
-            value |= bit << (n - 1);
+    while (n > 0 && bytePos < size) {
+        if (rbspBitIndex > 7) {  // a caller's own index: no bit of a byte has it
+            --n;
+            if (--rbspBitIndex >= 9) {
+                leaveRbspByte();
+            }
+            continue;
         }
-        if (--rbspBitIndex >= 9) {
+        const uint32_t available = rbspBitIndex + 1;
+        const uint32_t taken = n < available ? static_cast<uint32_t>(n) : available;
+        const uint32_t bits = byteAt(bytePos) >> (available - taken) & ((1U << taken) - 1);
+        n -= taken;
+        if (!isSkip) {
+            value |= bits << n;
+        }
+        rbspBitIndex -= taken;
+        if (taken == available) {
             leaveRbspByte();
         }
     }
@@ -44,22 +59,50 @@ void QVByteStream::leaveRbspByte() {
     }
 }
 
-uint32_t QVByteStream::readBit() {
-    if (bytePos >= size) {
-        return 0;
-    }
-    const uint32_t bit = (byteAt(bytePos) & bitMask[(7 - bitOffset) & 7]) != 0 ? 1U : 0U;
-    advancePlainBit();
-    return bit;
+// Bytes from the byte position on that hold no 03 behind the first one: they can be taken in one piece.
+uint64_t QVByteStream::rbspPieceLength(uint64_t most) const {
+    const uint64_t length = std::min(most, size - bytePos);
+    const auto* const first = data + bytePos;
+    const void* const next03 = std::memchr(first + 1, 0x03, static_cast<size_t>(length - 1));
+    return next03 != nullptr ? static_cast<uint64_t>(static_cast<const uint8_t*>(next03) - first) : length;
 }
 
-uint32_t QVByteStream::readBits(uint32_t n) {
-    uint32_t value = 0;
-    for (; n > 0 && bytePos < size; --n) {
-        const uint32_t bit = readBit();
-        value |= n <= 32 ? bit << (n - 1) : 0U;
+void QVByteStream::readRbspBytes(uint8_t* out, size_t count) {
+    constexpr uint64_t kWorthAPiece = 32;
+    constexpr int kBytesBetweenPieces = 64;
+    uint8_t* const end = out + count;
+    while (out != end && bytePos < size && isAlignedRbsp()) {
+        const uint64_t length = rbspPieceLength(static_cast<uint64_t>(end - out));
+        std::memcpy(out, data + bytePos, static_cast<size_t>(length));
+        out += length;
+        bytePos += length - 1;
+        leaveRbspByte();
+        // Where 03 bytes stand close together, looking for the next one costs more than the bytes do.
+        const int bytewise = length < kWorthAPiece ? kBytesBetweenPieces : 0;
+        for (int i = 0; i < bytewise && out != end && bytePos < size; ++i) {
+            *out++ = data[bytePos];
+            leaveRbspByte();
+        }
+    }
+    while (out != end && bytePos < size) {
+        *out++ = static_cast<uint8_t>(readRbspBits(8));
+    }
+    std::fill(out, end, uint8_t{0});
+}
+
+// --- Plain cursor ---
+
+uint64_t QVByteStream::windowOfShortStream() const {
+    uint64_t value = 0;
+    for (uint64_t i = 0; i < 8; ++i) {
+        value = value << 8 | (bytePos + i < size ? byteAt(bytePos + i) : 0U);
     }
     return value;
+}
+
+uint32_t QVByteStream::readManyBits(uint32_t n) {
+    advance(n - 32);
+    return readBits(32);
 }
 
 // Moves one bit on whether or not data is left.
@@ -70,8 +113,8 @@ void QVByteStream::advancePlainBit() {
     }
 }
 
-// D04: Exp-Golomb codes are read without a look at emulation prevention bytes.
-uint32_t QVByteStream::readGolombUe() {
+// D04: Exp-Golomb codes, long or short, are read without a look at emulation prevention bytes.
+uint32_t QVByteStream::readLongGolombUe() {
     uint64_t leadingZeroBits = 0;
     if (countLeadingZeroBits(leadingZeroBits) != GolombPrefix::Counted) {
         return 0;
@@ -80,7 +123,7 @@ uint32_t QVByteStream::readGolombUe() {
     return codeNumPlus1 != 0 ? codeNumPlus1 - 1 : 0;
 }
 
-int32_t QVByteStream::readGolombSe() {
+int32_t QVByteStream::readLongGolombSe() {
     uint64_t leadingZeroBits = 0;
     if (countLeadingZeroBits(leadingZeroBits) != GolombPrefix::Counted) {
         return 0;

@@ -12,6 +12,8 @@
 #include <stddef.h>
 #include <stdint.h>
 
+#include <cstring>
+
 class QVByteStream {
 public:
     // An empty stream.
@@ -33,6 +35,9 @@ public:
     // that 0x03 is passed.
     // n == 0 touches nothing. n > 32 consumes n bits and returns 0. Past the end nothing moves.
     uint32_t readRbspBits(unsigned long n);
+
+    // Reads count bytes, each as readRbspBits(8).
+    void readRbspBytes(uint8_t* out, size_t count);
 
     // --- Plain cursor ---
 
@@ -105,13 +110,100 @@ public:
     uint32_t extraFlag = 1;
 
 private:
-    enum class GolombPrefix { Ended, Empty, Counted };
-
     uint32_t byteAt(uint64_t position) const { return data != nullptr ? data[position] : 0U; }
-    void advancePlainBit();
+    bool isAlignedRbsp() const { return rbspBitIndex == 7 && data != nullptr; }
     void leaveRbspByte();
+    uint64_t rbspPieceLength(uint64_t most) const;
+
+    uint64_t window() const;
+    uint64_t windowOfShortStream() const;
+    void advance(uint64_t bits);
+    uint32_t readManyBits(uint32_t n);
+
+    enum class GolombPrefix { Ended, Empty, Counted };
+    bool readShortGolombCode(uint32_t& code);
+    uint32_t readLongGolombUe();
+    int32_t readLongGolombSe();
     GolombPrefix countLeadingZeroBits(uint64_t& leadingZeroBits);
     uint32_t readGolombBits(uint64_t count);
+    void advancePlainBit();
 };
+
+// --- Inline, because every syntax element passes here ---
+
+// The next 64 bits from the byte position on, zero bits standing for what lies past the end. Reads nothing
+// outside the data. The byte position must be before the end.
+inline uint64_t QVByteStream::window() const {
+    if (size < 8 || data == nullptr) {
+        return windowOfShortStream();
+    }
+    const uint64_t left = size - bytePos;
+    const uint8_t* const bytes = left >= 8 ? data + bytePos : data + size - 8;
+    uint64_t value;
+    std::memcpy(&value, bytes, sizeof value);
+#if __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+    value = __builtin_bswap64(value);
+#endif
+    return left >= 8 ? value : value << (64 - 8 * left);
+}
+
+// Moves bits on, but not past the end.
+inline void QVByteStream::advance(uint64_t bits) {
+    const uint64_t total = (bitOffset & 7U) + bits;
+    const uint64_t left = size - bytePos;
+    if (total / 8 >= left) {
+        bytePos = size;
+        bitOffset = 0;
+        return;
+    }
+    bytePos += total / 8;
+    bitOffset = static_cast<uint8_t>(total % 8);
+}
+
+inline uint32_t QVByteStream::readBit() {
+    return readBits(1);
+}
+
+inline uint32_t QVByteStream::readBits(uint32_t n) {
+    if (bytePos >= size || n == 0) {
+        return 0;
+    }
+    if (n > 32) {
+        return readManyBits(n);
+    }
+    const uint64_t bits = window() << (bitOffset & 7U);
+    advance(n);
+    return static_cast<uint32_t>(bits >> (64 - n));
+}
+
+// A code that lies in one window: its 1 bit and the information bits behind it.
+inline bool QVByteStream::readShortGolombCode(uint32_t& code) {
+    constexpr int kMostLeadingZeroBits = 28;  // 2 * 28 + 1 bits behind an offset of 7 are in the window
+    if (bytePos >= size) {
+        return false;
+    }
+    const uint64_t bits = window() << (bitOffset & 7U);
+    const int leadingZeroBits = bits != 0 ? __builtin_clzll(bits) : 64;
+    if (leadingZeroBits > kMostLeadingZeroBits) {
+        return false;
+    }
+    code = static_cast<uint32_t>(bits >> (63 - 2 * leadingZeroBits));
+    advance(static_cast<uint64_t>(2 * leadingZeroBits + 1));
+    return true;
+}
+
+inline uint32_t QVByteStream::readGolombUe() {
+    uint32_t code = 0;
+    return readShortGolombCode(code) ? code - 1 : readLongGolombUe();
+}
+
+inline int32_t QVByteStream::readGolombSe() {
+    uint32_t code = 0;
+    if (!readShortGolombCode(code)) {
+        return readLongGolombSe();
+    }
+    const auto magnitude = static_cast<int32_t>(code >> 1);
+    return (code & 1U) != 0 ? -magnitude : magnitude;
+}
 
 #endif

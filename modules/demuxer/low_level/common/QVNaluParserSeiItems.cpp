@@ -1,6 +1,4 @@
 // Raw capture of SEI payloads into items, and the side-data buffer of an access unit.
-#include <cstring>
-
 #include "QVMemory.h"
 #include "QVNaluParser.h"
 #include "QVSeiInfo.h"
@@ -9,15 +7,6 @@
 using namespace qv_detail;
 
 namespace {
-
-// Zero bytes stand for what lies behind the end of the stream.
-void captureRbspBytes(QVByteStream& stream, uint8_t* out, size_t count) {
-    size_t captured = 0;
-    while (captured < count && !stream.atEnd()) {
-        out[captured++] = static_cast<uint8_t>(stream.readRbspBits(8));
-    }
-    std::memset(out + captured, 0, count - captured);
-}
 
 void describeItems(QVSeiInfo& info, const std::vector<QVSeiItem>& items) {
     for (size_t i = 0; i < info.itemCount && i < items.size(); ++i) {
@@ -36,7 +25,7 @@ void describeItems(QVSeiInfo& info, const std::vector<QVSeiItem>& items) {
 int QVNaluParser::fillSeiDataWithoutParsing(QVByteStream& stream, int payloadSize,
                                             std::vector<QVSeiItem>& items, QVCodecID codec, int payloadType,
                                             bool requested) {
-    if (payloadSize < 1) {
+    if (payloadSize < 1) {  // D28
         return QVResultFailed;
     }
     NewSeiItem item(items, {codec, static_cast<uint32_t>(payloadType), static_cast<uint32_t>(payloadSize),
@@ -46,7 +35,7 @@ int QVNaluParser::fillSeiDataWithoutParsing(QVByteStream& stream, int payloadSiz
     if (payload == nullptr) {
         return QVResultFailed;
     }
-    captureRbspBytes(stream, payload, count);
+    stream.readRbspBytes(payload, count);
     item.keep(payload, static_cast<uint32_t>(payloadSize));
     return QVResultOk;
 }

@@ -40,7 +40,7 @@ uint32_t readHeaderSum(QVByteStream& stream, uint32_t start) {
     return sum;
 }
 
-// A negative size is sign-extended and left to the skip's own bounds.
+// Over the bytes as they stand (D27). A negative size is sign-extended and left to the skip's own bounds.
 void skipPayload(QVByteStream& stream, int payloadSize) {
     stream.skipBytes(static_cast<uint64_t>(int64_t{payloadSize}));
 }
@@ -135,7 +135,7 @@ int QVNaluParser::parserAvcDataToSei(const unsigned char* data, int size, std::v
         if (result != QVResultOk) {
             return result;
         }
-        // A parser that read beyond its payload is not pulled back.
+        // A parser that read beyond its payload is not pulled back (D29).
         if (payloadEnd >= stream.bytePos) {
             stream.skipBytes(payloadEnd - stream.bytePos);
         }
