@@ -1,0 +1,58 @@
+#include "StartCode.h"
+
+#include <gtest/gtest.h>
+
+#include "InspectSupport.h"
+
+namespace qv_test {
+namespace {
+
+using qvinspect::findStartCode;
+
+struct Case {
+    const char* name;
+    const char* bytes;
+    size_t from;
+    size_t zeroByteFrom;
+    bool isFound;
+    size_t codeAt;
+    size_t unitAt;
+};
+
+void PrintTo(const Case& row, std::ostream* out) {
+    *out << row.name;
+}
+
+class StartCodeTable : public ::testing::TestWithParam<Case> {};
+
+TEST_P(StartCodeTable, isFoundWhereItStands) {
+    const Case& row = GetParam();
+    const Bytes bytes = hex(row.bytes);
+    const auto code = findStartCode(bytes.data(), bytes.size(), row.from, row.zeroByteFrom);
+    ASSERT_EQ(code.has_value(), row.isFound);
+    if (code) {
+        EXPECT_EQ(code->codeAt, row.codeAt);
+        EXPECT_EQ(code->unitAt, row.unitAt);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, StartCodeTable,
+    ::testing::Values(Case{"nothing", "", 0, 0, false, 0, 0},  //
+                      Case{"noCode", "01 02 03 04 05 06", 0, 0, false, 0, 0},
+                      Case{"threeBytes", "00 00 01 65", 0, 0, true, 0, 3},
+                      Case{"fourBytes", "00 00 00 01 65", 0, 0, true, 0, 4},
+                      Case{"fiveBytes", "00 00 00 00 01 65", 0, 0, true, 1, 5},
+                      Case{"nothingBehind", "00 00 01", 0, 0, false, 0, 0},
+                      Case{"nothingBehindFour", "FF 00 00 00 01", 0, 0, false, 0, 0},
+                      Case{"behindOthers", "65 01 00 00 01 41", 0, 0, true, 2, 5},
+                      Case{"fromItsFirstByte", "65 01 00 00 01 41", 2, 0, true, 2, 5},
+                      Case{"fromItsSecondByte", "65 01 00 00 01 41", 3, 0, false, 0, 0},
+                      Case{"zeroByteSpokenFor", "00 00 01 00 00 00 01 41", 4, 4, true, 4, 7},
+                      Case{"zeroByteFree", "00 00 01 65 00 00 00 01 41", 4, 4, true, 4, 8},
+                      Case{"fromBehindTheZeroByte", "65 00 00 00 01 41", 2, 1, true, 1, 5},
+                      Case{"oneAheadOfTheOne", "00 01 00 01 00 00 01 09", 0, 0, true, 4, 7}),
+    [](const auto& row) { return row.param.name; });
+
+}  // namespace
+}  // namespace qv_test

@@ -1,0 +1,23 @@
+// Bytes in order, from wherever they come.
+#ifndef QVINSPECT_BYTESOURCE_H
+#define QVINSPECT_BYTESOURCE_H
+
+#include <cstddef>
+#include <string>
+
+namespace qvinspect {
+
+class ByteSource {
+public:
+    virtual ~ByteSource() = default;
+
+    // Reads up to size bytes to to and returns how many. 0 only at the end, or when reading failed.
+    virtual size_t read(unsigned char* to, size_t size) = 0;
+
+    // Why reading ended ahead of the end; empty when it did not.
+    virtual std::string failure() const = 0;
+};
+
+}  // namespace qvinspect
+
+#endif

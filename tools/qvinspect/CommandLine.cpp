@@ -1,0 +1,34 @@
+#include "CommandLine.h"
+
+#include <CLI/CLI.hpp>
+
+#include "ExitCode.h"
+
+namespace qvinspect {
+
+CommandLine parseCommandLine(int argc, const char* const* argv) {
+    CLI::App app(
+        "Lists the access units and NAL units of H.264 and H.265 video: raw Annex B files and containers.",
+        "qvinspect");
+    app.footer(
+        "Exit code: 0 when every file was listed, broken as it may be; 1 for a wrong command line;\n"
+        "2 when a file could not be inspected at all.");
+    CommandLine line;
+    std::string codec = "auto";
+    app.add_option("--codec", codec, "What the files hold; in a container, the video to choose")
+        ->check(CLI::IsMember({"auto", "h264", "h265"}))
+        ->capture_default_str();
+    app.add_option("FILE", line.files, "Files to inspect, one after the other")->required();
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        line.exitCode = app.exit(error) == 0 ? kExitOk : kExitUsage;
+        return line;
+    }
+    if (codec != "auto") {
+        line.codec = codec == "h264" ? QVCodecIDAvc : QVCodecIDHevc;
+    }
+    return line;
+}
+
+}  // namespace qvinspect

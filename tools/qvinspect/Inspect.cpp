@@ -1,0 +1,41 @@
+#include "Inspect.h"
+
+#include <fmt/format.h>
+
+#include "Analysis.h"
+#include "InputError.h"
+#include "Listing.h"
+#include "OpenInput.h"
+#include "PrintableName.h"
+#include "Summary.h"
+
+namespace qvinspect {
+
+namespace {
+
+[[noreturn]] void refuseEmpty(const std::vector<Finding>& findings) {
+    const std::string reason = findings.empty() ? "its video has no samples" : findings.front().text;
+    throw InputError(fmt::format("nothing to list: {}; check that it is the right file and whole", reason));
+}
+
+}  // namespace
+
+void inspectFile(const std::string& path, std::optional<QVCodecID> codec, Output& output) {
+    const auto reader = openInput(path, codec);
+    AccessUnit accessUnit;
+    if (!reader->next(accessUnit)) {
+        refuseEmpty(accessUnit.findings);
+    }
+    Listing listing(output, printableName(path), reader->info(), accessUnit.fileOffset.has_value());
+    Summary summary;
+    listing.begin();
+    do {
+        const AccessUnitReport report = analyse(accessUnit);
+        listing.add(accessUnit, report);
+        summary.add(accessUnit, report);
+    } while (reader->next(accessUnit));
+    summary.add(accessUnit.findings);
+    listing.end(accessUnit.findings, summary);
+}
+
+}  // namespace qvinspect

@@ -1,0 +1,41 @@
+// The listing of one file, as a person reads it.
+#ifndef QVINSPECT_LISTING_H
+#define QVINSPECT_LISTING_H
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "AccessUnitReader.h"
+#include "Analysis.h"
+#include "Output.h"
+#include "Summary.h"
+
+namespace qvinspect {
+
+class Listing {
+public:
+    // name as it is to be printed. isRaw: access units have offsets instead of times.
+    Listing(Output& output, std::string name, StreamInfo info, bool isRaw);
+
+    void begin();
+    void add(const AccessUnit& accessUnit, const AccessUnitReport& report);
+
+    // findings: those behind the last access unit.
+    void end(const std::vector<Finding>& findings, const Summary& summary);
+
+private:
+    void addUnit(const UnitReport& unit);
+    void addFindings(const std::vector<Finding>& findings);
+    void endUnits(const Summary& summary);
+
+    Output& output_;
+    std::string name_;
+    StreamInfo info_;
+    bool isRaw_;
+    uint64_t number_ = 0;  // of the access unit listed last
+};
+
+}  // namespace qvinspect
+
+#endif
