@@ -3,11 +3,16 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <deque>
+#include <filesystem>
 #include <memory>
+#include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "Inspect.h"
 #include "InspectSupport.h"
+#include "StreamExpectation.h"
 
 namespace qv_test {
 namespace {
@@ -34,12 +39,20 @@ std::string contentOf(std::FILE* file) {
     return text;
 }
 
-std::string listingOf(const std::string& name, const Bytes& bytes) {
+// What a listing has to be, to the letter: a person has looked at it.
+std::string golden(const std::string& name) {
+    const Bytes bytes = fileContent(std::filesystem::path(QVINSPECT_GOLDEN_DIR) / (name + ".txt"));
+    return std::string(bytes.begin(), bytes.end());
+}
+
+std::string listingOf(const std::string& name, const Bytes& bytes, std::deque<int> requested = {}) {
     const TemporaryFolder folder;
     const std::string path = folder.write(name, bytes);
     const File file = temporaryFile();
     qvinspect::Output output(file.get());
-    qvinspect::inspectFile(path, std::nullopt, output);
+    qvinspect::CommandLine line;
+    line.requested = std::move(requested);
+    qvinspect::inspectFile(path, line, output);
     output.flush();
     std::string text = contentOf(file.get());
     for (size_t at = text.find(path); at != std::string::npos; at = text.find(path)) {
@@ -50,43 +63,29 @@ std::string listingOf(const std::string& name, const Bytes& bytes) {
 
 TEST(Listing, rawStream) {
     EXPECT_EQ(listingOf("hevc_hdr10.h265", fileContent(sampleFolder() / "hevc_hdr10.h265")),
-              R"(File     hevc_hdr10.h265
-Stream   H.265, raw byte stream, Annex B start codes
-Offsets  in the file
+              golden("raw_stream"));
+}
 
-AU               offset       bytes
-                 offset      length  type
-AU 1                  0        3366  key
-                      4          24    32  VPS_NUT
-                     32          45    33  SPS_NUT
-                     81           7    34  PPS_NUT
-                     91          10    39  PREFIX_SEI_NUT
-                    104          30    39  PREFIX_SEI_NUT
-                    137        3229    20  IDR_N_LP
-AU 2               3366        1128
-                   3370        1124     1  TRAIL_R
-AU 3               4494         747
-                   4498         743     1  TRAIL_R
-AU 4               5241         577
-                   5245         573     0  TRAIL_N, non-reference
+TEST(Listing, hdrVivid) {
+    EXPECT_EQ(listingOf("hevc_vivid_hand.h265", fileContent(bundledStreams() / "hevc_vivid_hand.h265")),
+              golden("hdr_vivid"));
+}
 
-Summary of hevc_hdr10.h265
-  codec             H.265
-  container         none, raw byte stream
-  framing           Annex B start codes
-  access units      4
-  key access units  1
-  NAL units         9
-    type  0         1         TRAIL_N
-    type  1         2         TRAIL_R
-    type 20         1         IDR_N_LP
-    type 32         1         VPS_NUT
-    type 33         1         SPS_NUT
-    type 34         1         PPS_NUT
-    type 39         2         PREFIX_SEI_NUT
-  bytes             5818
-  errors            0
-)");
+TEST(Listing, hrdTiming) {
+    EXPECT_EQ(listingOf("avc_hrd_picstruct.h264", fileContent(bundledStreams() / "avc_hrd_picstruct.h264")),
+              golden("hrd_timing"));
+}
+
+TEST(Listing, requestedTypesAreKept) {
+    EXPECT_EQ(listingOf("hevc_hash_hand.h265", fileContent(bundledStreams() / "hevc_hash_hand.h265"), {132}),
+              golden("requested_hashes"));
+}
+
+TEST(Listing, mp4WithItsConfigurationRecord) {
+    if (QVINSPECT_HAS_LIBAVFORMAT == 0) {
+        GTEST_SKIP() << "built without libavformat: no containers";
+    }
+    EXPECT_EQ(listingOf("avc_len1.mp4", fileContent(bundledStreams() / "avc_len1.mp4")), golden("mp4"));
 }
 
 TEST(Listing, findings) {
@@ -100,43 +99,7 @@ TEST(Listing, findings) {
             "00 00 01 41 9A 64 66 "              //
             "00 00 01 41 9A 84 66 "              //
             "00 00 01 41 9A A4 66");
-    EXPECT_EQ(listingOf("x", stream),
-              R"(File     x
-Stream   H.264, raw byte stream, Annex B start codes
-Offsets  in the file
-
-AU               offset       bytes
-                 offset      length  type
-AU 1                  2          26  key
-         note at 0: 2 bytes ahead of the first start code are left out
-                      6           7     7  sequence parameter set
-                     16           4     -  error: forbidden_zero_bit is set
-                     23           5     5  slice of an IDR picture
-AU 2                 28           7
-                     31           4     1  slice of a non-IDR picture, non-reference
-AU 3                 35           7
-                     38           4     1  slice of a non-IDR picture
-AU 4                 42           7
-                     45           4     1  slice of a non-IDR picture
-AU 5                 49           7
-                     52           4     1  slice of a non-IDR picture
-AU 6                 56           7
-                     59           4     1  slice of a non-IDR picture
-
-Summary of x
-  codec             H.264
-  container         none, raw byte stream
-  framing           Annex B start codes
-  access units      6
-  key access units  1
-  NAL units         8
-    type  1         5         slice of a non-IDR picture
-    type  5         1         slice of an IDR picture
-    type  7         1         sequence parameter set
-    no type         1         forbidden_zero_bit set, or empty
-  bytes             61
-  errors            1
-)");
+    EXPECT_EQ(listingOf("x", stream), golden("findings"));
 }
 
 qvinspect::StreamInfo containerInfo() {
@@ -165,41 +128,17 @@ TEST(Listing, container) {
     const std::vector<qvinspect::Finding> behind = {{qvinspect::Severity::Error, 99, "reading failed"},
                                                     {qvinspect::Severity::Note, std::nullopt, "a note"}};
 
-    listing.begin();
-    listing.add(timed, report);
-    listing.add(untimed, {});
+    qvinspect::AccessUnitDetails details;
+    details.units.resize(report.units.size());
+    listing.begin({});
+    listing.add(timed, report, details);
+    listing.add(untimed, {}, {});
     summary.add(timed, report);
     summary.add(untimed, {});
     summary.add(behind);
-    listing.end(behind, summary);
+    listing.end(behind, summary, qvinspect::StreamDetails(QVCodecIDHevc, {}));
     output.flush();
-    EXPECT_EQ(contentOf(file.get()),
-              R"(File     x.mp4
-Stream   H.265, QuickTime / MOV, 2-byte length fields
-Offsets  in the access unit
-
-AU             time [s]       bytes
-                 offset      length  type
-AU 1          -0.040000        1234  key
-                      2        1230    19  IDR_W_RADL
-                   1234           0     -  error: empty unit
-AU 2                  -           7
-         error: damaged
-         error at 99: reading failed
-         note: a note
-
-Summary of x.mp4
-  codec             H.265
-  container         QuickTime / MOV
-  framing           2-byte length fields
-  access units      2
-  key access units  1
-  NAL units         2
-    type 19         1         IDR_W_RADL
-    no type         1         forbidden_zero_bit set, or empty
-  bytes             1241
-  errors            3
-)");
+    EXPECT_EQ(contentOf(file.get()), golden("container"));
 }
 
 }  // namespace

@@ -2,7 +2,9 @@
 #ifndef QVINSPECT_ACCESSUNITREADER_H
 #define QVINSPECT_ACCESSUNITREADER_H
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
 #include "AccessUnit.h"
 
@@ -12,6 +14,7 @@ namespace qvinspect {
 struct StreamInfo {
     std::string format;  // the container's name, or what stands in its place
     QVCodecParameters parameters{};
+    std::vector<uint8_t> configuration;  // the container's record for the decoder; empty when there is none
 };
 
 class AccessUnitReader {

@@ -8,7 +8,9 @@ namespace qvinspect {
 
 CommandLine parseCommandLine(int argc, const char* const* argv) {
     CLI::App app(
-        "Lists the access units and NAL units of H.264 and H.265 video: raw Annex B files and containers.",
+        "Lists access units, NAL units, parameter sets and SEI messages of H.264 and H.265 video: raw Annex "
+        "B\n"
+        "files and containers.",
         "qvinspect");
     app.footer(
         "Exit code: 0 when every file was listed, broken as it may be; 1 for a wrong command line;\n"
@@ -18,6 +20,12 @@ CommandLine parseCommandLine(int argc, const char* const* argv) {
     app.add_option("--codec", codec, "What the files hold; in a container, the video to choose")
         ->check(CLI::IsMember({"auto", "h264", "h265"}))
         ->capture_default_str();
+    std::vector<int> requested;
+    app.add_option("--request", requested, "SEI payload type to keep as an item; may be given again")
+        ->type_name("TYPE")
+        ->expected(1)
+        ->take_all()
+        ->check(CLI::NonNegativeNumber);
     app.add_option("FILE", line.files, "Files to inspect, one after the other")->required();
     try {
         app.parse(argc, argv);
@@ -25,6 +33,7 @@ CommandLine parseCommandLine(int argc, const char* const* argv) {
         line.exitCode = app.exit(error) == 0 ? kExitOk : kExitUsage;
         return line;
     }
+    line.requested.assign(requested.begin(), requested.end());
     if (codec != "auto") {
         line.codec = codec == "h264" ? QVCodecIDAvc : QVCodecIDHevc;
     }

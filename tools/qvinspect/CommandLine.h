@@ -2,6 +2,7 @@
 #ifndef QVINSPECT_COMMANDLINE_H
 #define QVINSPECT_COMMANDLINE_H
 
+#include <deque>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,6 +13,7 @@ namespace qvinspect {
 
 struct CommandLine {
     std::optional<QVCodecID> codec;  // what the caller says the files hold
+    std::deque<int> requested;       // SEI payloadTypes to keep as items
     std::vector<std::string> files;
 
     // Set when there is nothing to inspect: the help was asked for and printed, or the line was wrong and

@@ -98,6 +98,10 @@ public:
     ContainerReader(Context context, AVStream& video, QVCodecID codec)
         : context_(std::move(context)), video_(video), packet_(av_packet_alloc()) {
         info_.format = context_->iformat->long_name;
+        const uint8_t* const record = video.codecpar->extradata;
+        if (record != nullptr) {
+            info_.configuration.assign(record, record + video.codecpar->extradata_size);
+        }
         info_.parameters =
             framing(codec, video.codecpar->extradata, static_cast<size_t>(video.codecpar->extradata_size));
         parameters_ = info_.parameters;

@@ -7,6 +7,7 @@
 #include "Listing.h"
 #include "OpenInput.h"
 #include "PrintableName.h"
+#include "StreamDetails.h"
 #include "Summary.h"
 
 namespace qvinspect {
@@ -20,22 +21,23 @@ namespace {
 
 }  // namespace
 
-void inspectFile(const std::string& path, std::optional<QVCodecID> codec, Output& output) {
-    const auto reader = openInput(path, codec);
+void inspectFile(const std::string& path, const CommandLine& line, Output& output) {
+    const auto reader = openInput(path, line.codec);
     AccessUnit accessUnit;
     if (!reader->next(accessUnit)) {
         refuseEmpty(accessUnit.findings);
     }
     Listing listing(output, printableName(path), reader->info(), accessUnit.fileOffset.has_value());
     Summary summary;
-    listing.begin();
+    StreamDetails details(reader->info().parameters.codecId, line.requested);
+    listing.begin(details.addConfiguration(reader->info().configuration));
     do {
         const AccessUnitReport report = analyse(accessUnit);
-        listing.add(accessUnit, report);
+        listing.add(accessUnit, report, details.add(accessUnit, report));
         summary.add(accessUnit, report);
     } while (reader->next(accessUnit));
     summary.add(accessUnit.findings);
-    listing.end(accessUnit.findings, summary);
+    listing.end(accessUnit.findings, summary, details);
 }
 
 }  // namespace qvinspect

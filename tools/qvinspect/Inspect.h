@@ -2,16 +2,15 @@
 #ifndef QVINSPECT_INSPECT_H
 #define QVINSPECT_INSPECT_H
 
-#include <optional>
 #include <string>
 
+#include "CommandLine.h"
 #include "Output.h"
-#include "QVCodecParameters.h"
 
 namespace qvinspect {
 
 // Throws InputError, with nothing printed, when the file cannot be inspected at all.
-void inspectFile(const std::string& path, std::optional<QVCodecID> codec, Output& output);
+void inspectFile(const std::string& path, const CommandLine& line, Output& output);
 
 }  // namespace qvinspect
 

@@ -9,6 +9,7 @@
 #include "AccessUnitReader.h"
 #include "Analysis.h"
 #include "Output.h"
+#include "StreamDetails.h"
 #include "Summary.h"
 
 namespace qvinspect {
@@ -18,16 +19,22 @@ public:
     // name as it is to be printed. isRaw: access units have offsets instead of times.
     Listing(Output& output, std::string name, StreamInfo info, bool isRaw);
 
-    void begin();
-    void add(const AccessUnit& accessUnit, const AccessUnitReport& report);
+    // parameterSets: those that came with the container.
+    void begin(const std::vector<SequenceParameterSet>& parameterSets);
+    void add(const AccessUnit& accessUnit, const AccessUnitReport& report, const AccessUnitDetails& details);
 
     // findings: those behind the last access unit.
-    void end(const std::vector<Finding>& findings, const Summary& summary);
+    void end(const std::vector<Finding>& findings, const Summary& summary, const StreamDetails& details);
 
 private:
     void addUnit(const UnitReport& unit);
+    void addDetails(const UnitDetails& details);
+    void addSps(const SequenceParameterSet& sps);
+    void addMessage(const SeiMessage& message);
+    void addBlock(const Block& block);
     void addFindings(const std::vector<Finding>& findings);
     void endUnits(const Summary& summary);
+    void endDetails(const StreamDetails& details);
 
     Output& output_;
     std::string name_;

@@ -25,7 +25,7 @@ void complain(const std::string& text) {
 // False when the file cannot be inspected; that is said then.
 bool inspect(const std::string& file, const CommandLine& line, Output& output) {
     try {
-        inspectFile(file, line.codec, output);
+        inspectFile(file, line, output);
         return true;
     } catch (const InputError& error) {
         output.flush();  // what was listed so far comes first

@@ -1,0 +1,64 @@
+#include "ConfigurationRecord.h"
+
+#include <gtest/gtest.h>
+
+#include "InspectSupport.h"
+
+namespace qv_test {
+namespace {
+
+using qvinspect::configurationUnits;
+using Units = std::vector<std::vector<uint8_t>>;
+
+// ISO/IEC 14496-15 5.3.3.1.2: two sequence parameter sets and one picture parameter set.
+TEST(ConfigurationRecord, avcC) {
+    EXPECT_EQ(
+        configurationUnits(QVCodecIDAvc, hex("01 64 00 0C FF E2 00 03 67 64 00 00 02 67 42 01 00 02 68 CE")),
+        (Units{{0x67, 0x64, 0x00}, {0x67, 0x42}, {0x68, 0xCE}}));
+}
+
+TEST(ConfigurationRecord, avcCCutShortGivesWhatIsWhole) {
+    const Bytes whole = hex("01 64 00 0C FF E2 00 03 67 64 00 00 02 67 42 01 00 02 68 CE");
+    const size_t unitEnds[] = {11, 15, 20};
+    for (size_t size = 0; size <= whole.size(); ++size) {
+        SCOPED_TRACE(size);
+        size_t expected = 0;
+        for (const size_t end : unitEnds) {
+            expected += size >= end ? 1 : 0;
+        }
+        EXPECT_EQ(
+            configurationUnits(QVCodecIDAvc, Bytes(whole.begin(), whole.begin() + static_cast<long>(size)))
+                .size(),
+            expected);
+    }
+}
+
+// 8.3.3.1.2: 22 bytes of head, then arrays of a type each.
+Bytes hvcC() {
+    Bytes record(22, 0x00);
+    record[0] = 0x01;
+    return record + hex("02 A0 00 01 00 03 40 01 0C A1 00 02 00 02 42 01 00 01 42");
+}
+
+TEST(ConfigurationRecord, hvcC) {
+    EXPECT_EQ(configurationUnits(QVCodecIDHevc, hvcC()), (Units{{0x40, 0x01, 0x0C}, {0x42, 0x01}, {0x42}}));
+}
+
+TEST(ConfigurationRecord, aLengthBeyondTheRecordEndsIt) {
+    Bytes record = hvcC();
+    record[record.size() - 2] = 0x09;
+    EXPECT_EQ(configurationUnits(QVCodecIDHevc, record), (Units{{0x40, 0x01, 0x0C}, {0x42, 0x01}}));
+}
+
+TEST(ConfigurationRecord, aByteStreamInItsPlace) {
+    EXPECT_EQ(configurationUnits(QVCodecIDAvc, hex("00 00 00 01 67 42 00 00 01 68 CE")),
+              (Units{{0x67, 0x42}, {0x68, 0xCE}}));
+}
+
+TEST(ConfigurationRecord, neitherHoldsNothing) {
+    EXPECT_TRUE(configurationUnits(QVCodecIDAvc, {}).empty());
+    EXPECT_TRUE(configurationUnits(QVCodecIDAvc, hex("02 64 00 0C FF E1 00 01 67")).empty());
+}
+
+}  // namespace
+}  // namespace qv_test

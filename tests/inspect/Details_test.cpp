@@ -1,0 +1,221 @@
+// What the inspector says of parameter sets and SEI messages in real streams, against what independent tools
+// say of them.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "InspectSupport.h"
+#include "OpenInput.h"
+#include "StreamDetails.h"
+#include "StreamExpectation.h"
+
+namespace qv_test {
+namespace {
+
+using nlohmann::json;
+using qvinspect::Block;
+using qvinspect::Field;
+using qvinspect::SeiMessage;
+
+struct Told {
+    std::vector<std::vector<SeiMessage>> seiUnits;
+    std::vector<qvinspect::SequenceParameterSet> parameterSets;
+};
+
+Told tell(const std::filesystem::path& path) {
+    Told told;
+    const auto reader = qvinspect::openInput(path, std::nullopt);
+    qvinspect::StreamDetails details(reader->info().parameters.codecId, {});
+    told.parameterSets = details.addConfiguration(reader->info().configuration);
+    qvinspect::AccessUnit accessUnit;
+    while (reader->next(accessUnit)) {
+        const auto report = qvinspect::analyse(accessUnit);
+        for (const auto& unit : details.add(accessUnit, report).units) {
+            if (unit.newSps) {
+                told.parameterSets.push_back(*unit.newSps);
+            }
+            if (unit.sei) {
+                told.seiUnits.push_back(unit.sei->messages);
+            }
+        }
+    }
+    return told;
+}
+
+std::map<std::string, std::string> valuesOf(const Block& block) {
+    std::map<std::string, std::string> values;
+    for (const Field& field : block.fields) {
+        values[field.name] = field.value;
+    }
+    return values;
+}
+
+std::string hexOf(const Bytes& bytes, size_t most) {
+    static const char digits[] = "0123456789abcdef";
+    std::string text;
+    for (size_t i = 0; i < bytes.size() && i < most; ++i) {
+        text += digits[bytes[i] / 16];
+        text += digits[bytes[i] % 16];
+    }
+    return text;
+}
+
+// Two elements of the bitstream stand on one line of a listing.
+void checkPair(const std::map<std::string, std::string>& values, const json& fields, const std::string& shown,
+               const std::string& x, const std::string& y) {
+    ASSERT_TRUE(values.count(shown)) << shown;
+    EXPECT_EQ(values.at(shown), std::to_string(fields.at(x).get<uint64_t>()) + " " +
+                                    std::to_string(fields.at(y).get<uint64_t>()));
+}
+
+void checkMasteringDisplay(const std::map<std::string, std::string>& values, const json& fields) {
+    const char* const shown[] = {"display_primaries[0] (G)", "display_primaries[1] (B)",
+                                 "display_primaries[2] (R)"};
+    for (int c = 0; c < 3; ++c) {
+        const std::string index = "[" + std::to_string(c) + "]";
+        checkPair(values, fields, shown[c], "display_primaries_x" + index, "display_primaries_y" + index);
+    }
+    checkPair(values, fields, "white_point", "white_point_x", "white_point_y");
+}
+
+// How many elements of a payload type were compared.
+using Compared = std::map<uint32_t, int>;
+
+void checkMessage(const SeiMessage& message, const json& expected, Compared& compared) {
+    EXPECT_EQ(message.payloadType, expected.at("type").get<uint32_t>());
+    EXPECT_EQ(message.payloadSize, expected.at("size").get<uint32_t>());
+    std::string hex = expected.at("hex");
+    hex.resize(std::min(hex.find('.'), hex.size()));  // long payloads are cut
+    EXPECT_EQ(hexOf(message.payload, hex.size() / 2), hex);
+    if (!expected.contains("fields")) {
+        return;
+    }
+    const auto values = valuesOf(message.block);
+    if (message.payloadType == 137) {
+        checkMasteringDisplay(values, expected.at("fields"));
+    }
+    for (const auto& [name, value] : expected.at("fields").items()) {
+        const auto shown = values.find(name);
+        if (shown != values.end() && value.is_number()) {
+            EXPECT_EQ(std::stoll(shown->second, nullptr, 0), value.get<int64_t>()) << name;
+            ++compared[message.payloadType];
+        }
+    }
+}
+
+// Units whose messages end properly, all of them in the listed part of the expectation.
+bool isComparable(const json& unit) {
+    return !unit.contains("state") && unit.contains("messages");
+}
+
+void checkSei(const Told& told, const json& sei, Compared& compared) {
+    const json& list = sei.at("list");
+    if (list.size() == sei.at("units").get<size_t>()) {
+        EXPECT_EQ(told.seiUnits.size(), list.size());
+    }
+    for (size_t i = 0; i < list.size() && i < told.seiUnits.size(); ++i) {
+        if (!isComparable(list[i])) {
+            continue;
+        }
+        SCOPED_TRACE("SEI unit " + std::to_string(i));
+        const json& messages = list[i].at("messages");
+        ASSERT_EQ(told.seiUnits[i].size(), messages.size());
+        for (size_t m = 0; m < messages.size(); ++m) {
+            checkMessage(told.seiUnits[i][m], messages[m], compared);
+        }
+    }
+}
+
+// What the tool shows for a parameter set against the syntax elements that were traced.
+int checkSps(const qvinspect::SequenceParameterSet& sps, const json& syntax) {
+    int compared = 0;
+    const auto values = valuesOf(describe(sps));
+    for (const auto& [name, value] : syntax.items()) {
+        const auto shown = values.find(name);
+        if (shown != values.end() && value.is_number()) {
+            EXPECT_EQ(std::stoll(shown->second, nullptr, 0), value.get<int64_t>()) << name;
+            ++compared;
+        }
+    }
+    return compared;
+}
+
+// Refused on purpose, read without the base layer's syntax, or not read to its end by the other tool either.
+const std::set<std::string> kOtherParameterSets = {"avc_jm_444_sep.h264", "avc_jm_mvc_stereo.h264",
+                                                   "hevc_alpha.h265", "hevc_mvhevc.h265"};
+
+void checkParameterSets(const Told& told, const Stream& stream) {
+    if (kOtherParameterSets.count(stream.name) != 0) {
+        return;
+    }
+    std::vector<json> expected;
+    for (const json& sps : stream.expectation.at("sps")) {
+        if (sps.contains("syntax") && !sps.contains("trace_error")) {
+            expected.push_back(sps);
+        }
+    }
+    ASSERT_GE(told.parameterSets.size(), expected.empty() ? 0U : 1U);
+    // The first one of the stream, or of its configuration record; later ones are held against it alone when
+    // they are as many.
+    for (size_t i = 0; i < expected.size() && told.parameterSets.size() == expected.size(); ++i) {
+        SCOPED_TRACE("parameter set " + std::to_string(i));
+        EXPECT_GE(checkSps(told.parameterSets[i], expected[i].at("syntax")), 10);
+    }
+}
+
+class Details : public ::testing::TestWithParam<bool> {
+protected:
+    std::filesystem::path folder() const { return GetParam() ? streamsFolder() : bundledStreams(); }
+
+    bool isAbsent() const { return !std::filesystem::exists(folder()); }
+
+    // Containers need libavformat.
+    static bool isReadable(const Stream& stream) {
+        return QVINSPECT_HAS_LIBAVFORMAT == 1 || stream.framing() == "annexb";
+    }
+};
+
+TEST_P(Details, seiMessagesAndTheirFields) {
+    if (isAbsent()) {
+        GTEST_SKIP() << "no folder " << folder();
+    }
+    Compared compared;
+    int streams = 0;
+    for (const Stream& stream : streamsIn(folder())) {
+        // Bytes were damaged there: what is left of messages is not the same to every reader.
+        if (!isReadable(stream) || stream.name.find("noise") != std::string::npos) {
+            continue;
+        }
+        SCOPED_TRACE(stream.name);
+        checkSei(tell(folder() / stream.name), stream.expectation.at("sei"), compared);
+        ++streams;
+    }
+    EXPECT_GT(streams, 0);
+    const std::set<uint32_t> types =
+        GetParam() ? std::set<uint32_t>{0, 1, 6, 47, 129, 137, 144, 147} : std::set<uint32_t>{0, 1, 137, 144};
+    for (const uint32_t type : types) {
+        EXPECT_GT(compared[type], 0) << "no element of payloadType " << type << " was compared";
+    }
+}
+
+TEST_P(Details, parameterSets) {
+    if (isAbsent()) {
+        GTEST_SKIP() << "no folder " << folder();
+    }
+    for (const Stream& stream : streamsIn(folder())) {
+        if (isReadable(stream)) {
+            SCOPED_TRACE(stream.name);
+            checkParameterSets(tell(folder() / stream.name), stream);
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, Details, ::testing::Values(false, true),
+                         [](const auto& parameter) { return parameter.param ? "folder" : "bundled"; });
+
+}  // namespace
+}  // namespace qv_test
