@@ -176,9 +176,11 @@ inline uint32_t QVByteStream::readBits(uint32_t n) {
     return static_cast<uint32_t>(bits >> (64 - n));
 }
 
-// A code that lies in one window: its 1 bit and the information bits behind it.
+// A code of at most 31 leading zero bits, as every legal one is: its 1 bit and the information bits behind
+// it.
 inline bool QVByteStream::readShortGolombCode(uint32_t& code) {
-    constexpr int kMostLeadingZeroBits = 28;  // 2 * 28 + 1 bits behind an offset of 7 are in the window
+    constexpr int kMostInOneWindow = 28;  // 2 * 28 + 1 bits behind an offset of 7 are in the window
+    constexpr int kMostLeadingZeroBits = 31;
     if (bytePos >= size) {
         return false;
     }
@@ -186,6 +188,11 @@ inline bool QVByteStream::readShortGolombCode(uint32_t& code) {
     const int leadingZeroBits = bits != 0 ? __builtin_clzll(bits) : 64;
     if (leadingZeroBits > kMostLeadingZeroBits) {
         return false;
+    }
+    if (leadingZeroBits > kMostInOneWindow) {
+        advance(static_cast<uint64_t>(leadingZeroBits));
+        code = readBits(static_cast<uint32_t>(leadingZeroBits + 1));
+        return true;
     }
     code = static_cast<uint32_t>(bits >> (63 - 2 * leadingZeroBits));
     advance(static_cast<uint64_t>(2 * leadingZeroBits + 1));
