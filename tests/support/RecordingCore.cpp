@@ -100,6 +100,9 @@ extern "C" void qvTraceLog(int level, const char* file, int line, const char* fu
     const std::string text = qv_test::isPlainText(format) ? format : qv_test::formatted(format, arguments);
     core().lines.push_back({level, file, line, function, tag, text, format});
     va_end(arguments);
+    if (core().onLog) {
+        core().onLog(core().lines.back());
+    }
     if (core().throwFromLog) {
         throw qv_test::LogFailure();
     }

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -68,6 +69,7 @@ struct RecordingCore {
     std::vector<std::pair<const QVSeiItem*, QVHDRVividDynamicMetadata*>> vividCalls;
 
     bool throwFromLog = false;
+    std::function<void(const LogLine&)> onLog;  // looks on while a line is logged
 };
 
 struct LogFailure {};

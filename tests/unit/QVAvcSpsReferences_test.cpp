@@ -1,7 +1,9 @@
 // The references that parseAvcSps takes on its stream, and exceptions from every log line of it.
 #include <gtest/gtest.h>
 
+#include <map>
 #include <memory>
+#include <string>
 #include <utility>
 
 #include "AvcSpsRecord.h"
@@ -34,6 +36,39 @@ TEST_F(QVAvcSpsReferences, theStreamIsTakenByValue) {
     const std::weak_ptr<QVByteStream> watch = moved;
     EXPECT_TRUE(parseAvcSps(&sps, std::move(moved)));
     EXPECT_TRUE(watch.expired()) << "no reference outlives the call";
+}
+
+// One reference is the caller's, one the parameter's; each sub-step that logs holds one more.
+TEST_F(QVAvcSpsReferences, eachSubStepHoldsOne) {
+    const Bytes bytes = highAvcSps([](AvcSpsSyntax& s) {
+                            s.seq_scaling_matrix_present_flag = 1;
+                            s.scalingLists[0] = {1, {128}};
+                            s.frame_cropping_flag = 1;
+                        }).bytes();
+    stream = std::make_shared<QVByteStream>(bytes.data(), bytes.size());
+    std::map<std::string, long> references;
+    core().onLog = [&](const LogLine& line) { references[line.function] = stream.use_count(); };
+    EXPECT_TRUE(parseAvcSps(&sps, stream));
+    EXPECT_EQ(references, (std::map<std::string, long>{{"parseScalingList", 4},  // inside the profile step
+                                                       {"parseAvcSpsForCrop", 3},
+                                                       {"parseAvcSps", 2}}));
+    EXPECT_EQ(stream.use_count(), 1);
+}
+
+TEST_F(QVAvcSpsReferences, theProfileAndPocStepsHoldOne) {
+    const std::pair<const char*, BitWriter> cases[] = {
+        {"parseAvcSpsForProfile", highAvcSps([](AvcSpsSyntax& s) { s.chroma_format_idc = 4; })},
+        {"parseAvcSpsForPoc", avcSps([](AvcSpsSyntax& s) { s.pic_order_cnt_type = 3; })}};
+    for (const auto& [function, syntax] : cases) {
+        SCOPED_TRACE(function);
+        const Bytes bytes = syntax.bytes();
+        stream = std::make_shared<QVByteStream>(bytes.data(), bytes.size());
+        std::map<std::string, long> references;
+        core().onLog = [&](const LogLine& line) { references[line.function] = stream.use_count(); };
+        EXPECT_FALSE(parseAvcSps(&sps, stream));
+        EXPECT_EQ(references, (std::map<std::string, long>{{function, 3}}));
+        EXPECT_EQ(stream.use_count(), 1);
+    }
 }
 
 TEST_F(QVAvcSpsReferences, throwFromTheHead) {

@@ -347,7 +347,7 @@ TEST_F(QVHevcSpsSubLayers, reservedBitsArePassedOver) {
 
 // F.7.3.2.2.1 has no profile_tier_level() behind sps_ext_or_max_sub_layers_minus1 7 in a parameter set of an
 // extension layer. Here it is read like any other.
-TEST_F(QVHevcSpsSubLayers, ofAnExtensionLayer) {
+TEST_F(QVHevcSpsSubLayers, D30_ofAnExtensionLayer) {
     ASSERT_TRUE(parse(hevcSps([](HevcSpsSyntax& s) {
         s.nuh_layer_id = 1;
         s.sps_max_sub_layers_minus1 = 7;
@@ -367,6 +367,17 @@ TEST_F(QVHevcSpsReferences, theStreamIsTakenByValue) {
     const std::weak_ptr<QVByteStream> watch = moved;
     EXPECT_TRUE(parseHevcSps(&sps, std::move(moved)));
     EXPECT_TRUE(watch.expired()) << "no reference outlives the call";
+}
+
+// One reference is the caller's, one the parameter's, one the profile step's.
+TEST_F(QVHevcSpsReferences, theProfileStepHoldsOne) {
+    const Bytes bytes = hevcSps().bytes();
+    stream = std::make_shared<QVByteStream>(bytes.data(), bytes.size());
+    long references = 0;
+    core().onLog = [&](const LogLine& /*line*/) { references = stream.use_count(); };
+    EXPECT_TRUE(parseHevcSps(&sps, stream));
+    EXPECT_EQ(references, 3);
+    EXPECT_EQ(stream.use_count(), 1);
 }
 
 TEST_F(QVHevcSpsReferences, aThrowingLog) {

@@ -377,8 +377,20 @@ bool parseAvcSps(QVAvcSps* sps, std::shared_ptr<QVByteStream> stream) {
         return false;
     }
     PlainBits in(*stream);
-    if (!parseHead(sps, in) || !parseAvcSpsForProfile(sps, stream) || !parseLog2MaxFrameNum(sps, in) ||
-        !parseAvcSpsForPoc(sps, stream) || !parseRefFrameCount(sps, in)) {
+    // One statement for each sub-step: its reference on the stream ends with the statement.
+    if (!parseHead(sps, in)) {
+        return false;
+    }
+    if (!parseAvcSpsForProfile(sps, stream)) {
+        return false;
+    }
+    if (!parseLog2MaxFrameNum(sps, in)) {
+        return false;
+    }
+    if (!parseAvcSpsForPoc(sps, stream)) {
+        return false;
+    }
+    if (!parseRefFrameCount(sps, in)) {
         return false;
     }
     sps->gaps_in_frame_num_allowed_flag = in.flag();

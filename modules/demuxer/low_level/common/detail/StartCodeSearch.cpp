@@ -2,7 +2,9 @@
 // where the machine says that it has it, and bytes where nothing else is known.
 #include "detail/StartCodeSearch.h"
 
-#if defined(__SSE2__)
+#if defined(QV_WITHOUT_VECTORS)
+// Bytes alone.
+#elif defined(__SSE2__)
 #include <emmintrin.h>
 
 #include "detail/StartCodeKernel.h"
@@ -16,7 +18,9 @@ namespace qv_detail {
 
 namespace {
 
-#if defined(__SSE2__)
+#if defined(QV_WITHOUT_VECTORS)
+// Bytes alone.
+#elif defined(__SSE2__)
 
 struct Sse2 {
     static constexpr size_t kWidth = 16;
