@@ -10,6 +10,7 @@
 #include "RecordingCore.h"
 #include "ReferenceFraming.h"
 #include "StreamExpectation.h"
+#include "StreamFolder.h"
 
 namespace qv_test {
 namespace {
@@ -65,25 +66,8 @@ std::vector<Packet> packetsOf(const Stream& stream) {
     return packets;
 }
 
-struct Folder {
-    const char* name;
-    std::filesystem::path path;
-};
-
-void PrintTo(const Folder& folder, std::ostream* out) {
-    *out << folder.path.string();
-}
-
-class StreamFraming : public CoreTest, public ::testing::WithParamInterface<Folder> {
+class StreamFraming : public StreamFolderTest<CoreTest> {
 protected:
-    void SetUp() override {
-        CoreTest::SetUp();
-        if (!std::filesystem::is_directory(GetParam().path)) {
-            GTEST_SKIP() << "there is no folder " << GetParam().path
-                         << "; -DQVNALU_STREAMS_DIR=... names another";
-        }
-    }
-
     // Calls check with each stream of that framing.
     template <typename Check>
     static void forEachStream(const std::string& framing, Check check) {
@@ -289,14 +273,7 @@ TEST_P(StreamFraming, keyFramesOfLengthPrefixedSamples) {
     });
 }
 
-std::string nameOf(const ::testing::TestParamInfo<Folder>& folder) {
-    return folder.param.name;
-}
-
-INSTANTIATE_TEST_SUITE_P(From, StreamFraming,
-                         ::testing::Values(Folder{"bundled", bundledStreams()},
-                                           Folder{"folder", streamsFolder()}),
-                         nameOf);
+INSTANTIATE_TEST_SUITE_P(From, StreamFraming, everyStreamFolder(), nameOf);
 
 }  // namespace
 }  // namespace qv_test

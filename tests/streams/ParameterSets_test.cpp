@@ -18,6 +18,7 @@
 #include "HevcSpsRecord.h"
 #include "RecordingCore.h"
 #include "StreamExpectation.h"
+#include "StreamFolder.h"
 
 namespace qv_test {
 namespace {
@@ -257,25 +258,8 @@ std::string departureOf(const std::string& stream) {
     return found != kDepartures.end() ? found->second : "same";
 }
 
-struct Folder {
-    const char* name;
-    std::filesystem::path path;
-};
-
-void PrintTo(const Folder& folder, std::ostream* out) {
-    *out << folder.path.string();
-}
-
-class ParameterSets : public CoreTest, public ::testing::WithParamInterface<Folder> {
+class ParameterSets : public StreamFolderTest<CoreTest> {
 protected:
-    void SetUp() override {
-        CoreTest::SetUp();
-        if (!std::filesystem::is_directory(GetParam().path)) {
-            GTEST_SKIP() << "there is no folder " << GetParam().path
-                         << "; -DQVNALU_STREAMS_DIR=... names another";
-        }
-    }
-
     static void checkAvc(const Stream& stream, const json& sps, Table& table);
     static void checkHevc(const Stream& stream, const json& sps, Table& table);
     static void checkSeparatePlanes(const json& sps, bool isAccepted, const QVAvcSps& record);
@@ -371,14 +355,7 @@ TEST_P(ParameterSets, readAsTheToolsReadThem) {
     core().lines.clear();
 }
 
-std::string nameOf(const ::testing::TestParamInfo<Folder>& folder) {
-    return folder.param.name;
-}
-
-INSTANTIATE_TEST_SUITE_P(From, ParameterSets,
-                         ::testing::Values(Folder{"bundled", bundledStreams()},
-                                           Folder{"folder", streamsFolder()}),
-                         nameOf);
+INSTANTIATE_TEST_SUITE_P(From, ParameterSets, everyStreamFolder(), nameOf);
 
 // --- A few real parameter sets that are always there ---
 

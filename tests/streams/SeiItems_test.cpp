@@ -18,6 +18,7 @@
 #include "QVNaluParser.h"
 #include "SeiTest.h"
 #include "StreamExpectation.h"
+#include "StreamFolder.h"
 
 namespace qv_test {
 namespace {
@@ -255,25 +256,8 @@ ItemTexts expectedTexts(const Bytes& unit, const json& expectation, Pass pass) {
 
 // --- Walking ---
 
-struct Folder {
-    const char* name;
-    std::filesystem::path path;
-};
-
-void PrintTo(const Folder& folder, std::ostream* out) {
-    *out << folder.path.string();
-}
-
-class SeiStreams : public SeiTest, public ::testing::WithParamInterface<Folder> {
+class SeiStreams : public StreamFolderTest<SeiTest> {
 protected:
-    void SetUp() override {
-        SeiTest::SetUp();
-        if (!std::filesystem::is_directory(GetParam().path)) {
-            GTEST_SKIP() << "there is no folder " << GetParam().path
-                         << "; -DQVNALU_STREAMS_DIR=... names another";
-        }
-    }
-
     void checkFolder(Pass pass) {
         const std::vector<Stream> streams = streamsIn(GetParam().path, "annexb");
         ASSERT_FALSE(streams.empty());
@@ -392,14 +376,7 @@ TEST_P(SeiStreams, D14_D15_everyTypeRequested) {
     checkFolder(Pass::AllRequested);
 }
 
-std::string nameOf(const ::testing::TestParamInfo<Folder>& folder) {
-    return folder.param.name;
-}
-
-INSTANTIATE_TEST_SUITE_P(From, SeiStreams,
-                         ::testing::Values(Folder{"bundled", bundledStreams()},
-                                           Folder{"folder", streamsFolder()}),
-                         nameOf);
+INSTANTIATE_TEST_SUITE_P(From, SeiStreams, everyStreamFolder(), nameOf);
 
 }  // namespace
 }  // namespace qv_test
