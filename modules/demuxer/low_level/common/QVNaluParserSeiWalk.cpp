@@ -63,29 +63,35 @@ int captureRequestedOrSkip(QVByteStream& stream, int payloadType, int payloadSiz
 
 int parseAvcPayload(QVByteStream& stream, int payloadType, int payloadSize, std::vector<QVSeiItem>& items,
                     QVAvcSps* sps, const std::deque<int>& requested) {
-    QVAvcSeiBufferingPeriod bufferingPeriod{};
-    QVAvcSeiAfd afd{};
-    QVAvcSeiRecoveryPoint recoveryPoint{};
-    QVAvcSeiFramePacking framePacking{};
-    QVAvcSeiDisplayOrientation displayOrientation{};
-    QVAvcSeiGreenMetaData greenMetaData{};
     switch (payloadType) {
-        case kSeiBufferingPeriod:
+        case kSeiBufferingPeriod: {
+            QVAvcSeiBufferingPeriod bufferingPeriod{};
             return QVNaluParser::parserAvcBufferingPeriod(stream, payloadSize, &bufferingPeriod, sps);
+        }
         case kSeiPicTiming:
         case kSeiUserDataUnregistered:
             return QVNaluParser::fillSeiDataWithoutParsing(stream, payloadSize, items, QVCodecIDAvc,
                                                            payloadType, false);
-        case kSeiUserDataRegisteredItuTT35:
+        case kSeiUserDataRegisteredItuTT35: {
+            QVAvcSeiAfd afd{};
             return QVNaluParser::parserAvcRegisteredUserData(stream, payloadSize, &afd, sps);
-        case kSeiRecoveryPoint:
+        }
+        case kSeiRecoveryPoint: {
+            QVAvcSeiRecoveryPoint recoveryPoint{};
             return QVNaluParser::parserAvcRecoveryPoint(stream, payloadSize, &recoveryPoint);
-        case kSeiFramePackingArrangement:
+        }
+        case kSeiFramePackingArrangement: {
+            QVAvcSeiFramePacking framePacking{};
             return QVNaluParser::parserAvcFramePackingArrangement(stream, payloadSize, &framePacking);
-        case kSeiDisplayOrientation:
+        }
+        case kSeiDisplayOrientation: {
+            QVAvcSeiDisplayOrientation displayOrientation{};
             return QVNaluParser::parserAvcDisplayOrientation(stream, payloadSize, &displayOrientation);
-        case kSeiGreenMetadata:
+        }
+        case kSeiGreenMetadata: {
+            QVAvcSeiGreenMetaData greenMetaData{};
             return QVNaluParser::parserAvcGreenMetaData(stream, payloadSize, &greenMetaData);
+        }
         case kSeiAlternativeTransferCharacteristics:
             return skipAlternativeTransfer(stream);
         default:
@@ -167,28 +173,32 @@ int QVNaluParser::parserHevcDataToSei(int naluType, const unsigned char* data, i
 int QVNaluParser::parserHevcSeiPrefix(QVByteStream& stream, int payloadType, int payloadSize,
                                       std::vector<QVSeiItem>& items, QVHevcSps* /*sps*/,
                                       const std::deque<int>& requested) {
-    QVHevcSeiFramePacking framePacking{};
-    QVHevcSeiDisplayOrientation displayOrientation{};
-    QVHevcSeiContentLight contentLight{};
-    QVHevcSeiPictureHash pictureHash{};
     switch (payloadType) {
         case kSeiPicTiming:
         case kSeiUserDataRegisteredItuTT35:
         case kSeiUserDataUnregistered:
         case kSeiMasteringDisplayColourVolume:
             return fillSeiDataWithoutParsing(stream, payloadSize, items, QVCodecIDHevc, payloadType, false);
-        case kSeiFramePackingArrangement:
+        case kSeiFramePackingArrangement: {
+            QVHevcSeiFramePacking framePacking{};
             return parserHevcFramePacking(stream, payloadSize, &framePacking);
-        case kSeiDisplayOrientation:
+        }
+        case kSeiDisplayOrientation: {
+            QVHevcSeiDisplayOrientation displayOrientation{};
             return parserHevcDisplayOrientation(stream, payloadSize, items, &displayOrientation);
+        }
         case kSeiActiveParameterSets:
             return parserHevcActiveParameterSets(stream, payloadSize);
-        case kSeiContentLightLevelInfo:
+        case kSeiContentLightLevelInfo: {
+            QVHevcSeiContentLight contentLight{};
             return parserHevcContentLightInfo(stream, payloadSize, &contentLight);
+        }
         case kSeiAlternativeTransferCharacteristics:
             return skipAlternativeTransfer(stream);
-        case kHevcPrefixPictureHash:
+        case kHevcPrefixPictureHash: {
+            QVHevcSeiPictureHash pictureHash{};
             return parserHevcPictureHash(stream, payloadSize, &pictureHash);
+        }
         default:
             return captureRequestedOrSkip(stream, payloadType, payloadSize, items, QVCodecIDHevc, requested);
     }
@@ -197,8 +207,8 @@ int QVNaluParser::parserHevcSeiPrefix(QVByteStream& stream, int payloadType, int
 int QVNaluParser::parserHevcSeiSuffix(QVByteStream& stream, int payloadType, int payloadSize,
                                       std::vector<QVSeiItem>& items, QVHevcSps* /*sps*/,
                                       const std::deque<int>& requested) {
-    QVHevcSeiPictureHash pictureHash{};
     if (payloadType == kSeiDecodedPictureHash) {
+        QVHevcSeiPictureHash pictureHash{};
         parserHevcPictureHash(stream, payloadSize, &pictureHash);
     }
     // A requested hash is captured from where its parser stopped (D15).
