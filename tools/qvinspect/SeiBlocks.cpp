@@ -7,6 +7,7 @@
 #include "CoreHooks.h"
 #include "QVCoreStandalone.h"
 #include "SeiNames.h"
+#include "SeiTypes.h"
 
 namespace qvinspect {
 
@@ -122,7 +123,8 @@ void describeToneMapping(const QVHDRVividToneMapping& mapping, Block& block) {
 
 void describeVivid(const Payload& payload, Block& block) {
     Payload bytes = payload;
-    const QVSeiItem item{QVCodecIDHevc, 4, static_cast<uint32_t>(bytes.size()), false, bytes.data()};
+    const QVSeiItem item{QVCodecIDHevc, kUserDataRegistered, static_cast<uint32_t>(bytes.size()), false,
+                         bytes.data()};
     QVHDRVividDynamicMetadata vivid{};
     const int status = QVNaluParser::fillHDRVividDynamicMetadataFromHevcUserDataRegisteredSei(item, &vivid);
     if (status != QVHDRVividOk) {
@@ -196,7 +198,8 @@ void describeMasteringDisplay(const Payload& payload, Block& block) {
     static constexpr const char* kNames[] = {"display_primaries[0] (G)", "display_primaries[1] (B)",
                                              "display_primaries[2] (R)"};
     Payload bytes = payload;
-    const QVSeiItem item{QVCodecIDHevc, 137, static_cast<uint32_t>(bytes.size()), false, bytes.data()};
+    const QVSeiItem item{QVCodecIDHevc, kMasteringDisplay, static_cast<uint32_t>(bytes.size()), false,
+                         bytes.data()};
     QVHDR10StaticMetadata hdr10{};
     if (QVNaluParser::fillHDR10StaticMetadataFromHevcMasteringDisplayInfoSei(item, &hdr10) != QVResultOk) {
         block.add("refused", "empty payload");
@@ -437,17 +440,17 @@ void describeActiveParameterSets(QVByteStream& in, const Payload& payload, Block
 void describeAvc(uint32_t payloadType, QVByteStream& in, const Payload& payload,
                  const SequenceParameterSet* sps, Block& block) {
     switch (payloadType) {
-        case 0:
+        case kBufferingPeriod:
             return describeBufferingPeriod(in, payload, sps, block);
-        case 1:
+        case kPicTiming:
             return describeAvcPicTiming(in, payload, sps, block);
-        case 6:
+        case kRecoveryPoint:
             return describeAvcRecoveryPoint(in, payload, block);
-        case 45:
+        case kFramePacking:
             return describeAvcFramePacking(in, payload, block);
-        case 47:
+        case kDisplayOrientation:
             return describeAvcOrientation(in, payload, block);
-        case 56:
+        case kGreenMetadata:
             return describeGreenMetadata(in, payload, block);
         default:
             return;
@@ -456,17 +459,17 @@ void describeAvc(uint32_t payloadType, QVByteStream& in, const Payload& payload,
 
 void describeHevc(uint32_t payloadType, QVByteStream& in, const Payload& payload, Block& block) {
     switch (payloadType) {
-        case 1:
+        case kPicTiming:
             block.add("not read", "frame_field_info_present_flag stands behind what is parsed of the SPS");
             return;
-        case 45:
+        case kFramePacking:
             return describeHevcFramePacking(in, payload, block);
-        case 47:
+        case kDisplayOrientation:
             return describeHevcOrientation(in, payload, block);
-        case 129:
+        case kActiveParameterSets:
             return describeActiveParameterSets(in, payload, block);
-        case 132:
-        case 256:
+        case kDecodedPictureHash:
+        case kPrefixPictureHash:
             return describePictureHash(in, payload, block);
         default:
             return;
@@ -480,19 +483,19 @@ Block describeSei(QVCodecID codec, uint32_t payloadType, const std::vector<uint8
     Block block;
     QVByteStream in(payload.data(), payload.size());
     switch (payloadType) {
-        case 4:
+        case kUserDataRegistered:
             describeRegistered(payload, block);
             break;
-        case 5:
+        case kUserDataUnregistered:
             describeUnregistered(payload, block);
             break;
-        case 137:
+        case kMasteringDisplay:
             describeMasteringDisplay(payload, block);
             break;
-        case 144:
+        case kContentLight:
             describeContentLight(in, payload, block);
             break;
-        case 147:
+        case kAlternativeTransfer:
             describeAlternativeTransfer(in, payload, block);
             break;
         default:

@@ -9,6 +9,7 @@
 #include "QVCoreStandalone.h"
 #include "SeiBlocks.h"
 #include "SeiNames.h"
+#include "SeiTypes.h"
 #include "UnescapedUnit.h"
 
 namespace qvinspect {
@@ -57,7 +58,6 @@ std::vector<SeiMessage> readMessages(std::vector<uint8_t> unit, size_t header) {
 }
 
 Delivery deliveryOf(const QVSeiItem& item) {
-    constexpr uint32_t kDisplayOrientation = 47;
     if (item.isRequested) {
         return Delivery::Requested;
     }
@@ -145,12 +145,12 @@ void SeiReader::forgetItems() {
 void SeiSignals::add(const SeiReport& report) {
     for (const SeiUnit& unit : report.units) {
         for (const SeiMessage& message : unit.messages) {
-            hasMasteringDisplay |= message.payloadType == 137;
-            hasContentLight |= message.payloadType == 144;
-            if (message.payloadType == 147 && !message.payload.empty()) {
+            hasMasteringDisplay |= message.payloadType == kMasteringDisplay;
+            hasContentLight |= message.payloadType == kContentLight;
+            if (message.payloadType == kAlternativeTransfer && !message.payload.empty()) {
                 preferredTransfer = message.payload[0];
             }
-            if (message.payloadType == 4) {
+            if (message.payloadType == kUserDataRegistered) {
                 const T35Kind kind = t35Kind(message.payload);
                 hasCaptions |= kind == T35Kind::A53Captions;
                 hasActiveFormat |= kind == T35Kind::Afd;
