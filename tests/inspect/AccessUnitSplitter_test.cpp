@@ -1,4 +1,4 @@
-#include "AccessUnitSplitter.h"
+#include "input/AccessUnitSplitter.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The rows follow ITU-T H.264 (08/2021) 7.4.1.2.3 and 7.4.1.2.4.
-#include "AvcUnitRoles.h"
+#include "input/AvcUnitRoles.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "ByteWindow.h"
+#include "input/ByteWindow.h"
 
 #include <gtest/gtest.h>
 

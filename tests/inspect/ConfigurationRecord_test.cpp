@@ -1,4 +1,4 @@
-#include "ConfigurationRecord.h"
+#include "input/ConfigurationRecord.h"
 
 #include <gtest/gtest.h>
 

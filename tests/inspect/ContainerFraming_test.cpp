@@ -1,4 +1,4 @@
-#include "ContainerFraming.h"
+#include "input/ContainerFraming.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "ContainerSignature.h"
+#include "input/ContainerSignature.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "CoreHooks.h"
+#include "analysis/CoreHooks.h"
 
 #include <gtest/gtest.h>
 

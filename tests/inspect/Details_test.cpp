@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "InspectSupport.h"
-#include "OpenInput.h"
-#include "StreamDetails.h"
 #include "StreamExpectation.h"
+#include "analysis/StreamDetails.h"
+#include "input/OpenInput.h"
 
 namespace qv_test {
 namespace {

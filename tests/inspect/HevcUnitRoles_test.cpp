@@ -1,5 +1,5 @@
 // The rows follow ITU-T H.265 (08/2021) 7.4.2.4.4 and 7.4.2.4.5.
-#include "HevcUnitRoles.h"
+#include "input/HevcUnitRoles.h"
 
 #include <gtest/gtest.h>
 

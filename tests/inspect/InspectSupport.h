@@ -9,10 +9,10 @@
 #include <string>
 #include <vector>
 
-#include "AccessUnitReader.h"
 #include "BitWriter.h"
-#include "ByteSource.h"
-#include "RawReader.h"
+#include "input/AccessUnitReader.h"
+#include "input/ByteSource.h"
+#include "input/RawReader.h"
 
 namespace qv_test {
 

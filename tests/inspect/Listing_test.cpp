@@ -1,4 +1,4 @@
-#include "Listing.h"
+#include "report/Listing.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "NalUnitNames.h"
+#include "analysis/NalUnitNames.h"
 
 #include <gtest/gtest.h>
 

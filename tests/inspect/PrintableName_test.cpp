@@ -1,4 +1,4 @@
-#include "PrintableName.h"
+#include "report/PrintableName.h"
 
 #include <gtest/gtest.h>
 

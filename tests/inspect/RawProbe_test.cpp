@@ -1,4 +1,4 @@
-#include "RawProbe.h"
+#include "input/RawProbe.h"
 
 #include <gtest/gtest.h>
 

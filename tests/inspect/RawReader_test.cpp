@@ -1,4 +1,4 @@
-#include "RawReader.h"
+#include "input/RawReader.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,9 +7,9 @@
 #include <random>
 #include <utility>
 
-#include "Analysis.h"
 #include "InspectSupport.h"
 #include "QVNaluParser.h"
+#include "analysis/Analysis.h"
 
 namespace qv_test {
 namespace {

@@ -1,5 +1,5 @@
 // What is shown of SEI payloads that the streams at hand do not carry, or carry in one form only.
-#include "SeiBlocks.h"
+#include "analysis/SeiBlocks.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "StartCode.h"
+#include "input/StartCode.h"
 
 #include <gtest/gtest.h>
 

@@ -9,10 +9,10 @@
 #include <string>
 #include <vector>
 
-#include "Analysis.h"
 #include "InspectSupport.h"
-#include "OpenInput.h"
 #include "StreamExpectation.h"
+#include "analysis/Analysis.h"
+#include "input/OpenInput.h"
 
 namespace qv_test {
 namespace {

@@ -1,4 +1,4 @@
-#include "UnescapedUnit.h"
+#include "input/UnescapedUnit.h"
 
 #include <gtest/gtest.h>
 

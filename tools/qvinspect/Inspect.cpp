@@ -2,13 +2,13 @@
 
 #include <fmt/format.h>
 
-#include "Analysis.h"
-#include "InputError.h"
-#include "Listing.h"
-#include "OpenInput.h"
-#include "PrintableName.h"
-#include "StreamDetails.h"
-#include "Summary.h"
+#include "analysis/Analysis.h"
+#include "analysis/StreamDetails.h"
+#include "analysis/Summary.h"
+#include "input/InputError.h"
+#include "input/OpenInput.h"
+#include "report/Listing.h"
+#include "report/PrintableName.h"
 
 namespace qvinspect {
 

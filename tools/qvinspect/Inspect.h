@@ -5,7 +5,7 @@
 #include <string>
 
 #include "CommandLine.h"
-#include "Output.h"
+#include "report/Output.h"
 
 namespace qvinspect {
 

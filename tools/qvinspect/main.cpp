@@ -9,10 +9,10 @@
 
 #include "CommandLine.h"
 #include "ExitCode.h"
-#include "InputError.h"
 #include "Inspect.h"
-#include "Output.h"
-#include "PrintableName.h"
+#include "input/InputError.h"
+#include "report/Output.h"
+#include "report/PrintableName.h"
 
 namespace {
 

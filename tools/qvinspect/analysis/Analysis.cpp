@@ -1,0 +1,147 @@
+#include "analysis/Analysis.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+#include "QVCoreStandalone.h"
+#include "QVNaluParser.h"
+#include "analysis/CoreHooks.h"
+#include "input/StartCode.h"
+
+namespace qvinspect {
+
+namespace {
+
+using NalIndexList = std::vector<std::pair<int, int>>;
+
+struct QvFree {
+    void operator()(unsigned char* memory) const { qvFree(memory); }
+};
+
+// The bytes of an access unit that the library is asked about.
+struct Sample {
+    const unsigned char* data;
+    int size;
+    uint64_t offset;  // of data, as offsets are reported
+};
+
+void addFinding(AccessUnitReport& report, Severity severity, uint64_t offset, std::string text) {
+    report.findings.push_back({severity, offset, std::move(text)});
+}
+
+Sample wholeSample(const AccessUnit& accessUnit) {
+    return {accessUnit.data, static_cast<int>(accessUnit.size), accessUnit.fileOffset.value_or(0)};
+}
+
+// The library takes Annex B data from its first start code on; what stands ahead of it is told and passed
+// over, so that the rest can be shown.
+Sample fromFirstStartCode(const Sample& sample, AccessUnitReport& report) {
+    if (sample.size == 0 || QVNaluParser::isAnnexBData(sample.data, sample.size)) {
+        return sample;
+    }
+    const auto code = findStartCode(sample.data, static_cast<size_t>(sample.size), 0, 0);
+    if (!code) {
+        addFinding(report, Severity::Error, sample.offset, "the sample holds no start code (00 00 01)");
+        return {sample.data, 0, sample.offset};
+    }
+    const auto ahead = static_cast<int>(code->codeAt);
+    const bool isZero =
+        std::all_of(sample.data, sample.data + ahead, [](unsigned char byte) { return byte == 0; });
+    addFinding(report, isZero ? Severity::Note : Severity::Error, sample.offset,
+               fmt::format("{} bytes ahead of the first start code", ahead));
+    return {sample.data + ahead, sample.size - ahead, sample.offset + code->codeAt};
+}
+
+NalIndexList findAnnexBUnits(const Sample& sample) {
+    NalIndexList nalus;
+    QVNaluParser::parserDataToNaluIdx(sample.data, sample.size, nalus);
+    return nalus;
+}
+
+int endOfUnits(const NalIndexList& nalus) {
+    return nalus.empty() ? 0 : nalus.back().first + nalus.back().second;
+}
+
+NalIndexList findLengthPrefixedUnits(const Sample& sample, int lengthSize, AccessUnitReport& report) {
+    const LogCapture log;
+    NalIndexList nalus;
+    QVNaluParser::parserDataToNalus(sample.data, sample.size, nalus, lengthSize);
+
+    const int end = endOfUnits(nalus);
+    if (end != sample.size) {
+        const std::string text =
+            log.lines().empty()
+                ? fmt::format("{} bytes are left, too few for a length field and a unit", sample.size - end)
+                : fmt::format("the length field here runs past the end ({})", log.lines().front().text);
+        addFinding(report, Severity::Error, sample.offset + static_cast<uint64_t>(end), text);
+    }
+    return nalus;
+}
+
+// The typed units, with those in their places that the library leaves out.
+std::vector<UnitReport> typeUnits(const Sample& sample, const NalIndexList& nalus, QVCodecID codec) {
+    std::vector<QVNaluParser::NaluInfo> infos;
+    QVNaluParser::parseNalusToNaluType(sample.data, nalus, infos, codec);
+
+    std::vector<UnitReport> units;
+    units.reserve(nalus.size());
+    auto info = infos.cbegin();
+    for (const auto& [offset, length] : nalus) {
+        UnitReport unit{UnitState::ForbiddenBit, sample.offset + static_cast<uint64_t>(offset),
+                        static_cast<uint32_t>(length), 0, false};
+        if (info != infos.cend() && info->offset == offset) {
+            unit.state = UnitState::Typed;
+            unit.type = info->naluType;
+            unit.isNonReference = info->isNonReference;
+            ++info;
+        }
+        if (length == 0) {
+            unit.state = UnitState::Empty;  // whatever byte was typed belongs to the next length field
+        }
+        units.push_back(unit);
+    }
+    return units;
+}
+
+// isKeyFrame tells the framing by the first bytes and reads lengths of 4 bytes only: 1- and 2-byte lengths
+// would be misread, and a 4-byte length of 1 or of 256 to 511 looks like a start code. Start codes are the
+// one framing that it reads the same in every case.
+bool isKeyLengthPrefixed(QVCodecID codec, const Sample& sample, int endOfUnits, int lengthSize) {
+    unsigned char* annexB = nullptr;
+    int size = 0;
+    // Up to the end of the last unit: a broken tail would make the whole sample be refused.
+    if (QVNaluParser::connvertAvcCToAnnexB(sample.data, endOfUnits, lengthSize, &annexB, size) !=
+        QVResultOk) {
+        return false;
+    }
+    const std::unique_ptr<unsigned char, QvFree> owner(annexB);
+    return QVNaluParser::isKeyFrame(codec, annexB, size);
+}
+
+}  // namespace
+
+AccessUnitReport analyse(const AccessUnit& accessUnit) {
+    AccessUnitReport report;
+    const QVCodecParameters& parameters = accessUnit.parameters;
+    Sample sample = wholeSample(accessUnit);
+    if (sample.size == 0) {
+        addFinding(report, Severity::Note, sample.offset, "the sample is empty");
+        return report;
+    }
+    if (parameters.isAnnexB != 0) {
+        sample = fromFirstStartCode(sample, report);
+        report.units = typeUnits(sample, findAnnexBUnits(sample), parameters.codecId);
+        report.isKey = QVNaluParser::isKeyFrame(parameters.codecId, sample.data, sample.size);
+    } else {
+        const NalIndexList nalus = findLengthPrefixedUnits(sample, parameters.nalLengthSize, report);
+        report.units = typeUnits(sample, nalus, parameters.codecId);
+        report.isKey =
+            isKeyLengthPrefixed(parameters.codecId, sample, endOfUnits(nalus), parameters.nalLengthSize);
+    }
+    return report;
+}
+
+}  // namespace qvinspect

@@ -1,0 +1,182 @@
+#include "analysis/SeiReport.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "QVCoreStandalone.h"
+#include "analysis/CoreHooks.h"
+#include "analysis/FirstBytes.h"
+#include "analysis/SeiBlocks.h"
+#include "analysis/SeiNames.h"
+#include "analysis/SeiTypes.h"
+#include "input/UnescapedUnit.h"
+
+namespace qvinspect {
+
+namespace {
+
+size_t headerSize(QVCodecID codec) {
+    return codec == QVCodecIDAvc ? 1 : 2;
+}
+
+// trailing_zero_8bits stay with a unit as the library cuts it; no message reaches into them.
+void dropTrailingZeros(std::vector<uint8_t>& unit) {
+    while (!unit.empty() && unit.back() == 0x00) {
+        unit.pop_back();
+    }
+}
+
+bool isTrailing(const QVByteStream& rbsp) {
+    return rbsp.atEnd() || (rbsp.bytesLeft() == 1 && rbsp.data[rbsp.bytePos] == 0x80);
+}
+
+// sei_rbsp(): every message of the unit, whichever of them the library's walk looks at.
+std::vector<SeiMessage> readMessages(std::vector<uint8_t> unit, size_t header) {
+    std::vector<SeiMessage> messages;
+    dropTrailingZeros(unit);
+    if (unit.size() <= header) {
+        return messages;
+    }
+    QVByteStream rbsp(unit.data() + header, unit.size() - header);
+    const LogCapture quiet;  // the walk has its own lines
+    while (!isTrailing(rbsp)) {
+        int payloadType = 0;
+        int payloadSize = 0;
+        if (QVNaluParser::parserPayloadParams(rbsp, payloadType, payloadSize) != QVResultOk) {
+            break;
+        }
+        const uint8_t* const payload = rbsp.data + rbsp.bytePos;
+        messages.push_back({static_cast<uint32_t>(payloadType),
+                            static_cast<uint32_t>(payloadSize),
+                            std::vector<uint8_t>(payload, payload + payloadSize),
+                            Delivery::NotKept,
+                            {}});
+        rbsp.skipBytes(static_cast<uint64_t>(payloadSize));
+    }
+    return messages;
+}
+
+Delivery deliveryOf(const QVSeiItem& item) {
+    if (item.isRequested) {
+        return Delivery::Requested;
+    }
+    return item.payloadType == kDisplayOrientation ? Delivery::Text : Delivery::Kept;
+}
+
+bool holdsPayload(const QVSeiItem& item, const SeiMessage& message) {
+    return std::equal(message.payload.begin(), message.payload.end(), item.payloadData,
+                      item.payloadData + item.payloadSize);
+}
+
+// Items come in the order of the messages they were made from.
+void markKept(std::vector<SeiMessage>& messages, const std::vector<QVSeiItem>& items, size_t firstItem) {
+    size_t next = 0;
+    for (size_t i = firstItem; i < items.size(); ++i) {
+        while (next < messages.size() && messages[next].payloadType != items[i].payloadType) {
+            ++next;
+        }
+        if (next == messages.size()) {
+            return;
+        }
+        SeiMessage& message = messages[next++];
+        message.delivery = deliveryOf(items[i]);
+        if (message.delivery == Delivery::Text) {
+            const auto* const text = reinterpret_cast<const char*>(items[i].payloadData);
+            message.block.add("item text", std::string(text));
+        } else if (!holdsPayload(items[i], message)) {
+            message.block.add("item bytes", firstBytes(items[i].payloadData, items[i].payloadSize),
+                              "differs from the payload above");
+        }
+    }
+}
+
+}  // namespace
+
+SeiReader::SeiReader(QVCodecID codec, std::deque<int> requested)
+    : codec_(codec), requested_(std::move(requested)) {}
+
+SeiReader::~SeiReader() {
+    forgetItems();
+}
+
+void SeiReader::add(const unsigned char* data, size_t size, uint32_t nalUnitType, uint64_t offset,
+                    SeiReport& report) {
+    SeiUnit unit{offset, QVResultOk, {}, {}};
+    const size_t firstItem = items_.size();
+    {
+        const LogCapture log;
+        const QVNaluParser::NaluInfo nalu{nalUnitType, 0, static_cast<int32_t>(size), false};
+        QVAvcSps avc = sps_ != nullptr ? sps_->avc : QVAvcSps{};
+        QVHevcSps hevc = sps_ != nullptr ? sps_->hevc : QVHevcSps{};
+        void* const sps = codec_ == QVCodecIDAvc ? static_cast<void*>(&avc) : static_cast<void*>(&hevc);
+        unit.result = QVNaluParser::parserDataToSei(codec_, data, nalu, items_, sps, requested_);
+        for (const LogLine& line : log.lines()) {
+            if (line.level != QVTraceDebug) {
+                unit.log.push_back(line.text);
+            }
+        }
+    }
+    unit.messages = readMessages(unescapedUnit(data, size, size), headerSize(codec_));
+    for (SeiMessage& message : unit.messages) {
+        message.block = describeSei(codec_, message.payloadType, message.payload, sps_);
+    }
+    markKept(unit.messages, items_, firstItem);
+    report.units.push_back(std::move(unit));
+}
+
+void SeiReader::finish(SeiReport& report) {
+    report.items = items_.size();
+    if (!items_.empty()) {
+        unsigned char* sideData = nullptr;
+        QVNaluParser::assembleSeiSideDataBuffer(items_, &sideData, report.sideDataSize);
+        freepQVSideData(&sideData);
+    }
+    forgetItems();
+}
+
+void SeiReader::forgetItems() {
+    for (const QVSeiItem& item : items_) {
+        qvFree(item.payloadData);
+    }
+    items_.clear();
+}
+
+void SeiSignals::add(const SeiReport& report) {
+    for (const SeiUnit& unit : report.units) {
+        for (const SeiMessage& message : unit.messages) {
+            hasMasteringDisplay |= message.payloadType == kMasteringDisplay;
+            hasContentLight |= message.payloadType == kContentLight;
+            if (message.payloadType == kAlternativeTransfer && !message.payload.empty()) {
+                preferredTransfer = message.payload[0];
+            }
+            if (message.payloadType == kUserDataRegistered) {
+                const T35Kind kind = t35Kind(message.payload);
+                hasCaptions |= kind == T35Kind::A53Captions;
+                hasActiveFormat |= kind == T35Kind::Afd;
+                hasHdr10Plus |= kind == T35Kind::Hdr10Plus;
+                hasHdrVivid |= kind == T35Kind::HdrVivid;
+            }
+        }
+    }
+}
+
+std::string SeiSignals::hdr() const {
+    constexpr uint32_t kHlg = 18;
+    std::vector<std::string> kinds;
+    if (hasMasteringDisplay || hasContentLight) {
+        kinds.emplace_back("HDR10 static metadata");
+    }
+    if (hasHdrVivid) {
+        kinds.emplace_back("HDR Vivid");
+    }
+    if (hasHdr10Plus) {
+        kinds.emplace_back("HDR10+");
+    }
+    if (preferredTransfer == kHlg) {
+        kinds.emplace_back("HLG by alternative transfer");
+    }
+    return kinds.empty() ? "none signalled by SEI" : fmt::format("{}", fmt::join(kinds, ", "));
+}
+
+}  // namespace qvinspect

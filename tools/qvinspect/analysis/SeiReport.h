@@ -1,0 +1,92 @@
+// The SEI messages of one access unit: what the library keeps of them and what they say.
+#ifndef QVINSPECT_SEIREPORT_H
+#define QVINSPECT_SEIREPORT_H
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "QVNaluParser.h"
+#include "analysis/Block.h"
+#include "analysis/SequenceParameterSet.h"
+
+namespace qvinspect {
+
+enum class Delivery {
+    Kept,       // an item of the library's list
+    Requested,  // an item because --request asked for it
+    Text,       // an item that holds text made from the message
+    NotKept     // parsed or skipped by the walk
+};
+
+struct SeiMessage {
+    uint32_t payloadType;
+    uint32_t payloadSize;
+    std::vector<uint8_t> payload;  // without emulation prevention bytes
+    Delivery delivery = Delivery::NotKept;
+    Block block;
+};
+
+struct SeiUnit {
+    uint64_t offset;  // as that of its NAL unit
+    int result;       // of the library's walk
+    std::vector<std::string> log;
+    std::vector<SeiMessage> messages;
+};
+
+struct SeiReport {
+    std::vector<SeiUnit> units;
+    size_t items = 0;
+    int sideDataSize = 0;  // of the access unit's items; 0 without items
+};
+
+// HDR and captions as the messages of a stream signal them.
+struct SeiSignals {
+    bool hasMasteringDisplay = false;
+    bool hasContentLight = false;
+    bool hasHdrVivid = false;
+    bool hasHdr10Plus = false;
+    bool hasCaptions = false;
+    bool hasActiveFormat = false;
+    std::optional<uint32_t> preferredTransfer;
+
+    void add(const SeiReport& report);
+
+    // "HDR10, HDR Vivid", or "none signalled by SEI".
+    std::string hdr() const;
+};
+
+// Collects the SEI of access units, one after the other.
+class SeiReader {
+public:
+    SeiReader(QVCodecID codec, std::deque<int> requested);
+
+    // The parameter set in force; null when none was seen.
+    void use(const SequenceParameterSet* sps) { sps_ = sps; }
+
+    // data, size: the SEI unit, header included. Adds to report.
+    void add(const unsigned char* data, size_t size, uint32_t nalUnitType, uint64_t offset,
+             SeiReport& report);
+
+    // Packs the items of the access unit and forgets them.
+    void finish(SeiReport& report);
+
+    ~SeiReader();
+    SeiReader(const SeiReader&) = delete;
+    SeiReader& operator=(const SeiReader&) = delete;
+
+private:
+    void forgetItems();
+
+    QVCodecID codec_;
+    std::deque<int> requested_;
+    const SequenceParameterSet* sps_ = nullptr;
+    std::vector<QVSeiItem> items_;
+};
+
+}  // namespace qvinspect
+
+#endif

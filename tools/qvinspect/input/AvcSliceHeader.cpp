@@ -1,0 +1,104 @@
+// ITU-T H.264 (08/2021) 7.3.3 and 7.4.1.2.4.
+#include "input/AvcSliceHeader.h"
+
+#include "QVByteStream.h"
+#include "input/AvcUnitTypes.h"
+#include "input/UnescapedUnit.h"
+
+namespace qvinspect {
+
+namespace {
+
+// Enough for every element up to redundant_pic_cnt, each as long as it can be.
+constexpr size_t kLongestHeaderStart = 64;
+
+bool isIdr(const AvcSliceHeader& slice) {
+    return slice.nal_unit_type == kAvcIdrSliceNut;
+}
+
+void readPictureOrder(QVByteStream& in, const AvcSpsFields& sps, const AvcPpsFields& pps,
+                      AvcSliceHeader& slice) {
+    const bool hasBothFields = pps.bottom_field_pic_order_in_frame_present_flag && slice.field_pic_flag == 0;
+    slice.pic_order_cnt_type = sps.pic_order_cnt_type;
+    if (sps.pic_order_cnt_type == 0) {
+        slice.pic_order_cnt_lsb = in.readBits(sps.log2MaxPicOrderCntLsb);
+        if (hasBothFields) {
+            slice.delta_pic_order_cnt_bottom = in.readGolombSe();
+        }
+    }
+    if (sps.pic_order_cnt_type == 1 && !sps.delta_pic_order_always_zero_flag) {
+        slice.delta_pic_order_cnt[0] = in.readGolombSe();
+        if (hasBothFields) {
+            slice.delta_pic_order_cnt[1] = in.readGolombSe();
+        }
+    }
+}
+
+// slice_header() from frame_num on.
+void readPictureIdentity(QVByteStream& in, const AvcSpsFields& sps, const AvcPpsFields& pps,
+                         AvcSliceHeader& slice) {
+    slice.frame_num = in.readBits(sps.log2MaxFrameNum);
+    if (!sps.frame_mbs_only_flag) {
+        slice.field_pic_flag = in.readBit();
+        if (slice.field_pic_flag != 0) {
+            slice.bottom_field_flag = in.readBit();
+        }
+    }
+    if (isIdr(slice)) {
+        slice.idr_pic_id = in.readGolombUe();
+    }
+    readPictureOrder(in, sps, pps, slice);
+    if (pps.redundant_pic_cnt_present_flag) {
+        slice.redundant_pic_cnt = in.readGolombUe();
+    }
+}
+
+}  // namespace
+
+AvcSliceHeader readAvcSliceHeader(const unsigned char* unit, size_t size,
+                                  const AvcParameterSets& parameterSets) {
+    const auto bytes = unescapedUnit(unit, size, kLongestHeaderStart);
+    QVByteStream in(bytes.data(), bytes.size());
+
+    AvcSliceHeader slice{};
+    in.readBit();  // forbidden_zero_bit
+    slice.nal_ref_idc = in.readBits(2);
+    slice.nal_unit_type = in.readBits(5);
+    slice.first_mb_in_slice = in.readGolombUe();
+    in.readGolombUe();  // slice_type
+    slice.pic_parameter_set_id = in.readGolombUe();
+
+    const AvcPpsFields* pps = parameterSets.pps(slice.pic_parameter_set_id);
+    const AvcSpsFields* sps = pps != nullptr ? parameterSets.sps(pps->seq_parameter_set_id) : nullptr;
+    if (sps == nullptr) {
+        return slice;
+    }
+    if (sps->hasSeparateColourPlanes) {
+        slice.colour_plane_id = in.readBits(2);
+        return slice;
+    }
+    slice.isWhole = true;
+    readPictureIdentity(in, *sps, *pps, slice);
+    return slice;
+}
+
+bool beginsPrimaryPicture(const AvcSliceHeader& last, const AvcSliceHeader& slice) {
+    if (slice.frame_num != last.frame_num || slice.pic_parameter_set_id != last.pic_parameter_set_id ||
+        slice.field_pic_flag != last.field_pic_flag || slice.bottom_field_flag != last.bottom_field_flag) {
+        return true;
+    }
+    if ((slice.nal_ref_idc == 0) != (last.nal_ref_idc == 0)) {
+        return true;
+    }
+    // An element that the type at hand does not have is 0 in both.
+    if (slice.pic_order_cnt_type == last.pic_order_cnt_type &&
+        (slice.pic_order_cnt_lsb != last.pic_order_cnt_lsb ||
+         slice.delta_pic_order_cnt_bottom != last.delta_pic_order_cnt_bottom ||
+         slice.delta_pic_order_cnt[0] != last.delta_pic_order_cnt[0] ||
+         slice.delta_pic_order_cnt[1] != last.delta_pic_order_cnt[1])) {
+        return true;
+    }
+    return isIdr(slice) != isIdr(last) || (isIdr(slice) && slice.idr_pic_id != last.idr_pic_id);
+}
+
+}  // namespace qvinspect

@@ -1,0 +1,42 @@
+// The start of an H.264 slice header: what tells the pictures of two slices apart.
+#ifndef QVINSPECT_AVCSLICEHEADER_H
+#define QVINSPECT_AVCSLICEHEADER_H
+
+#include <cstddef>
+#include <cstdint>
+
+#include "input/AvcParameterSets.h"
+
+namespace qvinspect {
+
+struct AvcSliceHeader {
+    uint32_t nal_ref_idc;
+    uint32_t nal_unit_type;
+    uint32_t first_mb_in_slice;
+    uint32_t pic_parameter_set_id;
+    uint32_t colour_plane_id;
+
+    // The parameter sets are known. Without them nothing below is read.
+    bool isWhole;
+
+    uint32_t frame_num;
+    uint32_t field_pic_flag;
+    uint32_t bottom_field_flag;
+    uint32_t idr_pic_id;
+    uint32_t pic_order_cnt_type;
+    uint32_t pic_order_cnt_lsb;
+    int32_t delta_pic_order_cnt_bottom;
+    int32_t delta_pic_order_cnt[2];
+    uint32_t redundant_pic_cnt;
+};
+
+// unit is a NAL unit of type 1, 2 or 5.
+AvcSliceHeader readAvcSliceHeader(const unsigned char* unit, size_t size,
+                                  const AvcParameterSets& parameterSets);
+
+// True when slice is the first of a new primary coded picture behind one that last belongs to; both whole.
+bool beginsPrimaryPicture(const AvcSliceHeader& last, const AvcSliceHeader& slice);
+
+}  // namespace qvinspect
+
+#endif

@@ -1,0 +1,63 @@
+// ITU-T H.264 (08/2021) 7.4.1.2.3 and 7.4.1.2.4.
+#include "input/AvcUnitRoles.h"
+
+#include "input/AvcUnitTypes.h"
+
+namespace qvinspect {
+
+namespace {
+constexpr unsigned kForbiddenZeroBit = 0x80;
+}
+
+UnitRole AvcUnitRoles::roleOf(const unsigned char* unit, size_t size) {
+    if (size == 0 || (unit[0] & kForbiddenZeroBit) != 0) {
+        return UnitRole::Belongs;
+    }
+    const unsigned type = unit[0] & 0x1FU;
+    switch (type) {
+        case kAvcSliceNut:
+        case kAvcPartitionANut:
+        case kAvcIdrSliceNut:
+            return roleOfSlice(unit, size);
+        case kAvcSpsNut:
+            parameterSets_.takeSps(unit, size);
+            return UnitRole::MayBegin;
+        case kAvcPpsNut:
+            parameterSets_.takePps(unit, size);
+            return UnitRole::MayBegin;
+        case kAvcSeiNut:
+            return UnitRole::MayBegin;
+        case kAvcDelimiterNut:
+            return UnitRole::Delimiter;
+        case kAvcEndOfSequenceNut:
+        case kAvcEndOfStreamNut:
+            hasEnded_ = true;
+            return UnitRole::Belongs;
+        default:
+            return type >= kAvcPrefixNut && type <= kAvcReserved18Nut ? UnitRole::MayBegin
+                                                                      : UnitRole::Belongs;
+    }
+}
+
+UnitRole AvcUnitRoles::roleOfSlice(const unsigned char* unit, size_t size) {
+    const AvcSliceHeader slice = readAvcSliceHeader(unit, size, parameterSets_);
+    if (slice.redundant_pic_cnt > 0) {
+        return UnitRole::Belongs;  // a redundant coded picture follows its primary one
+    }
+    const std::optional<AvcSliceHeader> last = last_;
+    const bool hasEnded = hasEnded_;
+    last_ = slice;
+    hasEnded_ = false;
+    if (!last || hasEnded) {
+        return UnitRole::BeginsPicture;
+    }
+    if (last->isWhole && slice.isWhole) {
+        return beginsPrimaryPicture(*last, slice) ? UnitRole::BeginsPicture : UnitRole::ContinuesPicture;
+    }
+    // Without its parameter sets a slice says only this much. The three colour planes of a picture each
+    // begin at macroblock 0.
+    const bool seemsFirst = slice.first_mb_in_slice == 0 && slice.colour_plane_id == 0;
+    return seemsFirst ? UnitRole::BeginsPicture : UnitRole::SeemsToContinue;
+}
+
+}  // namespace qvinspect

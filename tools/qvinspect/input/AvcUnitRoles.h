@@ -1,0 +1,27 @@
+// H.264: the order of NAL units and the first VCL NAL unit of a primary coded picture.
+#ifndef QVINSPECT_AVCUNITROLES_H
+#define QVINSPECT_AVCUNITROLES_H
+
+#include <optional>
+
+#include "input/AccessUnitSplitter.h"
+#include "input/AvcParameterSets.h"
+#include "input/AvcSliceHeader.h"
+
+namespace qvinspect {
+
+class AvcUnitRoles : public UnitRoles {
+public:
+    UnitRole roleOf(const unsigned char* unit, size_t size) override;
+
+private:
+    UnitRole roleOfSlice(const unsigned char* unit, size_t size);
+
+    AvcParameterSets parameterSets_;
+    std::optional<AvcSliceHeader> last_;  // of the primary coded picture at hand
+    bool hasEnded_ = false;               // an end of sequence or stream stands behind it
+};
+
+}  // namespace qvinspect
+
+#endif

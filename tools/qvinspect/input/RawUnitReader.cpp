@@ -1,0 +1,71 @@
+#include "input/RawUnitReader.h"
+
+#include <algorithm>
+
+#include "input/StartCode.h"
+
+namespace qvinspect {
+
+RawUnitReader::RawUnitReader(ByteWindow& window, size_t longest) : window_(window), longest_(longest) {}
+
+bool RawUnitReader::next(RawUnit& unit) {
+    skipped_ = 0;
+    if (isSkipping_) {
+        skipToCode();
+    }
+    if (!open_) {
+        return false;
+    }
+    unit = {open_->codeOffset, open_->offset, 0, false, skipped_};
+    for (;;) {
+        open_ = findCode();
+        const uint64_t end = open_ ? open_->codeOffset : window_.end();
+        if (end - unit.codeOffset > longest_) {
+            unit.end = unit.codeOffset + longest_;
+            unit.isCut = true;
+            isSkipping_ = true;
+            searchFrom_ = unit.end;
+            zeroByteFrom_ = unit.end;
+            return true;
+        }
+        if (open_ || !window_.grow()) {
+            unit.end = end;
+            return true;
+        }
+    }
+}
+
+// Looks for a start code in what the window holds and remembers how far that is.
+std::optional<RawUnitReader::Code> RawUnitReader::findCode() {
+    const uint64_t begin = window_.begin();
+    const auto code = findStartCode(window_.at(begin), window_.end() - begin, searchFrom_ - begin,
+                                    std::max(zeroByteFrom_, begin) - begin);
+    if (!code) {
+        const uint64_t end = window_.end();
+        searchFrom_ = std::max(searchFrom_, end - std::min<uint64_t>(end, kStartCodeLength));
+        return std::nullopt;
+    }
+    // The byte behind a start code begins a unit, whatever it is, and no other start code.
+    searchFrom_ = begin + code->unitAt + 1;
+    zeroByteFrom_ = searchFrom_;
+    return Code{begin + code->codeAt, begin + code->unitAt};
+}
+
+void RawUnitReader::skipToCode() {
+    const uint64_t from = searchFrom_;
+    window_.release(from);
+    while (!(open_ = findCode())) {
+        // One byte more than may become a start code: a zero byte ahead of it.
+        const uint64_t end = window_.end();
+        window_.release(end - std::min<uint64_t>(end, kStartCodeLength + 1));
+        if (!window_.grow()) {
+            break;
+        }
+    }
+    isSkipping_ = false;
+    const uint64_t to = open_ ? open_->codeOffset : window_.end();
+    window_.release(to);
+    skipped_ = to - from;
+}
+
+}  // namespace qvinspect
