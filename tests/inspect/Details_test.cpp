@@ -28,9 +28,9 @@ struct Told {
 
 Told tell(const std::filesystem::path& path) {
     Told told;
-    const auto reader = qvinspect::openInput(path, std::nullopt);
+    const auto reader = qvinspect::openInput(path, {});
     qvinspect::StreamDetails details(reader->info().parameters.codecId, {});
-    told.parameterSets = details.addConfiguration(reader->info().configuration);
+    told.parameterSets = details.addConfiguration(reader->info().configuration).parameterSets;
     qvinspect::AccessUnit accessUnit;
     while (reader->next(accessUnit)) {
         const auto report = qvinspect::analyse(accessUnit);

@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
+#include <cstdlib>
 #include <deque>
 #include <filesystem>
+#include <fstream>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <utility>
 
@@ -17,75 +17,61 @@
 namespace qv_test {
 namespace {
 
-struct Close {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, Close>;
-
-File temporaryFile() {
-    File file(std::tmpfile());
-    if (file == nullptr) {
-        throw std::runtime_error("no temporary file");
-    }
-    return file;
-}
-
-std::string contentOf(std::FILE* file) {
-    std::rewind(file);
-    std::string text;
-    for (int c = std::fgetc(file); c != EOF; c = std::fgetc(file)) {
-        text += static_cast<char>(c);
-    }
-    return text;
-}
-
-// What a listing has to be, to the letter: a person has looked at it.
-std::string golden(const std::string& name) {
-    const Bytes bytes = fileContent(std::filesystem::path(QVINSPECT_GOLDEN_DIR) / (name + ".txt"));
+std::string textOf(const std::filesystem::path& path) {
+    const Bytes bytes = fileContent(path);
     return std::string(bytes.begin(), bytes.end());
 }
 
-std::string listingOf(const std::string& name, const Bytes& bytes, std::deque<int> requested = {}) {
+// What a listing has to be, to the letter: a person has looked at it. With QVINSPECT_WRITE_GOLDEN set it is
+// written first.
+void expectGolden(const std::string& text, const std::string& name) {
+    const std::filesystem::path path = std::filesystem::path(QVINSPECT_GOLDEN_DIR) / (name + ".txt");
+    if (std::getenv("QVINSPECT_WRITE_GOLDEN") != nullptr) {
+        std::ofstream(path, std::ios::binary) << text;
+    }
+    EXPECT_EQ(text, textOf(path));
+}
+
+std::string listingOf(const std::string& name, const Bytes& bytes, std::deque<int> requested = {},
+                      qvinspect::Level level = qvinspect::Level::Fields) {
     const TemporaryFolder folder;
     const std::string path = folder.write(name, bytes);
-    const File file = temporaryFile();
-    qvinspect::Output output(file.get());
+    const std::string out = folder.path() / "listing";
     qvinspect::CommandLine line;
     line.requested = std::move(requested);
-    qvinspect::inspectFile(path, line, output);
-    output.flush();
-    std::string text = contentOf(file.get());
-    for (size_t at = text.find(path); at != std::string::npos; at = text.find(path)) {
-        text.replace(at, path.size(), name);
-    }
-    return text;
+    qvinspect::Presenters presenters;
+    presenters.push_back(std::make_unique<qvinspect::Listing>(out, level));
+    qvinspect::inspectFile(path, line, presenters);
+    presenters.front()->finish();
+    return textOf(out);
 }
 
 TEST(Listing, rawStream) {
-    EXPECT_EQ(listingOf("hevc_hdr10.h265", fileContent(sampleFolder() / "hevc_hdr10.h265")),
-              golden("raw_stream"));
+    expectGolden(listingOf("hevc_hdr10.h265", fileContent(sampleFolder() / "hevc_hdr10.h265")), "raw_stream");
 }
 
 TEST(Listing, hdrVivid) {
-    EXPECT_EQ(listingOf("hevc_vivid_hand.h265", fileContent(bundledStreams() / "hevc_vivid_hand.h265")),
-              golden("hdr_vivid"));
+    expectGolden(listingOf("hevc_vivid_hand.h265", fileContent(bundledStreams() / "hevc_vivid_hand.h265")),
+                 "hdr_vivid");
 }
 
 TEST(Listing, hrdTiming) {
-    EXPECT_EQ(listingOf("avc_hrd_picstruct.h264", fileContent(bundledStreams() / "avc_hrd_picstruct.h264")),
-              golden("hrd_timing"));
+    expectGolden(
+        listingOf("avc_hrd_picstruct.h264", fileContent(bundledStreams() / "avc_hrd_picstruct.h264")),
+        "hrd_timing");
 }
 
 TEST(Listing, requestedTypesAreKept) {
-    EXPECT_EQ(listingOf("hevc_hash_hand.h265", fileContent(bundledStreams() / "hevc_hash_hand.h265"), {132}),
-              golden("requested_hashes"));
+    expectGolden(
+        listingOf("hevc_hash_hand.h265", fileContent(bundledStreams() / "hevc_hash_hand.h265"), {132}),
+        "requested_hashes");
 }
 
 TEST(Listing, mp4WithItsConfigurationRecord) {
     if (QVINSPECT_HAS_LIBAVFORMAT == 0) {
         GTEST_SKIP() << "built without libavformat: no containers";
     }
-    EXPECT_EQ(listingOf("avc_len1.mp4", fileContent(bundledStreams() / "avc_len1.mp4")), golden("mp4"));
+    expectGolden(listingOf("avc_len1.mp4", fileContent(bundledStreams() / "avc_len1.mp4")), "mp4");
 }
 
 TEST(Listing, findings) {
@@ -99,7 +85,7 @@ TEST(Listing, findings) {
             "00 00 01 41 9A 64 66 "              //
             "00 00 01 41 9A 84 66 "              //
             "00 00 01 41 9A A4 66");
-    EXPECT_EQ(listingOf("x", stream), golden("findings"));
+    expectGolden(listingOf("x", stream), "findings");
 }
 
 qvinspect::StreamInfo containerInfo() {
@@ -110,10 +96,10 @@ qvinspect::StreamInfo containerInfo() {
 }
 
 TEST(Listing, container) {
-    const File file = temporaryFile();
-    qvinspect::Output output(file.get());
-    qvinspect::Listing listing(output, "x.mp4", containerInfo(), false);
-    qvinspect::Summary summary;
+    const TemporaryFolder folder;
+    const std::string out = folder.path() / "listing";
+    qvinspect::Listing listing(out, qvinspect::Level::Fields);
+    qvinspect::StreamCounter counter(containerInfo());
 
     qvinspect::AccessUnit timed;
     timed.size = 1234;
@@ -127,18 +113,21 @@ TEST(Listing, container) {
     untimed.findings = {{qvinspect::Severity::Error, std::nullopt, "damaged"}};
     const std::vector<qvinspect::Finding> behind = {{qvinspect::Severity::Error, 99, "reading failed"},
                                                     {qvinspect::Severity::Note, std::nullopt, "a note"}};
-
     qvinspect::AccessUnitDetails details;
     details.units.resize(report.units.size());
-    listing.begin({});
-    listing.add(timed, report, details);
-    listing.add(untimed, {}, {});
-    summary.add(timed, report);
-    summary.add(untimed, {});
-    summary.add(behind);
-    listing.end(behind, summary, qvinspect::StreamDetails(QVCodecIDHevc, {}));
-    output.flush();
-    EXPECT_EQ(contentOf(file.get()), golden("container"));
+
+    listing.begin({"x.mp4", containerInfo(), false, {}});
+    const qvinspect::AccessUnitReport emptyReport;
+    const qvinspect::AccessUnitDetails emptyDetails;
+    for (const auto& view : {qvinspect::viewOf(1, timed, report, details),
+                             qvinspect::viewOf(2, untimed, emptyReport, emptyDetails)}) {
+        counter.add(view);
+        listing.add(view);
+    }
+    counter.finish(behind);
+    listing.end({counter.totals(), behind, {}, false});
+    listing.finish();
+    expectGolden(textOf(out), "container");
 }
 
 }  // namespace

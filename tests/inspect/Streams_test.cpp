@@ -58,7 +58,7 @@ void joinUnits(const qvinspect::AccessUnit& next, uint8_t lastByte, std::vector<
 }
 
 Listed listStream(const std::filesystem::path& path, bool isLengthPrefixed) {
-    const auto reader = qvinspect::openInput(path, std::nullopt);
+    const auto reader = qvinspect::openInput(path, {});
     Listed listed{};
     listed.parameters = reader->info().parameters;
     qvinspect::AccessUnit accessUnit;

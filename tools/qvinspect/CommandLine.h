@@ -7,17 +7,40 @@
 #include <string>
 #include <vector>
 
-#include "QVCodecParameters.h"
+#include "analysis/Check.h"
+#include "analysis/Filter.h"
+#include "input/InputOptions.h"
+#include "report/Level.h"
 
 namespace qvinspect {
 
+enum class ColorUse { Auto, Always, Never };
+
 struct CommandLine {
-    std::optional<QVCodecID> codec;  // what the caller says the files hold
-    std::deque<int> requested;       // SEI payloadTypes to keep as items
+    InputOptions input;
+    std::deque<int> requested;  // SEI payloadTypes to keep as items
+    Filter filter;
+
+    std::optional<Level> level;  // of the listing, JSON and NDJSON; each has its own default
+    ColorUse color = ColorUse::Auto;
+    bool stamp = false;  // the date and whole paths in the outputs
+
+    // Where outputs go, "-" for standard output; empty for none.
+    std::string json;
+    std::string ndjson;
+    std::string csv;
+    std::string html;
+    std::string toAnnexB;
+    std::string toLengths;
+    std::string extractSei;  // a folder
+
+    std::vector<Check> checks;
+    bool strict = false;
+
     std::vector<std::string> files;
 
-    // Set when there is nothing to inspect: the help was asked for and printed, or the line was wrong and
-    // that was said.
+    // Set when there is nothing to inspect: what was asked for was printed, or the line was wrong and that
+    // was said.
     std::optional<int> exitCode;
 };
 

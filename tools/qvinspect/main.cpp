@@ -1,4 +1,4 @@
-// qvinspect: lists the access units and NAL units of H.264 and H.265 files.
+// qvinspect: shows what H.264 and H.265 files hold.
 #include <fmt/format.h>
 
 #include <csignal>
@@ -10,6 +10,8 @@
 #include "CommandLine.h"
 #include "ExitCode.h"
 #include "Inspect.h"
+#include "Interrupt.h"
+#include "Presenters.h"
 #include "input/InputError.h"
 #include "report/Output.h"
 #include "report/PrintableName.h"
@@ -22,33 +24,52 @@ void complain(const std::string& text) {
     fmt::print(stderr, "qvinspect: {}\n", text);
 }
 
-// False when the file cannot be inspected; that is said then.
-bool inspect(const std::string& file, const CommandLine& line, Output& output) {
+struct Totals {
+    bool hasFailedInput = false;
+    bool hasErrors = false;
+    bool hasFailedCheck = false;
+};
+
+void inspect(const std::string& file, const CommandLine& line, const Presenters& presenters, Totals& totals) {
     try {
-        inspectFile(file, line, output);
-        return true;
+        const Outcome outcome = inspectFile(file, line, presenters);
+        totals.hasErrors |= outcome.hasErrors;
+        totals.hasFailedCheck |= outcome.hasFailedCheck;
     } catch (const InputError& error) {
-        output.flush();  // what was listed so far comes first
-        complain(fmt::format("{}: {}", printableName(file), error.what()));
-        return false;
+        totals.hasFailedInput = true;
+        for (const auto& presenter : presenters) {
+            presenter->fail(reportedName(file, line), error.what());
+        }
+        complain(fmt::format("{}: {}", file == "-" ? "standard input" : printableName(file), error.what()));
     }
 }
 
-int inspectAll(const CommandLine& line) {
-    Output output(stdout);
-    int exitCode = kExitOk;
-    bool isFirst = true;
-    for (const std::string& file : line.files) {
-        if (!isFirst) {
-            output.print("\n");
-        }
-        isFirst = false;
-        if (!inspect(file, line, output)) {
-            exitCode = kExitInput;
-        }
+int exitCodeOf(const Totals& totals, const CommandLine& line) {
+    if (isInterrupted()) {
+        return kExitInterrupted;
     }
-    output.flush();
-    return exitCode;
+    if (totals.hasFailedInput) {
+        return kExitInput;
+    }
+    if (totals.hasFailedCheck) {
+        return kExitCheck;
+    }
+    return totals.hasErrors && line.strict ? kExitErrors : kExitOk;
+}
+
+int inspectAll(const CommandLine& line) {
+    const Presenters presenters = makePresenters(line);
+    Totals totals;
+    for (const std::string& file : line.files) {
+        if (isInterrupted()) {
+            break;
+        }
+        inspect(file, line, presenters, totals);
+    }
+    for (const auto& presenter : presenters) {
+        presenter->finish();
+    }
+    return exitCodeOf(totals, line);
 }
 
 }  // namespace
@@ -56,14 +77,17 @@ int inspectAll(const CommandLine& line) {
 int main(int argc, char** argv) {
     // A reader that has seen enough shows as a failed write, wherever the signal is blocked or not.
     std::signal(SIGPIPE, SIG_IGN);
+    noteInterrupts();
     try {
         const CommandLine line = parseCommandLine(argc, argv);
         return line.exitCode ? *line.exitCode : inspectAll(line);
-    } catch (const std::system_error& error) {
+    } catch (const OutputError& error) {
         if (error.code() == std::errc::broken_pipe) {
             return kExitOk;
         }
-        complain(fmt::format("cannot write the listing: {}", error.code().message()));
+        complain(fmt::format("{} cannot be written: {}; what was written of it is not whole", error.name(),
+                             error.code().message()));
+        return kExitOutput;
     } catch (const std::exception& error) {
         complain(fmt::format("cannot go on: {}", error.what()));
     }

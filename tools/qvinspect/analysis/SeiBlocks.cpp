@@ -6,6 +6,7 @@
 
 #include "QVCoreStandalone.h"
 #include "analysis/CoreHooks.h"
+#include "analysis/HdrValues.h"
 #include "analysis/SeiNames.h"
 #include "analysis/SeiTypes.h"
 
@@ -122,11 +123,7 @@ void describeToneMapping(const QVHDRVividToneMapping& mapping, Block& block) {
 }
 
 void describeVivid(const Payload& payload, Block& block) {
-    Payload bytes = payload;
-    const QVSeiItem item{QVCodecIDHevc, kUserDataRegistered, static_cast<uint32_t>(bytes.size()), false,
-                         bytes.data()};
-    QVHDRVividDynamicMetadata vivid{};
-    const int status = QVNaluParser::fillHDRVividDynamicMetadataFromHevcUserDataRegisteredSei(item, &vivid);
+    const auto [status, vivid] = readHdrVivid(payload);
     if (status != QVHDRVividOk) {
         block.add("refused", fmt::format("status {}", status),
                   status == QVHDRVividTruncated ? "fewer bits than the syntax asks for" : "");
@@ -197,14 +194,12 @@ void describeRegistered(const Payload& payload, Block& block) {
 void describeMasteringDisplay(const Payload& payload, Block& block) {
     static constexpr const char* kNames[] = {"display_primaries[0] (G)", "display_primaries[1] (B)",
                                              "display_primaries[2] (R)"};
-    Payload bytes = payload;
-    const QVSeiItem item{QVCodecIDHevc, kMasteringDisplay, static_cast<uint32_t>(bytes.size()), false,
-                         bytes.data()};
-    QVHDR10StaticMetadata hdr10{};
-    if (QVNaluParser::fillHDR10StaticMetadataFromHevcMasteringDisplayInfoSei(item, &hdr10) != QVResultOk) {
+    const std::optional<QVHDR10StaticMetadata> read = readMasteringDisplay(payload);
+    if (!read) {
         block.add("refused", "empty payload");
         return;
     }
+    const QVHDR10StaticMetadata& hdr10 = *read;
     for (int c = 0; c < 3; ++c) {
         const uint32_t x = hdr10.display_primaries_x[c];
         const uint32_t y = hdr10.display_primaries_y[c];
@@ -218,18 +213,15 @@ void describeMasteringDisplay(const Payload& payload, Block& block) {
               fmt::format("{:.4f} cd/m2", hdr10.min_display_mastering_luminance * 0.0001));
 }
 
-void describeContentLight(QVByteStream& in, const Payload& payload, Block& block) {
-    QVHevcSeiContentLight light{};
-    QVNaluParser::parserHevcContentLightInfo(in, sizeOf(payload), &light);
+void describeContentLight(const Payload& payload, Block& block) {
+    const QVHevcSeiContentLight light = readContentLight(payload);
     block.add("max_content_light_level", light.max_content_light_level, "cd/m2");
     block.add("max_pic_average_light_level", light.max_pic_average_light_level, "cd/m2");
 }
 
-void describeAlternativeTransfer(QVByteStream& in, const Payload& payload, Block& block) {
-    QVHevcSeiAlternativeTransfer transfer{};
-    QVNaluParser::parserHevcAlternativeTransfer(in, sizeOf(payload), &transfer);
-    block.add("preferred_transfer_characteristics", transfer.preferred_transfer_characteristics,
-              transferName(transfer.preferred_transfer_characteristics));
+void describeAlternativeTransfer(const Payload& payload, Block& block) {
+    const uint32_t transfer = readAlternativeTransfer(payload).preferred_transfer_characteristics;
+    block.add("preferred_transfer_characteristics", transfer, transferName(transfer));
 }
 
 // --- H.264 ---
@@ -493,10 +485,10 @@ Block describeSei(QVCodecID codec, uint32_t payloadType, const std::vector<uint8
             describeMasteringDisplay(payload, block);
             break;
         case kContentLight:
-            describeContentLight(in, payload, block);
+            describeContentLight(payload, block);
             break;
         case kAlternativeTransfer:
-            describeAlternativeTransfer(in, payload, block);
+            describeAlternativeTransfer(payload, block);
             break;
         default:
             if (codec == QVCodecIDAvc) {

@@ -142,41 +142,4 @@ void SeiReader::forgetItems() {
     items_.clear();
 }
 
-void SeiSignals::add(const SeiReport& report) {
-    for (const SeiUnit& unit : report.units) {
-        for (const SeiMessage& message : unit.messages) {
-            hasMasteringDisplay |= message.payloadType == kMasteringDisplay;
-            hasContentLight |= message.payloadType == kContentLight;
-            if (message.payloadType == kAlternativeTransfer && !message.payload.empty()) {
-                preferredTransfer = message.payload[0];
-            }
-            if (message.payloadType == kUserDataRegistered) {
-                const T35Kind kind = t35Kind(message.payload);
-                hasCaptions |= kind == T35Kind::A53Captions;
-                hasActiveFormat |= kind == T35Kind::Afd;
-                hasHdr10Plus |= kind == T35Kind::Hdr10Plus;
-                hasHdrVivid |= kind == T35Kind::HdrVivid;
-            }
-        }
-    }
-}
-
-std::string SeiSignals::hdr() const {
-    constexpr uint32_t kHlg = 18;
-    std::vector<std::string> kinds;
-    if (hasMasteringDisplay || hasContentLight) {
-        kinds.emplace_back("HDR10 static metadata");
-    }
-    if (hasHdrVivid) {
-        kinds.emplace_back("HDR Vivid");
-    }
-    if (hasHdr10Plus) {
-        kinds.emplace_back("HDR10+");
-    }
-    if (preferredTransfer == kHlg) {
-        kinds.emplace_back("HLG by alternative transfer");
-    }
-    return kinds.empty() ? "none signalled by SEI" : fmt::format("{}", fmt::join(kinds, ", "));
-}
-
 }  // namespace qvinspect

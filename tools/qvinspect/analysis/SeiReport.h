@@ -43,22 +43,6 @@ struct SeiReport {
     int sideDataSize = 0;  // of the access unit's items; 0 without items
 };
 
-// HDR and captions as the messages of a stream signal them.
-struct SeiSignals {
-    bool hasMasteringDisplay = false;
-    bool hasContentLight = false;
-    bool hasHdrVivid = false;
-    bool hasHdr10Plus = false;
-    bool hasCaptions = false;
-    bool hasActiveFormat = false;
-    std::optional<uint32_t> preferredTransfer;
-
-    void add(const SeiReport& report);
-
-    // "HDR10, HDR Vivid", or "none signalled by SEI".
-    std::string hdr() const;
-};
-
 // Collects the SEI of access units, one after the other.
 class SeiReader {
 public:

@@ -46,34 +46,35 @@ void StreamDetails::takeSps(const unsigned char* unit, size_t size, UnitDetails&
     };
     auto known = std::find_if(known_.begin(), known_.end(), isSame);
     if (known != known_.end()) {
-        ++repeatedSps_;
         details.isRepeatedSps = true;
     } else {
-        ++distinctSps_;
         details.newSps = readSequenceParameterSet(codec_, unit, size);
         const int place = placeOf(*details.newSps);
         known = known_.insert_or_assign(place, KnownSps{{unit, unit + size}, *details.newSps}).first;
     }
     if (known->second.sps.isAccepted) {
-        seiReader_.use(&known->second.sps);
+        active_ = &known->second.sps;
+        seiReader_.use(active_);
     }
 }
 
-std::vector<SequenceParameterSet> StreamDetails::addConfiguration(const std::vector<uint8_t>& record) {
-    std::vector<SequenceParameterSet> fresh;
+ConfigurationDetails StreamDetails::addConfiguration(const std::vector<uint8_t>& record) {
+    ConfigurationDetails configuration;
     for (const std::vector<uint8_t>& unit : configurationUnits(codec_, record)) {
-        const uint32_t type = unit.empty()             ? 0U
-                              : codec_ == QVCodecIDAvc ? unit[0] & 0x1FU
-                                                       : unit[0] >> 1U & 0x3FU;
+        if (unit.empty()) {
+            continue;
+        }
+        const uint32_t type = codec_ == QVCodecIDAvc ? unit[0] & 0x1FU : unit[0] >> 1U & 0x3FU;
+        configuration.unitTypes.push_back(type);
         UnitDetails details;
         if (isSps(type)) {
             takeSps(unit.data(), unit.size(), details);
         }
         if (details.newSps) {
-            fresh.push_back(*details.newSps);
+            configuration.parameterSets.push_back(*details.newSps);
         }
     }
-    return fresh;
+    return configuration;
 }
 
 AccessUnitDetails StreamDetails::add(const AccessUnit& accessUnit, const AccessUnitReport& report) {
@@ -94,20 +95,10 @@ AccessUnitDetails StreamDetails::add(const AccessUnit& accessUnit, const AccessU
         }
     }
     seiReader_.finish(sei);
-    count(sei);
     details.seiItems = sei.items;
     details.sideDataSize = sei.sideDataSize;
+    details.sps = active_;
     return details;
-}
-
-void StreamDetails::count(const SeiReport& sei) {
-    signals_.add(sei);
-    sideDataBytes_ += static_cast<uint64_t>(sei.sideDataSize);
-    for (const SeiUnit& unit : sei.units) {
-        for (const SeiMessage& message : unit.messages) {
-            ++messagesByType_[message.payloadType];
-        }
-    }
 }
 
 }  // namespace qvinspect

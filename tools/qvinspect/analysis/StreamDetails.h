@@ -23,32 +23,30 @@ struct UnitDetails {
 };
 
 struct AccessUnitDetails {
-    std::vector<UnitDetails> units;  // one for each unit of the report
+    std::vector<UnitDetails> units;             // one for each unit of the report
+    const SequenceParameterSet* sps = nullptr;  // in force behind it, until the next call; null without one
     size_t seiItems = 0;
     int sideDataSize = 0;
+};
+
+// What came with the container for the decoder.
+struct ConfigurationDetails {
+    std::vector<SequenceParameterSet> parameterSets;  // sequence parameter sets, each once
+    std::vector<uint32_t> unitTypes;                  // of all its NAL units
 };
 
 class StreamDetails {
 public:
     StreamDetails(QVCodecID codec, std::deque<int> requested);
 
-    // The parameter sets that came with the container; those that are new, in order.
-    std::vector<SequenceParameterSet> addConfiguration(const std::vector<uint8_t>& record);
+    ConfigurationDetails addConfiguration(const std::vector<uint8_t>& record);
 
     AccessUnitDetails add(const AccessUnit& accessUnit, const AccessUnitReport& report);
-
-    // --- Totals ---
-    uint64_t distinctSps() const { return distinctSps_; }
-    uint64_t repeatedSps() const { return repeatedSps_; }
-    const std::map<uint32_t, uint64_t>& messagesByType() const { return messagesByType_; }
-    const SeiSignals& signals() const { return signals_; }
-    uint64_t sideDataBytes() const { return sideDataBytes_; }
 
 private:
     bool isSps(uint32_t nalUnitType) const;
     bool isSei(uint32_t nalUnitType) const;
     void takeSps(const unsigned char* unit, size_t size, UnitDetails& details);
-    void count(const SeiReport& sei);
 
     struct KnownSps {
         std::vector<uint8_t> bytes;
@@ -58,11 +56,7 @@ private:
     QVCodecID codec_;
     SeiReader seiReader_;
     std::map<int, KnownSps> known_;  // by identifier, which is at most 31 where it is accepted; else -1
-    uint64_t distinctSps_ = 0;
-    uint64_t repeatedSps_ = 0;
-    std::map<uint32_t, uint64_t> messagesByType_;
-    SeiSignals signals_;
-    uint64_t sideDataBytes_ = 0;
+    const SequenceParameterSet* active_ = nullptr;
 };
 
 }  // namespace qvinspect

@@ -31,8 +31,13 @@ struct AccessUnit {
     // Offset of data in the file. Only raw streams have one.
     std::optional<uint64_t> fileOffset;
 
-    // Presentation time in seconds, where the container tells it.
-    std::optional<double> time;
+    // In seconds, where the container tells them.
+    std::optional<double> time;  // of presentation
+    std::optional<double> decodeTime;
+    std::optional<double> duration;
+
+    // A field of a picture coded as two, H.264 only (field_pic_flag). Only raw streams tell.
+    bool isField = false;
 
     QVCodecParameters parameters{};
     std::vector<Finding> findings;

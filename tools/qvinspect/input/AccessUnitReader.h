@@ -3,6 +3,7 @@
 #define QVINSPECT_ACCESSUNITREADER_H
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,13 @@ struct StreamInfo {
     std::string format;  // the container's name, or what stands in its place
     QVCodecParameters parameters{};
     std::vector<uint8_t> configuration;  // the container's record for the decoder; empty when there is none
+    std::optional<uint32_t> transfer_characteristics;  // where the container tells it
+};
+
+// How far reading has come.
+struct ReadProgress {
+    uint64_t bytes = 0;
+    std::optional<uint64_t> size;  // of the file; not of a pipe
 };
 
 class AccessUnitReader {
@@ -26,6 +34,8 @@ public:
     // Reads the next access unit into accessUnit, whatever it held. False at the end: accessUnit is then
     // empty but for the findings that stand behind the last access unit.
     virtual bool next(AccessUnit& accessUnit) = 0;
+
+    virtual ReadProgress progress() const = 0;
 };
 
 }  // namespace qvinspect

@@ -3,6 +3,8 @@
 #define QVINSPECT_BYTESOURCE_H
 
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <string>
 
 namespace qvinspect {
@@ -13,6 +15,9 @@ public:
 
     // Reads up to size bytes to to and returns how many. 0 only at the end, or when reading failed.
     virtual size_t read(unsigned char* to, size_t size) = 0;
+
+    // Of the whole source, where it is known ahead of its end.
+    virtual std::optional<uint64_t> size() const { return std::nullopt; }
 
     // Why reading ended ahead of the end; empty when it did not.
     virtual std::string failure() const = 0;

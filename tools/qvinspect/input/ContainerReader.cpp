@@ -9,6 +9,7 @@ extern "C" {
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -98,6 +99,9 @@ public:
     ContainerReader(Context context, AVStream& video, QVCodecID codec)
         : context_(std::move(context)), video_(video), packet_(av_packet_alloc()) {
         info_.format = context_->iformat->long_name;
+        if (video.codecpar->color_trc != AVCOL_TRC_UNSPECIFIED) {
+            info_.transfer_characteristics = static_cast<uint32_t>(video.codecpar->color_trc);
+        }
         const uint8_t* const record = video.codecpar->extradata;
         if (record != nullptr) {
             info_.configuration.assign(record, record + video.codecpar->extradata_size);
@@ -118,6 +122,16 @@ public:
         followFraming();
         fill(accessUnit);
         return true;
+    }
+
+    ReadProgress progress() const override {
+        ReadProgress progress;
+        if (context_->pb != nullptr) {
+            const int64_t size = avio_size(context_->pb);
+            progress.bytes = static_cast<uint64_t>(std::max<int64_t>(avio_tell(context_->pb), 0));
+            progress.size = size > 0 ? std::optional<uint64_t>(size) : std::nullopt;
+        }
+        return progress;
     }
 
 private:
@@ -166,13 +180,21 @@ private:
         accessUnit.data = packet_->data;
         accessUnit.size = static_cast<size_t>(packet_->size);
         accessUnit.parameters = parameters_;
-        if (packet_->pts != AV_NOPTS_VALUE) {
-            accessUnit.time = static_cast<double>(packet_->pts) * av_q2d(video_.time_base);
+        accessUnit.time = seconds(packet_->pts);
+        accessUnit.decodeTime = seconds(packet_->dts);
+        if (packet_->duration > 0) {
+            accessUnit.duration = seconds(packet_->duration);
         }
         if ((packet_->flags & AV_PKT_FLAG_CORRUPT) != 0) {
             accessUnit.findings.push_back(
                 {Severity::Error, std::nullopt, "the container's sample is damaged or cut short"});
         }
+    }
+
+    std::optional<double> seconds(int64_t time) const {
+        return time == AV_NOPTS_VALUE
+                   ? std::nullopt
+                   : std::optional<double>(static_cast<double>(time) * av_q2d(video_.time_base));
     }
 
     Context context_;

@@ -39,7 +39,8 @@ std::optional<QVCodecID> codecOf(RawCodec codec) {
 
 }  // namespace
 
-std::unique_ptr<AccessUnitReader> openInput(const std::string& path, std::optional<QVCodecID> codec) {
+std::unique_ptr<AccessUnitReader> openInput(const std::string& path, const InputOptions& options) {
+    const std::optional<QVCodecID> codec = options.codec;
     auto file = std::make_unique<FileSource>(path);
     const auto& head = file->peek(kProbeBytes);
     if (head.empty()) {

@@ -3,16 +3,15 @@
 #define QVINSPECT_OPENINPUT_H
 
 #include <memory>
-#include <optional>
 #include <string>
 
 #include "input/AccessUnitReader.h"
+#include "input/InputOptions.h"
 
 namespace qvinspect {
 
-// codec: what the caller says the file holds, if anything. For a container it chooses among its videos, for
-// a raw byte stream it is taken at its word. Throws InputError when the file can be read as neither.
-std::unique_ptr<AccessUnitReader> openInput(const std::string& path, std::optional<QVCodecID> codec);
+// The caller is taken at its word about a raw stream. Throws InputError when the input cannot be read.
+std::unique_ptr<AccessUnitReader> openInput(const std::string& path, const InputOptions& options);
 
 }  // namespace qvinspect
 

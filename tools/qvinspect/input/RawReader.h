@@ -30,6 +30,7 @@ public:
 
     const StreamInfo& info() const override { return info_; }
     bool next(AccessUnit& accessUnit) override;
+    ReadProgress progress() const override { return {window_.end(), window_.source().size()}; }
 
 private:
     void readUnit();

@@ -42,54 +42,86 @@ const char* deliveryText(Delivery delivery) {
 
 }  // namespace
 
-Listing::Listing(Output& output, std::string name, StreamInfo info, bool isRaw)
-    : output_(output), name_(std::move(name)), info_(std::move(info)), isRaw_(isRaw) {}
+Listing::Listing(const std::string& path, Level level) : output_(path), level_(level) {}
 
-void Listing::begin(const std::vector<SequenceParameterSet>& parameterSets) {
-    output_.print("File     {}\n", name_);
-    output_.print("Stream   {}, {}, {}\n", codecName(info_.parameters.codecId), info_.format,
-                  framingName(info_.parameters));
-    output_.print("Offsets  in the {}\n\n", isRaw_ ? "file" : "access unit");
-    output_.print("AU       {:>14}  {:>10}\n", isRaw_ ? "offset" : "time [s]", "bytes");
-    output_.print("         {:>14}  {:>10}  type\n", "offset", "length");
-    for (const SequenceParameterSet& sps : parameterSets) {
-        output_.print("configuration record\n");
-        addSps(sps);
-    }
+void Listing::fail(const std::string&, const std::string&) {
+    output_.flush();  // what is said of it on standard error comes behind what was listed so far
 }
 
-void Listing::add(const AccessUnit& accessUnit, const AccessUnitReport& report,
-                  const AccessUnitDetails& details) {
-    ++number_;
-    output_.print("AU {:<6}{:>14}  {:>10}{}\n", number_, placeOf(accessUnit), accessUnit.size,
-                  report.isKey ? "  key" : "");
-    addFindings(accessUnit.findings);
-    for (size_t i = 0; i < report.units.size(); ++i) {
-        addUnit(report.units[i]);
-        addDetails(details.units[i]);
+void Listing::begin(const StreamHead& head) {
+    head_ = head;
+    if (!isFirst_) {
+        output_.print("\n");
     }
-    addFindings(report.findings);
-    if (details.seiItems > 0) {
-        output_.print("         {} SEI item{}, {} bytes of side data\n", details.seiItems,
-                      details.seiItems == 1 ? "" : "s", details.sideDataSize);
-    }
-}
-
-void Listing::addDetails(const UnitDetails& details) {
-    if (details.newSps) {
-        addSps(*details.newSps);
-    }
-    if (!details.sei) {
+    isFirst_ = false;
+    output_.print("File     {}\n", head_.name);
+    output_.print("Stream   {}, {}, {}\n", codecName(head_.info.parameters.codecId), head_.info.format,
+                  framingName(head_.info.parameters));
+    if (level_ == Level::Summary) {
         return;
     }
-    for (const SeiMessage& message : details.sei->messages) {
-        addMessage(message);
+    output_.print("Offsets  in the {}\n\n", head_.isRaw ? "file" : "access unit");
+    output_.print("AU       {:>14}  {:>10}\n", head_.isRaw ? "offset" : "time [s]", "bytes");
+    if (level_ >= Level::Nalus) {
+        output_.print("         {:>14}  {:>10}  type\n", "offset", "length");
     }
-    for (const std::string& line : details.sei->log) {
+    if (level_ == Level::Fields) {
+        for (const SequenceParameterSet& sps : head_.parameterSets) {
+            output_.print("configuration record\n");
+            addSps(sps);
+        }
+    }
+}
+
+void Listing::add(const AccessUnitView& view) {
+    if (level_ == Level::Summary || !view.isShown) {
+        return;
+    }
+    output_.print("AU {:<6}{:>14}  {:>10}{}\n", view.number, placeOf(view.accessUnit), view.accessUnit.size,
+                  view.report.isKey ? "  key" : "");
+    addFindings(view.accessUnit.findings);
+    if (level_ >= Level::Nalus) {
+        for (const UnitView& unit : view.units) {
+            addUnit(unit);
+        }
+    }
+    addFindings(view.report.findings);
+    if (level_ >= Level::Sei && view.details.seiItems > 0) {
+        output_.print("         {} SEI item{}, {} bytes of side data\n", view.details.seiItems,
+                      view.details.seiItems == 1 ? "" : "s", view.details.sideDataSize);
+    }
+}
+
+void Listing::addUnit(const UnitView& unit) {
+    const UnitReport& report = *unit.report;
+    output_.print("         {:>14}  {:>10}  ", report.offset, report.length);
+    switch (report.state) {
+        case UnitState::Typed:
+            output_.print("{:>4}  {}{}\n", report.type,
+                          nalUnitName(head_.info.parameters.codecId, report.type),
+                          report.isNonReference ? ", non-reference" : "");
+            break;
+        case UnitState::ForbiddenBit:
+            output_.print("   -  error: forbidden_zero_bit is set\n");
+            break;
+        case UnitState::Empty:
+            output_.print("   -  error: empty unit\n");
+            break;
+    }
+    if (level_ == Level::Fields && unit.details->newSps) {
+        addSps(*unit.details->newSps);
+    }
+    if (level_ < Level::Sei || !unit.details->sei) {
+        return;
+    }
+    for (const SeiMessage* message : unit.messages) {
+        addMessage(*message);
+    }
+    for (const std::string& line : unit.details->sei->log) {
         output_.print("{}library: {}\n", kIndent, line);
     }
-    if (details.sei->result != QVResultOk) {
-        output_.print("{}library: the walk ended with {}\n", kIndent, details.sei->result);
+    if (unit.details->sei->result != QVResultOk) {
+        output_.print("{}library: the walk ended with {}\n", kIndent, unit.details->sei->result);
     }
 }
 
@@ -100,32 +132,18 @@ void Listing::addSps(const SequenceParameterSet& sps) {
 
 void Listing::addMessage(const SeiMessage& message) {
     output_.print("{}SEI {} {}, {} bytes{}{}{}\n", kIndent, message.payloadType,
-                  seiName(info_.parameters.codecId, message.payloadType), message.payloadSize,
+                  seiName(head_.info.parameters.codecId, message.payloadType), message.payloadSize,
                   deliveryText(message.delivery), message.payload.empty() ? "" : ": ",
                   firstBytes(message.payload.data(), message.payload.size()));
-    addBlock(message.block);
+    if (level_ == Level::Fields) {
+        addBlock(message.block);
+    }
 }
 
 void Listing::addBlock(const Block& block) {
     for (const Field& field : block.fields) {
         output_.print("{}  {:<44}  {}{}{}{}\n", kIndent, field.name, field.value,
                       field.note.empty() ? "" : "  (", field.note, field.note.empty() ? "" : ")");
-    }
-}
-
-void Listing::addUnit(const UnitReport& unit) {
-    output_.print("         {:>14}  {:>10}  ", unit.offset, unit.length);
-    switch (unit.state) {
-        case UnitState::Typed:
-            output_.print("{:>4}  {}{}\n", unit.type, nalUnitName(info_.parameters.codecId, unit.type),
-                          unit.isNonReference ? ", non-reference" : "");
-            break;
-        case UnitState::ForbiddenBit:
-            output_.print("   -  error: forbidden_zero_bit is set\n");
-            break;
-        case UnitState::Empty:
-            output_.print("   -  error: empty unit\n");
-            break;
     }
 }
 
@@ -137,45 +155,56 @@ void Listing::addFindings(const std::vector<Finding>& findings) {
     }
 }
 
-void Listing::end(const std::vector<Finding>& findings, const Summary& summary,
-                  const StreamDetails& details) {
-    addFindings(findings);
-    output_.print("\nSummary of {}\n", name_);
-    output_.print("  codec             {}\n", codecName(info_.parameters.codecId));
-    output_.print("  container         {}\n", isRaw_ ? std::string("none, ") + info_.format : info_.format);
-    output_.print("  framing           {}\n", framingName(info_.parameters));
-    output_.print("  access units      {}\n", summary.accessUnits);
-    output_.print("  key access units  {}\n", summary.keyAccessUnits);
-    endUnits(summary);
-    endDetails(details);
-    output_.print("  bytes             {}\n", summary.bytes);
-    output_.print("  errors            {}\n", summary.errors);
+void Listing::end(const StreamEnd& end) {
+    if (level_ != Level::Summary) {
+        addFindings(end.findings);
+        output_.print("\nSummary of {}\n", head_.name);
+    }
+    addSummary(end.totals);
+    addChecks(end.checks);
+    if (end.isInterrupted) {
+        output_.print("interrupted: this is what was read so far\n");
+    }
 }
 
-void Listing::endDetails(const StreamDetails& details) {
-    output_.print("  parameter sets    {} SPS, {} repeated unchanged\n", details.distinctSps(),
-                  details.repeatedSps());
-    output_.print("  SEI messages{}\n", details.messagesByType().empty() ? "      none" : "");
-    for (const auto& [type, count] : details.messagesByType()) {
+void Listing::addChecks(const std::vector<CheckResult>& checks) {
+    for (const CheckResult& check : checks) {
+        output_.print("{} {}: {}\n", check.isMet ? "[OK]" : "[FAIL]", check.rule, check.evidence);
+    }
+}
+
+void Listing::addSummary(const StreamTotals& totals) {
+    output_.print("  access units      {}\n", totals.accessUnits);
+    output_.print("  key access units  {}\n", totals.keyAccessUnits);
+    addUnitCounts(totals);
+    output_.print("  parameter sets    {} SPS, {} repeated unchanged\n", totals.distinctSps,
+                  totals.repeatedSps);
+    output_.print("  SEI messages{}\n", totals.messagesByType.empty() ? "      none" : "");
+    for (const auto& [type, count] : totals.messagesByType) {
         output_.print("    type {:>3}        {:<8}  {}\n", type, count,
-                      seiName(info_.parameters.codecId, type));
+                      seiName(head_.info.parameters.codecId, type));
     }
-    const SeiSignals& signals = details.signals();
-    output_.print("  HDR               {}\n", signals.hdr());
-    output_.print("  captions          {}\n", signals.hasCaptions ? "A/53" : "none");
-    output_.print("  active format     {}\n", signals.hasActiveFormat ? "signalled" : "none");
-    output_.print("  side data         {} bytes\n", details.sideDataBytes());
+    output_.print("  HDR               {}\n", fmt::join(totals.signals.hdrClasses(), ", "));
+    output_.print("  captions          {}\n", totals.signals.captionMessages > 0 ? "A/53" : "none");
+    output_.print("  active format     {}\n", totals.signals.activeFormatMessages > 0 ? "signalled" : "none");
+    output_.print("  side data         {} bytes\n", totals.sideDataBytes);
+    output_.print("  bytes             {}\n", totals.bytes);
+    output_.print("  errors            {}\n", totals.errors);
 }
 
-void Listing::endUnits(const Summary& summary) {
-    output_.print("  NAL units         {}\n", summary.units);
-    for (const auto& [type, count] : summary.unitsByType) {
+void Listing::addUnitCounts(const StreamTotals& totals) {
+    output_.print("  NAL units         {}\n", totals.units);
+    for (const auto& [type, count] : totals.unitsByType) {
         output_.print("    type {:>2}         {:<8}  {}\n", type, count,
-                      nalUnitName(info_.parameters.codecId, type));
+                      nalUnitName(head_.info.parameters.codecId, type));
     }
-    if (summary.untypedUnits > 0) {
-        output_.print("    no type         {:<8}  forbidden_zero_bit set, or empty\n", summary.untypedUnits);
+    if (totals.untypedUnits > 0) {
+        output_.print("    no type         {:<8}  forbidden_zero_bit set, or empty\n", totals.untypedUnits);
     }
+}
+
+void Listing::finish() {
+    output_.close();
 }
 
 }  // namespace qvinspect

@@ -1,4 +1,4 @@
-// The listing of one file, as a person reads it.
+// The listing, as a person reads it.
 #ifndef QVINSPECT_LISTING_H
 #define QVINSPECT_LISTING_H
 
@@ -6,41 +6,36 @@
 #include <string>
 #include <vector>
 
-#include "analysis/Analysis.h"
-#include "analysis/StreamDetails.h"
-#include "analysis/Summary.h"
-#include "input/AccessUnitReader.h"
+#include "report/Level.h"
 #include "report/Output.h"
+#include "report/Presenter.h"
 
 namespace qvinspect {
 
-class Listing {
+class Listing : public Presenter {
 public:
-    // name as it is to be printed. isRaw: access units have offsets instead of times.
-    Listing(Output& output, std::string name, StreamInfo info, bool isRaw);
+    Listing(const std::string& path, Level level);
 
-    // parameterSets: those that came with the container.
-    void begin(const std::vector<SequenceParameterSet>& parameterSets);
-    void add(const AccessUnit& accessUnit, const AccessUnitReport& report, const AccessUnitDetails& details);
-
-    // findings: those behind the last access unit.
-    void end(const std::vector<Finding>& findings, const Summary& summary, const StreamDetails& details);
+    void fail(const std::string& name, const std::string& reason) override;
+    void begin(const StreamHead& head) override;
+    void add(const AccessUnitView& view) override;
+    void end(const StreamEnd& end) override;
+    void finish() override;
 
 private:
-    void addUnit(const UnitReport& unit);
-    void addDetails(const UnitDetails& details);
+    void addUnit(const UnitView& unit);
     void addSps(const SequenceParameterSet& sps);
     void addMessage(const SeiMessage& message);
     void addBlock(const Block& block);
     void addFindings(const std::vector<Finding>& findings);
-    void endUnits(const Summary& summary);
-    void endDetails(const StreamDetails& details);
+    void addSummary(const StreamTotals& totals);
+    void addUnitCounts(const StreamTotals& totals);
+    void addChecks(const std::vector<CheckResult>& checks);
 
-    Output& output_;
-    std::string name_;
-    StreamInfo info_;
-    bool isRaw_;
-    uint64_t number_ = 0;  // of the access unit listed last
+    Output output_;
+    Level level_;
+    StreamHead head_;
+    bool isFirst_ = true;
 };
 
 }  // namespace qvinspect

@@ -1,0 +1,49 @@
+// One access unit with all that was found out about it, as the reports take it.
+#ifndef QVINSPECT_ACCESSUNITVIEW_H
+#define QVINSPECT_ACCESSUNITVIEW_H
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "analysis/Analysis.h"
+#include "analysis/StreamDetails.h"
+#include "input/AccessUnit.h"
+
+namespace qvinspect {
+
+struct UnitView {
+    const UnitReport* report;
+    const UnitDetails* details;
+    const unsigned char* data;  // report->length bytes
+
+    std::vector<const SeiMessage*> messages;  // those that are shown
+};
+
+// The library does not type the unit, refuses it, or cannot walk all of it.
+bool isBroken(const UnitView& unit);
+
+// References and pointers hold until the next access unit is read.
+struct AccessUnitView {
+    uint64_t number;  // from 1
+    const AccessUnit& accessUnit;
+    const AccessUnitReport& report;
+    const AccessUnitDetails& details;
+
+    // Seconds, where they are known. A raw stream counts them in decoding order.
+    std::optional<double> time;
+    std::optional<double> decodeTime;
+    std::optional<double> duration;
+
+    uint64_t errors;              // found in this access unit, broken units among them
+    bool isShown = true;          // as far as the filter goes
+    std::vector<UnitView> units;  // those that are shown
+};
+
+// All of its units and messages, shown or not.
+AccessUnitView viewOf(uint64_t number, const AccessUnit& accessUnit, const AccessUnitReport& report,
+                      const AccessUnitDetails& details);
+
+}  // namespace qvinspect
+
+#endif

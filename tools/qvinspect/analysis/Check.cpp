@@ -1,0 +1,174 @@
+#include "analysis/Check.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+#include <stdexcept>
+
+#include "analysis/NalUnitNames.h"
+
+namespace qvinspect {
+
+namespace {
+
+std::optional<uint64_t> wholeNumber(const std::string& text) {
+    uint64_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return error == std::errc() && end == text.data() + text.size() ? std::optional<uint64_t>(number)
+                                                                    : std::nullopt;
+}
+
+// "2s", "0.5s".
+std::optional<double> secondsOf(const std::string& text) {
+    double number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return error == std::errc() && end + 1 == text.data() + text.size() && *end == 's' && number >= 0
+               ? std::optional<double>(number)
+               : std::nullopt;
+}
+
+[[noreturn]] void refuse(const std::string& text, const std::string& advice) {
+    throw std::invalid_argument(fmt::format("{}: {}", text, advice));
+}
+
+CheckResult keyInterval(const Check& check, const StreamTotals& totals) {
+    const KeyIntervals& keys = totals.keyIntervals;
+    if (totals.keyAccessUnits == 0) {
+        return {check.text, false, "no key access unit"};
+    }
+    if (const auto most = wholeNumber(check.value)) {
+        return {
+            check.text, keys.most <= *most,
+            fmt::format("the longest takes {} access units, from access unit {} on", keys.most, keys.mostAt)};
+    }
+    if (!keys.mostSeconds) {
+        return {check.text, false,
+                "the stream has no times; give --frame-rate, or the interval in access units"};
+    }
+    return {check.text, *keys.mostSeconds <= *secondsOf(check.value),
+            fmt::format("the longest lasts {:.3f} s", *keys.mostSeconds)};
+}
+
+CheckResult unitSize(const Check& check, const StreamTotals& totals) {
+    const LargestUnit& largest = totals.largestUnit;
+    return {check.text, largest.bytes <= *wholeNumber(check.value),
+            fmt::format("the largest NAL unit has {} bytes, in access unit {} at {}", largest.bytes,
+                        largest.accessUnit, largest.offset)};
+}
+
+CheckResult accessUnitSize(const Check& check, const StreamTotals& totals) {
+    return {check.text, totals.largestAccessUnit <= *wholeNumber(check.value),
+            fmt::format("the largest access unit has {} bytes, number {}", totals.largestAccessUnit,
+                        totals.largestAccessUnitAt)};
+}
+
+CheckResult parameterSets(const Check& check, const StreamTotals& totals) {
+    if (totals.keyAccessUnits == 0) {
+        return {check.text, false, "no key access unit"};
+    }
+    if (totals.keyWithoutParameterSets != 0) {
+        return {check.text, false,
+                fmt::format("key access unit {} comes without all of its parameter sets",
+                            totals.keyWithoutParameterSets)};
+    }
+    return {check.text, true,
+            totals.hasConfiguration ? "they came with the container or ahead of the first key picture"
+                                    : "they came ahead of the first key picture"};
+}
+
+CheckResult hdr10(const Check& check, const StreamTotals& totals) {
+    const Signals& signals = totals.signals;
+    return {check.text, signals.masteringDisplay || signals.contentLight,
+            fmt::format("mastering display: {}, content light level: {}",
+                        signals.masteringDisplay ? "yes" : "no", signals.contentLight ? "yes" : "no")};
+}
+
+CheckResult presence(const Check& check, uint64_t messages) {
+    return {check.text, messages > 0, fmt::format("{} messages", messages)};
+}
+
+CheckResult noErrors(const Check& check, const StreamTotals& totals) {
+    return {check.text, totals.errors == 0,
+            totals.errors == 0 ? "no errors"
+                               : fmt::format("{} errors; the first: {}", totals.errors, totals.firstError)};
+}
+
+CheckResult codec(const Check& check, const StreamTotals& totals) {
+    return {check.text, (check.value == "h264") == (totals.codec == QVCodecIDAvc), codecName(totals.codec)};
+}
+
+}  // namespace
+
+const std::vector<CheckRule>& checkRules() {
+    static const std::vector<CheckRule> rules = {
+        {"max-key-interval", "N or SECONDSs",
+         "key pictures at most so many access units apart, or seconds (2s)"},
+        {"max-unit-size", "BYTES", "no NAL unit is larger"},
+        {"max-access-unit-size", "BYTES", "no access unit is larger"},
+        {"parameter-sets-first", "",
+         "parameter sets stand ahead of the first key picture, or in the container"},
+        {"hdr10", "", "mastering display or content light level metadata is there"},
+        {"hdr-vivid", "", "HDR Vivid metadata is there"},
+        {"captions", "", "A/53 captions are there"},
+        {"no-errors", "", "nothing in the stream is broken"},
+        {"codec", "h264 or h265", "the video is coded so"},
+    };
+    return rules;
+}
+
+Check parseCheck(const std::string& text) {
+    const size_t equals = text.find('=');
+    Check check{text, text.substr(0, equals), equals == std::string::npos ? "" : text.substr(equals + 1)};
+    const auto& rules = checkRules();
+    const auto rule = std::find_if(rules.begin(), rules.end(),
+                                   [&](const CheckRule& known) { return check.rule == known.name; });
+    if (rule == rules.end()) {
+        refuse(text, "no such rule; --list-checks shows all of them");
+    }
+    const bool wantsValue = *rule->value != '\0';
+    if (wantsValue != !check.value.empty() || (!wantsValue && equals != std::string::npos)) {
+        refuse(text, wantsValue ? fmt::format("write {}={}", rule->name, rule->value)
+                                : fmt::format("{} takes no value", rule->name));
+    }
+    const bool isRight =
+        !wantsValue ||
+        (check.rule == "codec"              ? check.value == "h264" || check.value == "h265"
+         : check.rule == "max-key-interval" ? wholeNumber(check.value) || secondsOf(check.value)
+                                            : wholeNumber(check.value).has_value());
+    if (!isRight) {
+        refuse(text, fmt::format("write {}={}", rule->name, rule->value));
+    }
+    return check;
+}
+
+CheckResult evaluate(const Check& check, const StreamTotals& totals) {
+    if (check.rule == "max-key-interval") {
+        return keyInterval(check, totals);
+    }
+    if (check.rule == "max-unit-size") {
+        return unitSize(check, totals);
+    }
+    if (check.rule == "max-access-unit-size") {
+        return accessUnitSize(check, totals);
+    }
+    if (check.rule == "parameter-sets-first") {
+        return parameterSets(check, totals);
+    }
+    if (check.rule == "hdr10") {
+        return hdr10(check, totals);
+    }
+    if (check.rule == "hdr-vivid") {
+        return presence(check, totals.signals.hdrVivid.messages);
+    }
+    if (check.rule == "captions") {
+        return presence(check, totals.signals.captionMessages);
+    }
+    if (check.rule == "no-errors") {
+        return noErrors(check, totals);
+    }
+    return codec(check, totals);
+}
+
+}  // namespace qvinspect

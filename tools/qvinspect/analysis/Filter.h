@@ -1,0 +1,34 @@
+// Which access units, NAL units and messages are shown. Totals are those of the whole stream all the same.
+#ifndef QVINSPECT_FILTER_H
+#define QVINSPECT_FILTER_H
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "analysis/AccessUnitView.h"
+
+namespace qvinspect {
+
+// An ITU-T T.35 message by its codes.
+struct T35Codes {
+    uint8_t itu_t_t35_country_code;
+    std::optional<uint16_t> itu_t_t35_provider_code;  // any, when not set
+};
+
+// Conditions of one kind are alternatives; those of different kinds have to hold together. Without any,
+// everything is shown.
+struct Filter {
+    std::vector<uint32_t> unitTypes;
+    std::vector<uint32_t> seiTypes;
+    std::vector<T35Codes> t35;
+    bool keyOnly = false;
+    bool errorsOnly = false;
+
+    // Leaves of view the units and messages that are to be shown, and says whether the access unit is.
+    void apply(AccessUnitView& view) const;
+};
+
+}  // namespace qvinspect
+
+#endif

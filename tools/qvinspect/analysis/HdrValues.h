@@ -1,0 +1,35 @@
+// HDR metadata of SEI payloads, as the library's parsers read it.
+#ifndef QVINSPECT_HDRVALUES_H
+#define QVINSPECT_HDRVALUES_H
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "QVHDRVividDynamicMetadata.h"
+#include "QVNaluParser.h"
+
+namespace qvinspect {
+
+// Payloads are those without emulation prevention bytes. Nothing for a payload that the parser refuses.
+
+// mastering_display_colour_volume, payloadType 137.
+std::optional<QVHDR10StaticMetadata> readMasteringDisplay(const std::vector<uint8_t>& payload);
+
+// content_light_level_info, payloadType 144.
+QVHevcSeiContentLight readContentLight(const std::vector<uint8_t>& payload);
+
+// alternative_transfer_characteristics, payloadType 147.
+QVHevcSeiAlternativeTransfer readAlternativeTransfer(const std::vector<uint8_t>& payload);
+
+struct HdrVividResult {
+    int status;  // QVHDRVividOk, or why metadata is not whole
+    QVHDRVividDynamicMetadata metadata;
+};
+
+// user_data_registered_itu_t_t35, payloadType 4.
+HdrVividResult readHdrVivid(const std::vector<uint8_t>& payload);
+
+}  // namespace qvinspect
+
+#endif

@@ -1,0 +1,326 @@
+#include "analysis/StreamTotals.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "analysis/HdrValues.h"
+#include "analysis/SeiNames.h"
+#include "analysis/SeiTypes.h"
+#include "input/AvcUnitTypes.h"
+#include "input/HevcUnitTypes.h"
+
+namespace qvinspect {
+
+namespace {
+
+constexpr size_t kMostNotes = 16;
+constexpr int64_t kMillisecondsPerSecond = 1000;
+
+// H.273 table 3.
+constexpr uint32_t kPq = 16;
+constexpr uint32_t kHlg = 18;
+
+bool isVcl(QVCodecID codec, uint32_t nal_unit_type) {
+    return codec == QVCodecIDAvc ? nal_unit_type >= 1 && nal_unit_type <= 5 : nal_unit_type <= 31;
+}
+
+std::string placed(const Finding& finding) {
+    return finding.offset ? fmt::format("{} (at {})", finding.text, *finding.offset) : finding.text;
+}
+
+}  // namespace
+
+bool Signals::isHdr10() const {
+    return masteringDisplay || contentLight || preferredTransfer == kPq || transfer_characteristics == kPq;
+}
+
+bool Signals::isHlg() const {
+    return preferredTransfer == kHlg || transfer_characteristics == kHlg;
+}
+
+std::vector<std::string> Signals::hdrClasses() const {
+    std::vector<std::string> classes;
+    if (isHdr10()) {
+        classes.emplace_back("HDR10");
+    }
+    if (isHlg()) {
+        classes.emplace_back("HLG");
+    }
+    if (hdrVivid.messages > 0) {
+        classes.emplace_back("HDR Vivid");
+    }
+    if (hdr10PlusMessages > 0) {
+        classes.emplace_back("HDR10+");
+    }
+    if (classes.empty()) {
+        classes.emplace_back("SDR");
+    }
+    return classes;
+}
+
+StreamCounter::StreamCounter(const StreamInfo& info) {
+    totals_.codec = info.parameters.codecId;
+    hasVps_ = totals_.codec == QVCodecIDAvc;
+    totals_.signals.transfer_characteristics = info.transfer_characteristics;
+}
+
+void StreamCounter::addConfiguration(const ConfigurationDetails& configuration) {
+    for (const SequenceParameterSet& sps : configuration.parameterSets) {
+        addSps(sps);
+    }
+    for (const uint32_t type : configuration.unitTypes) {
+        noteParameterSet(type);
+    }
+    totals_.hasConfiguration = !configuration.unitTypes.empty();
+}
+
+void StreamCounter::noteParameterSet(uint32_t nal_unit_type) {
+    const bool isAvc = totals_.codec == QVCodecIDAvc;
+    hasVps_ |= nal_unit_type == kHevcVpsNut;
+    hasSps_ |= nal_unit_type == (isAvc ? kAvcSpsNut : kHevcSpsNut);
+    hasPps_ |= nal_unit_type == (isAvc ? kAvcPpsNut : kHevcPpsNut);
+}
+
+void StreamCounter::add(const AccessUnitView& view) {
+    ++totals_.accessUnits;
+    lastNumber_ = view.number;
+    totals_.bytes += view.accessUnit.size;
+    if (view.accessUnit.size > totals_.largestAccessUnit) {
+        totals_.largestAccessUnit = view.accessUnit.size;
+        totals_.largestAccessUnitAt = view.number;
+    }
+    addFindings(view.accessUnit.findings, view.number);
+    addUnits(view);
+    addFindings(view.report.findings, view.number);
+    addDetails(view.details);
+    if (view.report.isKey) {
+        addKey(view);
+    }
+    addTime(view);
+}
+
+void StreamCounter::addUnits(const AccessUnitView& view) {
+    bool hasPicture = false;
+    for (size_t i = 0; i < view.report.units.size(); ++i) {
+        const UnitReport& unit = view.report.units[i];
+        ++totals_.units;
+        if (unit.length > totals_.largestUnit.bytes) {
+            totals_.largestUnit = {unit.length, view.number, unit.offset};
+        }
+        if (unit.state != UnitState::Typed) {
+            ++totals_.untypedUnits;
+            addError(fmt::format("{} (at {})",
+                                 unit.state == UnitState::Empty ? "empty unit" : "forbidden_zero_bit is set",
+                                 unit.offset),
+                     view.number);
+            continue;
+        }
+        ++totals_.unitsByType[unit.type];
+        if (!hasPicture && isVcl(totals_.codec, unit.type)) {
+            hasPicture = true;
+            if (view.report.isKey && totals_.keyAccessUnits == 0 && !(hasVps_ && hasSps_ && hasPps_)) {
+                totals_.keyWithoutParameterSets = view.number;
+            }
+        }
+        noteParameterSet(unit.type);
+        const UnitDetails& details = view.details.units[i];
+        if (details.newSps && !details.newSps->isAccepted) {
+            addError(fmt::format("the library refuses the parameter set (at {})", unit.offset), view.number);
+        }
+        if (details.sei && details.sei->result != QVResultOk) {
+            addError(fmt::format("the walk of the SEI unit ended with {} (at {})", details.sei->result,
+                                 unit.offset),
+                     view.number);
+        }
+    }
+}
+
+void StreamCounter::addDetails(const AccessUnitDetails& details) {
+    for (const UnitDetails& unit : details.units) {
+        if (unit.newSps) {
+            addSps(*unit.newSps);
+        }
+        totals_.repeatedSps += unit.isRepeatedSps ? 1U : 0U;
+        if (unit.sei) {
+            for (const SeiMessage& message : unit.sei->messages) {
+                addMessage(message);
+            }
+        }
+    }
+    totals_.seiItems += details.seiItems;
+    totals_.sideDataBytes += static_cast<uint64_t>(details.sideDataSize);
+}
+
+void StreamCounter::addSps(const SequenceParameterSet& sps) {
+    ++totals_.distinctSps;
+    if (!sps.isAccepted) {
+        ++totals_.refusedSps;
+        return;
+    }
+    if (!totals_.sps) {
+        totals_.sps = sps;
+    }
+    if (sps.codec == QVCodecIDAvc && sps.avc.colour_description_present_flag != 0) {
+        totals_.signals.transfer_characteristics = static_cast<uint32_t>(sps.avc.transfer_characteristics);
+    }
+}
+
+void StreamCounter::addMessage(const SeiMessage& message) {
+    ++totals_.messagesByType[message.payloadType];
+    Signals& signals = totals_.signals;
+    switch (message.payloadType) {
+        case kMasteringDisplay:
+            if (!signals.masteringDisplay) {
+                signals.masteringDisplay = readMasteringDisplay(message.payload);
+            }
+            break;
+        case kContentLight:
+            if (!signals.contentLight) {
+                signals.contentLight = readContentLight(message.payload);
+            }
+            break;
+        case kAlternativeTransfer:
+            signals.preferredTransfer =
+                readAlternativeTransfer(message.payload).preferred_transfer_characteristics;
+            break;
+        case kUserDataRegistered:
+            addRegistered(message.payload);
+            break;
+        default:
+            break;
+    }
+}
+
+void StreamCounter::addRegistered(const std::vector<uint8_t>& payload) {
+    Signals& signals = totals_.signals;
+    switch (t35Kind(payload)) {
+        case T35Kind::A53Captions:
+            ++signals.captionMessages;
+            break;
+        case T35Kind::Afd:
+            ++signals.activeFormatMessages;
+            break;
+        case T35Kind::Hdr10Plus:
+            ++signals.hdr10PlusMessages;
+            break;
+        case T35Kind::HdrVivid:
+            addHdrVivid(payload);
+            break;
+        case T35Kind::Unknown:
+            break;
+    }
+}
+
+void StreamCounter::addHdrVivid(const std::vector<uint8_t>& payload) {
+    HdrVividTotals& vivid = totals_.signals.hdrVivid;
+    ++vivid.messages;
+    const HdrVividResult result = readHdrVivid(payload);
+    if (result.status != QVHDRVividOk) {
+        return;
+    }
+    const QVHDRVividDynamicMetadata& metadata = result.metadata;
+    vivid.minimum_maxrgb_pq = vivid.read == 0
+                                  ? metadata.minimum_maxrgb_pq
+                                  : std::min<uint32_t>(vivid.minimum_maxrgb_pq, metadata.minimum_maxrgb_pq);
+    vivid.maximum_maxrgb_pq = std::max<uint32_t>(vivid.maximum_maxrgb_pq, metadata.maximum_maxrgb_pq);
+    vivid.average_maxrgb_pq_sum += metadata.average_maxrgb_pq;
+    ++vivid.read;
+}
+
+void StreamCounter::addFindings(const std::vector<Finding>& findings, uint64_t accessUnit) {
+    for (const Finding& finding : findings) {
+        if (finding.severity == Severity::Error) {
+            addError(placed(finding), accessUnit);
+        } else if (totals_.notes.size() < kMostNotes) {
+            totals_.notes.push_back(finding);
+        }
+    }
+}
+
+void StreamCounter::addError(std::string text, uint64_t accessUnit) {
+    if (++totals_.errors == 1) {
+        totals_.firstError =
+            accessUnit == 0 ? std::move(text) : fmt::format("access unit {}: {}", accessUnit, text);
+    }
+}
+
+void StreamCounter::addKey(const AccessUnitView& view) {
+    ++totals_.keyAccessUnits;
+    KeyIntervals& intervals = totals_.keyIntervals;
+    if (key_) {
+        const uint64_t distance = view.number - key_->number;
+        intervals.least = intervals.count == 0 ? distance : std::min(intervals.least, distance);
+        intervals.sum += distance;
+        ++intervals.count;
+        if (key_->time && view.time) {
+            const double seconds = *view.time - *key_->time;
+            intervals.leastSeconds = std::min(intervals.leastSeconds.value_or(seconds), seconds);
+            intervals.sumSeconds += seconds;
+            ++intervals.timed;
+        }
+        noteLongest(view.number, view.time);
+    }
+    key_ = Key{view.number, view.time};
+}
+
+void StreamCounter::noteLongest(uint64_t end, std::optional<double> endTime) {
+    KeyIntervals& intervals = totals_.keyIntervals;
+    if (end - key_->number > intervals.most) {
+        intervals.most = end - key_->number;
+        intervals.mostAt = key_->number;
+    }
+    if (key_->time && endTime) {
+        const double seconds = *endTime - *key_->time;
+        intervals.mostSeconds = std::max(intervals.mostSeconds.value_or(seconds), seconds);
+    }
+}
+
+void StreamCounter::addTime(const AccessUnitView& view) {
+    if (!view.time) {
+        isTimed_ = false;
+        return;
+    }
+    const double end = *view.time + view.duration.value_or(0);
+    begin_ = std::min(begin_.value_or(*view.time), *view.time);
+    end_ = std::max(end_.value_or(end), end);
+    addLoad(view.decodeTime.value_or(*view.time), view.accessUnit.size);
+}
+
+void StreamCounter::addLoad(double decodeTime, uint64_t bytes) {
+    constexpr double kMostMilliseconds = 1e15;  // far beyond any stream, well inside of the integer
+    auto now = static_cast<int64_t>(std::clamp(decodeTime * static_cast<double>(kMillisecondsPerSecond),
+                                               -kMostMilliseconds, kMostMilliseconds));
+    if (!second_.empty()) {
+        now = std::max(now, second_.back().millisecond);  // decoding goes forward
+    }
+    while (!second_.empty() && now - second_.front().millisecond >= kMillisecondsPerSecond) {
+        bitsInSecond_ -= second_.front().bits;
+        second_.pop_front();
+    }
+    if (second_.empty() || second_.back().millisecond != now) {
+        second_.push_back({now, 0});
+    }
+    second_.back().bits += bytes * 8;
+    bitsInSecond_ += bytes * 8;
+    mostBitsInSecond_ = std::max(mostBitsInSecond_, bitsInSecond_);
+}
+
+void StreamCounter::finish(const std::vector<Finding>& findings) {
+    addFindings(findings, 0);
+    if (key_) {
+        noteLongest(lastNumber_ + 1, isTimed_ ? end_ : std::nullopt);
+    }
+    if (!isTimed_ || !begin_ || *end_ <= *begin_) {
+        return;
+    }
+    const double duration = *end_ - *begin_;
+    totals_.duration = duration;
+    totals_.averageBitrate = static_cast<double>(totals_.bytes) * 8 / duration;
+    totals_.peakBitrate = duration < 1
+                              ? *totals_.averageBitrate
+                              : std::max(*totals_.averageBitrate, static_cast<double>(mostBitsInSecond_));
+}
+
+}  // namespace qvinspect

@@ -1,0 +1,166 @@
+// What a whole stream adds up to.
+#ifndef QVINSPECT_STREAMTOTALS_H
+#define QVINSPECT_STREAMTOTALS_H
+
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "QVNaluParser.h"
+#include "analysis/AccessUnitView.h"
+#include "analysis/SequenceParameterSet.h"
+#include "input/AccessUnitReader.h"
+
+namespace qvinspect {
+
+// The distance from one key access unit to the next.
+struct KeyIntervals {
+    uint64_t count = 0;
+    uint64_t least = 0;  // access units
+    uint64_t sum = 0;
+
+    // The run from the last one to the end of the stream counts here as well.
+    uint64_t most = 0;
+    uint64_t mostAt = 0;  // number of the access unit where it begins
+
+    // In seconds, of those between access units whose times are known.
+    std::optional<double> leastSeconds;
+    std::optional<double> mostSeconds;
+    double sumSeconds = 0;
+    uint64_t timed = 0;
+};
+
+struct LargestUnit {
+    uint64_t bytes = 0;
+    uint64_t accessUnit = 0;  // number
+    uint64_t offset = 0;      // of the NAL unit, as offsets are reported
+};
+
+struct HdrVividTotals {
+    uint64_t messages = 0;
+    uint64_t read = 0;               // of them, those that could be read
+    uint32_t minimum_maxrgb_pq = 0;  // least of the stream, 12-bit code
+    uint32_t maximum_maxrgb_pq = 0;  // most of the stream, 12-bit code
+    uint64_t average_maxrgb_pq_sum = 0;
+};
+
+// HDR, captions and the like, as the stream signals them.
+struct Signals {
+    std::optional<QVHDR10StaticMetadata> masteringDisplay;  // the first
+    std::optional<QVHevcSeiContentLight> contentLight;      // the first
+    std::optional<uint32_t> preferredTransfer;         // of alternative_transfer_characteristics, the last
+    std::optional<uint32_t> transfer_characteristics;  // of an H.264 VUI, or else of the container
+    HdrVividTotals hdrVivid;
+    uint64_t hdr10PlusMessages = 0;
+    uint64_t captionMessages = 0;
+    uint64_t activeFormatMessages = 0;
+
+    bool isHdr10() const;
+    bool isHlg() const;
+
+    // Every class that is signalled, e.g. {"HDR10", "HDR Vivid"}; {"SDR"} when none is.
+    std::vector<std::string> hdrClasses() const;
+};
+
+struct StreamTotals {
+    QVCodecID codec = QVCodecIDAvc;
+    uint64_t accessUnits = 0;
+    uint64_t keyAccessUnits = 0;
+    uint64_t units = 0;         // NAL units, typed or not
+    uint64_t untypedUnits = 0;  // of them, those with forbidden_zero_bit set and empty ones
+    std::map<uint32_t, uint64_t> unitsByType;
+    uint64_t bytes = 0;  // of all access units, start codes and length fields included
+
+    uint64_t errors = 0;
+    std::string firstError;      // with its place; empty without errors
+    std::vector<Finding> notes;  // not errors; the first of them
+
+    KeyIntervals keyIntervals;
+    LargestUnit largestUnit;
+    uint64_t largestAccessUnit = 0;    // bytes
+    uint64_t largestAccessUnitAt = 0;  // its number
+
+    // Seconds from the first picture shown to the end of the last one; not set when times are unknown.
+    std::optional<double> duration;
+    std::optional<double> averageBitrate;  // bits a second
+    std::optional<double> peakBitrate;     // bits in the busiest second
+
+    std::optional<SequenceParameterSet> sps;  // the first that the library accepts
+    uint64_t distinctSps = 0;
+    uint64_t repeatedSps = 0;
+    uint64_t refusedSps = 0;
+    bool hasConfiguration = false;  // parameter sets came with the container
+
+    // The number of the first key access unit, when a parameter set that it needs came neither ahead of its
+    // first slice nor with the container; else 0.
+    uint64_t keyWithoutParameterSets = 0;
+
+    std::map<uint32_t, uint64_t> messagesByType;
+    Signals signals;
+    uint64_t seiItems = 0;
+    uint64_t sideDataBytes = 0;
+};
+
+// Adds a stream up, access unit by access unit. What it keeps does not grow with the stream.
+class StreamCounter {
+public:
+    explicit StreamCounter(const StreamInfo& info);
+
+    void addConfiguration(const ConfigurationDetails& configuration);
+
+    void add(const AccessUnitView& view);
+
+    // Findings behind the last access unit; and the end of what stands open.
+    void finish(const std::vector<Finding>& findings);
+
+    const StreamTotals& totals() const { return totals_; }
+
+private:
+    void noteParameterSet(uint32_t nal_unit_type);
+    void addUnits(const AccessUnitView& view);
+    void addDetails(const AccessUnitDetails& details);
+    void addSps(const SequenceParameterSet& sps);
+    void addMessage(const SeiMessage& message);
+    void addRegistered(const std::vector<uint8_t>& payload);
+    void addHdrVivid(const std::vector<uint8_t>& payload);
+    void addFindings(const std::vector<Finding>& findings, uint64_t accessUnit);
+    void addError(std::string text, uint64_t accessUnit);
+    void addKey(const AccessUnitView& view);
+    void noteLongest(uint64_t end, std::optional<double> endTime);
+    void addTime(const AccessUnitView& view);
+    void addLoad(double decodeTime, uint64_t bytes);
+
+    StreamTotals totals_;
+
+    bool hasVps_ = false;  // H.264 has none and misses none
+    bool hasSps_ = false;
+    bool hasPps_ = false;
+
+    struct Key {
+        uint64_t number;
+        std::optional<double> time;
+    };
+    std::optional<Key> key_;  // the last one
+    uint64_t lastNumber_ = 0;
+
+    bool isTimed_ = true;  // every access unit so far has a time
+    std::optional<double> begin_;
+    std::optional<double> end_;
+
+    // Bits by decoding time over the last second, at most one entry for each millisecond.
+    struct Load {
+        int64_t millisecond;
+        uint64_t bits;
+    };
+    std::deque<Load> second_;
+    uint64_t bitsInSecond_ = 0;
+    uint64_t mostBitsInSecond_ = 0;
+};
+
+}  // namespace qvinspect
+
+#endif

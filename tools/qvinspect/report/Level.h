@@ -1,0 +1,17 @@
+// How deep a report goes. Each level holds what the ones before it hold.
+#ifndef QVINSPECT_LEVEL_H
+#define QVINSPECT_LEVEL_H
+
+namespace qvinspect {
+
+enum class Level {
+    Summary,  // the stream as a whole
+    Samples,  // a line for each access unit
+    Nalus,    // a line for each NAL unit
+    Sei,      // a line for each SEI message
+    Fields    // every parsed field, and bytes in hexadecimal
+};
+
+}  // namespace qvinspect
+
+#endif
