@@ -1,208 +1,216 @@
-// The reader, the parameter set parsers, SEI and raw capture.
+// The parameter set parsers, the SEI walk, raw capture and the bit reader.
 #include <benchmark/benchmark.h>
 
-#include <cstdlib>
+#include <algorithm>
 #include <cstring>
 #include <deque>
-#include <memory>
-#include <vector>
 
+#include "CursorModel.h"
+#include "Groups.h"
+#include "Measure.h"
+#include "Peers.h"
 #include "QVCoreStandalone.h"
 #include "QVNaluParser.h"
-#include "RatioTable.h"
+#include "Units.h"
 
 namespace qv_bench {
 
 namespace {
 
-using Bytes = std::vector<unsigned char>;
-
-void copyAndFree(const Bytes& bytes) {
-    void* const copy = std::malloc(bytes.size());
-    std::memcpy(copy, bytes.data(), bytes.size());
-    benchmark::DoNotOptimize(copy);
-    std::free(copy);
+std::shared_ptr<QVByteStream> streamOver(const Bytes& bytes) {
+    return std::make_shared<QVByteStream>(bytes.data(), bytes.size());
 }
 
-void rewind(QVByteStream& stream) {
-    stream.bytePos = 0;
-    stream.bitOffset = 0;
-    stream.rbspBitIndex = 7;
-}
-
-void addAvcSps() {
-    // High, level 1.2, 320x180, no VUI.
-    const auto unit = std::make_shared<const Bytes>(
-        Bytes{0x67, 0x64, 0x00, 0x0C, 0xAC, 0xD9, 0x41, 0x41, 0x9F, 0x9E, 0x80});
-    const auto stream = std::make_shared<QVByteStream>(unit->data(), unit->size());
-    const auto sps = std::make_shared<QVAvcSps>();
-    require(parseAvcSps(sps.get(), stream) && sps->width == 320 && sps->mb_height == 12, "parseAvcSps");
-    addRow({"parseAvcSps, no VUI", "malloc + memcpy + free of the unit",
-            [=] {
-                rewind(*stream);
-                parseAvcSps(sps.get(), stream);
-            },
-            [=] { copyAndFree(*unit); }});
-}
-
-void addHevcSps() {
-    const Bytes unit = {0x42, 0x01, 0x01, 0x02, 0x20, 0x00, 0x00, 0x03, 0x00, 0x90, 0x00, 0x00, 0x03,
-                        0x00, 0x00, 0x03, 0x00, 0x3C, 0xA0, 0x0A, 0x08, 0x0B, 0x9F, 0x79, 0x65, 0x79};
-    const auto stream = std::make_shared<QVByteStream>(unit.data(), unit.size());
-    const auto sps = std::make_shared<QVHevcSps>();
-    require(parseHevcSps(sps.get(), stream) && sps->pic_width_in_luma_samples == 320, "parseHevcSps");
-    addRow({"parseHevcSps",
-            "ns a call",
-            [=] {
-                rewind(*stream);
-                parseHevcSps(sps.get(), stream);
-            },
-            {}});
-}
-
-void addSei() {
-    Bytes unit = {0x05, 0xFF, 0xFF, 0xBE};
-    for (unsigned i = 0; i < 700; ++i) {
-        unit.push_back(static_cast<unsigned char>(7 * i + 1));
+// A peer's parser as a yardstick, once it gave what it should; no row without it.
+std::function<void()> checked(const std::function<int()>& parse, int expected, const char* what) {
+    if (!parse) {
+        return {};
     }
-    unit.push_back(0x80);
-    const auto rbsp = std::make_shared<const Bytes>(unit);
-    const auto items = std::make_shared<std::vector<QVSeiItem>>();
-    items->reserve(8);
-    const auto requested = std::make_shared<const std::deque<int>>();
-    const auto walk = [=] {
-        QVNaluParser::parserAvcDataToSei(rbsp->data(), static_cast<int>(rbsp->size()), *items, nullptr,
-                                         *requested);
+    require(parse() == expected, what);
+    return [parse] { benchmark::DoNotOptimize(parse()); };
+}
+
+template <class Sps>
+Operation parse(const std::string& name, const Bytes& unit,
+                bool (*parser)(Sps*, std::shared_ptr<QVByteStream>), const std::shared_ptr<Sps>& sps) {
+    const auto stream = streamOver(unit);
+    const auto run = [=] {
+        rewind(*stream);
+        benchmark::DoNotOptimize(parser(sps.get(), stream));
     };
-    const auto release = [=] {
-        for (const QVSeiItem& item : *items) {
+    run();
+    return {name, run, {}, {{"call"}}};
+}
+
+Rows avcSps() {
+    const auto sps = std::make_shared<QVAvcSps>();
+    const Bytes& unit = avcSpsUnit();
+    Operation operation = parse("parseAvcSps, no VUI", unit, parseAvcSps, sps);
+    require(sps->width == 320 && sps->mb_height == 12, "parseAvcSps");
+    operation.yardsticks = {
+        {"malloc + memcpy + free", [&unit] { copyAndFree(unit.data(), unit.size()); }, atLeast(1 / 3.0)},
+        {"GStreamer's parser", checked(gstreamerAvcSps(unit), 320, "GStreamer's parser"), atLeast(8)}};
+    return {{operation}};
+}
+
+Rows hevcSps() {
+    const auto sps = std::make_shared<QVHevcSps>();
+    const Bytes& unit = hevcSpsUnit();
+    Operation operation = parse("parseHevcSps", unit, parseHevcSps, sps);
+    require(sps->pic_width_in_luma_samples == 320 && sps->pic_height_in_luma_samples == 184, "parseHevcSps");
+    operation.yardsticks = {
+        {"GStreamer's parser", checked(gstreamerHevcSps(unit), 320, "GStreamer's parser"), atLeast(10)}};
+    return {{operation}};
+}
+
+class SeiWalk {
+public:
+    explicit SeiWalk(Bytes rbsp) : rbsp_(std::move(rbsp)) { items_.reserve(8); }
+
+    void walk() {
+        QVNaluParser::parserAvcDataToSei(rbsp_.data(), static_cast<int>(rbsp_.size()), items_, nullptr,
+                                         requested_);
+    }
+
+    void release() {
+        for (const QVSeiItem& item : items_) {
             qvFree(item.payloadData);
         }
-        items->clear();
-    };
-    walk();
-    require(items->size() == 1 && std::memcmp(items->front().payloadData, rbsp->data() + 4, 700) == 0,
+        items_.clear();
+    }
+
+    const Bytes& rbsp() const { return rbsp_; }
+    const std::vector<QVSeiItem>& items() const { return items_; }
+
+private:
+    Bytes rbsp_;
+    std::vector<QVSeiItem> items_;
+    std::deque<int> requested_;
+};
+
+Rows avcSei() {
+    const auto sei = std::make_shared<SeiWalk>(seiRbsp());
+    sei->walk();
+    require(sei->items().size() == 1 && sei->items().front().payloadSize == kSeiPayload &&
+                std::memcmp(sei->items().front().payloadData, sei->rbsp().data() + 4, kSeiPayload) == 0,
             "parserAvcDataToSei");
-    release();
-    addRow({"parserAvcDataToSei, one message of 700 bytes", "two malloc + memcpy + free",
-            [=] {
-                walk();
-                release();
-            },
-            [=] {
-                copyAndFree(*rbsp);
-                copyAndFree(*rbsp);
-            }});
+    sei->release();
+    Bytes unit(1 + sei->rbsp().size(), 0x06);
+    std::copy(sei->rbsp().begin(), sei->rbsp().end(), unit.begin() + 1);
+    Operation operation = {"parserAvcDataToSei, one message of 700 bytes", [=] {
+                               sei->walk();
+                               sei->release();
+                           }};
+    operation.yardsticks = {
+        {"two malloc + memcpy + free",
+         [=] {
+             copyAndFree(sei->rbsp().data(), sei->rbsp().size());
+             copyAndFree(sei->rbsp().data(), sei->rbsp().size());
+         },
+         atLeast(0.45)},
+        {"GStreamer's parser", checked(gstreamerAvcSei(unit), 1, "GStreamer's parser"), atLeast(30)}};
+    return {{operation}};
 }
 
-// Without emulation prevention bytes, as the standard's table has it.
-size_t captureBytewise(const Bytes& coded, Bytes& out) {
-    size_t zeros = 0;
-    size_t size = 0;
-    for (const unsigned char byte : coded) {
-        if (zeros >= 2 && byte == 0x03) {
-            zeros = 0;
-            continue;
-        }
-        out[size++] = byte;
-        zeros = byte == 0 ? zeros + 1 : 0;
-    }
-    return size;
-}
-
-void addCapture(const std::string& name, size_t distance, bool againstMemcpy) {
-    Bytes coded(65536, 0x55);
-    for (size_t at = 8; at + 3 < coded.size(); at += distance) {
-        coded[at] = 0x00;
-        coded[at + 1] = 0x00;
-        coded[at + 2] = 0x03;
-    }
-    const auto stream = std::make_shared<QVByteStream>(coded.data(), coded.size());
-    const auto out = std::make_shared<Bytes>(coded.size());
+Operation captureOf(const std::string& name, const Bytes& coded) {
+    const auto stream = streamOver(coded);
     Bytes expected(coded.size());
     const size_t size = captureBytewise(coded, expected);
-    stream->readRbspBytes(out->data(), size);
-    require(std::equal(out->begin(), out->begin() + static_cast<std::ptrdiff_t>(size), expected.begin()),
-            name.c_str());
-    const auto source = std::make_shared<const Bytes>(std::move(coded));
-    addRow({"raw capture, 64 KB, " + name, againstMemcpy ? "memcpy" : "a byte loop",
-            [=] {
-                rewind(*stream);
-                stream->readRbspBytes(out->data(), size);
-            },
-            [=] {
-                if (againstMemcpy) {
-                    std::memcpy(out->data(), source->data(), source->size());
-                } else {
-                    benchmark::DoNotOptimize(captureBytewise(*source, *out));
-                }
-            }});
+    const auto out = std::make_shared<Bytes>(size);
+    const auto run = [=] {
+        rewind(*stream);
+        stream->readRbspBytes(out->data(), size);
+    };
+    run();
+    expected.resize(size);
+    require(*out == expected, name.c_str());
+    return {"raw capture, 64 KB, " + name, run};
+}
+
+constexpr size_t kCaptured = 65536;
+
+Rows sparseCapture() {
+    const Bytes coded = emulated(kCaptured, 4096);
+    Operation operation = captureOf("an 03 every 4 KB", coded);
+    const auto source = std::make_shared<const Bytes>(coded);
+    const auto out = std::make_shared<Bytes>(coded.size());
+    operation.yardsticks = {
+        {"memcpy", [=] { std::memcpy(out->data(), source->data(), source->size()); }, atLeast(0.4)}};
+    return {{operation}};
+}
+
+Rows denseCapture(size_t distance) {
+    const Bytes coded = emulated(kCaptured, distance);
+    Operation operation = captureOf("an 03 every " + std::to_string(distance) + " bytes", coded);
+    const auto source = std::make_shared<const Bytes>(coded);
+    const auto out = std::make_shared<Bytes>(coded.size());
+    operation.yardsticks = {
+        {"a byte loop", [=] { benchmark::DoNotOptimize(captureBytewise(*source, *out)); }, atLeast(1 / 1.3)}};
+    return {{operation}};
 }
 
 constexpr int kValues = 1000;
 
-void addGolomb(int leadingZeroBits) {
-    std::vector<bool> bits;
-    for (int i = 0; i < kValues; ++i) {
-        bits.insert(bits.end(), static_cast<size_t>(leadingZeroBits), false);
-        bits.push_back(true);
-        bits.insert(bits.end(), static_cast<size_t>(leadingZeroBits), true);
-    }
-    Bytes bytes(bits.size() / 8 + 1);
-    for (size_t i = 0; i < bits.size(); ++i) {
-        bytes[i / 8] = static_cast<unsigned char>(bytes[i / 8] | (bits[i] ? 0x80 >> i % 8 : 0));
-    }
-    const auto stream = std::make_shared<QVByteStream>(bytes.data(), bytes.size());
+// kValues reads of a stream, against the model of the reader.
+template <class Reader>
+Operation reads(const std::string& name, const Bytes& bytes, double nanoseconds, const Reader& read) {
+    const auto stream = streamOver(bytes);
     const auto readAll = [=] {
         rewind(*stream);
         uint32_t sum = 0;
         for (int i = 0; i < kValues; ++i) {
-            sum += stream->readGolombUe();
+            sum += read(*stream);
         }
         return sum;
     };
-    const uint64_t value = (uint64_t{1} << (leadingZeroBits + 1)) - 2;
-    require(readAll() == static_cast<uint32_t>(kValues * value), "readGolombUe");
-    addRow({"readGolombUe, " + std::to_string(leadingZeroBits) + " leading zero bits",
-            "ns a value",
-            [=] { benchmark::DoNotOptimize(readAll()); },
+    qv_test::CursorModel model(bytes);
+    uint32_t expected = 0;
+    for (int i = 0; i < kValues; ++i) {
+        expected += read(model);
+    }
+    require(readAll() == expected, name.c_str());
+    return {name,
+            [readAll] { benchmark::DoNotOptimize(readAll()); },
             {},
-            kValues});
+            {{"value", kValues, atMost(nanoseconds)}}};
 }
 
-void addPlainReads(uint32_t width) {
+Rows golomb() {
+    Rows rows;
+    for (const int leadingZeroBits : {0, 3, 10, 20, 28, 31}) {
+        rows.operations.push_back(reads(
+            "readGolombUe, " + std::to_string(leadingZeroBits) + " leading zero bits",
+            golombCodes(kValues, leadingZeroBits), 2.5, [](auto& reader) { return reader.readGolombUe(); }));
+    }
+    return rows;
+}
+
+Rows plainReads() {
+    Rows rows;
     const Bytes bytes(kValues * 4 + 8, 0x5A);
-    const auto stream = std::make_shared<QVByteStream>(bytes.data(), bytes.size());
-    addRow({"u(" + std::to_string(width) + ")",
-            "ns a value",
-            [=] {
-                rewind(*stream);
-                uint32_t sum = 0;
-                for (int i = 0; i < kValues; ++i) {
-                    sum += stream->readBits(width);
-                }
-                benchmark::DoNotOptimize(sum);
-            },
-            {},
-            kValues});
+    for (const uint32_t width : {1U, 5U, 8U, 16U, 32U}) {
+        rows.operations.push_back(reads("u(" + std::to_string(width) + ")", bytes, 1.2,
+                                        [width](auto& reader) { return reader.readBits(width); }));
+    }
+    return rows;
 }
 
 }  // namespace
 
-void addParsingRows() {
-    addAvcSps();
-    addHevcSps();
-    addSei();
-    addCapture("an 03 every 4 KB", 4096, true);
-    for (const size_t distance : {3U, 4U, 8U, 32U, 128U}) {
-        addCapture("an 03 every " + std::to_string(distance) + " bytes", distance, false);
+std::vector<Group> parameterSetGroups() {
+    return {{"sps", avcSps}, {"sps", hevcSps}};
+}
+
+std::vector<Group> seiGroups() {
+    std::vector<Group> groups = {{"sei", avcSei}, {"sei", sparseCapture}};
+    for (const size_t distance : {3U, 4U, 8U, 16U, 32U, 128U}) {
+        groups.push_back({"sei", [=] { return denseCapture(distance); }});
     }
-    for (const int leadingZeroBits : {0, 3, 10, 20, 28, 31}) {
-        addGolomb(leadingZeroBits);
-    }
-    addPlainReads(1);
-    addPlainReads(5);
-    addPlainReads(16);
+    return groups;
+}
+
+std::vector<Group> readerGroups() {
+    return {{"reader", golomb}, {"reader", plainReads}};
 }
 
 }  // namespace qv_bench

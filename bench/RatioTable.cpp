@@ -1,105 +1,89 @@
 #include "RatioTable.h"
 
-#include <benchmark/benchmark.h>
-
+#include <cstddef>
 #include <cstdio>
-#include <cstdlib>
-#include <map>
-#include <utility>
-#include <vector>
 
 namespace qv_bench {
 
 namespace {
 
-std::vector<Row>& rows() {
-    static std::vector<Row> all;
-    return all;
+void measureOperation(const Operation& operation, const Stopwatch& medians, std::vector<TableRow>& rows) {
+    std::vector<std::function<void()>> sides = {operation.run};
+    for (const Yardstick& yardstick : operation.yardsticks) {
+        if (yardstick.run) {
+            sides.push_back(yardstick.run);
+        }
+    }
+    const std::vector<double> times = medians(sides);
+    for (const Cost& cost : operation.costs) {
+        rows.push_back({operation.name, "ns a " + cost.of, times.front() / cost.perCall, cost.goal});
+    }
+    size_t side = 0;
+    for (const Yardstick& yardstick : operation.yardsticks) {
+        if (yardstick.run) {
+            ++side;
+            rows.push_back(
+                {operation.name, "of " + yardstick.name, times[side] / times.front(), yardstick.goal});
+        }
+    }
 }
 
-// Keeps the medians, in nanoseconds a call.
-class Medians : public benchmark::BenchmarkReporter {
-public:
-    bool ReportContext(const Context& /*context*/) override { return true; }
-
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs) {
-            if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "median") {
-                medians_[run.run_name.function_name] = run.GetAdjustedRealTime();
-            }
-        }
-    }
-
-    double of(const std::string& name) const {
-        const auto median = medians_.find(name);
-        return median != medians_.end() ? median->second : 0;
-    }
-
-private:
-    std::map<std::string, double> medians_;
-};
-
-void registerSide(const std::string& name, const std::function<void()>& side) {
-    benchmark::RegisterBenchmark(name.c_str(), [&side](benchmark::State& state) {
-        for (auto _ : state) {
-            side();
-            benchmark::ClobberMemory();
-        }
-    })->Unit(benchmark::kNanosecond);
-}
-
-void print(const Medians& medians) {
-    std::printf("%-52s %14s  %s\n", "operation", "ns", "ratio to");
-    for (const Row& row : rows()) {
-        const double operation = medians.of(row.name);
-        if (row.reference) {
-            std::printf("%-52s %14.1f  %.2f of %s\n", row.name.c_str(), operation,
-                        medians.of(row.name + "/reference") / operation, row.yardstick.c_str());
-        } else {
-            std::printf("%-52s %14.2f  %s\n", row.name.c_str(), operation / row.perCall,
-                        row.yardstick.c_str());
-        }
-    }
+std::string line(const std::string& name, const std::string& figure, const std::string& of,
+                 const std::string& goal, const std::string& mark) {
+    char text[512];
+    std::snprintf(text, sizeof text, "%-58s %9s %-42s %9s  %s", name.c_str(), figure.c_str(), of.c_str(),
+                  goal.c_str(), mark.c_str());
+    std::string result = text;
+    result.erase(result.find_last_not_of(' ') + 1);
+    return result + '\n';
 }
 
 }  // namespace
 
-void require(bool isRight, const char* what) {
-    if (!isRight) {
-        std::fprintf(stderr, "wrong result, nothing is timed: %s\n", what);
-        std::exit(EXIT_FAILURE);
+std::vector<TableRow> measure(const Rows& rows, const Stopwatch& medians) {
+    std::vector<TableRow> result;
+    for (const Operation& operation : rows.operations) {
+        measureOperation(operation, medians, result);
     }
+    for (const Count& count : rows.counts) {
+        result.push_back({count.name, count.of, count.figure, count.goal});
+    }
+    return result;
 }
 
-void addRow(Row row) {
-    rows().push_back(std::move(row));
+std::string tableHeading() {
+    return line("operation", "measured", "", "goal", "");
 }
 
-int runTable(int argc, char** argv) {
-    // Ahead of the caller's own, which win.
-    std::vector<std::string> arguments = {argv[0], "--benchmark_repetitions=9",
-                                          "--benchmark_enable_random_interleaving=true",
-                                          "--benchmark_min_time=0.05"};
-    arguments.insert(arguments.end(), argv + 1, argv + argc);
-    std::vector<char*> pointers;
-    for (std::string& argument : arguments) {
-        pointers.push_back(argument.data());
-    }
-    int count = static_cast<int>(pointers.size());
-    benchmark::Initialize(&count, pointers.data());
-    if (benchmark::ReportUnrecognizedArguments(count, pointers.data())) {
-        return EXIT_FAILURE;
-    }
-    for (const Row& row : rows()) {
-        registerSide(row.name, row.operation);
-        if (row.reference) {
-            registerSide(row.name + "/reference", row.reference);
+std::string tableLine(const TableRow& row, Vectors vectors) {
+    return line(row.name, figureText(row.figure), row.of, goalText(row.goal, vectors),
+                markText(row.goal, row.figure, vectors));
+}
+
+std::string summaryLine(const std::vector<TableRow>& rows, Vectors vectors) {
+    size_t goals = 0;
+    size_t reached = 0;
+    for (const TableRow& row : rows) {
+        if (row.goal.bound != Bound::None) {
+            ++goals;
+            reached += isReached(row.goal, row.figure, vectors) ? 1U : 0U;
         }
     }
-    Medians medians;
-    benchmark::RunSpecifiedBenchmarks(&medians);
-    print(medians);
-    return EXIT_SUCCESS;
+    return std::to_string(reached) + " of " + std::to_string(goals) + " goals reached\n";
+}
+
+std::string replaceMarked(const std::string& text, const std::string& name, const std::string& lines) {
+    const std::string first = "<!-- " + name + " -->\n";
+    const size_t opening = text.find(first);
+    if (opening == std::string::npos) {
+        return "";
+    }
+    const size_t from = opening + first.size();
+    const size_t end = text.find("<!-- end -->\n", from);
+    if (end == std::string::npos) {
+        return "";
+    }
+    return text.substr(0, from) + lines + text.substr(end);
 }
 
 }  // namespace qv_bench
