@@ -1,11 +1,12 @@
 #include "Curves.h"
 
+#include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 
 #include "Framing.h"
 #include "Measure.h"
-#include "QVCodecParameters.h"
+#include "QVNaluParser.h"
+#include "ReferenceFraming.h"
 
 namespace qv_bench {
 
@@ -61,6 +62,25 @@ void searchSamples(const Samples& samples) {
     }
 }
 
+std::function<void()> scanSamples(const SharedSamples& samples) {
+    const auto nalus = std::make_shared<NalIndexList>();
+    const auto scan = [=](size_t i) {
+        nalus->clear();
+        QVNaluParser::parserDataToNaluIdx(samples->data(i), samples->size(i), *nalus);
+    };
+    for (size_t i = 0; i < samples->count(); ++i) {
+        NalIndexList expected;
+        qv_test::referenceAnnexBScan({samples->data(i), samples->data(i) + samples->size(i)}, expected);
+        scan(i);
+        require(*nalus == expected, "parserDataToNaluIdx");
+    }
+    return [=] {
+        for (size_t i = 0; i < samples->count(); ++i) {
+            scan(i);
+        }
+    };
+}
+
 // Small sizes are cut from a pool: small hot input flatters.
 void measureSize(DataFile& file, size_t size) {
     constexpr size_t kUnitSize = 40000;
@@ -68,16 +88,15 @@ void measureSize(DataFile& file, size_t size) {
     const auto samples =
         std::make_shared<const Samples>(cut(byteStream(pool, std::min(size, kUnitSize)), size));
     const auto lengths = std::make_shared<const Samples>(lengthPrefixed(*samples));
-    const Operation isKey = keyFrameOf("curve", QVCodecIDAvc, samples);
     const Operation toLengths = toLengthsOf("curve", samples);
-    const Operation scan = lengthScanOf("curve", lengths);
+    const Operation lengthScan = lengthScanOf("curve", lengths);
     const Operation toStartCodes = toStartCodesOf("curve", lengths);
     file.measure(size, samples->count() * size,
                  {{"memchr", [&] { searchSamples(*samples); }},
-                  {"isKeyFrame, no key unit", isKey.run},
+                  {"parserDataToNaluIdx", scanSamples(samples)},
                   {"memcpy", toLengths.yardsticks.front().run},
                   {"converAnnexBToAvcC", toLengths.run},
-                  {"parserDataToNalus", scan.run},
+                  {"parserDataToNalus", lengthScan.run},
                   {"connvertAvcCToAnnexB", toStartCodes.run}});
 }
 

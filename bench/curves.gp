@@ -1,6 +1,6 @@
 # Cost against the size of a call and against the density of start codes: gnuplot -e "folder='...'" curves.gp
 set terminal svg size 760,440 font 'sans-serif,12' background rgb 'white'
-set key outside right top
+set key below
 set grid
 set logscale x
 set logscale y
