@@ -178,18 +178,27 @@ TEST_F(AnnexBToLengths, noUnits) {
     expectRejected({0, 0, 0, 1});
 }
 
-TEST_F(AnnexBToLengths, failedIndexListLeavesOutAlone) {
-    const Bytes data = {0, 0, 1, 0x65};
-    Bytes out = {0xDE, 0xAD};
-    const AllocationFault fault(Allocator::New, 1);
-    EXPECT_THROW(QVNaluParser::converAnnexBToAvcC(data.data(), sizeOf(data), out), std::bad_alloc);
-    EXPECT_EQ(out, (Bytes{0xDE, 0xAD}));
+// Long units are carried piece by piece: wherever a start code stands, no byte of it goes along.
+TEST_F(AnnexBToLengths, startCodesAroundThePiecesOfALongUnit) {
+    for (const Bytes& startCode : {Bytes{0, 0, 1}, Bytes{0, 0, 0, 1}, Bytes{0, 0, 0, 0, 1}}) {
+        for (size_t piece = 8192; piece <= 65536; piece += 8192) {
+            for (size_t place = piece - 8; place < piece + 8; ++place) {
+                Bytes data = {0, 0, 1, 0x65};
+                data.resize(place, 0x55);
+                data.insert(data.end(), startCode.begin(), startCode.end());
+                data.resize(data.size() + 5, 0x55);
+                Bytes expected;
+                ASSERT_EQ(referenceAnnexBToLengths(data, expected), 0);
+                ASSERT_EQ(convert(data), expected) << "at " << place;
+            }
+        }
+    }
 }
 
 TEST_F(AnnexBToLengths, failedReservationLeavesOutEmpty) {
     const Bytes data = {0, 0, 1, 0x65};
     Bytes out = {0xDE, 0xAD};
-    const AllocationFault fault(Allocator::New, 2);
+    const AllocationFault fault(Allocator::New, 1);
     EXPECT_THROW(QVNaluParser::converAnnexBToAvcC(data.data(), sizeOf(data), out), std::bad_alloc);
     EXPECT_EQ(out, Bytes());
 }
@@ -197,9 +206,17 @@ TEST_F(AnnexBToLengths, failedReservationLeavesOutEmpty) {
 TEST_F(AnnexBToLengths, failedGrowthOfOutPassesThrough) {
     const Bytes data = {0, 0, 1, 0x65};
     Bytes out;
-    const AllocationFault fault(Allocator::New, 3);
+    const AllocationFault fault(Allocator::New, 2);
     EXPECT_THROW(QVNaluParser::converAnnexBToAvcC(data.data(), sizeOf(data), out), std::bad_alloc);
     EXPECT_TRUE(fault.triggered());
+}
+
+TEST_F(AnnexBToLengths, anOutWithRoomIsAllThatIsNeeded) {
+    const Bytes data = {0, 0, 1, 0x65, 0x88, 0, 0, 1, 0x41};
+    Bytes out(100);
+    const AllocationFault fault(Allocator::New, 0);
+    EXPECT_EQ(QVNaluParser::converAnnexBToAvcC(data.data(), sizeOf(data), out), 0);
+    EXPECT_EQ(fault.seen(), 0);
 }
 
 // --- connvertAvcCToAnnexB ---

@@ -9,6 +9,7 @@
 #include "QVMemory.h"
 #include "QVNaluParser.h"
 #include "detail/NalUnit.h"
+#include "detail/StartCode.h"
 
 using namespace qv_detail;
 
@@ -24,13 +25,38 @@ void makeRoom(std::vector<unsigned char>& out, size_t count) {
     }
 }
 
-void appendUnit(std::vector<unsigned char>& out, const unsigned char* unit, uint32_t length) {
-    const unsigned char field[kLengthSize] = {
-        static_cast<unsigned char>(length >> 24), static_cast<unsigned char>(length >> 16),
-        static_cast<unsigned char>(length >> 8), static_cast<unsigned char>(length)};
-    makeRoom(out, kLengthSize + length);
-    out.insert(out.end(), field, field + kLengthSize);
-    out.insert(out.end(), unit, unit + length);
+void append(std::vector<unsigned char>& out, const unsigned char* bytes, size_t count) {
+    makeRoom(out, count);
+    out.insert(out.end(), bytes, bytes + count);
+}
+
+void writeLength(unsigned char* field, size_t length) {
+    for (size_t i = 0; i < kLengthSize; ++i) {
+        field[i] = static_cast<unsigned char>(length >> 8 * (kLengthSize - 1 - i));
+    }
+}
+
+// Appends the unit that the scanner stands on and moves the scanner on. False when that was the last unit.
+//
+// Search and copy take turns: a piece is copied while it is in the cache from the search.
+bool appendUnit(std::vector<unsigned char>& out, const unsigned char* data, size_t size,
+                StartCodeScanner& scanner) {
+    constexpr size_t kPiece = 16384;
+    static constexpr unsigned char kLengthToCome[kLengthSize] = {};
+    const size_t field = out.size();
+    append(out, kLengthToCome, kLengthSize);
+    auto from = static_cast<size_t>(scanner.unitOffset());
+    bool isFound = scanner.nextBelow(from + kPiece);
+    while (!isFound && !scanner.atEnd()) {
+        // The last byte of the piece may be the first one of a start code.
+        append(out, data + from, kPiece - 1);
+        from += kPiece - 1;
+        isFound = scanner.nextBelow(from + kPiece);
+    }
+    const size_t end = isFound ? static_cast<size_t>(scanner.codeOffset()) : size;
+    append(out, data + from, end - from);
+    writeLength(out.data() + field, out.size() - field - kLengthSize);
+    return isFound;
 }
 
 unsigned char* writeUnit(unsigned char* out, const unsigned char* unit, size_t length) {
@@ -42,23 +68,18 @@ unsigned char* writeUnit(unsigned char* out, const unsigned char* unit, size_t l
 }  // namespace
 
 int QVNaluParser::converAnnexBToAvcC(const unsigned char* data, int size, std::vector<unsigned char>& out) {
-    if (data == nullptr || size < 1) {
+    if (!isAnnexBData(data, size)) {
         return QVResultInvalidData;
     }
-    std::vector<std::pair<int, int>> nalus;
-    const int result = parserDataToNaluIdx(data, size, nalus);
-    if (result != QVResultOk) {
-        return result;
-    }
-    if (nalus.empty()) {
+    StartCodeScanner scanner(data, bufferSize(size));
+    if (!scanner.next()) {
         return QVResultInvalidData;
     }
     out.clear();
     if (out.capacity() < bufferSize(size)) {
         out.reserve(bufferSize(size));
     }
-    for (const auto& [offset, length] : nalus) {
-        appendUnit(out, data + offset, static_cast<uint32_t>(length));
+    while (appendUnit(out, data, bufferSize(size), scanner)) {
     }
     return QVResultOk;
 }
