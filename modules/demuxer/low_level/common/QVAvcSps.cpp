@@ -8,8 +8,8 @@
 #include <cstddef>
 #include <cstring>
 
+#include "detail/BitWindow.h"
 #include "detail/Log.h"
-#include "detail/PlainBits.h"
 
 using namespace qv_detail;
 
@@ -90,7 +90,8 @@ bool fitsInt8(int32_t value) {
 
 // scaling_list(): delta_scale by delta_scale in scan order. An invalid one ends the list, not the parameter
 // set (D09).
-void decodeScalingList(PlainBits& in, uint8_t* list, const ScalingListShape& shape, const uint8_t* fallback) {
+void decodeScalingList(PlainWindow& in, uint8_t* list, const ScalingListShape& shape,
+                       const uint8_t* fallback) {
     uint32_t lastScale = 8;
     uint32_t nextScale = 8;
     for (size_t i = 0; i < shape.entries; ++i) {
@@ -116,7 +117,7 @@ void decodeScalingList(PlainBits& in, uint8_t* list, const ScalingListShape& sha
 // asks for the default is a copy of defaults.
 void parseScalingList(SharedStream stream, uint8_t* list, const ScalingListShape& shape,
                       const uint8_t* inherited, const uint8_t* defaults) {
-    PlainBits in(*stream);
+    PlainWindow in(*stream);
     const uint32_t seq_scaling_list_present_flag = in.u(1);
     if (seq_scaling_list_present_flag == 0) {
         std::memcpy(list, inherited, shape.entries);
@@ -151,7 +152,7 @@ void parseScalingMatrices(QVAvcSps* sps, const SharedStream& stream) {
 }
 
 // What the profile carries: chroma format, bit depths, scaling matrices.
-bool parseAvcSpsForProfile(QVAvcSps* sps, SharedStream stream) {
+bool parseAvcSpsForProfile(QVAvcSps* sps, SharedStream stream, PlainWindow& in) {
     constexpr const char* kFunction = "parseAvcSpsForProfile";
     if (!hasChromaSyntax(static_cast<uint32_t>(sps->profile_idc))) {
         sps->chroma_format_idc = 1;
@@ -159,7 +160,6 @@ bool parseAvcSpsForProfile(QVAvcSps* sps, SharedStream stream) {
         sps->bit_depth_chroma = 8;
         return true;
     }
-    PlainBits in(*stream);
     const uint32_t chroma_format_idc = in.ue();
     sps->chroma_format_idc = static_cast<int32_t>(chroma_format_idc);
     if (chroma_format_idc >= kChromaFormatEnd) {
@@ -189,12 +189,14 @@ bool parseAvcSpsForProfile(QVAvcSps* sps, SharedStream stream) {
     sps->transform_bypass = in.flag();
     const uint32_t seq_scaling_matrix_present_flag = in.u(1);
     if (seq_scaling_matrix_present_flag != 0) {
+        in.giveBack();
         parseScalingMatrices(sps, stream);
+        in.take();
     }
     return true;
 }
 
-bool parsePocType0(QVAvcSps* sps, PlainBits& in, const char* function) {
+bool parsePocType0(QVAvcSps* sps, PlainWindow& in, const char* function) {
     const uint32_t log2_max_pic_order_cnt_lsb_minus4 = in.ue();
     if (log2_max_pic_order_cnt_lsb_minus4 >= kLog2Minus4End) {
         QV_LOG(QVTraceError, function, "parseAvcCDecoderSps, logMmaxPocLsb is out of range : %d \n",
@@ -205,7 +207,7 @@ bool parsePocType0(QVAvcSps* sps, PlainBits& in, const char* function) {
     return true;
 }
 
-bool parsePocType1(QVAvcSps* sps, PlainBits& in, const char* function) {
+bool parsePocType1(QVAvcSps* sps, PlainWindow& in, const char* function) {
     sps->delta_pic_order_always_zero_flag = in.flag();
     sps->offset_for_non_ref_pic = in.se();
     sps->offset_for_top_to_bottom_field = in.se();
@@ -223,9 +225,8 @@ bool parsePocType1(QVAvcSps* sps, PlainBits& in, const char* function) {
 }
 
 // Picture order count.
-bool parseAvcSpsForPoc(QVAvcSps* sps, SharedStream stream) {
+bool parseAvcSpsForPoc(QVAvcSps* sps, SharedStream /*held*/, PlainWindow& in) {
     constexpr const char* kFunction = "parseAvcSpsForPoc";
-    PlainBits in(*stream);
     const uint32_t pic_order_cnt_type = in.ue();
     sps->poc_type = static_cast<int32_t>(pic_order_cnt_type);
     switch (pic_order_cnt_type) {
@@ -242,7 +243,7 @@ bool parseAvcSpsForPoc(QVAvcSps* sps, SharedStream stream) {
 }
 
 // Picture size in macroblocks and map units.
-bool parseMbSize(QVAvcSps* sps, PlainBits& in) {
+bool parseMbSize(QVAvcSps* sps, PlainWindow& in) {
     const uint32_t mbWidth = in.ue() + 1;
     const uint32_t mbHeight = in.ue() + 1;
     sps->mb_width = static_cast<int32_t>(mbWidth);
@@ -254,7 +255,7 @@ bool parseMbSize(QVAvcSps* sps, PlainBits& in) {
     return true;
 }
 
-void parseFrameCoding(QVAvcSps* sps, PlainBits& in) {
+void parseFrameCoding(QVAvcSps* sps, PlainWindow& in) {
     sps->frame_mbs_only_flag = in.flag();
     sps->mb_aff = sps->frame_mbs_only_flag == 0 ? in.flag() : 0;
     sps->direct_8x8_inference_flag = in.flag();
@@ -277,8 +278,7 @@ void deriveCroppedSize(QVAvcSps* sps, uint32_t width, uint32_t height) {
 }
 
 // Frame cropping.
-void parseAvcSpsForCrop(QVAvcSps* sps, SharedStream stream) {
-    PlainBits in(*stream);
+void parseAvcSpsForCrop(QVAvcSps* sps, SharedStream /*held*/, PlainWindow& in) {
     const uint32_t width = 16 * static_cast<uint32_t>(sps->mb_width);
     const uint32_t height =
         16 * static_cast<uint32_t>(sps->mb_height) * (2 - static_cast<uint32_t>(sps->frame_mbs_only_flag));
@@ -318,14 +318,28 @@ void logSummary(const QVAvcSps& sps) {
            csp[sps.chroma_format_idc]);
 }
 
+// Six flags, the first one sent in bit 0.
+int32_t lowestFirst(uint32_t flags) {
+    return static_cast<int32_t>((flags & 0x01) << 5 | (flags & 0x02) << 3 | (flags & 0x04) << 1 |
+                                (flags & 0x08) >> 1 | (flags & 0x10) >> 3 | (flags & 0x20) >> 5);
+}
+
+// List by list: a fill of all of them is done with a string instruction, which takes longer to start than
+// this takes altogether.
+void makeScalingFlat(QVAvcSps* sps) {
+    for (auto& list : sps->scaling_matrix4) {
+        std::memset(list, kFlatWeight, sizeof list);
+    }
+    for (auto& list : sps->scaling_matrix8) {
+        std::memset(list, kFlatWeight, sizeof list);
+    }
+}
+
 // The head of the parameter set: nothing is stored before its identifier was accepted.
-bool parseHead(QVAvcSps* sps, PlainBits& in) {
+bool parseHead(QVAvcSps* sps, PlainWindow& in) {
     in.skip(8);  // nal_unit() header
     const uint32_t profile_idc = in.u(8);
-    uint32_t constraintSetFlags = 0;
-    for (uint32_t i = 0; i < 6; ++i) {
-        constraintSetFlags |= in.u(1) << i;
-    }
+    const uint32_t constraint_set_flags = in.u(6);
     in.skip(2);  // reserved_zero_2bits
     const uint32_t level_idc = in.u(8);
     const uint32_t seq_parameter_set_id = in.ue();
@@ -337,17 +351,16 @@ bool parseHead(QVAvcSps* sps, PlainBits& in) {
     sps->sps_id = static_cast<int32_t>(seq_parameter_set_id);
     sps->time_offset_length = 24;
     sps->profile_idc = static_cast<int32_t>(profile_idc);
-    sps->constraint_set_flags = static_cast<int32_t>(constraintSetFlags);
+    sps->constraint_set_flags = lowestFirst(constraint_set_flags);
     sps->level_idc = static_cast<int32_t>(level_idc);
     sps->full_range = -1;
-    std::memset(sps->scaling_matrix4, kFlatWeight, sizeof sps->scaling_matrix4);
-    std::memset(sps->scaling_matrix8, kFlatWeight, sizeof sps->scaling_matrix8);
+    makeScalingFlat(sps);
     sps->scaling_matrix_present = 0;
     sps->colorspace = 2;
     return true;
 }
 
-bool parseLog2MaxFrameNum(QVAvcSps* sps, PlainBits& in) {
+bool parseLog2MaxFrameNum(QVAvcSps* sps, PlainWindow& in) {
     const uint32_t log2_max_frame_num_minus4 = in.ue();
     if (log2_max_frame_num_minus4 >= kLog2Minus4End) {
         QV_LOG(QVTraceError, "parseAvcSps",
@@ -359,7 +372,7 @@ bool parseLog2MaxFrameNum(QVAvcSps* sps, PlainBits& in) {
     return true;
 }
 
-bool parseRefFrameCount(QVAvcSps* sps, PlainBits& in) {
+bool parseRefFrameCount(QVAvcSps* sps, PlainWindow& in) {
     const uint32_t max_num_ref_frames = in.ue();
     sps->ref_frame_count = static_cast<int32_t>(max_num_ref_frames);
     if (max_num_ref_frames >= kRefFrameEnd) {
@@ -376,18 +389,18 @@ bool parseAvcSps(QVAvcSps* sps, std::shared_ptr<QVByteStream> stream) {
     if (sps == nullptr || stream == nullptr || stream->size == 0) {
         return false;
     }
-    PlainBits in(*stream);
+    PlainWindow in(*stream);
     // One statement for each sub-step: its reference on the stream ends with the statement.
     if (!parseHead(sps, in)) {
         return false;
     }
-    if (!parseAvcSpsForProfile(sps, stream)) {
+    if (!parseAvcSpsForProfile(sps, stream, in)) {
         return false;
     }
     if (!parseLog2MaxFrameNum(sps, in)) {
         return false;
     }
-    if (!parseAvcSpsForPoc(sps, stream)) {
+    if (!parseAvcSpsForPoc(sps, stream, in)) {
         return false;
     }
     if (!parseRefFrameCount(sps, in)) {
@@ -398,7 +411,7 @@ bool parseAvcSps(QVAvcSps* sps, std::shared_ptr<QVByteStream> stream) {
         return false;
     }
     parseFrameCoding(sps, in);
-    parseAvcSpsForCrop(sps, stream);
+    parseAvcSpsForCrop(sps, stream, in);
     sps->vui_parameters_present_flag = in.flag();
     logSummary(*sps);
     return true;

@@ -15,12 +15,6 @@ QVByteStream::QVByteStream(const uint8_t* source, size_t sourceSize)
     }
 }
 
-QVByteStream::~QVByteStream() {
-    if (ownsData) {
-        std::free(data);
-    }
-}
-
 // --- RBSP cursor ---
 
 uint32_t QVByteStream::readRbspBits(unsigned long n) {
@@ -92,94 +86,176 @@ void QVByteStream::readRbspBytes(uint8_t* out, size_t count) {
 
 // --- Plain cursor ---
 
-uint64_t QVByteStream::windowOfShortStream() const {
+// The plain cursor by itself, for the reads that the window does not hold.
+class QVByteStream::PlainCursor {
+public:
+    PlainCursor(const uint8_t* data, uint64_t size, uint64_t bytePos, uint32_t bitOffset)
+        : data_(data), size_(size), bytePos_(bytePos), bitOffset_(bitOffset) {}
+
+    uint32_t readBits(uint32_t n);
+    uint32_t readGolombUe();
+    int32_t readGolombSe();
+
+    PlainRead result(uint32_t value) const { return {bytePos_, value, static_cast<uint8_t>(bitOffset_)}; }
+
+private:
+    uint32_t byteAt(uint64_t position) const { return data_ != nullptr ? data_[position] : 0U; }
+    bool atEnd() const { return bytePos_ >= size_; }
+    uint64_t window() const;
+    void advance(uint64_t bits);
+    void advanceBit();
+    bool readShortGolombCode(uint32_t& code);
+
+    enum class GolombPrefix { Ended, Empty, Counted };
+    GolombPrefix countLeadingZeroBits(uint64_t& leadingZeroBits);
+    uint32_t readGolombBits(uint64_t count);
+
+    const uint8_t* data_;
+    uint64_t size_;
+    uint64_t bytePos_;
+    uint32_t bitOffset_;
+};
+
+// The bits from the position on, 57 at least, zero bits standing for what lies past the end. The byte
+// position must be before the end.
+uint64_t QVByteStream::PlainCursor::window() const {
+    const uint64_t left = size_ - bytePos_;
     uint64_t value = 0;
-    for (uint64_t i = 0; i < 8; ++i) {
-        value = value << 8 | (bytePos + i < size ? byteAt(bytePos + i) : 0U);
+    if (left >= 8 && data_ != nullptr) {
+        value = bytesAt(data_ + bytePos_);
+    } else {
+        for (uint64_t i = 0; i < left && i < 8; ++i) {
+            value |= static_cast<uint64_t>(byteAt(bytePos_ + i)) << (56 - 8 * i);
+        }
     }
-    return value;
+    return value << (bitOffset_ & 7U);
 }
 
-uint32_t QVByteStream::readManyBits(uint32_t n) {
-    advance(n - 32);
-    return readBits(32);
+// Moves bits on, but not past the end.
+void QVByteStream::PlainCursor::advance(uint64_t bits) {
+    const uint64_t total = (bitOffset_ & 7U) + bits;
+    if (total / 8 >= size_ - bytePos_) {
+        bytePos_ = size_;
+        bitOffset_ = 0;
+        return;
+    }
+    bytePos_ += total / 8;
+    bitOffset_ = static_cast<uint32_t>(total % 8);
 }
 
 // Moves one bit on whether or not data is left.
-void QVByteStream::advancePlainBit() {
-    if (++bitOffset >= 8) {
-        bitOffset = 0;
-        ++bytePos;
+void QVByteStream::PlainCursor::advanceBit() {
+    if (++bitOffset_ >= 8) {
+        bitOffset_ = 0;
+        ++bytePos_;
     }
+}
+
+uint32_t QVByteStream::PlainCursor::readBits(uint32_t n) {
+    if (n > 32 && !atEnd()) {
+        advance(n - 32);
+        n = 32;
+    }
+    if (atEnd() || n == 0) {
+        return 0;
+    }
+    const uint64_t bits = window();
+    advance(n);
+    return static_cast<uint32_t>(bits >> (64 - n));
+}
+
+// A code of at most 31 leading zero bits, as every legal one is: its 1 bit and the information bits behind
+// it.
+bool QVByteStream::PlainCursor::readShortGolombCode(uint32_t& code) {
+    constexpr uint32_t kMostLeadingZeroBits = 31;
+    const uint64_t bits = atEnd() ? 0 : window();
+    if (bits >> (63 - kMostLeadingZeroBits) == 0) {
+        return false;
+    }
+    const auto leadingZeroBits = static_cast<uint32_t>(__builtin_clzll(bits));
+    advance(leadingZeroBits);
+    code = readBits(leadingZeroBits + 1);
+    return true;
 }
 
 // D04: Exp-Golomb codes, long or short, are read without a look at emulation prevention bytes.
-uint32_t QVByteStream::readLongGolombUe() {
+uint32_t QVByteStream::PlainCursor::readGolombUe() {
+    uint32_t code = 0;
+    if (readShortGolombCode(code)) {
+        return code - 1;
+    }
     uint64_t leadingZeroBits = 0;
     if (countLeadingZeroBits(leadingZeroBits) != GolombPrefix::Counted) {
         return 0;
     }
-    const uint32_t codeNumPlus1 = readGolombBits(leadingZeroBits + 1);
-    return codeNumPlus1 != 0 ? codeNumPlus1 - 1 : 0;
+    code = readGolombBits(leadingZeroBits + 1);
+    return code != 0 ? code - 1 : 0;
 }
 
-int32_t QVByteStream::readLongGolombSe() {
-    uint64_t leadingZeroBits = 0;
-    if (countLeadingZeroBits(leadingZeroBits) != GolombPrefix::Counted) {
-        return 0;
+int32_t QVByteStream::PlainCursor::readGolombSe() {
+    uint32_t code = 0;
+    uint32_t magnitude = 0;
+    if (readShortGolombCode(code)) {
+        magnitude = code >> 1;
+    } else {
+        uint64_t leadingZeroBits = 0;
+        if (countLeadingZeroBits(leadingZeroBits) != GolombPrefix::Counted) {
+            return 0;
+        }
+        magnitude = readGolombBits(leadingZeroBits);
+        code = readBits(1);
     }
-    const uint32_t magnitude = readGolombBits(leadingZeroBits);
-    const bool isNegative = readBit() != 0;
+    const bool isNegative = (code & 1U) != 0;
     return static_cast<int32_t>(isNegative ? 0U - magnitude : magnitude);
 }
 
 // leadingZeroBits of 9.1. Anything but Counted is the value 0, already consumed as far as it is consumed:
 // Ended, no 1 bit before the end of the data; Empty, the code is the single bit 1.
-QVByteStream::GolombPrefix QVByteStream::countLeadingZeroBits(uint64_t& leadingZeroBits) {
-    if (bytePos >= size) {
-        advancePlainBit();
+QVByteStream::PlainCursor::GolombPrefix QVByteStream::PlainCursor::countLeadingZeroBits(
+    uint64_t& leadingZeroBits) {
+    if (atEnd()) {
+        advanceBit();
         return GolombPrefix::Ended;
     }
-    while (bytePos < size && (byteAt(bytePos) & bitMask[(7 - bitOffset) & 7]) == 0) {
-        advancePlainBit();
+    while (!atEnd() && (byteAt(bytePos_) & (0x80U >> (bitOffset_ & 7U))) == 0) {
+        advanceBit();
         ++leadingZeroBits;
     }
     if (leadingZeroBits == 0) {
-        advancePlainBit();
+        advanceBit();
         return GolombPrefix::Empty;
     }
-    return bytePos < size ? GolombPrefix::Counted : GolombPrefix::Ended;
+    return atEnd() ? GolombPrefix::Ended : GolombPrefix::Counted;
 }
 
 // Reads count bits, bit i landing at (count - 1 - i) modulo 32 (D05: codes of any length).
-uint32_t QVByteStream::readGolombBits(uint64_t count) {
+uint32_t QVByteStream::PlainCursor::readGolombBits(uint64_t count) {
     uint32_t value = 0;
-    for (; count > 0 && bytePos < size; --count) {
-        value |= readBit() << ((count - 1) & 31U);
+    for (; count > 0 && !atEnd(); --count) {
+        value |= readBits(1) << ((count - 1) & 31U);
     }
     return value;
 }
 
-void QVByteStream::skipBits(uint64_t n) {
-    const uint64_t bits = bitOffset + n % 8;
-    const uint64_t bytes = n / 8 + bits / 8;
-    if (bytePos > size || bytes > size - bytePos) {
-        return;
-    }
-    bytePos += bytes;
-    bitOffset = static_cast<uint8_t>(bits % 8);
+QVByteStream::PlainRead QVByteStream::readAnyBits(const uint8_t* data, uint64_t size, uint64_t bytePos,
+                                                  uint32_t bitOffset, uint32_t n) {
+    PlainCursor cursor(data, size, bytePos, bitOffset);
+    const uint32_t value = cursor.readBits(n);
+    return cursor.result(value);
 }
 
-void QVByteStream::skipBytes(uint64_t n) {
-    if (size == 0 || bytePos + n > size) {
-        return;
-    }
-    bytePos += n;
-    bitOffset = 0;
+QVByteStream::PlainRead QVByteStream::readAnyGolombUe(const uint8_t* data, uint64_t size, uint64_t bytePos,
+                                                      uint32_t bitOffset) {
+    PlainCursor cursor(data, size, bytePos, bitOffset);
+    const uint32_t value = cursor.readGolombUe();
+    return cursor.result(value);
 }
 
-uint32_t QVByteStream::readByte() {
-    return bytePos < size ? byteAt(bytePos++) : 0U;
+QVByteStream::PlainRead QVByteStream::readAnyGolombSe(const uint8_t* data, uint64_t size, uint64_t bytePos,
+                                                      uint32_t bitOffset) {
+    PlainCursor cursor(data, size, bytePos, bitOffset);
+    const auto value = static_cast<uint32_t>(cursor.readGolombSe());
+    return cursor.result(value);
 }
 
 void QVByteStream::seekBytes(int64_t n) {

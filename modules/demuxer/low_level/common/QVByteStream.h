@@ -12,6 +12,7 @@
 #include <stddef.h>
 #include <stdint.h>
 
+#include <cstdlib>
 #include <cstring>
 
 class QVByteStream {
@@ -23,7 +24,11 @@ public:
     // is null, sourceSize is 0 or the allocation fails.
     QVByteStream(const uint8_t* source, size_t sourceSize);
 
-    ~QVByteStream();
+    ~QVByteStream() {
+        if (ownsData) {
+            std::free(data);
+        }
+    }
 
     QVByteStream(const QVByteStream&) = delete;
     QVByteStream& operator=(const QVByteStream&) = delete;
@@ -110,54 +115,67 @@ public:
     uint32_t extraFlag = 1;
 
 private:
+    // What a read of the plain cursor comes to. Passed in registers: no address of a reader is taken where
+    // its plain cursor runs, so that a loop may keep all of it in registers.
+    struct PlainRead {
+        uint64_t bytePos;
+        uint32_t value;
+        uint8_t bitOffset;
+    };
+    class PlainCursor;
+
     uint32_t byteAt(uint64_t position) const { return data != nullptr ? data[position] : 0U; }
     bool isAlignedRbsp() const { return rbspBitIndex == 7 && data != nullptr; }
     void leaveRbspByte();
     uint64_t rbspPieceLength(uint64_t most) const;
 
-    uint64_t window() const;
-    uint64_t windowOfShortStream() const;
-    void advance(uint64_t bits);
-    uint32_t readManyBits(uint32_t n);
+    bool hasWindow() const;
+    static uint64_t bytesAt(const uint8_t* bytes);
+    uint64_t window() const { return bytesAt(data + bytePos); }
+    PlainRead readTo(uint32_t bits, uint32_t value) const;
+    uint32_t finish(const PlainRead& read);
+    bool findGolombCode(uint32_t& firstOne) const;
+    PlainRead readGolombCode(uint32_t firstOne) const;
 
-    enum class GolombPrefix { Ended, Empty, Counted };
-    bool readShortGolombCode(uint32_t& code);
-    uint32_t readLongGolombUe();
-    int32_t readLongGolombSe();
-    GolombPrefix countLeadingZeroBits(uint64_t& leadingZeroBits);
-    uint32_t readGolombBits(uint64_t count);
-    void advancePlainBit();
+    // Any read at any place, also near the end of the data and behind it.
+    [[gnu::pure]] static PlainRead readAnyBits(const uint8_t* data, uint64_t size, uint64_t bytePos,
+                                               uint32_t bitOffset, uint32_t n);
+    [[gnu::pure]] static PlainRead readAnyGolombUe(const uint8_t* data, uint64_t size, uint64_t bytePos,
+                                                   uint32_t bitOffset);
+    [[gnu::pure]] static PlainRead readAnyGolombSe(const uint8_t* data, uint64_t size, uint64_t bytePos,
+                                                   uint32_t bitOffset);
 };
 
 // --- Inline, because every syntax element passes here ---
+//
+// Each read stores the cursor in one place, whichever way it went: so compilers keep it in registers from one
+// read to the next.
 
-// The next 64 bits from the byte position on, zero bits standing for what lies past the end. Reads nothing
-// outside the data. The byte position must be before the end.
-inline uint64_t QVByteStream::window() const {
-    if (size < 8 || data == nullptr) {
-        return windowOfShortStream();
-    }
+// True when eight bytes stand before the end of the data.
+inline bool QVByteStream::hasWindow() const {
     const uint64_t left = size - bytePos;
-    const uint8_t* const bytes = left >= 8 ? data + bytePos : data + size - 8;
+    return left >= 8 && left <= size && data != nullptr;
+}
+
+// Eight bytes as a number, the first one on top.
+inline uint64_t QVByteStream::bytesAt(const uint8_t* bytes) {
     uint64_t value;
     std::memcpy(&value, bytes, sizeof value);
 #if __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
     value = __builtin_bswap64(value);
 #endif
-    return left >= 8 ? value : value << (64 - 8 * left);
+    return value;
 }
 
-// Moves bits on, but not past the end.
-inline void QVByteStream::advance(uint64_t bits) {
-    const uint64_t total = (bitOffset & 7U) + bits;
-    const uint64_t left = size - bytePos;
-    if (total / 8 >= left) {
-        bytePos = size;
-        bitOffset = 0;
-        return;
-    }
-    bytePos += total / 8;
-    bitOffset = static_cast<uint8_t>(total % 8);
+// value, and a plain cursor bits behind the beginning of the window.
+inline QVByteStream::PlainRead QVByteStream::readTo(uint32_t bits, uint32_t value) const {
+    return {bytePos + bits / 8, value, static_cast<uint8_t>(bits % 8)};
+}
+
+inline uint32_t QVByteStream::finish(const PlainRead& read) {
+    bytePos = read.bytePos;
+    bitOffset = read.bitOffset;
+    return read.value;
 }
 
 inline uint32_t QVByteStream::readBit() {
@@ -165,52 +183,79 @@ inline uint32_t QVByteStream::readBit() {
 }
 
 inline uint32_t QVByteStream::readBits(uint32_t n) {
-    if (bytePos >= size || n == 0) {
-        return 0;
-    }
-    if (n > 32) {
-        return readManyBits(n);
-    }
-    const uint64_t bits = window() << (bitOffset & 7U);
-    advance(n);
-    return static_cast<uint32_t>(bits >> (64 - n));
+    const uint32_t offset = bitOffset & 7U;
+    return finish(hasWindow() && n - 1 < 32
+                      ? readTo(offset + n, static_cast<uint32_t>(window() << offset >> (64 - n)))
+                      : readAnyBits(data, size, bytePos, bitOffset, n));
 }
 
-// A code of at most 31 leading zero bits, as every legal one is: its 1 bit and the information bits behind
-// it.
-inline bool QVByteStream::readShortGolombCode(uint32_t& code) {
-    constexpr int kMostInOneWindow = 28;  // 2 * 28 + 1 bits behind an offset of 7 are in the window
-    constexpr int kMostLeadingZeroBits = 31;
-    if (bytePos >= size) {
+// Finds the 1 bit of a code that stands whole in the window: firstOne counts from the window's last bit.
+inline bool QVByteStream::findGolombCode(uint32_t& firstOne) const {
+    constexpr uint32_t kMostLeadingZeroBits = 28;
+    if (!hasWindow()) {
         return false;
     }
-    const uint64_t bits = window() << (bitOffset & 7U);
-    const int leadingZeroBits = bits != 0 ? __builtin_clzll(bits) : 64;
-    if (leadingZeroBits > kMostLeadingZeroBits) {
+    const uint64_t bits = window();
+    const uint32_t offset = bitOffset & 7U;
+    if (bits << offset >> (63 - kMostLeadingZeroBits) == 0) {
         return false;
     }
-    if (leadingZeroBits > kMostInOneWindow) {
-        advance(static_cast<uint64_t>(leadingZeroBits));
-        code = readBits(static_cast<uint32_t>(leadingZeroBits + 1));
-        return true;
-    }
-    code = static_cast<uint32_t>(bits >> (63 - 2 * leadingZeroBits));
-    advance(static_cast<uint64_t>(2 * leadingZeroBits + 1));
+    firstOne = 63U ^ static_cast<uint32_t>(__builtin_clzll(bits & UINT64_MAX >> offset));
     return true;
 }
 
+// The code whose 1 bit was found, 1 bit and information bits.
+inline QVByteStream::PlainRead QVByteStream::readGolombCode(uint32_t firstOne) const {
+    const uint32_t offset = bitOffset & 7U;
+    const uint32_t end = 127 - offset - 2 * firstOne;  // as many information bits as leading zero bits
+    return readTo(end, static_cast<uint32_t>(window() << offset >> (64 + offset - end)));
+}
+
 inline uint32_t QVByteStream::readGolombUe() {
-    uint32_t code = 0;
-    return readShortGolombCode(code) ? code - 1 : readLongGolombUe();
+    uint32_t firstOne;
+    PlainRead read;
+    if (findGolombCode(firstOne)) {
+        read = readGolombCode(firstOne);
+        --read.value;
+    } else {
+        read = readAnyGolombUe(data, size, bytePos, bitOffset);
+    }
+    return finish(read);
 }
 
 inline int32_t QVByteStream::readGolombSe() {
-    uint32_t code = 0;
-    if (!readShortGolombCode(code)) {
-        return readLongGolombSe();
+    uint32_t firstOne;
+    PlainRead read;
+    if (findGolombCode(firstOne)) {
+        read = readGolombCode(firstOne);
+        const uint32_t magnitude = read.value >> 1;
+        read.value = (read.value & 1U) != 0 ? 0U - magnitude : magnitude;
+    } else {
+        read = readAnyGolombSe(data, size, bytePos, bitOffset);
     }
-    const auto magnitude = static_cast<int32_t>(code >> 1);
-    return (code & 1U) != 0 ? -magnitude : magnitude;
+    return static_cast<int32_t>(finish(read));
+}
+
+inline void QVByteStream::skipBits(uint64_t n) {
+    const uint64_t bits = bitOffset + n % 8;
+    const uint64_t bytes = n / 8 + bits / 8;
+    if (bytePos > size || bytes > size - bytePos) {
+        return;
+    }
+    bytePos += bytes;
+    bitOffset = static_cast<uint8_t>(bits % 8);
+}
+
+inline void QVByteStream::skipBytes(uint64_t n) {
+    if (size == 0 || bytePos + n > size) {
+        return;
+    }
+    bytePos += n;
+    bitOffset = 0;
+}
+
+inline uint32_t QVByteStream::readByte() {
+    return bytePos < size ? byteAt(bytePos++) : 0U;
 }
 
 #endif

@@ -3,8 +3,8 @@
 // nuh_layer_id is not looked at (D30).
 #include "QVHevcSps.h"
 
+#include "detail/BitWindow.h"
 #include "detail/Log.h"
-#include "detail/RbspBits.h"
 
 using namespace qv_detail;
 
@@ -14,8 +14,7 @@ constexpr int kMostSubLayers = 8;
 
 // The general part of profile_tier_level(), with profilePresentFlag 1. Holds a reference of its own on the
 // stream while it runs.
-void parseHevcSpsForProfile(std::shared_ptr<QVByteStream> stream) {
-    RbspBits in(*stream);
+void parseHevcSpsForProfile(std::shared_ptr<QVByteStream> /*held*/, RbspWindow& in) {
     const uint32_t general_profile_space = in.u(2);
     const uint32_t general_tier_flag = in.u(1);
     const uint32_t general_profile_idc = in.u(5);
@@ -29,7 +28,7 @@ void parseHevcSpsForProfile(std::shared_ptr<QVByteStream> stream) {
 }
 
 // The sub-layer part of profile_tier_level().
-void skipSubLayers(RbspBits& in, int maxNumSubLayersMinus1) {
+void skipSubLayers(RbspWindow& in, int maxNumSubLayersMinus1) {
     bool sub_layer_profile_present_flag[kMostSubLayers - 1] = {};
     bool sub_layer_level_present_flag[kMostSubLayers - 1] = {};
     for (int i = 0; i < maxNumSubLayersMinus1; ++i) {
@@ -51,7 +50,7 @@ void skipSubLayers(RbspBits& in, int maxNumSubLayersMinus1) {
     }
 }
 
-void parseChromaFormat(QVHevcSps* sps, RbspBits& in) {
+void parseChromaFormat(QVHevcSps* sps, RbspWindow& in) {
     constexpr int32_t kChromaFormat444 = 3;
     sps->chroma_format_idc = static_cast<int32_t>(in.ue());
     sps->separate_colour_plane_flag = sps->chroma_format_idc == kChromaFormat444 ? in.flag() : 0;
@@ -71,7 +70,7 @@ void deriveDisplaySize(QVHevcSps* sps, uint32_t width, uint32_t height) {
 }
 
 // Picture size and conformance window. The offsets of an earlier parameter set stay when there is no window.
-void parsePictureSize(QVHevcSps* sps, RbspBits& in) {
+void parsePictureSize(QVHevcSps* sps, RbspWindow& in) {
     const uint32_t pic_width_in_luma_samples = in.ue();
     const uint32_t pic_height_in_luma_samples = in.ue();
     sps->pic_width_in_luma_samples = static_cast<int32_t>(pic_width_in_luma_samples);
@@ -95,12 +94,12 @@ bool parseHevcSps(QVHevcSps* sps, std::shared_ptr<QVByteStream> stream) {
     if (sps == nullptr || stream == nullptr || stream->size == 0) {
         return false;
     }
-    RbspBits in(*stream);
+    RbspWindow in(*stream);
     in.drop(16);  // nal_unit_header()
     sps->sps_video_parameter_set_id = static_cast<int32_t>(in.u(4));
     sps->sps_max_sub_layers_minus1 = static_cast<int32_t>(in.u(3));
     sps->sps_temporal_id_nesting_flag = in.flag();
-    parseHevcSpsForProfile(stream);
+    parseHevcSpsForProfile(stream, in);
     skipSubLayers(in, sps->sps_max_sub_layers_minus1);
     sps->sps_seq_parameter_set_id = static_cast<int32_t>(in.ue());
     parseChromaFormat(sps, in);
