@@ -1,0 +1,33 @@
+// Bytes between two inaccessible pages: a read on the wrong side of either end is a segmentation fault, with
+// or without a sanitizer, also in vector code.
+#ifndef QV_TESTS_GUARDEDBUFFER_H
+#define QV_TESTS_GUARDEDBUFFER_H
+
+#include <cstddef>
+
+#include "BitWriter.h"
+
+namespace qv_test {
+
+class GuardedBuffer {
+public:
+    // Room for capacity bytes, rounded up to whole pages.
+    explicit GuardedBuffer(size_t capacity);
+    ~GuardedBuffer();
+    GuardedBuffer(const GuardedBuffer&) = delete;
+    GuardedBuffer& operator=(const GuardedBuffer&) = delete;
+
+    // Copies bytes, at most capacity of them, to where they end right ahead of the inaccessible page, or to
+    // where they begin right behind one. Valid until the next call.
+    unsigned char* placeAtEnd(const Bytes& bytes);
+    unsigned char* placeAtBegin(const Bytes& bytes);
+
+private:
+    unsigned char* mapping_;
+    size_t pageSize_;
+    size_t capacity_;
+};
+
+}  // namespace qv_test
+
+#endif
