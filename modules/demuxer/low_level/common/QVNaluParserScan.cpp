@@ -29,6 +29,19 @@ void closeLastUnit(NalIndexList& nalus, int end) {
     }
 }
 
+// Appends the unit that the scanner stands on and all behind it; the last one is left to be closed.
+void appendUnits(NalIndexList& nalus, StartCodeScanner& scanner) {
+    bool isFound = true;
+    while (isFound) {
+        const int offset = scanner.unitOffset();
+        nalus.emplace_back(offset, offset - scanner.codeOffset());  // a placeholder until the unit is closed
+        isFound = scanner.next();
+        if (isFound) {
+            nalus.back().second = scanner.codeOffset() - offset;
+        }
+    }
+}
+
 // NALUnitLength, through a scratch array of its own for each unit: 0 when that cannot be had.
 int32_t readNalUnitLength(const unsigned char* field, int lengthSize) {
     const auto count = static_cast<size_t>(lengthSize);
@@ -95,10 +108,9 @@ int QVNaluParser::parserDataToNaluIdx(const unsigned char* data, int size, NalIn
         return QVResultInvalidData;
     }
     StartCodeScanner scanner(data, bufferSize(size));
-    while (scanner.next()) {
+    if (scanner.next()) {
         closeLastUnit(nalus, scanner.codeOffset());
-        const int startCodeLength = scanner.unitOffset() - scanner.codeOffset();
-        nalus.emplace_back(scanner.unitOffset(), startCodeLength);  // a placeholder until the unit is closed
+        appendUnits(nalus, scanner);
     }
     closeLastUnit(nalus, size);
     return QVResultOk;
