@@ -49,7 +49,7 @@ Told tell(const std::filesystem::path& path) {
 std::map<std::string, std::string> valuesOf(const Block& block) {
     std::map<std::string, std::string> values;
     for (const Field& field : block.fields) {
-        values[field.name] = field.value;
+        values[field.name] = valueText(field);
     }
     return values;
 }

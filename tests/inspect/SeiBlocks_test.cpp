@@ -14,7 +14,8 @@ using qvinspect::Field;
 std::string lines(const qvinspect::Block& block) {
     std::string text;
     for (const Field& field : block.fields) {
-        text += field.name + " = " + field.value + (field.note.empty() ? "" : " (" + field.note + ")") + "\n";
+        text += field.name + " = " + valueText(field) + (field.note.empty() ? "" : " (" + field.note + ")") +
+                "\n";
     }
     return text;
 }

@@ -1,5 +1,7 @@
 #include "analysis/HdrValues.h"
 
+#include <cmath>
+
 #include "analysis/CoreHooks.h"
 #include "analysis/SeiTypes.h"
 
@@ -37,6 +39,11 @@ QVHevcSeiAlternativeTransfer readAlternativeTransfer(const std::vector<uint8_t>&
     QVHevcSeiAlternativeTransfer transfer{};
     QVNaluParser::parserHevcAlternativeTransfer(in, static_cast<int>(payload.size()), &transfer);
     return transfer;
+}
+
+double pqLuminance(uint32_t code) {
+    constexpr double kStep = 1e6;  // beyond it mathematical libraries differ
+    return std::round(qvPqToLuminance(qvHdrVividPq(code)) * kStep) / kStep;
 }
 
 HdrVividResult readHdrVivid(const std::vector<uint8_t>& payload) {

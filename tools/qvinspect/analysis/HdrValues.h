@@ -22,6 +22,9 @@ QVHevcSeiContentLight readContentLight(const std::vector<uint8_t>& payload);
 // alternative_transfer_characteristics, payloadType 147.
 QVHevcSeiAlternativeTransfer readAlternativeTransfer(const std::vector<uint8_t>& payload);
 
+// The luminance of a 12-bit PQ code of HDR Vivid in cd/m2, to the sixth decimal.
+double pqLuminance(uint32_t code);
+
 struct HdrVividResult {
     int status;  // QVHDRVividOk, or why metadata is not whole
     QVHDRVividDynamicMetadata metadata;

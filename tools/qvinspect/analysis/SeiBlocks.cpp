@@ -3,10 +3,13 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <string>
+#include <utility>
 
 #include "QVCoreStandalone.h"
 #include "analysis/CoreHooks.h"
 #include "analysis/HdrValues.h"
+#include "analysis/Hex.h"
 #include "analysis/SeiNames.h"
 #include "analysis/SeiTypes.h"
 
@@ -25,12 +28,22 @@ void addRefusal(Block& block, const LogCapture& log) {
     block.add("refused", log.lines().empty() ? std::string("too short") : log.lines().front().text);
 }
 
-std::string degrees(uint32_t anticlockwise_rotation) {
-    return fmt::format("{:.3f} degrees anticlockwise", anticlockwise_rotation * 360.0 / 65536);
+// H.265 D.3.28: in steps of 0.00002.
+void addChromaticity(Block& block, const char* name, uint32_t x, uint32_t y) {
+    constexpr double kSteps = 50000;
+    block.add(name, FieldList{x, y}, fmt::format("x {:.5f}, y {:.5f}", x / kSteps, y / kSteps))
+        .derive({x / kSteps, y / kSteps});
 }
 
-std::string chromaticity(uint32_t x, uint32_t y) {
-    return fmt::format("x {:.5f}, y {:.5f}", x * 0.00002, y * 0.00002);
+// H.265 D.3.28: in steps of 0.0001 cd/m2.
+void addLuminance(Block& block, const char* name, uint32_t code) {
+    const double luminance = code / 10000.0;
+    block.add(name, code, fmt::format("{:.4f} cd/m2", luminance)).derive({luminance}, "cd/m2");
+}
+
+// A code and the number that it stands for, noted with so many decimals.
+void addCode(Block& block, std::string name, uint32_t code, double value, int decimals) {
+    block.add(std::move(name), code, fmt::format("{:.{}f}", value, decimals)).derive({value});
 }
 
 // --- User data ---
@@ -80,14 +93,43 @@ void describeAfd(const Payload& payload, size_t at, Block& block) {
         QVResultOk) {
         addRefusal(block, log);
     } else if (afd.isValid == 0) {
-        block.add("active_format_flag", "0");
+        block.add("active_format_flag", 0);
     } else {
         block.add("active_format", afd.active_format, activeFormatName(afd.active_format));
     }
 }
 
 void describePq(Block& block, const char* name, uint32_t code) {
-    block.add(name, code, fmt::format("{:.4f} cd/m2", qvPqToLuminance(qvHdrVividPq(code))));
+    const double luminance = pqLuminance(code);
+    block.add(name, code, fmt::format("{:.4f} cd/m2", luminance)).derive({luminance}, "cd/m2");
+}
+
+void describeBaseCurve(const QVHDRVividToneMapping& mapping, Block& block) {
+    addCode(block, "base_param_m_p", mapping.base_param_m_p, qvHdrVividM_p(mapping), 5);
+    addCode(block, "base_param_m_m", mapping.base_param_m_m, qvHdrVividM_m(mapping), 1);
+    addCode(block, "base_param_m_a", mapping.base_param_m_a, qvHdrVividM_a(mapping), 5);
+    addCode(block, "base_param_m_b", mapping.base_param_m_b, qvHdrVividM_b(mapping), 5);
+    addCode(block, "base_param_m_n", mapping.base_param_m_n, qvHdrVividM_n(mapping), 1);
+    block.add("base_param_K1 K2 K3",
+              FieldList{mapping.base_param_K1, mapping.base_param_K2, mapping.base_param_K3});
+    block.add("base_param_Delta_enable_mode", mapping.base_param_Delta_enable_mode);
+    addCode(block, "base_param_enable_Delta", mapping.base_param_enable_Delta, qvHdrVividDelta(mapping), 5);
+}
+
+void describeSpline(const QVHDRVividSpline& spline, uint32_t index, Block& block) {
+    const std::string name = fmt::format("3Spline[{}]", index);
+    block.add(name + " TH_enable_mode", spline.TH_enable_mode);
+    if (spline.has_TH_enable_MB != 0) {
+        addCode(block, name + " TH_enable_MB", spline.TH_enable_MB, qvHdrVividThMb(spline), 5);
+    }
+    const std::vector<double> values = {qvHdrVividTh(spline), qvHdrVividThDelta1(spline),
+                                        qvHdrVividThDelta2(spline), qvHdrVividStrength(spline)};
+    block
+        .add(name + " TH_enable, Delta1, Delta2, Strength",
+             FieldList{spline.TH_enable, spline.TH_enable_Delta1, spline.TH_enable_Delta2,
+                       spline.enable_Strength},
+             fmt::format("{:.5f}", fmt::join(values, " ")))
+        .derive(values);
 }
 
 void describeToneMapping(const QVHDRVividToneMapping& mapping, Block& block) {
@@ -95,30 +137,11 @@ void describeToneMapping(const QVHDRVividToneMapping& mapping, Block& block) {
                mapping.targeted_system_display_maximum_luminance_pq);
     block.add("base_enable_flag", mapping.base_enable_flag);
     if (mapping.base_enable_flag != 0) {
-        block.add("base_param_m_p", mapping.base_param_m_p, fmt::format("{:.5f}", qvHdrVividM_p(mapping)));
-        block.add("base_param_m_m", mapping.base_param_m_m, fmt::format("{:.1f}", qvHdrVividM_m(mapping)));
-        block.add("base_param_m_a", mapping.base_param_m_a, fmt::format("{:.5f}", qvHdrVividM_a(mapping)));
-        block.add("base_param_m_b", mapping.base_param_m_b, fmt::format("{:.5f}", qvHdrVividM_b(mapping)));
-        block.add("base_param_m_n", mapping.base_param_m_n, fmt::format("{:.1f}", qvHdrVividM_n(mapping)));
-        block.add("base_param_K1 K2 K3", fmt::format("{} {} {}", mapping.base_param_K1, mapping.base_param_K2,
-                                                     mapping.base_param_K3));
-        block.add("base_param_Delta_enable_mode", mapping.base_param_Delta_enable_mode);
-        block.add("base_param_enable_Delta", mapping.base_param_enable_Delta,
-                  fmt::format("{:.5f}", qvHdrVividDelta(mapping)));
+        describeBaseCurve(mapping, block);
     }
     block.add("3Spline_enable_flag", mapping.three_Spline_enable_flag);
     for (uint32_t i = 0; i < mapping.numSplines; ++i) {
-        const QVHDRVividSpline& spline = mapping.splines[i];
-        block.add(fmt::format("3Spline[{}] TH_enable_mode", i), fmt::format("{}", spline.TH_enable_mode));
-        if (spline.has_TH_enable_MB != 0) {
-            block.add(fmt::format("3Spline[{}] TH_enable_MB", i), fmt::format("{}", spline.TH_enable_MB),
-                      fmt::format("{:.5f}", qvHdrVividThMb(spline)));
-        }
-        block.add(fmt::format("3Spline[{}] TH_enable, Delta1, Delta2, Strength", i),
-                  fmt::format("{} {} {} {}", spline.TH_enable, spline.TH_enable_Delta1,
-                              spline.TH_enable_Delta2, spline.enable_Strength),
-                  fmt::format("{:.5f} {:.5f} {:.5f} {:.5f}", qvHdrVividTh(spline), qvHdrVividThDelta1(spline),
-                              qvHdrVividThDelta2(spline), qvHdrVividStrength(spline)));
+        describeSpline(mapping.splines[i], i, block);
     }
 }
 
@@ -140,8 +163,7 @@ void describeVivid(const Payload& payload, Block& block) {
     block.add("color_saturation_mapping_enable_flag", vivid.color_saturation_mapping_enable_flag);
     for (uint32_t i = 0; i < vivid.color_saturation_enable_num; ++i) {
         const uint32_t gain = vivid.color_saturation_enable_gain[i];
-        block.add(fmt::format("color_saturation_enable_gain[{}]", i), fmt::format("{}", gain),
-                  fmt::format("{:.5f}", qvHdrVividGain(gain)));
+        addCode(block, fmt::format("color_saturation_enable_gain[{}]", i), gain, qvHdrVividGain(gain), 5);
     }
 }
 
@@ -164,10 +186,9 @@ void describeRegistered(const Payload& payload, Block& block) {
         return;
     }
     const size_t provider = payload[0] == 0xFF ? 2 : 1;
-    block.add("itu_t_t35_country_code", fmt::format("0x{:02x}", payload[0]), countryName(payload[0]));
+    block.addHex("itu_t_t35_country_code", payload[0], 2, countryName(payload[0]));
     if (payload.size() >= provider + 2) {
-        block.add("itu_t_t35_provider_code",
-                  fmt::format("0x{:02x}{:02x}", payload[provider], payload[provider + 1]));
+        block.addHex("itu_t_t35_provider_code", payload[provider] << 8 | payload[provider + 1], 4);
     }
     const T35Kind kind = t35Kind(payload);
     block.add("kind", t35KindName(kind));
@@ -201,16 +222,11 @@ void describeMasteringDisplay(const Payload& payload, Block& block) {
     }
     const QVHDR10StaticMetadata& hdr10 = *read;
     for (int c = 0; c < 3; ++c) {
-        const uint32_t x = hdr10.display_primaries_x[c];
-        const uint32_t y = hdr10.display_primaries_y[c];
-        block.add(kNames[c], fmt::format("{} {}", x, y), chromaticity(x, y));
+        addChromaticity(block, kNames[c], hdr10.display_primaries_x[c], hdr10.display_primaries_y[c]);
     }
-    block.add("white_point", fmt::format("{} {}", hdr10.white_point_x, hdr10.white_point_y),
-              chromaticity(hdr10.white_point_x, hdr10.white_point_y));
-    block.add("max_display_mastering_luminance", hdr10.max_display_mastering_luminance,
-              fmt::format("{:.4f} cd/m2", hdr10.max_display_mastering_luminance * 0.0001));
-    block.add("min_display_mastering_luminance", hdr10.min_display_mastering_luminance,
-              fmt::format("{:.4f} cd/m2", hdr10.min_display_mastering_luminance * 0.0001));
+    addChromaticity(block, "white_point", hdr10.white_point_x, hdr10.white_point_y);
+    addLuminance(block, "max_display_mastering_luminance", hdr10.max_display_mastering_luminance);
+    addLuminance(block, "min_display_mastering_luminance", hdr10.min_display_mastering_luminance);
 }
 
 void describeContentLight(const Payload& payload, Block& block) {
@@ -245,8 +261,9 @@ void describeBufferingPeriod(QVByteStream& in, const Payload& payload, const Seq
     }
     for (int i = 0; i < std::min(record.cpb_cnt, 32); ++i) {
         const uint32_t delay = period.initial_cpb_removal_delay[i];
-        block.add(fmt::format("initial_cpb_removal_delay[{}]", i), fmt::format("{}", delay),
-                  fmt::format("{:.6f} s", delay / 90000.0));
+        const double seconds = delay / 90000.0;
+        block.add(fmt::format("initial_cpb_removal_delay[{}]", i), delay, fmt::format("{:.6f} s", seconds))
+            .derive({seconds}, "s");
     }
 }
 
@@ -314,13 +331,16 @@ void describeAvcFramePacking(QVByteStream& in, const Payload& payload, Block& bl
 template <typename Orientation>
 void addOrientation(const Orientation& orientation, Block& block) {
     if (orientation.isValid == 0) {
-        block.add("display_orientation_cancel_flag", "1");
+        block.add("display_orientation_cancel_flag", 1);
         return;
     }
     block.add("hor_flip", orientation.hor_flip);
     block.add("ver_flip", orientation.ver_flip);
-    block.add("anticlockwise_rotation", orientation.anticlockwise_rotation,
-              degrees(orientation.anticlockwise_rotation));
+    const double degrees = orientation.anticlockwise_rotation * 360.0 / 65536;
+    block
+        .add("anticlockwise_rotation", orientation.anticlockwise_rotation,
+             fmt::format("{:.3f} degrees anticlockwise", degrees))
+        .derive({degrees}, "degrees");
 }
 
 void describeAvcOrientation(QVByteStream& in, const Payload& payload, Block& block) {
@@ -358,7 +378,7 @@ void describeHevcFramePacking(QVByteStream& in, const Payload& payload, Block& b
     QVHevcSeiFramePacking packing{};
     QVNaluParser::parserHevcFramePacking(in, sizeOf(payload), &packing);
     if (packing.isValid == 0) {
-        block.add("frame_packing_arrangement_cancel_flag", "1");
+        block.add("frame_packing_arrangement_cancel_flag", 1);
         return;
     }
     block.add("frame_packing_arrangement_type", packing.frame_packing_arrangement_type,
@@ -377,14 +397,6 @@ void describeHevcOrientation(QVByteStream& in, const Payload& payload, Block& bl
         qvFree(item.payloadData);
     }
     addOrientation(orientation, block);
-}
-
-std::string hexOf(const uint8_t* bytes, size_t size) {
-    std::string text;
-    for (size_t i = 0; i < size; ++i) {
-        text += fmt::format("{:02x}", bytes[i]);
-    }
-    return text;
 }
 
 // H.265 D.2.19: the parser keeps MD5; CRC and checksum are shown as the bytes they are.
@@ -407,7 +419,7 @@ void describePictureHash(QVByteStream& in, const Payload& payload, Block& block)
     for (size_t c = 0; c < components; ++c) {
         const uint8_t* const bytes =
             hash.md5Present != 0 ? hash.picture_md5[c] : payload.data() + 1 + c * size;
-        block.add(fmt::format("component {}", c), hexOf(bytes, size));
+        block.add(fmt::format("component {}", c), hexText(bytes, size));
     }
 }
 
@@ -425,7 +437,7 @@ void describeActiveParameterSets(QVByteStream& in, const Payload& payload, Block
     const uint32_t num_sps_ids_minus1 = again.readGolombUe();
     block.add("num_sps_ids_minus1", num_sps_ids_minus1);
     for (uint32_t i = 0; i <= num_sps_ids_minus1; ++i) {
-        block.add(fmt::format("active_seq_parameter_set_id[{}]", i), fmt::format("{}", again.readGolombUe()));
+        block.add(fmt::format("active_seq_parameter_set_id[{}]", i), again.readGolombUe());
     }
 }
 

@@ -89,8 +89,11 @@ void describeVui(const QVAvcSps& sps, Block& block) {
     if (sps.timing_info_present_flag != 0) {
         const double ticks = 2.0 * sps.num_units_in_tick;
         block.add("num_units_in_tick", sps.num_units_in_tick);
-        block.add("time_scale", sps.time_scale,
-                  ticks > 0 ? fmt::format("{:.3f} frames/s", sps.time_scale / ticks) : "");
+        Field& scale = block.add("time_scale", sps.time_scale);
+        if (ticks > 0) {
+            scale.note = fmt::format("{:.3f} frames/s", sps.time_scale / ticks);
+            scale.derive({sps.time_scale / ticks}, "frames/s");
+        }
         block.add("fixed_frame_rate_flag", sps.fixed_frame_rate_flag);
     }
     block.add("nal_hrd_parameters_present_flag", sps.nal_hrd_parameters_present_flag);
@@ -121,7 +124,7 @@ Block describeAvc(const SequenceParameterSet& set) {
     const QVAvcSps& sps = set.avc;
     Block block;
     block.add("profile_idc", sps.profile_idc, avcProfileName(sps.profile_idc, sps.constraint_set_flags));
-    block.add("constraint_set_flags", fmt::format("0x{:02x}", sps.constraint_set_flags), "set0 in bit 0");
+    block.addHex("constraint_set_flags", sps.constraint_set_flags, 2, "set0 in bit 0");
     block.add("level_idc", sps.level_idc,
               avcLevelName(sps.level_idc, sps.profile_idc, sps.constraint_set_flags));
     block.add("seq_parameter_set_id", sps.sps_id);
@@ -140,8 +143,7 @@ Block describeAvc(const SequenceParameterSet& set) {
     block.add("mb_adaptive_frame_field_flag", sps.mb_aff);
     block.add("direct_8x8_inference_flag", sps.direct_8x8_inference_flag);
     block.add("frame_cropping_flag", sps.crop);
-    block.add("frame_crop_offsets",
-              fmt::format("{} {} {} {}", sps.crop_left, sps.crop_right, sps.crop_top, sps.crop_bottom),
+    block.add("frame_crop_offsets", FieldList{sps.crop_left, sps.crop_right, sps.crop_top, sps.crop_bottom},
               "left, right, top, bottom, in crop units");
     block.add("picture size", sizes(sps.width, sps.height, 16 * sps.mb_width, avcCodedHeight(sps)));
     block.add("vui_parameters_present_flag", sps.vui_parameters_present_flag);
@@ -166,8 +168,8 @@ Block describeHevc(const SequenceParameterSet& set) {
     block.add("conformance_window_flag", sps.conformance_window_flag);
     if (sps.conformance_window_flag != 0) {
         block.add("conf_win_offsets",
-                  fmt::format("{} {} {} {}", sps.conf_win_left_offset, sps.conf_win_right_offset,
-                              sps.conf_win_top_offset, sps.conf_win_bottom_offset),
+                  FieldList{sps.conf_win_left_offset, sps.conf_win_right_offset, sps.conf_win_top_offset,
+                            sps.conf_win_bottom_offset},
                   "left, right, top, bottom, in chroma units");
     }
     block.add("picture size", sizes(sps.display_width, sps.display_height, sps.pic_width_in_luma_samples,

@@ -142,7 +142,7 @@ void Listing::addMessage(const SeiMessage& message) {
 
 void Listing::addBlock(const Block& block) {
     for (const Field& field : block.fields) {
-        output_.print("{}  {:<44}  {}{}{}{}\n", kIndent, field.name, field.value,
+        output_.print("{}  {:<44}  {}{}{}{}\n", kIndent, field.name, valueText(field),
                       field.note.empty() ? "" : "  (", field.note, field.note.empty() ? "" : ")");
     }
 }
