@@ -15,6 +15,8 @@
 
 #include "AvcPictures.h"
 #include "InspectSupport.h"
+#include "Presenters.h"
+#include "ReportSupport.h"
 
 namespace qv_test {
 namespace {
@@ -37,7 +39,10 @@ std::string textOf(const std::filesystem::path& path) {
 
 // Runs the program with its outputs on the file descriptors.
 int run(const std::vector<std::string>& arguments, int out, int err, const std::string& folder) {
-    std::vector<std::string> words = {QVINSPECT_PROGRAM, "--level", "nalus"};
+    std::vector<std::string> words = {QVINSPECT_PROGRAM};
+    if (std::count(arguments.begin(), arguments.end(), "--level") == 0) {
+        words.insert(words.end(), {"--level", "nalus"});
+    }
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> argv;
     std::transform(words.begin(), words.end(), std::back_inserter(argv),
@@ -278,6 +283,63 @@ TEST_F(Program, outputThatIsFull) {
         textOf(errPath),
         "qvinspect: standard output cannot be written: No space left on device; what was written of it is "
         "not whole\n");
+}
+
+TEST_F(Program, reportsForPrograms) {
+    write("x.h265", rawStream());
+    const Outcome outcome = inspect({"--json", "a.json", "--ndjson", "a.ndjson", "--csv", "a.csv", "x.h265"});
+    expectListed(outcome, "x.h265", "access units      4\n");
+    EXPECT_EQ(nlohmann::json::parse(textOf(folder() + "/a.json")).at("level"), "nalus");
+    EXPECT_EQ(parseLines(textOf(folder() + "/a.ndjson")).size(), 6U);
+    EXPECT_THAT(textOf(folder() + "/a.csv"),
+                HasSubstr("\r\nx.h265,1,,true,4,24,32,VPS_NUT,typed,false,,,0\r\n"));
+}
+
+TEST_F(Program, standardOutputIsForOneThing) {
+    write("x", rawStream());
+    const nlohmann::json document = nlohmann::json::parse(inspect({"--json", "-", "x", "missing"}).out);
+    EXPECT_EQ(document.at("files").size(), 2U);
+    EXPECT_EQ(parseLines(inspect({"--ndjson", "-", "x"}).out).size(), 6U);
+    EXPECT_THAT(inspect({"--csv", "-", "x"}).out, StartsWith("file,access_unit,"));
+}
+
+TEST_F(Program, levelOfJsonIsEverythingUnlessSaid) {
+    write("x", rawStream());
+    EXPECT_EQ(nlohmann::json::parse(inspect({"--level", "sei", "--json", "-", "x"}).out).at("level"), "sei");
+    qvinspect::CommandLine line;
+    line.json = folder() + "/json";
+    line.csv = "-";  // not the listing
+    for (const auto& presenter : qvinspect::makePresenters(line)) {
+        presenter->finish();
+    }
+    EXPECT_EQ(nlohmann::json::parse(textOf(line.json)).at("level"), "fields");
+}
+
+TEST_F(Program, stamp) {
+    write("x", rawStream());
+    const std::string path = folder() + "/x";
+    const std::string first = inspect({"--json", "-", path}).out;
+    EXPECT_EQ(first, inspect({"--json", "-", path}).out);
+    EXPECT_THAT(first, Not(HasSubstr(folder())));
+    EXPECT_THAT(first, Not(HasSubstr("\"date\"")));
+    const auto stamped = nlohmann::json::parse(inspect({"--stamp", "--json", "-", path}).out);
+    EXPECT_THAT(stamped.at("date").get<std::string>(),
+                ::testing::MatchesRegex("[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}Z"));
+    EXPECT_EQ(stamped.at("files").at(0).at("path"), path);
+}
+
+TEST_F(Program, reportsThatCannotBeWritten) {
+    write("x", rawStream());
+    for (const char* option : {"--json", "--ndjson", "--csv"}) {
+        const Outcome full = inspect({option, "/dev/full", "x"});
+        EXPECT_EQ(full.exitCode, 5);
+        EXPECT_EQ(full.err,
+                  "qvinspect: /dev/full cannot be written: No space left on device; what was written of it "
+                  "is not whole\n");
+        const Outcome nowhere = inspect({option, "no/such/folder", "x"});
+        EXPECT_EQ(nowhere.exitCode, 5);
+        EXPECT_THAT(nowhere.err, HasSubstr("no/such/folder cannot be written: No such file or directory"));
+    }
 }
 
 // --- Containers ---

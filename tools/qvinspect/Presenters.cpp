@@ -1,9 +1,14 @@
 #include "Presenters.h"
 
 #include <algorithm>
+#include <ctime>
 #include <string>
 
+#include "report/Csv.h"
+#include "report/Json.h"
 #include "report/Listing.h"
+#include "report/Ndjson.h"
+#include "report/Stamp.h"
 
 namespace qvinspect {
 
@@ -16,12 +21,25 @@ bool isStdoutTaken(const CommandLine& line) {
     return std::count(outputs.begin(), outputs.end(), "-") > 0;
 }
 
+JsonOptions jsonOptions(const CommandLine& line) {
+    return {line.level.value_or(Level::Fields), line.stamp ? stampText(std::time(nullptr)) : std::string()};
+}
+
 }  // namespace
 
 Presenters makePresenters(const CommandLine& line) {
     Presenters presenters;
     if (!isStdoutTaken(line)) {
         presenters.push_back(std::make_unique<Listing>("-", line.level.value_or(Level::Summary)));
+    }
+    if (!line.json.empty()) {
+        presenters.push_back(std::make_unique<Json>(line.json, jsonOptions(line)));
+    }
+    if (!line.ndjson.empty()) {
+        presenters.push_back(std::make_unique<Ndjson>(line.ndjson, jsonOptions(line)));
+    }
+    if (!line.csv.empty()) {
+        presenters.push_back(std::make_unique<Csv>(line.csv));
     }
     return presenters;
 }

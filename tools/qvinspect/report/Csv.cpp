@@ -1,0 +1,83 @@
+#include "report/Csv.h"
+
+#include <cmath>
+#include <optional>
+
+#include "analysis/NalUnitNames.h"
+#include "report/UnitTexts.h"
+
+namespace qvinspect {
+
+namespace {
+
+// RFC 4180 section 2: a field with a comma, a quote or an end of line stands in quotes, its quotes doubled.
+std::string csvField(const std::string& text) {
+    if (text.find_first_of(",\"\r\n") == std::string::npos) {
+        return text;
+    }
+    std::string field = "\"";
+    for (const char character : text) {
+        field.append(character == '"' ? 2 : 1, character);
+    }
+    return field + "\"";
+}
+
+const char* flagText(bool flag) {
+    return flag ? "true" : "false";
+}
+
+// Seconds; nothing when they are unknown.
+std::string timeText(const std::optional<double>& time) {
+    return time && std::isfinite(*time) ? fmt::format("{}", *time) : std::string();
+}
+
+// payloadTypes with blanks between them.
+std::string seiTypes(const UnitView& unit) {
+    std::string text;
+    for (const SeiMessage* message : unit.messages) {
+        text += fmt::format("{}{}", text.empty() ? "" : " ", message->payloadType);
+    }
+    return text;
+}
+
+}  // namespace
+
+Csv::Csv(const std::string& path) : output_(path) {
+    output_.print(
+        "file,access_unit,time,key,offset,length,type,name,state,non_reference,sei_types,error,"
+        "access_unit_errors\r\n");
+}
+
+void Csv::begin(const StreamHead& head) {
+    name_ = csvField(head.name);
+}
+
+void Csv::add(const AccessUnitView& view) {
+    for (const UnitView& unit : view.units) {
+        addUnit(view, unit);
+    }
+}
+
+void Csv::addUnit(const AccessUnitView& view, const UnitView& unit) {
+    const UnitReport& report = *unit.report;
+    const QVCodecID codec = view.accessUnit.parameters.codecId;
+    output_.print("{},{},{},{},{},{},", name_, view.number, timeText(view.time), flagText(view.report.isKey),
+                  report.offset, report.length);
+    if (report.state == UnitState::Typed) {
+        output_.print("{},{},{},{},", report.type, csvField(nalUnitName(codec, report.type)),
+                      stateName(report.state), flagText(report.isNonReference));
+    } else {
+        output_.print(",,{},,", stateName(report.state));
+    }
+    output_.print("{},{},{}\r\n", seiTypes(unit), csvField(unitError(unit)), view.errors);
+}
+
+void Csv::end(const StreamEnd&) {}
+
+void Csv::fail(const std::string&, const std::string&) {}
+
+void Csv::finish() {
+    output_.close();
+}
+
+}  // namespace qvinspect

@@ -1,0 +1,29 @@
+// Values that several JSON records hold.
+#ifndef QVINSPECT_JSONVALUES_H
+#define QVINSPECT_JSONVALUES_H
+
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <vector>
+
+#include "analysis/Block.h"
+#include "analysis/SequenceParameterSet.h"
+#include "input/AccessUnit.h"
+
+namespace qvinspect {
+
+// null when there is no value.
+template <typename Value>
+nlohmann::ordered_json jsonOptional(const std::optional<Value>& value) {
+    return value ? nlohmann::ordered_json(*value) : nlohmann::ordered_json();
+}
+
+nlohmann::ordered_json jsonFindings(const std::vector<Finding>& findings);
+nlohmann::ordered_json jsonFields(const Block& block);
+
+// Profile, level and picture of a parameter set that the library accepts.
+nlohmann::ordered_json jsonVideo(const SequenceParameterSet& sps);
+
+}  // namespace qvinspect
+
+#endif

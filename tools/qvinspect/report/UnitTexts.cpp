@@ -1,0 +1,35 @@
+#include "report/UnitTexts.h"
+
+#include <fmt/format.h>
+
+namespace qvinspect {
+
+size_t headerSize(QVCodecID codec) {
+    return codec == QVCodecIDAvc ? 1 : 2;
+}
+
+const char* stateName(UnitState state) {
+    switch (state) {
+        case UnitState::ForbiddenBit:
+            return "forbidden_bit";
+        case UnitState::Empty:
+            return "empty";
+        case UnitState::Typed:
+            break;
+    }
+    return "typed";
+}
+
+std::string unitError(const UnitView& unit) {
+    if (!isBroken(unit)) {
+        return {};
+    }
+    if (unit.report->state == UnitState::Typed) {
+        return unit.details->sei
+                   ? fmt::format("the walk of the SEI unit ended with {}", unit.details->sei->result)
+                   : "the library refuses the parameter set";
+    }
+    return unit.report->state == UnitState::Empty ? "empty unit" : "forbidden_zero_bit is set";
+}
+
+}  // namespace qvinspect
