@@ -17,6 +17,7 @@
 #include "InspectSupport.h"
 #include "Presenters.h"
 #include "ReportSupport.h"
+#include "report/JsonSchema.h"
 
 namespace qv_test {
 namespace {
@@ -326,6 +327,13 @@ TEST_F(Program, stamp) {
     EXPECT_THAT(stamped.at("date").get<std::string>(),
                 ::testing::MatchesRegex("[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}Z"));
     EXPECT_EQ(stamped.at("files").at(0).at("path"), path);
+}
+
+TEST_F(Program, schema) {
+    const Outcome outcome = inspect({"--schema"});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.out, qvinspect::jsonSchema());
+    EXPECT_EQ(outcome.err, "");
 }
 
 TEST_F(Program, reportsThatCannotBeWritten) {

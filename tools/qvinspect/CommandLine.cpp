@@ -11,6 +11,7 @@
 
 #include "ExitCode.h"
 #include "analysis/NalUnitNames.h"
+#include "report/JsonSchema.h"
 
 namespace qvinspect {
 
@@ -53,6 +54,7 @@ struct Words {
     std::vector<std::string> t35;
     std::vector<std::string> checks;
     bool listChecks = false;
+    bool showSchema = false;
 };
 
 uint32_t hexNumber(const std::string& text, uint32_t most, const std::string& whole) {
@@ -151,6 +153,8 @@ void addOutputOptions(CLI::App& app, CommandLine& line, Words& words) {
         ->type_name("auto|always|never")
         ->check(CLI::IsMember(namesOf(kColors)))
         ->group(kOutputGroup);
+    app.add_flag("--schema", words.showSchema, "Show the JSON Schema of --json and --ndjson")
+        ->group(kOutputGroup);
     app.add_flag("--stamp", line.stamp, "Put the date and whole paths into the outputs")->group(kOutputGroup);
 }
 
@@ -232,6 +236,11 @@ CommandLine parseCommandLine(int argc, const char* const* argv) {
     }
     if (words.listChecks) {
         listChecks();
+        line.exitCode = kExitOk;
+        return line;
+    }
+    if (words.showSchema) {
+        fmt::print("{}", jsonSchema());
         line.exitCode = kExitOk;
         return line;
     }
