@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "QVCoreStandalone.h"
+#include "analysis/CodedPositions.h"
 #include "analysis/CoreHooks.h"
 #include "analysis/FirstBytes.h"
 #include "analysis/SeiBlocks.h"
@@ -31,13 +32,23 @@ bool isTrailing(const QVByteStream& rbsp) {
     return rbsp.atEnd() || (rbsp.bytesLeft() == 1 && rbsp.data[rbsp.bytePos] == 0x80);
 }
 
+// The place of a payload of size bytes at position of the unescaped unit.
+void place(SeiMessage& message, const CodedPositions& positions, size_t position, uint64_t unitOffset) {
+    const size_t begin = positions.of(position);
+    const size_t size = message.payload.size();
+    message.offset = unitOffset + begin;
+    message.codedSize = size == 0 ? 0 : static_cast<uint32_t>(positions.of(position + size - 1) + 1 - begin);
+}
+
 // sei_rbsp(): every message of the unit, whichever of them the library's walk looks at.
-std::vector<SeiMessage> readMessages(std::vector<uint8_t> unit, size_t header) {
+std::vector<SeiMessage> readMessages(const unsigned char* data, size_t size, size_t header, uint64_t offset) {
     std::vector<SeiMessage> messages;
+    std::vector<uint8_t> unit = unescapedUnit(data, size, size);
     dropTrailingZeros(unit);
     if (unit.size() <= header) {
         return messages;
     }
+    const CodedPositions positions(data, size);
     QVByteStream rbsp(unit.data() + header, unit.size() - header);
     const LogCapture quiet;  // the walk has its own lines
     while (!isTrailing(rbsp)) {
@@ -52,6 +63,7 @@ std::vector<SeiMessage> readMessages(std::vector<uint8_t> unit, size_t header) {
                             std::vector<uint8_t>(payload, payload + payloadSize),
                             Delivery::NotKept,
                             {}});
+        place(messages.back(), positions, header + rbsp.bytePos, offset);
         rbsp.skipBytes(static_cast<uint64_t>(payloadSize));
     }
     return messages;
@@ -117,7 +129,7 @@ void SeiReader::add(const unsigned char* data, size_t size, uint32_t nalUnitType
             }
         }
     }
-    unit.messages = readMessages(unescapedUnit(data, size, size), headerSize(codec_));
+    unit.messages = readMessages(data, size, headerSize(codec_), offset);
     for (SeiMessage& message : unit.messages) {
         message.block = describeSei(codec_, message.payloadType, message.payload, sps_);
     }

@@ -28,6 +28,11 @@ struct SeiMessage {
     std::vector<uint8_t> payload;  // without emulation prevention bytes
     Delivery delivery = Delivery::NotKept;
     Block block;
+
+    // Where the payload begins, counted as the offset of its NAL unit, and the bytes that it takes there:
+    // more than payloadSize where emulation prevention bytes stand between them.
+    uint64_t offset = 0;
+    uint32_t codedSize = 0;
 };
 
 struct SeiUnit {
