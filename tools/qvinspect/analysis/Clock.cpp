@@ -1,5 +1,7 @@
 #include "analysis/Clock.h"
 
+#include <cmath>
+
 namespace qvinspect {
 
 namespace {
@@ -20,7 +22,7 @@ void Clock::apply(AccessUnitView& view) {
         return;
     }
     const std::optional<double> frame = frameRate_ ? 1 / *frameRate_ : secondsPerFrame(view.details.sps);
-    if (!frame) {
+    if (!frame || !std::isfinite(*frame)) {
         isRunning_ = false;
         return;
     }

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "analysis/HdrValues.h"
@@ -16,6 +17,7 @@ namespace qvinspect {
 namespace {
 
 constexpr size_t kMostNotes = 16;
+constexpr size_t kMostErrorKinds = 8;
 constexpr int64_t kMillisecondsPerSecond = 1000;
 
 // H.273 table 3.
@@ -26,8 +28,21 @@ bool isVcl(QVCodecID codec, uint32_t nal_unit_type) {
     return codec == QVCodecIDAvc ? nal_unit_type >= 1 && nal_unit_type <= 5 : nal_unit_type <= 31;
 }
 
-std::string placed(const Finding& finding) {
-    return finding.offset ? fmt::format("{} (at {})", finding.text, *finding.offset) : finding.text;
+// accessUnit: its number, 0 for what is behind the last one or ahead of the first.
+std::string placed(const Finding& finding, uint64_t accessUnit) {
+    return (accessUnit == 0 ? std::string() : fmt::format("access unit {}: ", accessUnit)) + finding.text +
+           (finding.offset ? fmt::format(" (at {})", *finding.offset) : std::string());
+}
+
+std::string withoutNumbers(std::string text) {
+    text.erase(std::remove_if(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; }),
+               text.end());
+    return text;
+}
+
+// Times come from files: what is no number is no time.
+std::optional<double> finite(std::optional<double> seconds) {
+    return seconds && std::isfinite(*seconds) ? seconds : std::nullopt;
 }
 
 }  // namespace
@@ -69,6 +84,11 @@ StreamCounter::StreamCounter(const StreamInfo& info) {
 void StreamCounter::addConfiguration(const ConfigurationDetails& configuration) {
     for (const SequenceParameterSet& sps : configuration.parameterSets) {
         addSps(sps);
+        if (!sps.isAccepted) {
+            addError({Severity::Error, std::nullopt,
+                      "the library refuses a parameter set of the configuration record"},
+                     0);
+        }
     }
     for (const uint32_t type : configuration.unitTypes) {
         noteParameterSet(type);
@@ -95,45 +115,63 @@ void StreamCounter::add(const AccessUnitView& view) {
     addUnits(view);
     addFindings(view.report.findings, view.number);
     addDetails(view.details);
+    const std::optional<double> time = finite(view.time);
     if (view.report.isKey) {
-        addKey(view);
+        addKey(view, time);
     }
-    addTime(view);
+    addTime(view, time);
 }
 
 void StreamCounter::addUnits(const AccessUnitView& view) {
     bool hasPicture = false;
     for (size_t i = 0; i < view.report.units.size(); ++i) {
         const UnitReport& unit = view.report.units[i];
-        ++totals_.units;
-        if (unit.length > totals_.largestUnit.bytes) {
-            totals_.largestUnit = {unit.length, view.number, unit.offset};
-        }
+        addUnit(unit, view);
+        addUnitErrors(unit, view.details.units[i], view.number);
         if (unit.state != UnitState::Typed) {
-            ++totals_.untypedUnits;
-            addError(fmt::format("{} (at {})",
-                                 unit.state == UnitState::Empty ? "empty unit" : "forbidden_zero_bit is set",
-                                 unit.offset),
-                     view.number);
             continue;
         }
-        ++totals_.unitsByType[unit.type];
-        if (!hasPicture && isVcl(totals_.codec, unit.type)) {
-            hasPicture = true;
-            if (view.report.isKey && totals_.keyAccessUnits == 0 && !(hasVps_ && hasSps_ && hasPps_)) {
-                totals_.keyWithoutParameterSets = view.number;
-            }
+        if (isVcl(totals_.codec, unit.type) && !std::exchange(hasPicture, true)) {
+            noteFirstKeyPicture(view);
         }
         noteParameterSet(unit.type);
-        const UnitDetails& details = view.details.units[i];
-        if (details.newSps && !details.newSps->isAccepted) {
-            addError(fmt::format("the library refuses the parameter set (at {})", unit.offset), view.number);
-        }
-        if (details.sei && details.sei->result != QVResultOk) {
-            addError(fmt::format("the walk of the SEI unit ended with {} (at {})", details.sei->result,
-                                 unit.offset),
-                     view.number);
-        }
+    }
+}
+
+void StreamCounter::addUnit(const UnitReport& unit, const AccessUnitView& view) {
+    ++totals_.units;
+    if (unit.length > totals_.largestUnit.bytes) {
+        totals_.largestUnit = {unit.length, view.number, unit.offset};
+    }
+    if (unit.state != UnitState::Typed) {
+        ++totals_.untypedUnits;
+        return;
+    }
+    ++totals_.unitsByType[unit.type];
+    totals_.unitBytesByType[unit.type] += unit.length;
+}
+
+// Ahead of a picture's first slice.
+void StreamCounter::noteFirstKeyPicture(const AccessUnitView& view) {
+    if (view.report.isKey && totals_.keyAccessUnits == 0 && !(hasVps_ && hasSps_ && hasPps_)) {
+        totals_.keyWithoutParameterSets = view.number;
+    }
+}
+
+void StreamCounter::addUnitErrors(const UnitReport& unit, const UnitDetails& details, uint64_t accessUnit) {
+    const auto add = [&](std::string text) {
+        addError({Severity::Error, unit.offset, std::move(text)}, accessUnit);
+    };
+    if (unit.state == UnitState::Empty) {
+        add("empty unit");
+    } else if (unit.state == UnitState::ForbiddenBit) {
+        add("forbidden_zero_bit is set");
+    }
+    if (details.newSps && !details.newSps->isAccepted) {
+        add("the library refuses the parameter set");
+    }
+    if (details.sei && details.sei->result != QVResultOk) {
+        add(fmt::format("the walk of the SEI unit ended with {}", details.sei->result));
     }
 }
 
@@ -232,66 +270,78 @@ void StreamCounter::addHdrVivid(const std::vector<uint8_t>& payload) {
 void StreamCounter::addFindings(const std::vector<Finding>& findings, uint64_t accessUnit) {
     for (const Finding& finding : findings) {
         if (finding.severity == Severity::Error) {
-            addError(placed(finding), accessUnit);
-        } else if (totals_.notes.size() < kMostNotes) {
+            addError(finding, accessUnit);
+        } else if (++totals_.noteCount <= kMostNotes) {
             totals_.notes.push_back(finding);
         }
     }
 }
 
-void StreamCounter::addError(std::string text, uint64_t accessUnit) {
+void StreamCounter::addError(const Finding& finding, uint64_t accessUnit) {
+    const std::string kind = withoutNumbers(finding.text);
+    const auto known = std::find(errorKindTexts_.begin(), errorKindTexts_.end(), kind);
+    if (known != errorKindTexts_.end()) {
+        ++totals_.errorKinds[static_cast<size_t>(known - errorKindTexts_.begin())].count;
+    } else if (errorKindTexts_.size() < kMostErrorKinds) {
+        errorKindTexts_.push_back(kind);
+        totals_.errorKinds.push_back({placed(finding, accessUnit), 1});
+    }
     if (++totals_.errors == 1) {
-        totals_.firstError =
-            accessUnit == 0 ? std::move(text) : fmt::format("access unit {}: {}", accessUnit, text);
+        totals_.firstError = placed(finding, accessUnit);
     }
 }
 
-void StreamCounter::addKey(const AccessUnitView& view) {
-    ++totals_.keyAccessUnits;
+void StreamCounter::addKey(const AccessUnitView& view, std::optional<double> time) {
+    if (++totals_.keyAccessUnits == 1) {
+        totals_.firstKey = view.number;
+    }
     KeyIntervals& intervals = totals_.keyIntervals;
     if (key_) {
         const uint64_t distance = view.number - key_->number;
         intervals.least = intervals.count == 0 ? distance : std::min(intervals.least, distance);
         intervals.sum += distance;
         ++intervals.count;
-        if (key_->time && view.time) {
-            const double seconds = *view.time - *key_->time;
+        if (key_->time && time) {
+            const double seconds = *time - *key_->time;
             intervals.leastSeconds = std::min(intervals.leastSeconds.value_or(seconds), seconds);
             intervals.sumSeconds += seconds;
             ++intervals.timed;
         }
-        noteLongest(view.number, view.time);
+        noteLongest(view.number, time);
     }
-    key_ = Key{view.number, view.time};
+    key_ = Key{view.number, time};
 }
 
-void StreamCounter::noteLongest(uint64_t end, std::optional<double> endTime) {
+// True when the run from the last key access unit to end is the longest so far.
+bool StreamCounter::noteLongest(uint64_t end, std::optional<double> endTime) {
     KeyIntervals& intervals = totals_.keyIntervals;
-    if (end - key_->number > intervals.most) {
-        intervals.most = end - key_->number;
-        intervals.mostAt = key_->number;
-    }
     if (key_->time && endTime) {
         const double seconds = *endTime - *key_->time;
         intervals.mostSeconds = std::max(intervals.mostSeconds.value_or(seconds), seconds);
     }
+    if (end - key_->number <= intervals.most) {
+        return false;
+    }
+    intervals.most = end - key_->number;
+    intervals.mostAt = key_->number;
+    return true;
 }
 
-void StreamCounter::addTime(const AccessUnitView& view) {
-    if (!view.time) {
-        isTimed_ = false;
+void StreamCounter::addTime(const AccessUnitView& view, std::optional<double> time) {
+    if (!time) {
+        ++totals_.untimedAccessUnits;
         return;
     }
-    const double end = *view.time + view.duration.value_or(0);
-    begin_ = std::min(begin_.value_or(*view.time), *view.time);
+    const double end = *time + std::max(finite(view.duration).value_or(0), 0.0);
+    begin_ = std::min(begin_.value_or(*time), *time);
     end_ = std::max(end_.value_or(end), end);
-    addLoad(view.decodeTime.value_or(*view.time), view.accessUnit.size);
+    addLoad(finite(view.decodeTime).value_or(*time), view.accessUnit.size);
 }
 
 void StreamCounter::addLoad(double decodeTime, uint64_t bytes) {
     constexpr double kMostMilliseconds = 1e15;  // far beyond any stream, well inside of the integer
-    auto now = static_cast<int64_t>(std::clamp(decodeTime * static_cast<double>(kMillisecondsPerSecond),
-                                               -kMostMilliseconds, kMostMilliseconds));
+    const double milliseconds = std::floor(decodeTime * static_cast<double>(kMillisecondsPerSecond));
+    auto now = static_cast<int64_t>(std::clamp(milliseconds, -kMostMilliseconds, kMostMilliseconds));
     if (!second_.empty()) {
         now = std::max(now, second_.back().millisecond);  // decoding goes forward
     }
@@ -309,13 +359,14 @@ void StreamCounter::addLoad(double decodeTime, uint64_t bytes) {
 
 void StreamCounter::finish(const std::vector<Finding>& findings) {
     addFindings(findings, 0);
+    const bool isTimed = totals_.untimedAccessUnits == 0;
     if (key_) {
-        noteLongest(lastNumber_ + 1, isTimed_ ? end_ : std::nullopt);
+        totals_.keyIntervals.isMostAtEnd = noteLongest(lastNumber_ + 1, isTimed ? end_ : std::nullopt);
     }
-    if (!isTimed_ || !begin_ || *end_ <= *begin_) {
+    const double duration = isTimed && begin_ ? *end_ - *begin_ : 0;
+    if (duration <= 0 || !std::isfinite(duration)) {
         return;
     }
-    const double duration = *end_ - *begin_;
     totals_.duration = duration;
     totals_.averageBitrate = static_cast<double>(totals_.bytes) * 8 / duration;
     totals_.peakBitrate = duration < 1

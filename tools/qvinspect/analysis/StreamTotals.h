@@ -25,13 +25,20 @@ struct KeyIntervals {
 
     // The run from the last one to the end of the stream counts here as well.
     uint64_t most = 0;
-    uint64_t mostAt = 0;  // number of the access unit where it begins
+    uint64_t mostAt = 0;       // number of the access unit where it begins
+    bool isMostAtEnd = false;  // the longest is that run: nothing says how long it would have become
 
     // In seconds, of those between access units whose times are known.
     std::optional<double> leastSeconds;
     std::optional<double> mostSeconds;
     double sumSeconds = 0;
     uint64_t timed = 0;
+};
+
+// Errors that differ in their numbers at most.
+struct ErrorKind {
+    std::string first;  // of them, with its place
+    uint64_t count = 0;
 };
 
 struct LargestUnit {
@@ -70,19 +77,25 @@ struct StreamTotals {
     QVCodecID codec = QVCodecIDAvc;
     uint64_t accessUnits = 0;
     uint64_t keyAccessUnits = 0;
+    uint64_t firstKey = 0;      // its number; 0 without one
     uint64_t units = 0;         // NAL units, typed or not
     uint64_t untypedUnits = 0;  // of them, those with forbidden_zero_bit set and empty ones
     std::map<uint32_t, uint64_t> unitsByType;
+    std::map<uint32_t, uint64_t> unitBytesByType;  // without start codes and length fields
     uint64_t bytes = 0;  // of all access units, start codes and length fields included
 
     uint64_t errors = 0;
-    std::string firstError;      // with its place; empty without errors
+    std::string firstError;             // with its place; empty without errors
+    std::vector<ErrorKind> errorKinds;  // the first of them, in the order in which they came
+    uint64_t noteCount = 0;
     std::vector<Finding> notes;  // not errors; the first of them
 
     KeyIntervals keyIntervals;
     LargestUnit largestUnit;
     uint64_t largestAccessUnit = 0;    // bytes
     uint64_t largestAccessUnitAt = 0;  // its number
+
+    uint64_t untimedAccessUnits = 0;
 
     // Seconds from the first picture shown to the end of the last one; not set when times are unknown.
     std::optional<double> duration;
@@ -122,19 +135,23 @@ public:
 private:
     void noteParameterSet(uint32_t nal_unit_type);
     void addUnits(const AccessUnitView& view);
+    void addUnit(const UnitReport& unit, const AccessUnitView& view);
+    void noteFirstKeyPicture(const AccessUnitView& view);
     void addDetails(const AccessUnitDetails& details);
     void addSps(const SequenceParameterSet& sps);
     void addMessage(const SeiMessage& message);
     void addRegistered(const std::vector<uint8_t>& payload);
     void addHdrVivid(const std::vector<uint8_t>& payload);
     void addFindings(const std::vector<Finding>& findings, uint64_t accessUnit);
-    void addError(std::string text, uint64_t accessUnit);
-    void addKey(const AccessUnitView& view);
-    void noteLongest(uint64_t end, std::optional<double> endTime);
-    void addTime(const AccessUnitView& view);
+    void addError(const Finding& finding, uint64_t accessUnit);
+    void addUnitErrors(const UnitReport& unit, const UnitDetails& details, uint64_t accessUnit);
+    void addKey(const AccessUnitView& view, std::optional<double> time);
+    bool noteLongest(uint64_t end, std::optional<double> endTime);
+    void addTime(const AccessUnitView& view, std::optional<double> time);
     void addLoad(double decodeTime, uint64_t bytes);
 
     StreamTotals totals_;
+    std::vector<std::string> errorKindTexts_;  // without their numbers, as totals_.errorKinds
 
     bool hasVps_ = false;  // H.264 has none and misses none
     bool hasSps_ = false;
@@ -147,7 +164,6 @@ private:
     std::optional<Key> key_;  // the last one
     uint64_t lastNumber_ = 0;
 
-    bool isTimed_ = true;  // every access unit so far has a time
     std::optional<double> begin_;
     std::optional<double> end_;
 
