@@ -7,7 +7,6 @@
 
 #include "analysis/Hex.h"
 #include "analysis/NalUnitNames.h"
-#include "analysis/PayloadOffsets.h"
 #include "analysis/SeiNames.h"
 #include "report/JsonSummary.h"
 #include "report/JsonValues.h"
@@ -61,10 +60,10 @@ JsonRecord jsonSps(const SequenceParameterSet& sps, Level level) {
     return json;
 }
 
-JsonRecord jsonMessage(const SeiMessage& message, uint64_t payloadOffset, QVCodecID codec, Level level) {
+JsonRecord jsonMessage(const SeiMessage& message, QVCodecID codec, Level level) {
     JsonRecord json = {{"type", message.payloadType},
                        {"name", seiName(codec, message.payloadType)},
-                       {"payload_offset", payloadOffset},
+                       {"payload_offset", message.offset},
                        {"size", message.payloadSize},
                        {"delivery", deliveryName(message.delivery)}};
     if (level == Level::Fields) {
@@ -76,12 +75,9 @@ JsonRecord jsonMessage(const SeiMessage& message, uint64_t payloadOffset, QVCode
 
 JsonRecord jsonSei(const UnitView& unit, QVCodecID codec, Level level) {
     const SeiUnit& sei = *unit.details->sei;
-    const std::vector<uint64_t> offsets =
-        payloadOffsets(unit.data, unit.report->length, headerSize(codec), sei.messages);
     JsonRecord json = {{"result", sei.result}, {"log", sei.log}, {"messages", JsonRecord::array()}};
     for (const SeiMessage* message : unit.messages) {
-        const uint64_t offset = offsets[static_cast<size_t>(message - sei.messages.data())];
-        json["messages"].push_back(jsonMessage(*message, unit.report->offset + offset, codec, level));
+        json["messages"].push_back(jsonMessage(*message, codec, level));
     }
     return json;
 }
