@@ -114,8 +114,9 @@ void addInputOptions(CLI::App& app, CommandLine& line, Words& words) {
 }
 
 void addShownOptions(CLI::App& app, CommandLine& line, Words& words) {
-    app.add_option("--level", words.level,
-                   "How deep to go. Without it the listing is a summary, JSON and NDJSON hold everything")
+    app.add_option(
+           "--level", words.level,
+           "How deep to go. Without it a summary, or as deep as filters need; JSON and NDJSON in full")
         ->type_name("summary|samples|nalus|sei|fields")
         ->check(CLI::IsMember(namesOf(kLevels)))
         ->group(kShownGroup);

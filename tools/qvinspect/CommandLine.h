@@ -10,11 +10,10 @@
 #include "analysis/Check.h"
 #include "analysis/Filter.h"
 #include "input/InputOptions.h"
+#include "report/ColorUse.h"
 #include "report/Level.h"
 
 namespace qvinspect {
-
-enum class ColorUse { Auto, Always, Never };
 
 struct CommandLine {
     InputOptions input;

@@ -1,5 +1,7 @@
 #include "Presenters.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <ctime>
 #include <string>
@@ -30,7 +32,8 @@ JsonOptions jsonOptions(const CommandLine& line) {
 Presenters makePresenters(const CommandLine& line) {
     Presenters presenters;
     if (!isStdoutTaken(line)) {
-        presenters.push_back(std::make_unique<Listing>("-", line.level.value_or(Level::Summary)));
+        presenters.push_back(std::make_unique<Listing>("-", line.level.value_or(levelFor(line.filter)),
+                                                       pageFormat(terminalOf(STDOUT_FILENO), line.color)));
     }
     if (!line.json.empty()) {
         presenters.push_back(std::make_unique<Json>(line.json, jsonOptions(line)));

@@ -19,21 +19,6 @@ namespace {
 // Any real one is far shorter; the bound is for broken ones.
 constexpr size_t kMostBytes = 64 * 1024;
 
-const char* chromaName(int chroma_format_idc) {
-    switch (chroma_format_idc) {
-        case 0:
-            return "4:0:0";
-        case 1:
-            return "4:2:0";
-        case 2:
-            return "4:2:2";
-        case 3:
-            return "4:4:4";
-        default:
-            return "reserved";
-    }
-}
-
 std::string sizes(int width, int height, int codedWidth, int codedHeight) {
     return width == codedWidth && height == codedHeight
                ? fmt::format("{}x{}", width, height)
@@ -73,7 +58,7 @@ void summarise(SequenceParameterSet& sps) {
                               hevcLevelName(sps.level), sps.tier != 0 ? " high tier" : "",
                               sizes(hevc.display_width, hevc.display_height, hevc.pic_width_in_luma_samples,
                                     hevc.pic_height_in_luma_samples),
-                              chromaName(hevc.chroma_format_idc), hevc.bit_depth_luma_minus8 + 8);
+                              chromaName(hevc.chroma_format_idc), int64_t{8} + hevc.bit_depth_luma_minus8);
 }
 
 void describeVui(const QVAvcSps& sps, Block& block) {
@@ -244,6 +229,21 @@ Block describe(const SequenceParameterSet& sps) {
         return block;
     }
     return sps.codec == QVCodecIDAvc ? describeAvc(sps) : describeHevc(sps);
+}
+
+const char* chromaName(int chroma_format_idc) {
+    switch (chroma_format_idc) {
+        case 0:
+            return "4:0:0";
+        case 1:
+            return "4:2:0";
+        case 2:
+            return "4:2:2";
+        case 3:
+            return "4:4:4";
+        default:
+            return "reserved";
+    }
 }
 
 // H.264 (08/2021) Annex A.2, with the constraint flags that make a profile another one.

@@ -34,6 +34,9 @@ SequenceParameterSet readSequenceParameterSet(QVCodecID codec, const unsigned ch
 // Every parsed field under its element's name, and what is derived.
 Block describe(const SequenceParameterSet& sps);
 
+// "4:2:0" for a chroma_format_idc of 1.
+const char* chromaName(int chroma_format_idc);
+
 std::string avcProfileName(int profile_idc, int constraint_set_flags);
 std::string avcLevelName(int level_idc, int profile_idc, int constraint_set_flags);
 std::string hevcProfileName(int general_profile_idc);

@@ -4,6 +4,8 @@
 
 namespace qvinspect {
 
+struct Filter;
+
 enum class Level {
     Summary,  // the stream as a whole
     Samples,  // a line for each access unit
@@ -11,6 +13,9 @@ enum class Level {
     Sei,      // a line for each SEI message
     Fields    // every parsed field, and bytes in hexadecimal
 };
+
+// The first level that shows what the filter chooses; the summary without a filter.
+Level levelFor(const Filter& filter);
 
 }  // namespace qvinspect
 

@@ -2,29 +2,27 @@
 
 #include <fmt/format.h>
 
-#include <utility>
+#include <algorithm>
 
 #include "analysis/FirstBytes.h"
 #include "analysis/NalUnitNames.h"
 #include "analysis/SeiNames.h"
+#include "input/AvcUnitTypes.h"
+#include "input/HevcUnitTypes.h"
+#include "report/FramingName.h"
+#include "report/SummaryScreen.h"
+#include "report/UnitTypeList.h"
 
 namespace qvinspect {
 
 namespace {
 
-std::string framingName(const QVCodecParameters& parameters) {
-    return parameters.isAnnexB != 0 ? std::string("Annex B start codes")
-                                    : fmt::format("{}-byte length fields", parameters.nalLengthSize);
-}
+constexpr size_t kMostHexBytes = 512;
+constexpr const char* kFieldIndent = "             ";
 
-std::string placeOf(const AccessUnit& accessUnit) {
-    if (accessUnit.fileOffset) {
-        return fmt::format("{}", *accessUnit.fileOffset);
-    }
-    return accessUnit.time ? fmt::format("{:.6f}", *accessUnit.time) : "-";
+std::string timeText(const std::optional<double>& time) {
+    return time ? fmt::format("{:.6f}", *time) : "-";
 }
-
-constexpr const char* kIndent = "                         ";  // under the offset of a unit
 
 const char* deliveryText(Delivery delivery) {
     switch (delivery) {
@@ -40,36 +38,95 @@ const char* deliveryText(Delivery delivery) {
     return "";
 }
 
+bool isVcl(QVCodecID codec, uint32_t nal_unit_type) {
+    return codec == QVCodecIDAvc ? nal_unit_type >= kAvcSliceNut && nal_unit_type <= kAvcIdrSliceNut
+                                 : nal_unit_type < kHevcVpsNut;
+}
+
+bool isParameterSet(QVCodecID codec, uint32_t nal_unit_type) {
+    return codec == QVCodecIDAvc
+               ? nal_unit_type == kAvcSpsNut || nal_unit_type == kAvcPpsNut ||
+                     nal_unit_type == kAvcSpsExtensionNut || nal_unit_type == kAvcSubsetSpsNut
+               : nal_unit_type >= kHevcVpsNut && nal_unit_type <= kHevcPpsNut;
+}
+
+// No other picture refers to it: it has slices, and none of them is of a reference picture.
+bool isNonReference(QVCodecID codec, const AccessUnitReport& report) {
+    bool hasPicture = false;
+    for (const UnitReport& unit : report.units) {
+        if (unit.state == UnitState::Typed && isVcl(codec, unit.type)) {
+            if (!unit.isNonReference) {
+                return false;
+            }
+            hasPicture = true;
+        }
+    }
+    return hasPicture;
+}
+
+const char* errorOf(const UnitReport& unit) {
+    return unit.state == UnitState::Empty ? "empty unit" : "forbidden_zero_bit is set";
+}
+
+// What nal_unit_header() holds besides the type. H.264 (08/2021) 7.3.1, H.265 (08/2021) 7.3.1.2.
+std::string headerText(QVCodecID codec, const UnitView& unit) {
+    const uint32_t first = unit.data[0];
+    if (codec == QVCodecIDAvc) {
+        return fmt::format("nal_ref_idc {}", first >> 5U & 3U);
+    }
+    if (unit.report->length < 2) {
+        return "the second byte of the header is missing";
+    }
+    const uint32_t second = unit.data[1];
+    return fmt::format("nuh_layer_id {}, nuh_temporal_id_plus1 {}", (first & 1U) << 5U | second >> 3U,
+                       second & 7U);
+}
+
 }  // namespace
 
-Listing::Listing(const std::string& path, Level level) : output_(path), level_(level) {}
+Listing::Listing(const std::string& path, Level level, PageFormat format)
+    : page_(path, format), level_(level) {}
 
 void Listing::fail(const std::string&, const std::string&) {
-    output_.flush();  // what is said of it on standard error comes behind what was listed so far
+    page_.flush();  // what is said of it on standard error comes behind what was listed so far
 }
 
 void Listing::begin(const StreamHead& head) {
     head_ = head;
+    hasShown_ = false;
     if (!isFirst_) {
-        output_.print("\n");
+        page_.endLine();
     }
     isFirst_ = false;
-    output_.print("File     {}\n", head_.name);
-    output_.print("Stream   {}, {}, {}\n", codecName(head_.info.parameters.codecId), head_.info.format,
-                  framingName(head_.info.parameters));
+    page_.add("File     ").add(Style::Heading, "{}", head_.name).endLine();
     if (level_ == Level::Summary) {
         return;
     }
-    output_.print("Offsets  in the {}\n\n", head_.isRaw ? "file" : "access unit");
-    output_.print("AU       {:>14}  {:>10}\n", head_.isRaw ? "offset" : "time [s]", "bytes");
+    page_.add("Stream   {}, {}, {}", codecName(head_.info.parameters.codecId), head_.info.format,
+              framingName(head_.info.parameters));
+    page_.endLine();
     if (level_ >= Level::Nalus) {
-        output_.print("         {:>14}  {:>10}  type\n", "offset", "length");
+        page_.add("Offsets  in the {}", head_.isRaw ? "file" : "access unit").endLine();
     }
+    page_.endLine();
+    addColumns();
     if (level_ == Level::Fields) {
         for (const SequenceParameterSet& sps : head_.parameterSets) {
-            output_.print("configuration record\n");
+            page_.add(Style::Heading, "configuration record").endLine();
             addSps(sps);
         }
+    }
+}
+
+void Listing::addColumns() {
+    const char* const place = head_.isRaw ? "offset" : "time [s]";
+    page_.add(Style::Faint, "{:<11}{:>12}  {:>10}", "AU", place, "bytes");
+    if (level_ == Level::Samples) {
+        page_.add(Style::Faint, "  {}{:<6}  NAL units", head_.isRaw ? "      time [s]  " : "", "");
+    }
+    page_.endLine();
+    if (level_ >= Level::Nalus) {
+        page_.add(Style::Faint, "           {:>12}  {:>10}  type", "offset", "length").endLine();
     }
 }
 
@@ -77,134 +134,183 @@ void Listing::add(const AccessUnitView& view) {
     if (level_ == Level::Summary || !view.isShown) {
         return;
     }
-    output_.print("AU {:<6}{:>14}  {:>10}{}\n", view.number, placeOf(view.accessUnit), view.accessUnit.size,
-                  view.report.isKey ? "  key" : "");
+    hasShown_ = true;
+    addAccessUnit(view);
     addFindings(view.accessUnit.findings);
     if (level_ >= Level::Nalus) {
         for (const UnitView& unit : view.units) {
             addUnit(unit);
         }
+    } else {
+        addBrokenUnits(view);
     }
     addFindings(view.report.findings);
     if (level_ >= Level::Sei && view.details.seiItems > 0) {
-        output_.print("         {} SEI item{}, {} bytes of side data\n", view.details.seiItems,
-                      view.details.seiItems == 1 ? "" : "s", view.details.sideDataSize);
+        page_.add("         {} SEI item{}, {} bytes of side data", view.details.seiItems,
+                  view.details.seiItems == 1 ? "" : "s", view.details.sideDataSize);
+        page_.endLine();
+    }
+}
+
+void Listing::addAccessUnit(const AccessUnitView& view) {
+    const std::optional<uint64_t>& offset = view.accessUnit.fileOffset;
+    page_.add(level_ == Level::Samples ? Style::Plain : Style::Heading, "AU {:<8}{:>12}  {:>10}", view.number,
+              offset ? fmt::format("{}", *offset) : timeText(view.time), view.accessUnit.size);
+    if (level_ == Level::Samples && offset) {
+        page_.add("  {:>14}", timeText(view.time));
+    }
+    const QVCodecID codec = head_.info.parameters.codecId;
+    if (view.report.isKey) {
+        page_.add("  ").add(Style::Good, "{:<6}", "key");
+    } else {
+        page_.add("  {:<6}", isNonReference(codec, view.report) ? "nonref" : "");
+    }
+    if (level_ == Level::Samples) {
+        page_.add("  {}", unitTypeList(codec, view.units));
+    }
+    page_.endLine();
+}
+
+// Where units have no lines of their own, those that are broken get one.
+void Listing::addBrokenUnits(const AccessUnitView& view) {
+    for (const UnitView& unit : view.units) {
+        if (!isBroken(unit)) {
+            continue;
+        }
+        const char* const text = unit.report->state != UnitState::Typed ? errorOf(*unit.report)
+                                 : unit.details->newSps ? "the library refuses the parameter set"
+                                                        : "the library's walk of the SEI unit breaks off";
+        addFindings({{Severity::Error, unit.report->offset, text}});
     }
 }
 
 void Listing::addUnit(const UnitView& unit) {
     const UnitReport& report = *unit.report;
-    output_.print("         {:>14}  {:>10}  ", report.offset, report.length);
-    switch (report.state) {
-        case UnitState::Typed:
-            output_.print("{:>4}  {}{}\n", report.type,
-                          nalUnitName(head_.info.parameters.codecId, report.type),
-                          report.isNonReference ? ", non-reference" : "");
-            break;
-        case UnitState::ForbiddenBit:
-            output_.print("   -  error: forbidden_zero_bit is set\n");
-            break;
-        case UnitState::Empty:
-            output_.print("   -  error: empty unit\n");
-            break;
+    page_.add("         {:>14}  {:>10}  ", report.offset, report.length);
+    if (report.state == UnitState::Typed) {
+        page_.add("{:>4}  {}{}", report.type, nalUnitName(head_.info.parameters.codecId, report.type),
+                  report.isNonReference ? ", non-reference" : "");
+    } else {
+        page_.add("   -  ").add(Style::Bad, "error: {}", errorOf(report));
     }
-    if (level_ == Level::Fields && unit.details->newSps) {
+    page_.endLine();
+    if (level_ == Level::Fields && report.length > 0) {
+        addUnitFields(unit);
+    }
+    if (level_ >= Level::Sei && unit.details->sei) {
+        addSei(unit);
+    }
+}
+
+void Listing::addUnitFields(const UnitView& unit) {
+    const QVCodecID codec = head_.info.parameters.codecId;
+    const UnitReport& report = *unit.report;
+    const bool isTyped = report.state == UnitState::Typed;
+    if (isTyped) {
+        page_.add("{}{}", kFieldIndent, headerText(codec, unit)).endLine();
+    }
+    if (unit.details->newSps) {
         addSps(*unit.details->newSps);
+    } else if (unit.details->isRepeatedSps) {
+        page_.add("{}as sent before", kFieldIndent).endLine();
     }
-    if (level_ < Level::Sei || !unit.details->sei) {
-        return;
+    if (unit.details->sei && !unit.details->sei->messages.empty()) {
+        return;  // its messages show their bytes
     }
-    for (const SeiMessage* message : unit.messages) {
-        addMessage(*message);
-    }
-    for (const std::string& line : unit.details->sei->log) {
-        output_.print("{}library: {}\n", kIndent, line);
-    }
-    if (unit.details->sei->result != QVResultOk) {
-        output_.print("{}library: the walk ended with {}\n", kIndent, unit.details->sei->result);
+    if (isTyped && (isParameterSet(codec, report.type) || unit.details->sei)) {
+        addHex(unit.data, report.length, report.offset);
+    } else {
+        page_.add(Style::Faint, "{:>23}  {}", report.offset, firstBytes(unit.data, report.length)).endLine();
     }
 }
 
 void Listing::addSps(const SequenceParameterSet& sps) {
-    output_.print("{}SPS {}\n", kIndent, sps.isAccepted ? sps.summary : "refused by the library");
+    page_.add("{}", kFieldIndent);
+    page_.add(sps.isAccepted ? Style::Plain : Style::Bad, "SPS {}",
+              sps.isAccepted ? sps.summary : "refused by the library");
+    page_.endLine();
     addBlock(describe(sps));
 }
 
-void Listing::addMessage(const SeiMessage& message) {
-    output_.print("{}SEI {} {}, {} bytes{}{}{}\n", kIndent, message.payloadType,
-                  seiName(head_.info.parameters.codecId, message.payloadType), message.payloadSize,
-                  deliveryText(message.delivery), message.payload.empty() ? "" : ": ",
-                  firstBytes(message.payload.data(), message.payload.size()));
+void Listing::addSei(const UnitView& unit) {
+    for (const SeiMessage* message : unit.messages) {
+        addMessage(unit, *message);
+    }
+    const SeiUnit& sei = *unit.details->sei;
+    for (const std::string& line : sei.log) {
+        page_.add("{}library: {}", kFieldIndent, line).endLine();
+    }
+    if (sei.result != QVResultOk) {
+        page_.add("{}", kFieldIndent);
+        page_.add(Style::Bad, "error: the library's walk ended with {}", sei.result).endLine();
+    }
+}
+
+void Listing::addMessage(const UnitView& unit, const SeiMessage& message) {
+    page_.add("         {:>14}  {:>10}      SEI {} {}{}", message.offset, message.payloadSize,
+              message.payloadType, seiName(head_.info.parameters.codecId, message.payloadType),
+              deliveryText(message.delivery));
+    if (level_ == Level::Sei && !message.payload.empty()) {
+        page_.add(": ").add(Style::Faint, "{}", firstBytes(message.payload.data(), message.payload.size()));
+    }
+    page_.endLine();
     if (level_ == Level::Fields) {
         addBlock(message.block);
+        addHex(unit.data + (message.offset - unit.report->offset), message.codedSize, message.offset);
     }
 }
 
 void Listing::addBlock(const Block& block) {
+    size_t width = 0;
     for (const Field& field : block.fields) {
-        output_.print("{}  {:<44}  {}{}{}{}\n", kIndent, field.name, valueText(field),
-                      field.note.empty() ? "" : "  (", field.note, field.note.empty() ? "" : ")");
+        width = std::max(width, field.name.size());
+    }
+    for (const Field& field : block.fields) {
+        page_.add("{}{:<{}}  {}", kFieldIndent, field.name, width, valueText(field));
+        if (!field.note.empty()) {
+            page_.add("  ({})", field.note);
+        }
+        page_.endLine();
+    }
+}
+
+// Bytes as they stand in the stream, with their emulation prevention bytes.
+void Listing::addHex(const unsigned char* bytes, size_t size, uint64_t offset) {
+    constexpr size_t kBytesPerLine = 16;
+    const size_t shown = std::min(size, kMostHexBytes);
+    for (size_t at = 0; at < shown; at += kBytesPerLine) {
+        page_.add(Style::Faint, "{:>23}  {}", offset + at,
+                  firstBytes(bytes + at, std::min(kBytesPerLine, shown - at)));
+        page_.endLine();
+    }
+    if (shown < size) {
+        page_.add(Style::Faint, "{:>23}  {} more bytes", "...", size - shown).endLine();
     }
 }
 
 void Listing::addFindings(const std::vector<Finding>& findings) {
     for (const Finding& finding : findings) {
-        const char* severity = finding.severity == Severity::Error ? "error" : "note";
+        const bool isError = finding.severity == Severity::Error;
         const std::string place = finding.offset ? fmt::format(" at {}", *finding.offset) : std::string();
-        output_.print("         {}{}: {}\n", severity, place, finding.text);
+        page_.add("         ").add(isError ? Style::Bad : Style::Plain, "{}", isError ? "error" : "note");
+        page_.add("{}: {}", place, finding.text).endLine();
     }
 }
 
 void Listing::end(const StreamEnd& end) {
     if (level_ != Level::Summary) {
+        if (!hasShown_) {
+            page_.add("nothing matches the filters").endLine();
+        }
         addFindings(end.findings);
-        output_.print("\nSummary of {}\n", head_.name);
+        page_.endLine();
+        page_.add("Summary of ").add(Style::Heading, "{}", head_.name).endLine();
     }
-    addSummary(end.totals);
-    addChecks(end.checks);
-    if (end.isInterrupted) {
-        output_.print("interrupted: this is what was read so far\n");
-    }
-}
-
-void Listing::addChecks(const std::vector<CheckResult>& checks) {
-    for (const CheckResult& check : checks) {
-        output_.print("{} {}: {}\n", check.isMet ? "[OK]" : "[FAIL]", check.rule, check.evidence);
-    }
-}
-
-void Listing::addSummary(const StreamTotals& totals) {
-    output_.print("  access units      {}\n", totals.accessUnits);
-    output_.print("  key access units  {}\n", totals.keyAccessUnits);
-    addUnitCounts(totals);
-    output_.print("  parameter sets    {} SPS, {} repeated unchanged\n", totals.distinctSps,
-                  totals.repeatedSps);
-    output_.print("  SEI messages{}\n", totals.messagesByType.empty() ? "      none" : "");
-    for (const auto& [type, count] : totals.messagesByType) {
-        output_.print("    type {:>3}        {:<8}  {}\n", type, count,
-                      seiName(head_.info.parameters.codecId, type));
-    }
-    output_.print("  HDR               {}\n", fmt::join(totals.signals.hdrClasses(), ", "));
-    output_.print("  captions          {}\n", totals.signals.captionMessages > 0 ? "A/53" : "none");
-    output_.print("  active format     {}\n", totals.signals.activeFormatMessages > 0 ? "signalled" : "none");
-    output_.print("  side data         {} bytes\n", totals.sideDataBytes);
-    output_.print("  bytes             {}\n", totals.bytes);
-    output_.print("  errors            {}\n", totals.errors);
-}
-
-void Listing::addUnitCounts(const StreamTotals& totals) {
-    output_.print("  NAL units         {}\n", totals.units);
-    for (const auto& [type, count] : totals.unitsByType) {
-        output_.print("    type {:>2}         {:<8}  {}\n", type, count,
-                      nalUnitName(head_.info.parameters.codecId, type));
-    }
-    if (totals.untypedUnits > 0) {
-        output_.print("    no type         {:<8}  forbidden_zero_bit set, or empty\n", totals.untypedUnits);
-    }
+    addSummary(page_, head_, end);
 }
 
 void Listing::finish() {
-    output_.close();
+    page_.close();
 }
 
 }  // namespace qvinspect

@@ -2,19 +2,20 @@
 #ifndef QVINSPECT_LISTING_H
 #define QVINSPECT_LISTING_H
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
 
 #include "report/Level.h"
-#include "report/Output.h"
+#include "report/Page.h"
 #include "report/Presenter.h"
 
 namespace qvinspect {
 
 class Listing : public Presenter {
 public:
-    Listing(const std::string& path, Level level);
+    Listing(const std::string& path, Level level, PageFormat format = {});
 
     void fail(const std::string& name, const std::string& reason) override;
     void begin(const StreamHead& head) override;
@@ -23,19 +24,23 @@ public:
     void finish() override;
 
 private:
+    void addColumns();
+    void addAccessUnit(const AccessUnitView& view);
+    void addBrokenUnits(const AccessUnitView& view);
     void addUnit(const UnitView& unit);
+    void addUnitFields(const UnitView& unit);
     void addSps(const SequenceParameterSet& sps);
-    void addMessage(const SeiMessage& message);
+    void addSei(const UnitView& unit);
+    void addMessage(const UnitView& unit, const SeiMessage& message);
     void addBlock(const Block& block);
+    void addHex(const unsigned char* bytes, size_t size, uint64_t offset);
     void addFindings(const std::vector<Finding>& findings);
-    void addSummary(const StreamTotals& totals);
-    void addUnitCounts(const StreamTotals& totals);
-    void addChecks(const std::vector<CheckResult>& checks);
 
-    Output output_;
+    Page page_;
     Level level_;
     StreamHead head_;
     bool isFirst_ = true;
+    bool hasShown_ = false;  // an access unit of the stream
 };
 
 }  // namespace qvinspect

@@ -1,0 +1,516 @@
+#include "report/SummaryScreen.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <iterator>
+#include <numeric>
+
+#include "QVHDRVividDynamicMetadata.h"
+#include "analysis/NalUnitNames.h"
+#include "analysis/SeiNames.h"
+#include "input/AvcUnitTypes.h"
+#include "input/HevcUnitTypes.h"
+#include "report/FramingName.h"
+
+namespace qvinspect {
+
+namespace {
+
+constexpr size_t kUsualWidth = 80;
+constexpr size_t kLabelWidth = 20;
+constexpr size_t kMostRows = 8;  // of a table of types
+constexpr size_t kMostNotes = 3;
+
+// --- Words and numbers ---
+
+std::string counted(uint64_t count, const char* thing) {
+    return fmt::format("{} {}{}", count, thing, count == 1 ? "" : "s");
+}
+
+std::string bitrate(double bitsPerSecond) {
+    if (bitsPerSecond >= 1e6) {
+        return fmt::format("{:.2f} Mbit/s", bitsPerSecond / 1e6);
+    }
+    return bitsPerSecond >= 1e3 ? fmt::format("{:.1f} kbit/s", bitsPerSecond / 1e3)
+                                : fmt::format("{:.0f} bit/s", bitsPerSecond);
+}
+
+std::string seconds(double value) {
+    constexpr double kMostInFull = 1e9;  // some thirty years
+    return std::abs(value) < kMostInFull ? fmt::format("{:.3f} s", value) : fmt::format("{:.3g} s", value);
+}
+
+// "1:02:03" for what is a minute or longer and no longer than any film.
+std::string clockTime(double value) {
+    constexpr double kMinute = 60;
+    constexpr double kMost = 1e7;
+    if (!(value >= kMinute && value < kMost)) {
+        return "";
+    }
+    const auto whole = static_cast<uint64_t>(value);
+    return fmt::format(" ({}:{:02}:{:02})", whole / 3600, whole / 60 % 60, whole % 60);
+}
+
+double percent(uint64_t part, uint64_t whole) {
+    return whole == 0 ? 0 : 100 * static_cast<double>(part) / static_cast<double>(whole);
+}
+
+uint64_t countOf(const std::map<uint32_t, uint64_t>& counts, uint32_t type) {
+    const auto entry = counts.find(type);
+    return entry == counts.end() ? 0 : entry->second;
+}
+
+// --- Lines ---
+
+// Lines of at most width characters, broken at blanks where there are any.
+std::vector<std::string> wrapped(const std::string& text, size_t width) {
+    std::vector<std::string> lines;
+    std::string rest = text;
+    while (rest.size() > width) {
+        size_t blank = rest.rfind(' ', width);
+        if (blank == std::string::npos || blank == 0) {
+            blank = rest.find(' ', width);
+        }
+        if (blank == std::string::npos) {
+            break;
+        }
+        lines.push_back(rest.substr(0, blank));
+        rest.erase(0, blank + 1);
+    }
+    lines.push_back(std::move(rest));
+    return lines;
+}
+
+class Screen {
+public:
+    explicit Screen(Page& page)
+        : page_(page), width_(std::max(page.width().value_or(kUsualWidth), 2 * kLabelWidth)) {}
+
+    void value(const char* label, const std::string& text, Style style = Style::Plain) {
+        for (const std::string& line : wrapped(text, width_ - kLabelWidth)) {
+            page_.add("  {:<18}", label).add(style, "{}", line).endLine();
+            label = "";
+        }
+    }
+
+    void part(const char* label, const std::string& text) { value(fmt::format("  {}", label).c_str(), text); }
+
+    void empty() { page_.endLine(); }
+
+    Page& page() { return page_; }
+
+private:
+    Page& page_;
+    size_t width_;
+};
+
+// --- What it is ---
+
+std::string profileAndLevel(const SequenceParameterSet& sps) {
+    if (sps.codec == QVCodecIDAvc) {
+        return fmt::format("{}, level {}", avcProfileName(sps.profile, sps.avc.constraint_set_flags),
+                           avcLevelName(sps.level, sps.profile, sps.avc.constraint_set_flags));
+    }
+    return fmt::format("{}, level {}, {} tier", hevcProfileName(sps.profile), hevcLevelName(sps.level),
+                       sps.tier != 0 ? "High" : "Main");
+}
+
+// The picture of a parameter set in luma samples.
+struct Picture {
+    int64_t width;
+    int64_t height;
+    int64_t codedWidth;
+    int64_t codedHeight;
+    std::array<int64_t, 4> crop;  // left, right, top, bottom
+    int chroma_format_idc;
+    int64_t bitDepthLuma;
+    int64_t bitDepthChroma;
+};
+
+// SubWidthC and SubHeightC, H.264 Table 6-1 and H.265 Table 6-1.
+int64_t subWidthC(int chroma_format_idc) {
+    return chroma_format_idc == 1 || chroma_format_idc == 2 ? 2 : 1;
+}
+
+int64_t subHeightC(int chroma_format_idc) {
+    return chroma_format_idc == 1 ? 2 : 1;
+}
+
+// H.264 (08/2021) 7.4.2.1.1: crop units count chroma samples, of frames that may hold fields in pairs.
+Picture pictureOf(const QVAvcSps& sps) {
+    const int64_t fields = 2 - sps.frame_mbs_only_flag;
+    const int64_t x = subWidthC(sps.chroma_format_idc);
+    const int64_t y = subHeightC(sps.chroma_format_idc) * fields;
+    Picture picture{sps.width, sps.height, int64_t{16} * sps.mb_width, int64_t{16} * sps.mb_height * fields,
+                    {},        0,          sps.bit_depth_luma,         sps.bit_depth_chroma};
+    picture.chroma_format_idc = sps.chroma_format_idc;
+    if (sps.crop != 0) {
+        picture.crop = {x * sps.crop_left, x * sps.crop_right, y * sps.crop_top, y * sps.crop_bottom};
+    }
+    return picture;
+}
+
+// H.265 (08/2021) 7.4.3.2.1.
+Picture pictureOf(const QVHevcSps& sps) {
+    const int64_t x = subWidthC(sps.chroma_format_idc);
+    const int64_t y = subHeightC(sps.chroma_format_idc);
+    Picture picture{sps.display_width,
+                    sps.display_height,
+                    sps.pic_width_in_luma_samples,
+                    sps.pic_height_in_luma_samples,
+                    {},
+                    sps.chroma_format_idc,
+                    int64_t{8} + sps.bit_depth_luma_minus8,
+                    int64_t{8} + sps.bit_depth_chroma_minus8};
+    if (sps.conformance_window_flag != 0) {
+        picture.crop = {x * sps.conf_win_left_offset, x * sps.conf_win_right_offset,
+                        y * sps.conf_win_top_offset, y * sps.conf_win_bottom_offset};
+    }
+    return picture;
+}
+
+std::string cropOf(const Picture& picture) {
+    constexpr const char* kSides[] = {"left", "right", "top", "bottom"};
+    std::vector<std::string> sides;
+    for (size_t i = 0; i < std::size(kSides); ++i) {
+        if (picture.crop[i] != 0) {
+            sides.push_back(fmt::format("{} {}", kSides[i], picture.crop[i]));
+        }
+    }
+    return sides.empty() ? ""
+                         : fmt::format(", cropped from {}x{} ({})", picture.codedWidth, picture.codedHeight,
+                                       fmt::join(sides, ", "));
+}
+
+std::string describePicture(const SequenceParameterSet& sps) {
+    const Picture picture = sps.codec == QVCodecIDAvc ? pictureOf(sps.avc) : pictureOf(sps.hevc);
+    const bool hasOneDepth = picture.chroma_format_idc == 0 || picture.bitDepthLuma == picture.bitDepthChroma;
+    return fmt::format("{}x{}{}, {}, {}", picture.width, picture.height, cropOf(picture),
+                       chromaName(picture.chroma_format_idc),
+                       hasOneDepth ? fmt::format("{} bit", picture.bitDepthLuma)
+                                   : fmt::format("{} bit luma, {} bit chroma", picture.bitDepthLuma,
+                                                 picture.bitDepthChroma));
+}
+
+std::string parameterSets(const StreamHead& head, const StreamTotals& totals) {
+    const bool isAvc = totals.codec == QVCodecIDAvc;
+    const auto& units = totals.unitsByType;
+    std::string text = isAvc ? "" : fmt::format("{} VPS, ", countOf(units, kHevcVpsNut));
+    text += fmt::format("{} SPS, {} PPS", countOf(units, isAvc ? kAvcSpsNut : kHevcSpsNut),
+                        countOf(units, isAvc ? kAvcPpsNut : kHevcPpsNut));
+    if (totals.hasConfiguration) {
+        text += fmt::format("; {} SPS in the container", head.parameterSets.size());
+    }
+    if (totals.distinctSps > 1) {
+        text += fmt::format("; {} different SPS, the first is described", totals.distinctSps);
+    }
+    return totals.refusedSps == 0 ? text : text + fmt::format("; {} refused", totals.refusedSps);
+}
+
+void addStream(Screen& screen, const StreamHead& head, const StreamTotals& totals) {
+    const char* const unknown = "unknown: no sequence parameter set that the library accepts";
+    screen.value("codec", fmt::format("{} {}", codecName(totals.codec),
+                                      totals.sps ? profileAndLevel(*totals.sps) : std::string()));
+    screen.value("picture", totals.sps ? describePicture(*totals.sps) : unknown);
+    screen.value("container", head.isRaw ? "none, " + head.info.format : head.info.format);
+    screen.value("framing", framingName(head.info.parameters));
+    screen.value("parameter sets", parameterSets(head, totals));
+}
+
+// --- Time ---
+
+std::string whyUntimed(const StreamHead& head, const StreamTotals& totals) {
+    if (totals.untimedAccessUnits == 0) {
+        return "unknown: the access units take no time";
+    }
+    if (totals.untimedAccessUnits < totals.accessUnits) {
+        return fmt::format("unknown: {} without a time", counted(totals.untimedAccessUnits, "access unit"));
+    }
+    return head.isRaw ? "unknown: no frame rate is told; --frame-rate gives one"
+                      : "unknown: the container tells no times; give --frame-rate";
+}
+
+// "12", or "12 (0.480 s)".
+std::string interval(const std::string& accessUnits, std::optional<double> time) {
+    return time ? fmt::format("{} ({})", accessUnits, seconds(*time)) : accessUnits;
+}
+
+std::string keyIntervals(const StreamTotals& totals) {
+    const KeyIntervals& intervals = totals.keyIntervals;
+    if (totals.keyAccessUnits == 0) {
+        return "none: no access unit is a key";
+    }
+    std::string text;
+    if (intervals.count == 0) {
+        text = fmt::format("one key only, then {} to the end", counted(intervals.most, "access unit"));
+    } else {
+        const bool isTimed = intervals.timed > 0;
+        const double average = static_cast<double>(intervals.sum) / static_cast<double>(intervals.count);
+        const std::optional<double> averageSeconds =
+            isTimed ? std::optional<double>(intervals.sumSeconds / static_cast<double>(intervals.timed))
+                    : std::nullopt;
+        text = fmt::format("min {}, average {}, max {}{}",
+                           interval(fmt::format("{}", intervals.least), intervals.leastSeconds),
+                           interval(fmt::format("{:.1f}", average), averageSeconds),
+                           interval(fmt::format("{}", intervals.most), intervals.mostSeconds),
+                           isTimed ? "" : " access units");
+        if (intervals.isMostAtEnd) {
+            text += fmt::format("; the longest from {} to the end", intervals.mostAt);
+        }
+    }
+    return totals.firstKey == 1 ? text : text + fmt::format("; the first is {}", totals.firstKey);
+}
+
+void addTime(Screen& screen, const StreamHead& head, const StreamTotals& totals) {
+    screen.value("duration", totals.duration
+                                 ? fmt::format("{}{}, {:.3f} access units a second",
+                                               seconds(*totals.duration), clockTime(*totals.duration),
+                                               static_cast<double>(totals.accessUnits) / *totals.duration)
+                                 : whyUntimed(head, totals));
+    if (!totals.duration) {
+        screen.value("bitrate", "unknown without a duration");
+    } else if (*totals.duration < 1) {
+        screen.value("bitrate",
+                     fmt::format("average {}, over less than a second", bitrate(*totals.averageBitrate)));
+    } else {
+        screen.value("bitrate", fmt::format("average {}, peak {} (busiest second)",
+                                            bitrate(*totals.averageBitrate), bitrate(*totals.peakBitrate)));
+    }
+    screen.value("bytes", fmt::format("{}", totals.bytes));
+    screen.value("access units", fmt::format("{}", totals.accessUnits));
+    screen.value("key access units", fmt::format("{}", totals.keyAccessUnits));
+    screen.value("key interval", keyIntervals(totals));
+}
+
+// --- Tables ---
+
+using Counts = std::map<uint32_t, uint64_t>;
+
+// The rows that are shown: the most frequent types, by number.
+std::vector<uint32_t> rowsOf(const Counts& counts) {
+    std::vector<uint32_t> types;
+    std::transform(counts.begin(), counts.end(), std::back_inserter(types),
+                   [](const auto& entry) { return entry.first; });
+    if (types.size() > kMostRows) {
+        std::stable_sort(types.begin(), types.end(),
+                         [&](uint32_t a, uint32_t b) { return counts.at(a) > counts.at(b); });
+        types.resize(kMostRows);
+        std::sort(types.begin(), types.end());
+    }
+    return types;
+}
+
+// The types that got no row, each with its count.
+void addOthers(Screen& screen, const Counts& counts, const std::vector<uint32_t>& rows) {
+    std::vector<std::string> others;
+    for (const auto& [type, count] : counts) {
+        if (!std::binary_search(rows.begin(), rows.end(), type)) {
+            others.push_back(fmt::format("{} ({})", type, count));
+        }
+    }
+    if (!others.empty()) {
+        screen.part("other types", fmt::format("{}", fmt::join(others, ", ")));
+    }
+}
+
+void addUnits(Screen& screen, const StreamTotals& totals) {
+    screen.page()
+        .add("  NAL units         {:<27}", totals.units)
+        .add(Style::Faint, "{:>10}  {:>12}  {:>6}", "count", "bytes", "share")
+        .endLine();
+    const std::vector<uint32_t> rows = rowsOf(totals.unitsByType);
+    for (const uint32_t type : rows) {
+        const uint64_t bytes = countOf(totals.unitBytesByType, type);
+        screen.page()
+            .add("    {:>3}  {:<38}{:>10}  {:>12}  {:>5.1f}%", type, nalUnitName(totals.codec, type),
+                 totals.unitsByType.at(type), bytes, percent(bytes, totals.bytes))
+            .endLine();
+    }
+    addOthers(screen, totals.unitsByType, rows);
+    if (totals.untypedUnits > 0) {
+        screen.page()
+            .add(Style::Bad, "      -  {:<38}{:>10}", "forbidden_zero_bit set, or empty", totals.untypedUnits)
+            .endLine();
+    }
+}
+
+void addMessages(Screen& screen, const StreamTotals& totals) {
+    const Counts& counts = totals.messagesByType;
+    const uint64_t messages =
+        std::accumulate(counts.begin(), counts.end(), uint64_t{0},
+                        [](uint64_t sum, const auto& entry) { return sum + entry.second; });
+    screen.value("SEI messages", messages == 0 ? "none" : fmt::format("{}", messages));
+    const std::vector<uint32_t> rows = rowsOf(counts);
+    for (const uint32_t type : rows) {
+        screen.page()
+            .add("    {:>3}  {:<40}{:>8}", type, seiName(totals.codec, type), counts.at(type))
+            .endLine();
+    }
+    addOthers(screen, counts, rows);
+}
+
+// --- What it signals ---
+
+void addMasteringDisplay(Screen& screen, const QVHDR10StaticMetadata& display) {
+    constexpr double kStep = 0.00002;          // of chromaticity, H.265 D.3.28
+    constexpr double kLuminanceStep = 0.0001;  // cd/m2
+    // The order in which encoders send the primaries is green, blue, red.
+    constexpr const char* kNames[] = {"G", "B", "R"};
+    std::string text;
+    for (size_t c = 0; c < std::size(kNames); ++c) {
+        text += fmt::format("{} {:.4f} {:.4f}, ", kNames[c], display.display_primaries_x[c] * kStep,
+                            display.display_primaries_y[c] * kStep);
+    }
+    text.resize(text.size() - 2);
+    screen.part("mastering", text);
+    screen.part("", fmt::format("white {:.4f} {:.4f}, {:.4f} to {:.4f} cd/m2", display.white_point_x * kStep,
+                                display.white_point_y * kStep,
+                                display.min_display_mastering_luminance * kLuminanceStep,
+                                display.max_display_mastering_luminance * kLuminanceStep));
+}
+
+// H.265 (08/2021) D.3.35: 0 is no bound.
+std::string lightLevel(const char* name, uint32_t level) {
+    return level == 0 ? fmt::format("{} 0 (no bound)", name) : fmt::format("{} {} cd/m2", name, level);
+}
+
+double luminance(uint32_t code) {
+    return qvPqToLuminance(qvHdrVividPq(code));
+}
+
+void addHdrVivid(Screen& screen, const HdrVividTotals& vivid) {
+    if (vivid.messages == 0) {
+        return;
+    }
+    if (vivid.read == 0) {
+        screen.part("HDR Vivid",
+                    fmt::format("{}, none of them readable", counted(vivid.messages, "message")));
+        return;
+    }
+    const auto average = static_cast<uint32_t>((vivid.average_maxrgb_pq_sum + vivid.read / 2) / vivid.read);
+    screen.part("HDR Vivid", fmt::format("PQ min {}, average {}, max {}", vivid.minimum_maxrgb_pq, average,
+                                         vivid.maximum_maxrgb_pq));
+    screen.part(
+        "", fmt::format("{:.4g}, {:.4g} and {:.4g} cd/m2; {} of {} readable",
+                        luminance(vivid.minimum_maxrgb_pq), luminance(average),
+                        luminance(vivid.maximum_maxrgb_pq), vivid.read, counted(vivid.messages, "message")));
+}
+
+std::string transfer(uint32_t transfer_characteristics) {
+    return fmt::format("{} {}", transfer_characteristics, transferName(transfer_characteristics));
+}
+
+std::string hdrClass(const StreamTotals& totals) {
+    const Signals& signals = totals.signals;
+    std::string text = fmt::format("{}", fmt::join(signals.hdrClasses(), ", "));
+    const bool isGuess = text == "SDR" && !signals.transfer_characteristics && !signals.preferredTransfer;
+    if (!isGuess) {
+        return text;
+    }
+    return text + (totals.codec == QVCodecIDAvc ? ", as no transfer function is signalled"
+                                                : ", as far as SEI tells: the VUI of H.265 is not read");
+}
+
+void addHdr(Screen& screen, const StreamTotals& totals) {
+    const Signals& signals = totals.signals;
+    screen.value("HDR", hdrClass(totals));
+    if (signals.masteringDisplay) {
+        addMasteringDisplay(screen, *signals.masteringDisplay);
+    }
+    if (signals.contentLight) {
+        screen.part("light level",
+                    lightLevel("MaxCLL", signals.contentLight->max_content_light_level) + ", " +
+                        lightLevel("MaxFALL", signals.contentLight->max_pic_average_light_level));
+    }
+    addHdrVivid(screen, signals.hdrVivid);
+    if (signals.hdr10PlusMessages > 0) {
+        screen.part("HDR10+", counted(signals.hdr10PlusMessages, "message"));
+    }
+    if (signals.transfer_characteristics) {
+        screen.part("transfer", transfer(*signals.transfer_characteristics));
+    }
+    if (signals.preferredTransfer) {
+        screen.part("preferred", transfer(*signals.preferredTransfer));
+    }
+}
+
+void addCompanions(Screen& screen, const StreamTotals& totals) {
+    const Signals& signals = totals.signals;
+    const auto presence = [](uint64_t messages, const char* what) {
+        return messages == 0 ? std::string("none")
+                             : fmt::format("{}, {}", what, counted(messages, "message"));
+    };
+    screen.value("captions", presence(signals.captionMessages, "A/53"));
+    screen.value("active format", presence(signals.activeFormatMessages, "signalled (AFD)"));
+    screen.value("side data", totals.seiItems == 0 ? "none"
+                                                   : fmt::format("{} bytes of {}", totals.sideDataBytes,
+                                                                 counted(totals.seiItems, "SEI item")));
+}
+
+// --- What is wrong ---
+
+void addErrors(Screen& screen, const StreamTotals& totals) {
+    screen.value("errors", fmt::format("{}", totals.errors), totals.errors == 0 ? Style::Plain : Style::Bad);
+    uint64_t told = 0;
+    for (const ErrorKind& kind : totals.errorKinds) {
+        screen.value("", kind.count == 1 ? kind.first
+                                         : fmt::format("{}; {} more like it", kind.first, kind.count - 1));
+        told += kind.count;
+    }
+    if (told < totals.errors) {
+        screen.value("", fmt::format("and {} of other kinds", totals.errors - told));
+    }
+}
+
+void addNotes(Screen& screen, const StreamTotals& totals) {
+    const char* label = "notes";
+    size_t told = 0;
+    for (const Finding& note : totals.notes) {
+        if (told == kMostNotes) {
+            break;
+        }
+        const std::string place = note.offset ? fmt::format(" (at {})", *note.offset) : std::string();
+        screen.value(std::exchange(label, ""), note.text + place);
+        ++told;
+    }
+    if (told < totals.noteCount) {
+        screen.value("", fmt::format("and {} more; --level samples shows all", totals.noteCount - told));
+    }
+}
+
+void addChecks(Screen& screen, const std::vector<CheckResult>& checks) {
+    if (!checks.empty()) {
+        screen.empty();
+    }
+    for (const CheckResult& check : checks) {
+        screen.page()
+            .add(check.isMet ? Style::Good : Style::Bad, "{}", check.isMet ? "[OK]" : "[FAIL]")
+            .add(" {}: {}", check.rule, check.evidence)
+            .endLine();
+    }
+}
+
+}  // namespace
+
+void addSummary(Page& page, const StreamHead& head, const StreamEnd& end) {
+    Screen screen(page);
+    if (end.isInterrupted) {
+        page.add(Style::Bad, "  interrupted: this is what was read so far").endLine();
+    }
+    addStream(screen, head, end.totals);
+    addTime(screen, head, end.totals);
+    screen.empty();
+    addUnits(screen, end.totals);
+    addMessages(screen, end.totals);
+    screen.empty();
+    addHdr(screen, end.totals);
+    addCompanions(screen, end.totals);
+    addErrors(screen, end.totals);
+    addNotes(screen, end.totals);
+    addChecks(screen, end.checks);
+}
+
+}  // namespace qvinspect

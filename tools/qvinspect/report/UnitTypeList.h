@@ -1,0 +1,17 @@
+// The NAL units of an access unit in short.
+#ifndef QVINSPECT_UNITTYPELIST_H
+#define QVINSPECT_UNITTYPELIST_H
+
+#include <string>
+#include <vector>
+
+#include "analysis/AccessUnitView.h"
+
+namespace qvinspect {
+
+// Their types in order, with how often a type comes in a row: "AUD SEI IDR x4".
+std::string unitTypeList(QVCodecID codec, const std::vector<UnitView>& units);
+
+}  // namespace qvinspect
+
+#endif
