@@ -332,7 +332,7 @@ TEST_F(Program, stamp) {
 TEST_F(Program, schema) {
     const Outcome outcome = inspect({"--schema"});
     EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_EQ(outcome.out, qvinspect::jsonSchema());
+    EXPECT_EQ(outcome.out, qvinspect::kJsonSchema);
     EXPECT_EQ(outcome.err, "");
 }
 

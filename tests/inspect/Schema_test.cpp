@@ -42,7 +42,7 @@ protected:
 
     // What the validator says of all that was kept; empty when it agrees. mode: "accept" or "refuse".
     std::string validate(const std::string& mode) {
-        const std::string schema = folder_.write("schema", bytesOf(qvinspect::jsonSchema()));
+        const std::string schema = folder_.write("schema", bytesOf(qvinspect::kJsonSchema));
         std::string command =
             std::string("'" QVINSPECT_PYTHON "' '" QVINSPECT_VALIDATOR "' ") + mode + " '" + schema + "'";
         for (const std::string& path : paths_) {

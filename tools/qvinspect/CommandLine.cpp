@@ -241,7 +241,7 @@ CommandLine parseCommandLine(int argc, const char* const* argv) {
         return line;
     }
     if (words.showSchema) {
-        fmt::print("{}", jsonSchema());
+        fmt::print("{}", kJsonSchema);
         line.exitCode = kExitOk;
         return line;
     }

@@ -4,10 +4,13 @@
 
 #include <algorithm>
 #include <ctime>
+#include <memory>
 #include <string>
+#include <utility>
 
 #include "report/Csv.h"
 #include "report/Json.h"
+#include "report/Html.h"
 #include "report/Listing.h"
 #include "report/Ndjson.h"
 #include "report/Stamp.h"
@@ -27,6 +30,17 @@ JsonOptions jsonOptions(const CommandLine& line) {
     return {line.level.value_or(Level::Fields), line.stamp ? stampText(std::time(nullptr)) : std::string()};
 }
 
+std::unique_ptr<Presenter> makeHtml(const CommandLine& line) {
+    HtmlOptions options;
+    for (const std::string& file : line.files) {
+        options.inputs.push_back(reportedName(file, line));
+    }
+    if (line.stamp) {
+        options.stamp = stampText(std::time(nullptr));
+    }
+    return std::make_unique<Html>(line.html, std::move(options));
+}
+
 }  // namespace
 
 Presenters makePresenters(const CommandLine& line) {
@@ -43,6 +57,9 @@ Presenters makePresenters(const CommandLine& line) {
     }
     if (!line.csv.empty()) {
         presenters.push_back(std::make_unique<Csv>(line.csv));
+    }
+    if (!line.html.empty()) {
+        presenters.push_back(makeHtml(line));
     }
     return presenters;
 }

@@ -5,7 +5,7 @@
 namespace qvinspect {
 
 // report/inspector-output.schema.json to the letter.
-const char* jsonSchema();
+extern const char kJsonSchema[];
 
 }  // namespace qvinspect
 
