@@ -62,7 +62,7 @@ private:
 std::string valueIn(const Block& block, const std::string& name) {
     const auto field = std::find_if(block.fields.begin(), block.fields.end(),
                                     [&](const Field& candidate) { return candidate.name == name; });
-    return field == block.fields.end() ? std::string() : field->value;
+    return field == block.fields.end() ? std::string() : valueText(*field);
 }
 
 std::string noteIn(const Block& block, const std::string& name) {

@@ -175,14 +175,15 @@ Json HtmlUnits::describeUnit(const UnitView& unit) {
 // [name, value, note] of each field; null for those that the report has no room for.
 Json HtmlUnits::describeFields(const Block& block) {
     for (const Field& field : block.fields) {
-        fieldBytes_ += field.name.size() + field.value.size() + field.note.size();
+        fieldBytes_ += field.name.size() + valueText(field).size() + field.note.size();
     }
     if (fieldBytes_ > limits_.mostFieldBytes) {
         return nullptr;
     }
     Json fields = Json::array();
     for (const Field& field : block.fields) {
-        fields.push_back({printableName(field.name), printableName(field.value), printableName(field.note)});
+        fields.push_back(
+            {printableName(field.name), printableName(valueText(field)), printableName(field.note)});
     }
     return fields;
 }

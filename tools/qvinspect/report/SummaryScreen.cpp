@@ -234,7 +234,7 @@ std::string whyUntimed(const StreamHead& head, const StreamTotals& totals) {
 }
 
 // "12", or "12 (0.480 s)".
-std::string interval(const std::string& accessUnits, std::optional<double> time) {
+std::string interval(const std::string& accessUnits, const std::optional<double>& time) {
     return time ? fmt::format("{} ({})", accessUnits, seconds(*time)) : accessUnits;
 }
 
@@ -249,9 +249,10 @@ std::string keyIntervals(const StreamTotals& totals) {
     } else {
         const bool isTimed = intervals.timed > 0;
         const double average = static_cast<double>(intervals.sum) / static_cast<double>(intervals.count);
-        const std::optional<double> averageSeconds =
-            isTimed ? std::optional<double>(intervals.sumSeconds / static_cast<double>(intervals.timed))
-                    : std::nullopt;
+        std::optional<double> averageSeconds;
+        if (isTimed) {
+            averageSeconds = intervals.sumSeconds / static_cast<double>(intervals.timed);
+        }
         text = fmt::format("min {}, average {}, max {}{}",
                            interval(fmt::format("{}", intervals.least), intervals.leastSeconds),
                            interval(fmt::format("{:.1f}", average), averageSeconds),
