@@ -395,7 +395,8 @@ TEST_P(AvcAccessUnits, areFound) {
         stream = stream + byteStream(units);
     }
     std::vector<size_t> sizes;
-    for (const auto& accessUnit : readRaw(std::make_unique<MemorySource>(stream), QVCodecIDAvc).accessUnits) {
+    for (const auto& accessUnit :
+         readRaw(std::make_unique<MemorySource>(stream), byteStreamOf(QVCodecIDAvc)).accessUnits) {
         sizes.push_back(accessUnit.bytes.size());
     }
     EXPECT_EQ(sizes, expected);

@@ -50,5 +50,38 @@ TEST(ContainerSignature, shortFilesHaveNone) {
     EXPECT_EQ(signatureOf(hex("47")), "");
 }
 
+// --- Where the index of a file of boxes stands ---
+
+Bytes box(const std::string& type, const Bytes& content) {
+    Bytes bytes = lengthPrefixed({Bytes(content.size() + 8, 0)}, 4);
+    bytes.resize(4);
+    bytes.insert(bytes.end(), type.begin(), type.end());
+    return bytes + content;
+}
+
+bool hasIndexBehindSamples(const Bytes& head) {
+    return qvinspect::hasIndexBehindSamples(head.data(), head.size());
+}
+
+TEST(IndexBehindSamples, isToldByTheOrderOfTheBoxes) {
+    const Bytes type = box("ftyp", Bytes(8, 1));
+    EXPECT_TRUE(hasIndexBehindSamples(type + box("mdat", Bytes(100, 2)) + box("moov", {})));
+    EXPECT_TRUE(hasIndexBehindSamples(type + box("free", {}) + hex("7F FF FF FF 6D 64 61 74")));
+    EXPECT_TRUE(hasIndexBehindSamples(hex("00 00 00 00 6D 64 61 74")));  // up to the end of the file
+    EXPECT_TRUE(
+        hasIndexBehindSamples(hex("00 00 00 01 66 72 65 65 00 00 00 00 00 00 00 10") + box("mdat", {})));
+    EXPECT_FALSE(hasIndexBehindSamples(type + box("moov", Bytes(100, 2)) + box("mdat", {})));
+    EXPECT_FALSE(hasIndexBehindSamples(type + box("moof", {}) + box("mdat", {})));
+}
+
+TEST(IndexBehindSamples, brokenBoxes) {
+    for (const char* head :
+         {"", "00", "00 00 00 08 66 72 65", "00 00 00 00 66 72 65 65 00 00 00 08 6D 64 61 74",
+          "00 00 00 07 66 72 65 65 00 00 00 08 6D 64 61 74", "FF FF FF FF 66 72 65 65",
+          "00 00 00 01 66 72 65 65", "00 00 00 01 66 72 65 65 FF FF FF FF FF FF FF FF"}) {
+        EXPECT_FALSE(hasIndexBehindSamples(hex(head))) << head;
+    }
+}
+
 }  // namespace
 }  // namespace qv_test

@@ -77,7 +77,7 @@ TEST_P(HevcAccessUnits, areFound) {
     }
     std::vector<size_t> sizes;
     for (const auto& accessUnit :
-         readRaw(std::make_unique<MemorySource>(stream), QVCodecIDHevc).accessUnits) {
+         readRaw(std::make_unique<MemorySource>(stream), byteStreamOf(QVCodecIDHevc)).accessUnits) {
         sizes.push_back(accessUnit.bytes.size());
     }
     EXPECT_EQ(sizes, expected);

@@ -64,6 +64,17 @@ Bytes byteStream(const std::vector<Bytes>& units) {
     return stream;
 }
 
+Bytes lengthPrefixed(const std::vector<Bytes>& units, unsigned lengthSize) {
+    Bytes stream;
+    for (const Bytes& unit : units) {
+        for (unsigned i = lengthSize; i > 0; --i) {
+            stream.push_back(static_cast<uint8_t>(unit.size() >> (i - 1) * 8));
+        }
+        stream = stream + unit;
+    }
+    return stream;
+}
+
 TemporaryFolder::TemporaryFolder() {
     std::string pattern = (fs::temp_directory_path() / "qvinspect_XXXXXX").string();
     if (mkdtemp(pattern.data()) == nullptr) {
@@ -110,9 +121,13 @@ std::vector<std::string> describe(const std::vector<qvinspect::Finding>& finding
     return texts;
 }
 
-KeptStream readRaw(std::unique_ptr<qvinspect::ByteSource> source, QVCodecID codec,
+QVCodecParameters byteStreamOf(QVCodecID codec) {
+    return {codec, 1, 0};
+}
+
+KeptStream readRaw(std::unique_ptr<qvinspect::ByteSource> source, const QVCodecParameters& raw,
                    qvinspect::RawLimits limits) {
-    qvinspect::RawReader reader(std::move(source), codec, limits);
+    qvinspect::RawReader reader(std::move(source), raw, limits);
     KeptStream stream;
     qvinspect::AccessUnit accessUnit;
     while (reader.next(accessUnit)) {

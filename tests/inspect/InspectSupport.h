@@ -44,6 +44,9 @@ Bytes operator+(const Bytes& a, const Bytes& b);
 // Each behind a 4-byte start code.
 Bytes byteStream(const std::vector<Bytes>& units);
 
+// Each behind a length field of that many bytes.
+Bytes lengthPrefixed(const std::vector<Bytes>& units, unsigned lengthSize);
+
 // A folder of its own, removed with all it holds.
 class TemporaryFolder {
 public:
@@ -79,7 +82,9 @@ struct KeptStream {
 std::string describe(const qvinspect::Finding& finding);
 std::vector<std::string> describe(const std::vector<qvinspect::Finding>& findings);
 
-KeptStream readRaw(std::unique_ptr<qvinspect::ByteSource> source, QVCodecID codec,
+QVCodecParameters byteStreamOf(QVCodecID codec);
+
+KeptStream readRaw(std::unique_ptr<qvinspect::ByteSource> source, const QVCodecParameters& raw,
                    qvinspect::RawLimits limits = {});
 
 }  // namespace qv_test

@@ -1,123 +1,25 @@
 // The program as a user runs it.
 #include <fcntl.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <signal.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "AvcPictures.h"
-#include "InspectSupport.h"
 #include "Presenters.h"
+#include "ProgramSupport.h"
 #include "ReportSupport.h"
 #include "report/JsonSchema.h"
 
 namespace qv_test {
 namespace {
 
-using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;
-
-struct Outcome {
-    int exitCode;  // -1 when a signal ended the program
-    std::string out;
-    std::string err;
-};
-
-std::string textOf(const std::filesystem::path& path) {
-    const Bytes bytes = fileContent(path);
-    return {bytes.begin(), bytes.end()};
-}
-
-// Runs the program with its outputs on the file descriptors.
-int run(const std::vector<std::string>& arguments, int out, int err, const std::string& folder) {
-    std::vector<std::string> words = {QVINSPECT_PROGRAM};
-    if (std::count(arguments.begin(), arguments.end(), "--level") == 0) {
-        words.insert(words.end(), {"--level", "nalus"});
-    }
-    words.insert(words.end(), arguments.begin(), arguments.end());
-    std::vector<char*> argv;
-    std::transform(words.begin(), words.end(), std::back_inserter(argv),
-                   [](std::string& word) { return word.data(); });
-    argv.push_back(nullptr);
-
-    const pid_t child = fork();
-    if (child == 0) {
-        if (dup2(out, STDOUT_FILENO) >= 0 && dup2(err, STDERR_FILENO) >= 0 && chdir(folder.c_str()) == 0) {
-            execv(argv[0], argv.data());
-        }
-        _exit(127);
-    }
-    int status = 0;
-    if (child < 0 || waitpid(child, &status, 0) != child) {
-        throw std::runtime_error("cannot run the program");
-    }
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-int openForWriting(const std::string& path) {
-    const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    if (file < 0) {
-        throw std::runtime_error("cannot write " + path);
-    }
-    return file;
-}
-
-class Program : public ::testing::Test {
-protected:
-    Outcome inspect(const std::vector<std::string>& arguments) const {
-        const std::string outPath = outputs_.path() / "out";
-        const std::string errPath = outputs_.path() / "err";
-        const int out = openForWriting(outPath);
-        const int err = openForWriting(errPath);
-        const int exitCode = run(arguments, out, err, files_.path());
-        close(out);
-        close(err);
-        return {exitCode, textOf(outPath), textOf(errPath)};
-    }
-
-    // One line on stderr that begins with the program's and the file's name and says text; nothing listed.
-    static void expectRefused(const Outcome& outcome, const std::string& name, const std::string& text) {
-        EXPECT_EQ(outcome.exitCode, 2);
-        EXPECT_EQ(outcome.out, "");
-        EXPECT_THAT(outcome.err, StartsWith("qvinspect: " + name + ": "));
-        EXPECT_THAT(outcome.err, HasSubstr(text));
-        EXPECT_THAT(outcome.err, EndsWith("\n"));
-        EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
-    }
-
-    static void expectListed(const Outcome& outcome, const std::string& name,
-                             const std::string& summaryLine) {
-        EXPECT_EQ(outcome.exitCode, 0);
-        EXPECT_EQ(outcome.err, "");
-        EXPECT_THAT(outcome.out, HasSubstr("File     " + name + "\n"));
-        EXPECT_THAT(outcome.out, HasSubstr("Summary of " + name + "\n"));
-        EXPECT_THAT(outcome.out, HasSubstr(summaryLine));
-    }
-
-    std::string write(const std::string& name, const Bytes& content) const {
-        return files_.write(name, content);
-    }
-    std::string folder() const { return files_.path(); }
-
-    static std::string sample(const std::string& name) { return sampleFolder() / name; }
-
-    static Bytes rawStream() { return fileContent(sampleFolder() / "hevc_hdr10.h265"); }
-    static Bytes mp4() { return fileContent(sampleFolder() / "avc_avc1.mp4"); }
-
-private:
-    TemporaryFolder files_;
-    TemporaryFolder outputs_;
-};
 
 // --- The command line ---
 
@@ -261,7 +163,7 @@ TEST_F(Program, readerThatGoesAway) {
         const std::string errPath = folder() + "/err";
         const int err = openForWriting(errPath);
         const auto before = signal(SIGPIPE, handler);
-        EXPECT_EQ(run({"long.h265"}, ends[1], err, folder()), 0);
+        EXPECT_EQ(run({"long.h265"}, {-1, ends[1], err}, folder()), 0);
         signal(SIGPIPE, before);
         close(ends[1]);
         close(err);
@@ -277,7 +179,7 @@ TEST_F(Program, outputThatIsFull) {
     write("x", rawStream());
     const std::string errPath = folder() + "/err";
     const int err = openForWriting(errPath);
-    EXPECT_EQ(run({"x"}, full, err, folder()), 5);
+    EXPECT_EQ(run({"x"}, {-1, full, err}, folder()), 5);
     close(full);
     close(err);
     EXPECT_EQ(

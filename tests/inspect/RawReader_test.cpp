@@ -46,7 +46,7 @@ NalIndexList scan(const Bytes& bytes) {
 
 // The units of all access units, by their offsets in the stream.
 NalIndexList unitsOf(const Bytes& bytes, QVCodecID codec, qvinspect::RawLimits limits) {
-    qvinspect::RawReader reader(source(bytes), codec, limits);
+    qvinspect::RawReader reader(source(bytes), byteStreamOf(codec), limits);
     NalIndexList nalus;
     qvinspect::AccessUnit accessUnit;
     while (reader.next(accessUnit)) {
@@ -84,13 +84,15 @@ TEST(RawReader, unitsAreThoseOfAScanOfTheWhole) {
 
 TEST(RawReader, accessUnitsDoNotDependOnTheChunks) {
     const Bytes bytes = fileContent(sampleFolder() / "hevc_hdr10.h265");
-    const KeptStream whole = readRaw(source(bytes), QVCodecIDHevc);
+    const KeptStream whole = readRaw(source(bytes), byteStreamOf(QVCodecIDHevc));
     ASSERT_EQ(whole.accessUnits.size(), 4U);
     for (const size_t chunk : kChunks) {
-        EXPECT_EQ(readRaw(source(bytes), QVCodecIDHevc, chunksOf(chunk)).accessUnits, whole.accessUnits)
+        EXPECT_EQ(readRaw(source(bytes), byteStreamOf(QVCodecIDHevc), chunksOf(chunk)).accessUnits,
+                  whole.accessUnits)
             << chunk;
     }
-    EXPECT_EQ(readRaw(source(bytes, 13), QVCodecIDHevc).accessUnits, whole.accessUnits) << "short reads";
+    EXPECT_EQ(readRaw(source(bytes, 13), byteStreamOf(QVCodecIDHevc)).accessUnits, whole.accessUnits)
+        << "short reads";
 }
 
 TEST(RawReader, accessUnitsCoverTheStream) {
@@ -98,7 +100,8 @@ TEST(RawReader, accessUnitsCoverTheStream) {
     for (int run = 0; run < 300; ++run) {
         const Bytes bytes = soup(random, 60);
         Bytes joined;
-        for (const auto& accessUnit : readRaw(source(bytes), QVCodecIDAvc, chunksOf(8)).accessUnits) {
+        for (const auto& accessUnit :
+             readRaw(source(bytes), byteStreamOf(QVCodecIDAvc), chunksOf(8)).accessUnits) {
             EXPECT_EQ(accessUnit.offset, joined.size());
             joined = joined + accessUnit.bytes;
         }
@@ -119,7 +122,7 @@ TEST(RawReader, startCodeAtTheEndBelongsToTheUnitBefore) {
 TEST(RawReader, leadingBytesAreToldAndLeftOut) {
     for (const size_t chunk : kChunks) {
         const Bytes bytes = hex("FF FF 00 01 00 00 00 00 01 65 88 80");
-        const KeptStream stream = readRaw(source(bytes), QVCodecIDAvc, chunksOf(chunk));
+        const KeptStream stream = readRaw(source(bytes), byteStreamOf(QVCodecIDAvc), chunksOf(chunk));
         ASSERT_EQ(stream.accessUnits.size(), 1U);
         EXPECT_EQ(stream.accessUnits[0].bytes, hex("00 00 00 01 65 88 80"));
         EXPECT_EQ(stream.accessUnits[0].offset, 5U);
@@ -130,22 +133,23 @@ TEST(RawReader, leadingBytesAreToldAndLeftOut) {
 
 TEST(RawReader, withoutAStartCode) {
     for (const size_t chunk : kChunks) {
-        const KeptStream stream = readRaw(source(Bytes(100, 0xAB)), QVCodecIDAvc, chunksOf(chunk));
+        const KeptStream stream =
+            readRaw(source(Bytes(100, 0xAB)), byteStreamOf(QVCodecIDAvc), chunksOf(chunk));
         EXPECT_THAT(stream.accessUnits, IsEmpty());
         EXPECT_THAT(stream.findings, ElementsAre("error at 0: no start code (00 00 01) in 100 bytes"));
     }
 }
 
 TEST(RawReader, emptyStream) {
-    const KeptStream stream = readRaw(source({}), QVCodecIDAvc);
+    const KeptStream stream = readRaw(source({}), byteStreamOf(QVCodecIDAvc));
     EXPECT_THAT(stream.accessUnits, IsEmpty());
     EXPECT_THAT(stream.findings, IsEmpty());
 }
 
 TEST(RawReader, failureIsToldBehindWhatCouldBeRead) {
     const Bytes bytes = hex("00 00 01 65 88 80 00 00 01 41 9A");
-    const KeptStream stream =
-        readRaw(std::make_unique<MemorySource>(bytes, SIZE_MAX, "Input/output error"), QVCodecIDAvc);
+    const KeptStream stream = readRaw(std::make_unique<MemorySource>(bytes, SIZE_MAX, "Input/output error"),
+                                      byteStreamOf(QVCodecIDAvc));
     EXPECT_EQ(stream.accessUnits.size(), 2U);
     EXPECT_THAT(stream.findings, ElementsAre("error at 11: reading failed: Input/output error"));
 }
@@ -162,7 +166,7 @@ Bytes unitOf(uint8_t header, size_t size) {
 
 TEST(RawReader, unitOfTheLongestLength) {
     const Bytes bytes = kCode + unitOf(0x65, 17) + kCode + unitOf(0x41, 2);
-    const KeptStream stream = readRaw(source(bytes), QVCodecIDAvc, accessUnitsOf(20));
+    const KeptStream stream = readRaw(source(bytes), byteStreamOf(QVCodecIDAvc), accessUnitsOf(20));
     ASSERT_EQ(stream.accessUnits.size(), 2U);
     EXPECT_EQ(stream.accessUnits[0].bytes.size(), 20U);
     EXPECT_THAT(stream.accessUnits[0].findings, IsEmpty());
@@ -171,7 +175,8 @@ TEST(RawReader, unitOfTheLongestLength) {
 TEST(RawReader, longerUnitIsCut) {
     for (const size_t chunk : kChunks) {
         const Bytes bytes = kCode + unitOf(0x65, 18) + kCode + unitOf(0x41, 2);
-        const KeptStream stream = readRaw(source(bytes), QVCodecIDAvc, accessUnitsOf(20, chunk));
+        const KeptStream stream =
+            readRaw(source(bytes), byteStreamOf(QVCodecIDAvc), accessUnitsOf(20, chunk));
         ASSERT_EQ(stream.accessUnits.size(), 2U);
         EXPECT_EQ(stream.accessUnits[0].bytes, kCode + unitOf(0x65, 17));
         EXPECT_THAT(stream.accessUnits[0].findings,
@@ -185,7 +190,8 @@ TEST(RawReader, longerUnitIsCut) {
 TEST(RawReader, longUnitAtTheEnd) {
     for (const size_t chunk : kChunks) {
         const Bytes bytes = kCode + unitOf(0x65, 2) + kCode + unitOf(0x41, 1000);
-        const KeptStream stream = readRaw(source(bytes), QVCodecIDAvc, accessUnitsOf(20, chunk));
+        const KeptStream stream =
+            readRaw(source(bytes), byteStreamOf(QVCodecIDAvc), accessUnitsOf(20, chunk));
         ASSERT_EQ(stream.accessUnits.size(), 2U);
         EXPECT_THAT(stream.accessUnits[0].findings, IsEmpty());
         EXPECT_EQ(stream.accessUnits[1].bytes.size(), 20U);
@@ -197,7 +203,7 @@ TEST(RawReader, longUnitAtTheEnd) {
 
 TEST(RawReader, longUnitKeepsTheUnitsAheadOfIt) {
     const Bytes bytes = kCode + unitOf(0x06, 2) + kCode + unitOf(0x65, 30) + kCode + unitOf(0x41, 2);
-    const KeptStream stream = readRaw(source(bytes), QVCodecIDAvc, accessUnitsOf(20));
+    const KeptStream stream = readRaw(source(bytes), byteStreamOf(QVCodecIDAvc), accessUnitsOf(20));
     ASSERT_EQ(stream.accessUnits.size(), 2U);
     EXPECT_EQ(stream.accessUnits[0].bytes.size(), 5U + 20U);
     EXPECT_THAT(stream.accessUnits[0].findings,
@@ -209,7 +215,7 @@ TEST(RawReader, manyUnitsAreCutAheadOfTheOneThatIsTooMuch) {
     for (int i = 0; i < 9; ++i) {
         bytes = bytes + kCode + unitOf(0x06, 3);  // no picture ever ends the access unit
     }
-    const KeptStream stream = readRaw(source(bytes), QVCodecIDAvc, accessUnitsOf(20));
+    const KeptStream stream = readRaw(source(bytes), byteStreamOf(QVCodecIDAvc), accessUnitsOf(20));
     ASSERT_EQ(stream.accessUnits.size(), 3U);
     for (const auto& accessUnit : stream.accessUnits) {
         EXPECT_EQ(accessUnit.bytes.size(), 18U);
@@ -240,7 +246,7 @@ private:
 
 TEST(RawReader, endlessUnitIsDeliveredAtTheBound) {
     size_t bytesRead = 0;
-    qvinspect::RawReader reader(std::make_unique<EndlessSource>(bytesRead), QVCodecIDAvc,
+    qvinspect::RawReader reader(std::make_unique<EndlessSource>(bytesRead), byteStreamOf(QVCodecIDAvc),
                                 accessUnitsOf(1000, 64));
     qvinspect::AccessUnit accessUnit;
     ASSERT_TRUE(reader.next(accessUnit));

@@ -194,6 +194,11 @@ void understand(CommandLine& line, const Words& words) {
     if (std::count(outputs.begin(), outputs.end(), "-") > 1) {
         throw std::invalid_argument("only one output can go to standard output; name a file for the others");
     }
+    const bool isRaw = line.input.format != InputFormat::Auto && line.input.format != InputFormat::Container;
+    if (line.input.stream && isRaw) {
+        throw std::invalid_argument(fmt::format(
+            "--stream chooses in a container and --format {} is none; leave one of them out", words.format));
+    }
     const bool takesOneInput = !line.toAnnexB.empty() || !line.toLengths.empty() || !line.extractSei.empty();
     if (takesOneInput && line.files.size() > 1) {
         throw std::invalid_argument("--to-annexb, --to-lengths and --extract-sei take one FILE at a time");

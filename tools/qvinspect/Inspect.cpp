@@ -20,51 +20,78 @@ namespace qvinspect {
 namespace {
 
 [[noreturn]] void refuseEmpty(const std::vector<Finding>& findings) {
+    if (isInterrupted()) {
+        throw InputError("interrupted ahead of the end of its first access unit; nothing is listed");
+    }
     const std::string reason = findings.empty() ? "its video has no samples" : findings.front().text;
     throw InputError(fmt::format("nothing to list: {}; check that it is the right file and whole", reason));
 }
 
-// The part of the stream that is asked for, in decoding order.
+// The part of the stream that is asked for.
 class Part {
 public:
-    explicit Part(const InputOptions& options) : options_(options) {}
+    explicit Part(const InputOptions& options)
+        : options_(options), isTimed_(options.start.has_value() || options.duration.has_value()) {}
 
     enum class Place { Ahead, Inside, Behind };
 
+    // In decoding order.
     Place placeOf(const AccessUnitView& view) {
-        if (options_.mostAccessUnits && taken_ == *options_.mostAccessUnits) {
-            return Place::Behind;
+        if (isTimed_) {
+            place_ = placeByTime(view);
         }
-        if (!options_.start && !options_.duration) {
-            ++taken_;
-            return Place::Inside;
-        }
+        taken_ += place_ == Place::Inside ? 1U : 0U;
+        return place_;
+    }
+
+    // Nothing behind the access units so far is asked for.
+    bool isOver() const {
+        return behind_ > kMostReordered || (options_.mostAccessUnits && taken_ == *options_.mostAccessUnits);
+    }
+
+private:
+    // Seconds: less than any access unit takes, more than sums of floating point are off at a border.
+    static constexpr double kTimeTolerance = 1e-6;
+
+    // Pictures that precede one in decoding order and follow it in output order are at most 16, each of two
+    // fields (H.264 E.2.1 max_num_reorder_frames, H.265 7.4.3.2.1 sps_max_num_reorder_pics).
+    static constexpr unsigned kMostReordered = 32;
+
+    Place placeByTime(const AccessUnitView& view) {
         const std::optional<double> time = view.decodeTime ? view.decodeTime : view.time;
-        if (!time) {
+        if (!time && !begin_) {
             throw InputError(
                 "has no times that --start and --duration could count by; for a raw stream give "
                 "--frame-rate, or use --limit");
         }
-        const double begin = begin_.value_or(*time);
-        begin_ = begin;
-        const double sinceStart = *time - begin - options_.start.value_or(0);
+        if (!time) {
+            return place_;  // where the one ahead of it is
+        }
+        begin_ = begin_.value_or(*time);
+        const double sinceStart = *time - *begin_ - options_.start.value_or(0) + kTimeTolerance;
         if (sinceStart < 0) {
             return Place::Ahead;
         }
-        if (options_.duration && sinceStart >= *options_.duration) {
-            return Place::Behind;
+        if (!options_.duration || sinceStart < *options_.duration) {
+            return Place::Inside;
         }
-        ++taken_;
-        return Place::Inside;
+        behind_ += view.decodeTime ? kMostReordered + 1 : 1;
+        return Place::Behind;
     }
 
-    bool isEmpty() const { return taken_ == 0; }
-
-private:
     const InputOptions& options_;
+    bool isTimed_;
     std::optional<double> begin_;
+    Place place_ = Place::Inside;  // of the last one
+    unsigned behind_ = 0;          // by presentation times; by decoding times the first one settles it
     uint64_t taken_ = 0;
 };
+
+[[noreturn]] void refuseMissed() {
+    throw InputError(isInterrupted()
+                         ? "interrupted ahead of the part that --start asks for; nothing is listed"
+                         : "ends ahead of the part that --start asks for; give an earlier time");
+}
 
 class Inspection {
 public:
@@ -85,11 +112,11 @@ public:
         }
         const StreamHead head = begin(accessUnit.fileOffset.has_value());
         bool isMore = true;
-        for (uint64_t number = 1; isMore && !isInterrupted() && take(number, accessUnit, head); ++number) {
+        for (uint64_t number = 1; isMore && take(number, accessUnit, head); ++number) {
             isMore = reader_->next(accessUnit);
         }
         if (!hasBegun_) {
-            throw InputError("holds nothing of the part that --start, --duration and --limit ask for");
+            refuseMissed();
         }
         return end(isMore ? std::vector<Finding>{} : accessUnit.findings);
     }
@@ -115,8 +142,10 @@ private:
             counter_.add(view);
             line_.filter.apply(view);
             present([&](Presenter& presenter) { presenter.add(view); });
+        } else if (place == Part::Place::Ahead) {
+            counter_.addAhead(view);
         }
-        return place != Part::Place::Behind;
+        return !part_.isOver();
     }
 
     Outcome end(const std::vector<Finding>& findings) {

@@ -9,6 +9,10 @@ void noteInterrupts();
 
 bool isInterrupted();
 
+// Waits until a read of the file would not block, its end included, or the program is interrupted, also when
+// that happens right ahead of the call. False when it is interrupted.
+bool waitForInput(int file);
+
 }  // namespace qvinspect
 
 #endif

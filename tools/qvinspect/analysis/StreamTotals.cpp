@@ -122,6 +122,17 @@ void StreamCounter::add(const AccessUnitView& view) {
     addTime(view, time);
 }
 
+void StreamCounter::addAhead(const AccessUnitView& view) {
+    for (size_t i = 0; i < view.report.units.size(); ++i) {
+        if (view.report.units[i].state == UnitState::Typed) {
+            noteParameterSet(view.report.units[i].type);
+        }
+        if (view.details.units[i].newSps) {
+            addSps(*view.details.units[i].newSps);
+        }
+    }
+}
+
 void StreamCounter::addUnits(const AccessUnitView& view) {
     bool hasPicture = false;
     for (size_t i = 0; i < view.report.units.size(); ++i) {

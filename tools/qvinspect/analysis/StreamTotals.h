@@ -127,6 +127,9 @@ public:
 
     void add(const AccessUnitView& view);
 
+    // One ahead of the part that is looked at: only its parameter sets count, which the part needs.
+    void addAhead(const AccessUnitView& view);
+
     // Findings behind the last access unit; and the end of what stands open.
     void finish(const std::vector<Finding>& findings);
 

@@ -24,6 +24,9 @@ class UnitRoles {
 public:
     virtual ~UnitRoles() = default;
     virtual UnitRole roleOf(const unsigned char* unit, size_t size) = 0;
+
+    // The unit taken last is a slice of a field of a picture that is coded as two.
+    virtual bool isFieldSlice() const { return false; }
 };
 
 // Both standards let units that can begin an access unit (parameter sets, SEI) stand between the slices of
@@ -35,6 +38,9 @@ public:
     // Takes the next unit. Returns how many of the units taken last, this one included, make up the start of
     // a new access unit, or 0 when no access unit is known to begin.
     size_t take(const unsigned char* unit, size_t size);
+
+    // Of the unit taken last.
+    bool isFieldSlice() const { return roles_->isFieldSlice(); }
 
     // Behind the last unit: how many of the units taken last no picture followed. They are a new access unit
     // that the stream breaks off.

@@ -10,6 +10,7 @@ constexpr unsigned kForbiddenZeroBit = 0x80;
 }
 
 UnitRole AvcUnitRoles::roleOf(const unsigned char* unit, size_t size) {
+    isFieldSlice_ = false;
     if (size == 0 || (unit[0] & kForbiddenZeroBit) != 0) {
         return UnitRole::Belongs;
     }
@@ -41,6 +42,7 @@ UnitRole AvcUnitRoles::roleOf(const unsigned char* unit, size_t size) {
 
 UnitRole AvcUnitRoles::roleOfSlice(const unsigned char* unit, size_t size) {
     const AvcSliceHeader slice = readAvcSliceHeader(unit, size, parameterSets_);
+    isFieldSlice_ = slice.field_pic_flag != 0;
     if (slice.redundant_pic_cnt > 0) {
         return UnitRole::Belongs;  // a redundant coded picture follows its primary one
     }

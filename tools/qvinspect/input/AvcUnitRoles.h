@@ -13,13 +13,15 @@ namespace qvinspect {
 class AvcUnitRoles : public UnitRoles {
 public:
     UnitRole roleOf(const unsigned char* unit, size_t size) override;
+    bool isFieldSlice() const override { return isFieldSlice_; }
 
 private:
     UnitRole roleOfSlice(const unsigned char* unit, size_t size);
 
     AvcParameterSets parameterSets_;
     std::optional<AvcSliceHeader> last_;  // of the primary coded picture at hand
-    bool hasEnded_ = false;               // an end of sequence or stream stands behind it
+    bool isFieldSlice_ = false;
+    bool hasEnded_ = false;  // an end of sequence or stream stands behind it
 };
 
 }  // namespace qvinspect

@@ -13,7 +13,8 @@ class ByteSource {
 public:
     virtual ~ByteSource() = default;
 
-    // Reads up to size bytes to to and returns how many. 0 only at the end, or when reading failed.
+    // Reads up to size bytes to to and returns how many, as soon as there are any. 0 only at the end, when
+    // reading failed, or when the program was interrupted.
     virtual size_t read(unsigned char* to, size_t size) = 0;
 
     // Of the whole source, where it is known ahead of its end.
@@ -21,6 +22,9 @@ public:
 
     // Why reading ended ahead of the end; empty when it did not.
     virtual std::string failure() const = 0;
+
+    // Reading ended ahead of the end because the program was interrupted.
+    virtual bool isInterrupted() const { return false; }
 };
 
 }  // namespace qvinspect

@@ -5,6 +5,7 @@ extern "C" {
 #include <libavutil/dict.h>
 #include <libavutil/error.h>
 #include <libavutil/log.h>
+#include <libavutil/mem.h>
 }
 
 #include <fmt/format.h>
@@ -15,12 +16,62 @@ extern "C" {
 #include <string>
 #include <utility>
 
+#include "Interrupt.h"
 #include "input/ContainerFraming.h"
 #include "input/Containers.h"
 
 namespace qvinspect {
 
 namespace {
+
+// --- libavformat's view of the file ---
+
+struct FreeIo {
+    void operator()(AVIOContext* io) const {
+        av_freep(static_cast<void*>(&io->buffer));
+        avio_context_free(&io);
+    }
+};
+using Io = std::unique_ptr<AVIOContext, FreeIo>;
+
+constexpr int kIoBuffer = 64 * 1024;
+
+int readBytes(void* opaque, uint8_t* to, int size) {
+    auto& file = *static_cast<FileSource*>(opaque);
+    const size_t count = file.read(to, static_cast<size_t>(size));
+    if (count > 0) {
+        return static_cast<int>(count);
+    }
+    return file.isInterrupted() ? AVERROR_EXIT : file.failure().empty() ? AVERROR_EOF : AVERROR(EIO);
+}
+
+int64_t seekBytes(void* opaque, int64_t offset, int whence) {
+    auto& file = *static_cast<FileSource*>(opaque);
+    if ((whence & AVSEEK_SIZE) != 0) {
+        return static_cast<int64_t>(file.size().value_or(0));
+    }
+    if ((whence & ~AVSEEK_FORCE) != SEEK_SET || offset < 0) {
+        return AVERROR(EINVAL);
+    }
+    file.seek(static_cast<uint64_t>(offset));
+    return offset;
+}
+
+Io openIo(FileSource& file) {
+    auto* buffer = static_cast<uint8_t*>(av_malloc(kIoBuffer));
+    return Io(avio_alloc_context(buffer, kIoBuffer, 0, &file, readBytes, nullptr,
+                                 file.canSeek() ? seekBytes : nullptr));
+}
+
+// A playlist names other files or addresses: nothing but the input itself is read.
+int openNothing(AVFormatContext* /*context*/, AVIOContext** /*io*/, const char* /*url*/, int /*flags*/,
+                AVDictionary** /*options*/) {
+    return AVERROR(EACCES);
+}
+
+int isToEnd(void* /*opaque*/) {
+    return isInterrupted() ? 1 : 0;
+}
 
 struct CloseInput {
     void operator()(AVFormatContext* context) const { avformat_close_input(&context); }
@@ -57,16 +108,17 @@ bool isPicture(const AVStream& stream) {
     return (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) != 0;
 }
 
+bool isVideo(const AVStream& stream, std::optional<QVCodecID> wanted) {
+    const auto codec = codecOf(stream.codecpar->codec_id);
+    return codec && !isPicture(stream) && (!wanted || *codec == *wanted);
+}
+
 // The first video of the codec asked for, or of either; null when there is none.
 AVStream* findVideo(const AVFormatContext& context, std::optional<QVCodecID> wanted) {
-    for (unsigned i = 0; i < context.nb_streams; ++i) {
-        AVStream* stream = context.streams[i];
-        const auto codec = codecOf(stream->codecpar->codec_id);
-        if (codec && !isPicture(*stream) && (!wanted || *codec == *wanted)) {
-            return stream;
-        }
-    }
-    return nullptr;
+    AVStream** const end = context.streams + context.nb_streams;
+    AVStream** const found = std::find_if(
+        context.streams, end, [wanted](const AVStream* stream) { return isVideo(*stream, wanted); });
+    return found == end ? nullptr : *found;
 }
 
 // Files that libavformat takes for raw byte streams are no containers.
@@ -74,16 +126,21 @@ bool isRawFormat(const AVInputFormat& format) {
     return std::strcmp(format.name, "h264") == 0 || std::strcmp(format.name, "hevc") == 0;
 }
 
-// The prefix keeps a colon or a dash in the name from being read as a protocol, and the whitelist keeps a
-// file from naming anything but files.
-Context openFile(const std::string& path, int& error) {
+Context openFile(AVIOContext& io, int& error) {
+    AVFormatContext* context = avformat_alloc_context();
+    if (context == nullptr) {
+        error = AVERROR(ENOMEM);
+        return nullptr;
+    }
+    context->pb = &io;
+    context->io_open = openNothing;
+    context->interrupt_callback.callback = isToEnd;
     AVDictionary* options = nullptr;
-    av_dict_set(&options, "protocol_whitelist", "file", 0);
-    av_dict_set(&options, "advanced_editlist", "0", 0);  // every sample of an MP4, played or not
-    AVFormatContext* context = nullptr;
-    error = avformat_open_input(&context, ("file:" + path).c_str(), nullptr, &options);
+    av_dict_set(&options, "protocol_whitelist", "none", 0);
+    av_dict_set(&options, "advanced_editlist", "0", 0);            // every sample of an MP4, played or not
+    error = avformat_open_input(&context, "", nullptr, &options);  // frees the context when it fails
     av_dict_free(&options);
-    return Context(context);
+    return Context(error < 0 ? nullptr : context);
 }
 
 // Other streams are passed over.
@@ -96,8 +153,13 @@ void selectOnly(const AVFormatContext& context, const AVStream& video) {
 
 class ContainerReader : public AccessUnitReader {
 public:
-    ContainerReader(Context context, AVStream& video, QVCodecID codec)
-        : context_(std::move(context)), video_(video), packet_(av_packet_alloc()) {
+    ContainerReader(std::unique_ptr<FileSource> file, Io io, Context context, AVStream& video,
+                    QVCodecID codec)
+        : file_(std::move(file)),
+          io_(std::move(io)),
+          context_(std::move(context)),
+          video_(video),
+          packet_(av_packet_alloc()) {
         info_.format = context_->iformat->long_name;
         if (video.codecpar->color_trc != AVCOL_TRC_UNSPECIFIED) {
             info_.transfer_characteristics = static_cast<uint32_t>(video.codecpar->color_trc);
@@ -125,13 +187,7 @@ public:
     }
 
     ReadProgress progress() const override {
-        ReadProgress progress;
-        if (context_->pb != nullptr) {
-            const int64_t size = avio_size(context_->pb);
-            progress.bytes = static_cast<uint64_t>(std::max<int64_t>(avio_tell(context_->pb), 0));
-            progress.size = size > 0 ? std::optional<uint64_t>(size) : std::nullopt;
-        }
-        return progress;
+        return {static_cast<uint64_t>(std::max<int64_t>(avio_tell(io_.get()), 0)), file_->size()};
     }
 
 private:
@@ -144,8 +200,8 @@ private:
         for (int errorsInARow = 0; errorsInARow < kMostErrorsInARow;) {
             av_packet_unref(packet_.get());
             const int result = av_read_frame(context_.get(), packet_.get());
-            if (result == AVERROR_EOF) {
-                return false;
+            if (result == AVERROR_EOF || file_->isInterrupted()) {
+                return false;  // a sample that was interrupted need not be whole
             }
             if (result < 0) {
                 ++errorsInARow;
@@ -161,10 +217,9 @@ private:
     }
 
     std::string readErrorText(int error) const {
-        const int64_t position = context_->pb != nullptr ? avio_tell(context_->pb) : -1;
-        return position < 0
-                   ? fmt::format("reading failed: {}", errorText(error))
-                   : fmt::format("reading failed at offset {} of the file: {}", position, errorText(error));
+        const std::string& reason = file_->failure();
+        return fmt::format("reading failed at offset {} of the file: {}", avio_tell(io_.get()),
+                           reason.empty() ? errorText(error) : reason);
     }
 
     // A new configuration record can come with a sample.
@@ -197,7 +252,9 @@ private:
                    : std::optional<double>(static_cast<double>(time) * av_q2d(video_.time_base));
     }
 
-    Context context_;
+    std::unique_ptr<FileSource> file_;
+    Io io_;
+    Context context_;  // reads through io_, which reads file_
     AVStream& video_;
     Packet packet_;
     StreamInfo info_;
@@ -209,30 +266,81 @@ std::string noVideoReason(const AVFormatContext& context, std::optional<QVCodecI
     return fmt::format("holds no {} video ({}); choose another file", codec, context.iformat->long_name);
 }
 
+std::string describe(const AVStream& stream) {
+    const char* type = isPicture(stream) ? "picture" : av_get_media_type_string(stream.codecpar->codec_type);
+    return fmt::format("{} {} {}", stream.index, type != nullptr ? type : "data",
+                       avcodec_get_name(stream.codecpar->codec_id));
+}
+
+std::string streamsOf(const AVFormatContext& context) {
+    constexpr unsigned kMostNamed = 32;
+    std::string text;
+    for (unsigned i = 0; i < std::min(context.nb_streams, kMostNamed); ++i) {
+        text += (i > 0 ? ", " : "") + describe(*context.streams[i]);
+    }
+    return context.nb_streams > kMostNamed
+               ? fmt::format("{} and {} more", text, context.nb_streams - kMostNamed)
+               : text;
+}
+
+std::string noStreamReason(const AVFormatContext& context, const InputOptions& options) {
+    const unsigned index = *options.stream;
+    const char* wanted = !options.codec                   ? "H.264 or H.265 video"
+                         : *options.codec == QVCodecIDAvc ? "H.264 video, as --codec has it"
+                                                          : "H.265 video, as --codec has it";
+    const std::string what = index < context.nb_streams ? fmt::format("is no {}", wanted) : "does not exist";
+    return fmt::format("stream {} {}; choose with --stream among: {}", index, what, streamsOf(context));
+}
+
+AVStream* findStream(const AVFormatContext& context, const InputOptions& options) {
+    if (!options.stream) {
+        return findVideo(context, options.codec);
+    }
+    if (*options.stream >= context.nb_streams) {
+        return nullptr;
+    }
+    AVStream* const stream = context.streams[*options.stream];
+    return isVideo(*stream, options.codec) ? stream : nullptr;
+}
+
 }  // namespace
 
-ContainerResult openContainer(const std::string& path, std::optional<QVCodecID> codec) {
+ContainerResult openContainer(std::unique_ptr<FileSource>& file, const InputOptions& options) {
     av_log_set_level(AV_LOG_QUIET);  // what matters of it comes back as errors
+    Io io = openIo(*file);
     int error = 0;
-    Context context = openFile(path, error);
+    Context context = openFile(*io, error);
     if (context == nullptr) {
         return {nullptr, fmt::format("cannot be opened as a container ({}); check that it is whole",
                                      errorText(error))};
     }
     if (isRawFormat(*context->iformat)) {
-        return {nullptr, "is no container"};
+        return {nullptr, "is no container; for a raw stream leave out --stream and --format container"};
     }
     // Most containers name their streams in a header. For those that do not, libavformat looks at the
     // first samples.
-    if (findVideo(*context, codec) == nullptr) {
+    if (findStream(*context, options) == nullptr) {
         avformat_find_stream_info(context.get(), nullptr);
     }
-    AVStream* video = findVideo(*context, codec);
+    AVStream* video = findStream(*context, options);
     if (video == nullptr) {
-        return {nullptr, noVideoReason(*context, codec)};
+        return {nullptr,
+                options.stream ? noStreamReason(*context, options) : noVideoReason(*context, options.codec)};
     }
     const QVCodecID found = *codecOf(video->codecpar->codec_id);
-    return {std::make_unique<ContainerReader>(std::move(context), *video, found), {}};
+    return {
+        std::make_unique<ContainerReader>(std::move(file), std::move(io), std::move(context), *video, found),
+        {}};
+}
+
+bool looksLikeContainer(const std::vector<unsigned char>& head) {
+    // The probes may read some bytes behind the end, which have to be zero.
+    std::vector<unsigned char> padded = head;
+    padded.resize(head.size() + AVPROBE_PADDING_SIZE);
+    const AVProbeData data = {"", padded.data(), static_cast<int>(head.size()), nullptr};
+    int score = AVPROBE_SCORE_RETRY;
+    const AVInputFormat* const format = av_probe_input_format2(&data, 1, &score);
+    return format != nullptr && !isRawFormat(*format);
 }
 
 }  // namespace qvinspect

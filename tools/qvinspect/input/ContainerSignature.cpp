@@ -1,6 +1,7 @@
 #include "input/ContainerSignature.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <iterator>
 
@@ -59,6 +60,14 @@ bool isTransportStream(const PacketLayout& layout, const unsigned char* data, si
     return true;
 }
 
+uint64_t readNumber(const unsigned char* bytes, size_t size) {
+    uint64_t number = 0;
+    for (size_t i = 0; i < size; ++i) {
+        number = number << 8 | bytes[i];
+    }
+    return number;
+}
+
 }  // namespace
 
 const char* containerSignature(const unsigned char* data, size_t size) {
@@ -72,6 +81,28 @@ const char* containerSignature(const unsigned char* data, size_t size) {
         std::begin(kTransportPackets), std::end(kTransportPackets),
         [data, size](const PacketLayout& layout) { return isTransportStream(layout, data, size); });
     return isTransport ? "MPEG transport stream" : nullptr;
+}
+
+bool hasIndexBehindSamples(const unsigned char* data, size_t size) {
+    constexpr size_t kBoxHeader = 8;
+    constexpr uint64_t kLargeSizeFollows = 1;
+    size_t at = 0;
+    while (size - at >= kBoxHeader) {
+        const unsigned char* const type = data + at + 4;
+        if (std::memcmp(type, "mdat", 4) == 0) {
+            return true;
+        }
+        uint64_t boxSize = readNumber(data + at, 4);
+        if (boxSize == kLargeSizeFollows && size - at >= 2 * kBoxHeader) {
+            boxSize = readNumber(data + at + kBoxHeader, 8);
+        }
+        const bool isIndex = std::memcmp(type, "moov", 4) == 0 || std::memcmp(type, "moof", 4) == 0;
+        if (isIndex || boxSize < kBoxHeader || boxSize > size - at) {
+            return false;
+        }
+        at += static_cast<size_t>(boxSize);
+    }
+    return false;
 }
 
 }  // namespace qvinspect

@@ -3,10 +3,12 @@
 #define QVINSPECT_CONTAINERS_H
 
 #include <memory>
-#include <optional>
 #include <string>
+#include <vector>
 
 #include "input/AccessUnitReader.h"
+#include "input/FileSource.h"
+#include "input/InputOptions.h"
 
 namespace qvinspect {
 
@@ -15,8 +17,12 @@ struct ContainerResult {
     std::string reason;                        // why it cannot, and what to do next
 };
 
-// Opens the first H.264 or H.265 video of the file, or the first of the codec that is asked for.
-ContainerResult openContainer(const std::string& path, std::optional<QVCodecID> codec);
+// Opens the stream that is asked for, or the first H.264 or H.265 video, or the first of the codec that is
+// asked for. file is taken when that succeeds; otherwise it stands anywhere.
+ContainerResult openContainer(std::unique_ptr<FileSource>& file, const InputOptions& options);
+
+// The first bytes of a file look like a container, as far as that can be told from them.
+bool looksLikeContainer(const std::vector<unsigned char>& head);
 
 }  // namespace qvinspect
 

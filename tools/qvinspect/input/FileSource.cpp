@@ -1,52 +1,129 @@
 #include "input/FileSource.h"
 
+#include <fcntl.h>
 #include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
 
+#include "Interrupt.h"
 #include "input/InputError.h"
 
 namespace qvinspect {
 
-FileSource::FileSource(const std::string& path) {
-    std::error_code ignored;  // what cannot be asked for cannot be opened either
-    if (std::filesystem::is_directory(path, ignored)) {
+namespace {
+
+// Opening a named pipe waits for the other end.
+int openFile(const std::string& path) {
+    for (;;) {
+        const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+        if (file >= 0) {
+            return file;
+        }
+        if (errno != EINTR) {
+            throw InputError(
+                fmt::format("cannot be opened: {}; check its name and permissions", std::strerror(errno)));
+        }
+        if (isInterrupted()) {
+            throw InputError("interrupted ahead of the first byte; nothing was read");
+        }
+    }
+}
+
+}  // namespace
+
+FileSource::FileSource(const std::string& path)
+    : file_(path == "-" ? STDIN_FILENO : openFile(path)), isOwned_(path != "-") {
+    try {
+        examine();
+    } catch (...) {
+        if (isOwned_) {
+            close(file_);
+        }
+        throw;
+    }
+}
+
+FileSource::~FileSource() {
+    if (isOwned_) {
+        close(file_);
+    }
+}
+
+void FileSource::examine() {
+    struct stat status = {};
+    if (fstat(file_, &status) != 0) {
+        throw InputError(fmt::format("cannot be read: {}; check what it stands for", std::strerror(errno)));
+    }
+    if (S_ISDIR(status.st_mode)) {
         throw InputError("is a directory; name the files in it");
     }
-    file_.reset(std::fopen(path.c_str(), "rb"));
-    if (file_ == nullptr) {
-        throw InputError(
-            fmt::format("cannot be opened: {}; check its name and permissions", std::strerror(errno)));
+    if (isatty(file_) != 0) {
+        throw InputError("is a terminal; name a file, or send a stream through a pipe");
     }
-    // Chunks are large: stdio's own buffer would only copy them once more.
-    std::setvbuf(file_.get(), nullptr, _IONBF, 0);
+    // Regular files that are made up as they are read have a size of 0.
+    const off_t begin = S_ISREG(status.st_mode) ? lseek(file_, 0, SEEK_CUR) : -1;
+    if (begin >= 0 && begin < status.st_size) {
+        begin_ = begin;
+        size_ = static_cast<uint64_t>(status.st_size - begin);
+    }
 }
 
 const std::vector<unsigned char>& FileSource::peek(size_t size) {
     head_.resize(size);
-    head_.resize(readFile(head_.data(), size));
+    size_t held = 0;
+    while (held < size) {
+        const size_t count = readFile(head_.data() + held, size - held);
+        if (count == 0) {
+            break;
+        }
+        held += count;
+        position_ += count;
+    }
+    head_.resize(held);
+    position_ = 0;
     return head_;
 }
 
 size_t FileSource::read(unsigned char* to, size_t size) {
-    const size_t fromHead = std::min(size, head_.size() - headRead_);
-    if (fromHead > 0) {
-        std::memcpy(to, head_.data() + headRead_, fromHead);
-        headRead_ += fromHead;
-        return fromHead;
+    size_t count = 0;
+    if (position_ < head_.size()) {
+        count = std::min<size_t>(size, head_.size() - position_);
+        std::memcpy(to, head_.data() + position_, count);
+    } else {
+        count = readFile(to, size);
     }
-    return readFile(to, size);
+    position_ += count;
+    return count;
+}
+
+void FileSource::seek(uint64_t offset) {
+    position_ = std::min(offset, size_.value_or(offset));
 }
 
 size_t FileSource::readFile(unsigned char* to, size_t size) {
-    const size_t count = std::fread(to, 1, size, file_.get());
-    if (count < size && std::ferror(file_.get()) != 0) {
-        failure_ = std::strerror(errno);
+    for (;;) {
+        if (!waitForInput(file_)) {
+            isInterrupted_ = true;
+            return 0;
+        }
+        const ssize_t count = readOnce(to, size);
+        if (count >= 0) {
+            return static_cast<size_t>(count);
+        }
+        if (errno != EINTR && errno != EAGAIN) {
+            failure_ = std::strerror(errno);
+            return 0;
+        }
     }
-    return count;
+}
+
+ssize_t FileSource::readOnce(unsigned char* to, size_t size) const {
+    return canSeek() ? pread(file_, to, size, begin_ + static_cast<off_t>(position_))
+                     : ::read(file_, to, size);
 }
 
 }  // namespace qvinspect

@@ -5,16 +5,30 @@
 #include <algorithm>
 #include <utility>
 
+#include "input/LengthUnitReader.h"
+#include "input/RawUnitReader.h"
+
 namespace qvinspect {
 
-RawReader::RawReader(std::unique_ptr<ByteSource> source, QVCodecID codec, RawLimits limits)
+namespace {
+
+std::unique_ptr<UnitReader> makeUnitReader(const QVCodecParameters& stream, ByteWindow& window,
+                                           size_t longest) {
+    if (stream.isAnnexB != 0) {
+        return std::make_unique<RawUnitReader>(window, longest);
+    }
+    return std::make_unique<LengthUnitReader>(window, stream.nalLengthSize, longest);
+}
+
+}  // namespace
+
+RawReader::RawReader(std::unique_ptr<ByteSource> source, const QVCodecParameters& stream, RawLimits limits)
     : limits_(limits),
       window_(std::move(source), limits.chunk),
-      unitReader_(window_, limits.accessUnit),
-      splitter_(makeAccessUnitSplitter(codec)) {
-    info_.format = "raw byte stream";
-    info_.parameters.codecId = codec;
-    info_.parameters.isAnnexB = 1;
+      unitReader_(makeUnitReader(stream, window_, limits.accessUnit)),
+      splitter_(makeAccessUnitSplitter(stream.codecId)) {
+    info_.format = stream.isAnnexB != 0 ? "raw byte stream" : "raw length-prefixed stream";
+    info_.parameters = stream;
 }
 
 bool RawReader::next(AccessUnit& accessUnit) {
@@ -36,7 +50,7 @@ bool RawReader::next(AccessUnit& accessUnit) {
 
 void RawReader::readUnit() {
     RawUnit unit{};
-    if (!unitReader_.next(unit)) {
+    if (!unitReader_->next(unit)) {
         finish();
         return;
     }
@@ -48,10 +62,10 @@ void RawReader::readUnit() {
 void RawReader::take(const RawUnit& unit) {
     const size_t begun = splitter_.take(window_.at(unit.offset), unit.end - unit.offset);
     units_.push_back(unit);
+    units_.back().isFieldSlice = splitter_.isFieldSlice();
     if (begun > 0 && begun < units_.size()) {
         complete_ = units_.size() - begun;
-    } else if (!unit.isCut && units_.size() > 1 &&
-               unit.end - units_.front().codeOffset > limits_.accessUnit) {
+    } else if (!unit.isCut && isTooMuch(unit)) {
         complete_ = units_.size() - 1;
         noteCut(units_.front().codeOffset, unit.codeOffset);
     }
@@ -61,13 +75,18 @@ void RawReader::take(const RawUnit& unit) {
     }
 }
 
+bool RawReader::isTooMuch(const RawUnit& unit) const {
+    return units_.size() > limits_.units ||
+           (units_.size() > 1 && unit.end - units_.front().codeOffset > limits_.accessUnit);
+}
+
 void RawReader::finish() {
-    const uint64_t skipped = unitReader_.skippedAtEnd();
-    if (skipped > 0) {
-        const char* text =
-            isFirst_ ? "no start code (00 00 01) in {} bytes" : "the last {} bytes are left out";
-        findings_.push_back(
-            {Severity::Error, window_.end() - skipped, fmt::format(fmt::runtime(text), skipped)});
+    isAtEnd_ = true;
+    if (window_.source().isInterrupted()) {
+        return;
+    }
+    if (const auto rest = unitReader_->rest()) {
+        findings_.push_back(*rest);
     }
     const std::string failure = window_.source().failure();
     if (!failure.empty()) {
@@ -78,7 +97,6 @@ void RawReader::finish() {
         complete_ = units_.size() - withoutPicture;
     }
     isClosed_ = !units_.empty();
-    isAtEnd_ = true;
 }
 
 void RawReader::noteSkipped(const RawUnit& unit) {
@@ -91,9 +109,11 @@ void RawReader::noteSkipped(const RawUnit& unit) {
 }
 
 void RawReader::noteCut(uint64_t begin, uint64_t end) {
+    const std::string limit = units_.size() > limits_.units
+                                  ? fmt::format("holds more than {} NAL units", limits_.units)
+                                  : fmt::format("is longer than {} bytes", limits_.accessUnit);
     findings_.push_back(
-        {Severity::Error, begin,
-         fmt::format("access unit is longer than {} bytes; cut at offset {}", limits_.accessUnit, end)});
+        {Severity::Error, begin, fmt::format("access unit {}; cut at offset {}", limit, end)});
 }
 
 void RawReader::deliver(AccessUnit& accessUnit) {
@@ -103,6 +123,8 @@ void RawReader::deliver(AccessUnit& accessUnit) {
     accessUnit.size = end - begin;
     accessUnit.fileOffset = begin;
     accessUnit.parameters = info_.parameters;
+    accessUnit.isField = std::any_of(units_.begin(), units_.begin() + static_cast<std::ptrdiff_t>(complete_),
+                                     [](const RawUnit& unit) { return unit.isFieldSlice; });
 
     const auto behind = std::stable_partition(
         findings_.begin(), findings_.end(), [end](const Finding& finding) { return *finding.offset < end; });

@@ -1,4 +1,5 @@
-// Access units of a raw byte stream (ITU-T H.264 / H.265 Annex B) of any length.
+// Access units of a raw stream of any length: NAL units behind start codes (ITU-T H.264 / H.265 Annex B) or
+// behind length fields.
 #ifndef QVINSPECT_RAWREADER_H
 #define QVINSPECT_RAWREADER_H
 
@@ -11,7 +12,7 @@
 #include "input/AccessUnitSplitter.h"
 #include "input/ByteSource.h"
 #include "input/ByteWindow.h"
-#include "input/RawUnitReader.h"
+#include "input/UnitReader.h"
 
 namespace qvinspect {
 
@@ -22,13 +23,20 @@ struct RawLimits {
     // longer: 256 MiB, several times what the highest levels of both standards allow for. Twice as much and a
     // chunk is the most that is held: an access unit, and the unit behind it that shows where it ends.
     size_t accessUnit = size_t{256} << 20;
+
+    // And ahead of the unit that makes it more than this: above the number of macroblocks of the largest
+    // H.264 picture (Table A-1), each a slice.
+    size_t units = size_t{1} << 18;
 };
 
 class RawReader : public AccessUnitReader {
 public:
-    RawReader(std::unique_ptr<ByteSource> source, QVCodecID codec, RawLimits limits = {});
+    // stream: the codec and the framing.
+    RawReader(std::unique_ptr<ByteSource> source, const QVCodecParameters& stream, RawLimits limits = {});
 
     const StreamInfo& info() const override { return info_; }
+
+    // When the program is interrupted the stream ends at the last access unit that is known to be whole.
     bool next(AccessUnit& accessUnit) override;
     ReadProgress progress() const override { return {window_.end(), window_.source().size()}; }
 
@@ -37,13 +45,14 @@ private:
     void take(const RawUnit& unit);
     void finish();
     void noteSkipped(const RawUnit& unit);
+    bool isTooMuch(const RawUnit& unit) const;
     void noteCut(uint64_t begin, uint64_t end);
     void deliver(AccessUnit& accessUnit);
 
     StreamInfo info_;
     RawLimits limits_;
     ByteWindow window_;
-    RawUnitReader unitReader_;
+    std::unique_ptr<UnitReader> unitReader_;
     AccessUnitSplitter splitter_;
 
     std::vector<RawUnit> units_;  // read, not delivered

@@ -1,5 +1,7 @@
 #include "input/RawUnitReader.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 
 #include "input/StartCode.h"
@@ -16,7 +18,8 @@ bool RawUnitReader::next(RawUnit& unit) {
     if (!open_) {
         return false;
     }
-    unit = {open_->codeOffset, open_->offset, 0, false, skipped_};
+    hasUnit_ = true;
+    unit = {open_->codeOffset, open_->offset, 0, false, skipped_, false};
     for (;;) {
         open_ = findCode();
         const uint64_t end = open_ ? open_->codeOffset : window_.end();
@@ -33,6 +36,14 @@ bool RawUnitReader::next(RawUnit& unit) {
             return true;
         }
     }
+}
+
+std::optional<Finding> RawUnitReader::rest() const {
+    if (skipped_ == 0) {
+        return std::nullopt;
+    }
+    const char* text = hasUnit_ ? "the last {} bytes are left out" : "no start code (00 00 01) in {} bytes";
+    return Finding{Severity::Error, window_.end() - skipped_, fmt::format(fmt::runtime(text), skipped_)};
 }
 
 // Looks for a start code in what the window holds and remembers how far that is.

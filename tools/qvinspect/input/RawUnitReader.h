@@ -1,4 +1,4 @@
-// Cuts a byte stream of any length into NAL units.
+// Cuts a byte stream of any length into NAL units, ITU-T H.264 / H.265 Annex B.
 #ifndef QVINSPECT_RAWUNITREADER_H
 #define QVINSPECT_RAWUNITREADER_H
 
@@ -7,32 +7,20 @@
 #include <optional>
 
 #include "input/ByteWindow.h"
+#include "input/UnitReader.h"
 
 namespace qvinspect {
 
-// A NAL unit by its offsets in the stream.
-struct RawUnit {
-    uint64_t codeOffset;  // of its start code
-    uint64_t offset;      // of its first byte
-    uint64_t end;         // behind its last byte, trailing zero bytes included
-    bool isCut;           // longer than allowed: end is not its end
-    uint64_t skipped;     // bytes left out ahead of the start code
-};
-
-class RawUnitReader {
+class RawUnitReader : public UnitReader {
 public:
-    // Units with their start codes are cut to longest bytes. Nothing is released from window but bytes that
-    // are left out.
+    // Units with their start codes are cut to longest bytes.
     RawUnitReader(ByteWindow& window, size_t longest);
 
-    // The next unit, its bytes all in the window. False at the end.
-    //
     // What comes ahead of the first start code, and the rest of a cut unit, is left out: the window then
     // loses everything ahead of the next start code, so a cut unit has to be used up before the next call.
-    bool next(RawUnit& unit);
+    bool next(RawUnit& unit) override;
 
-    // Bytes left out behind the last unit; at the end of the stream.
-    uint64_t skippedAtEnd() const { return skipped_; }
+    std::optional<Finding> rest() const override;
 
 private:
     struct Code {
@@ -46,6 +34,7 @@ private:
     size_t longest_;
     std::optional<Code> open_;  // the start code ahead of the next unit
     bool isSkipping_ = true;
+    bool hasUnit_ = false;
     uint64_t searchFrom_ = 0;
     uint64_t zeroByteFrom_ = 0;
     uint64_t skipped_ = 0;

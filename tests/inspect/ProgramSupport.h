@@ -1,0 +1,92 @@
+// Runs the program as a user does.
+#ifndef QV_TESTS_PROGRAMSUPPORT_H
+#define QV_TESTS_PROGRAMSUPPORT_H
+
+#include <gtest/gtest.h>
+#include <sys/types.h>
+
+#include <string>
+#include <vector>
+
+#include "InspectSupport.h"
+
+namespace qv_test {
+
+struct Outcome {
+    int exitCode;  // -1 when a signal ended the program
+    std::string out;
+    std::string err;
+};
+
+std::string textOf(const std::filesystem::path& path);
+
+int openForWriting(const std::string& path);
+
+// Writes the bytes to a pipe, as far as they are taken. The thread gets no SIGPIPE from there on.
+void feed(int pipe, const Bytes& bytes);
+
+// File descriptors.
+struct Streams {
+    int in;  // -1 for an empty one
+    int out;
+    int err;
+};
+
+// The program at work in a folder, at --level nalus unless the arguments say otherwise.
+class RunningProgram {
+public:
+    RunningProgram(const std::vector<std::string>& arguments, const Streams& streams,
+                   const std::string& folder);
+    ~RunningProgram();  // ends the program
+    RunningProgram(const RunningProgram&) = delete;
+    RunningProgram& operator=(const RunningProgram&) = delete;
+
+    void signal(int number) const;
+    bool isRunning() const;
+
+    // It has a handler for the signal.
+    bool catches(int signal) const;
+
+    // The exit code, -1 when a signal ended the program.
+    int wait();
+
+private:
+    pid_t process_;
+    bool isWaitedFor_ = false;
+};
+
+int run(const std::vector<std::string>& arguments, const Streams& streams, const std::string& folder);
+
+class Program : public ::testing::Test {
+protected:
+    Outcome inspect(const std::vector<std::string>& arguments) const;
+
+    // With the bytes coming through a pipe, or out of a file, as standard input.
+    Outcome inspectPiped(const Bytes& input, const std::vector<std::string>& arguments) const;
+    Outcome inspectRedirected(const std::string& file, const std::vector<std::string>& arguments) const;
+
+    // One line on stderr that begins with the program's and the file's name and says text; nothing listed.
+    static void expectRefused(const Outcome& outcome, const std::string& name, const std::string& text);
+
+    static void expectListed(const Outcome& outcome, const std::string& name, const std::string& summaryLine);
+
+    std::string write(const std::string& name, const Bytes& content) const {
+        return files_.write(name, content);
+    }
+    std::string folder() const { return files_.path(); }
+
+    static std::string sample(const std::string& name) { return sampleFolder() / name; }
+
+    static Bytes rawStream() { return fileContent(sampleFolder() / "hevc_hdr10.h265"); }
+    static Bytes mp4() { return fileContent(sampleFolder() / "avc_avc1.mp4"); }
+
+private:
+    Outcome inspectFrom(int in, const std::vector<std::string>& arguments) const;
+
+    TemporaryFolder files_;
+    TemporaryFolder outputs_;
+};
+
+}  // namespace qv_test
+
+#endif
