@@ -337,5 +337,40 @@ TEST_F(Interrupted, container) {
 
 #endif
 
+// --- The progress line ---
+
+TEST_F(ProgramInput, progressOnATerminal) {
+    const Terminal terminal;
+    int ends[2];
+    ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
+    const int out = openForWriting(folder() + "/out");
+    RunningProgram program({"--level", "summary", "-"}, {ends[0], out, terminal.file()}, folder());
+    close(ends[0]);
+    // The stream goes on until the line shows.
+    const Bytes bytes = rawStream();
+    std::string shown;
+    while (shown.empty() && program.isRunning()) {
+        std::thread([&] { feed(ends[1], bytes); }).join();
+        shown = terminal.written();
+    }
+    close(ends[1]);
+    EXPECT_EQ(program.wait(), 0);
+    close(out);
+    EXPECT_THAT(shown, StartsWith("\r"));
+    EXPECT_THAT(shown, HasSubstr(" MB at "));
+    const std::string last = shown + terminal.written();
+    EXPECT_EQ(last.find_last_not_of(" \r"), last.rfind("MB/s") + 3);
+    EXPECT_THAT(last, EndsWith(" \r"));
+}
+
+TEST_F(ProgramInput, noProgressForAShortWork) {
+    const Terminal terminal;
+    write("x", rawStream());
+    const int out = openForWriting(folder() + "/out");
+    EXPECT_EQ(run({"--level", "summary", "--limit", "1", "x"}, {-1, out, terminal.file()}, folder()), 0);
+    close(out);
+    EXPECT_EQ(terminal.written(), "");
+}
+
 }  // namespace
 }  // namespace qv_test

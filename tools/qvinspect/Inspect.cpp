@@ -1,12 +1,14 @@
 #include "Inspect.h"
 
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
 #include <utility>
 
 #include "Interrupt.h"
+#include "Presenters.h"
 #include "analysis/Analysis.h"
 #include "analysis/Clock.h"
 #include "analysis/StreamDetails.h"
@@ -14,6 +16,7 @@
 #include "input/InputError.h"
 #include "input/OpenInput.h"
 #include "report/PrintableName.h"
+#include "report/Progress.h"
 
 namespace qvinspect {
 
@@ -93,6 +96,11 @@ private:
                          : "ends ahead of the part that --start asks for; give an earlier time");
 }
 
+// Not on a terminal that something else is written to at the same time.
+bool showsProgress(const CommandLine& line) {
+    return isatty(STDERR_FILENO) != 0 && !(writesWhileReading(line) && isatty(STDOUT_FILENO) != 0);
+}
+
 class Inspection {
 public:
     Inspection(const std::string& path, const CommandLine& line, const Presenters& presenters)
@@ -103,6 +111,7 @@ public:
           counter_(reader_->info()),
           clock_(line.input.frameRate),
           part_(line.input),
+          progress_(showsProgress(line) ? STDERR_FILENO : -1),
           name_(reportedName(path, line)) {}
 
     Outcome run() {
@@ -113,8 +122,10 @@ public:
         const StreamHead head = begin(accessUnit.fileOffset.has_value());
         bool isMore = true;
         for (uint64_t number = 1; isMore && take(number, accessUnit, head); ++number) {
+            progress_.update(*reader_);
             isMore = reader_->next(accessUnit);
         }
+        progress_.erase();
         if (!hasBegun_) {
             refuseMissed();
         }
@@ -175,6 +186,7 @@ private:
     StreamCounter counter_;
     Clock clock_;
     Part part_;
+    Progress progress_;
     std::string name_;
     bool hasBegun_ = false;
 };

@@ -64,4 +64,8 @@ Presenters makePresenters(const CommandLine& line) {
     return presenters;
 }
 
+bool writesWhileReading(const CommandLine& line) {
+    return isStdoutTaken(line) || line.level.value_or(Level::Summary) != Level::Summary;
+}
+
 }  // namespace qvinspect

@@ -10,6 +10,9 @@ namespace qvinspect {
 // Opens their outputs. Throws OutputError when one cannot be.
 Presenters makePresenters(const CommandLine& line);
 
+// Standard output is written to while an input is read, not only at its end.
+bool writesWhileReading(const CommandLine& line);
+
 }  // namespace qvinspect
 
 #endif
