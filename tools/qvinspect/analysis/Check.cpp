@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <optional>
 #include <stdexcept>
 
@@ -24,13 +25,22 @@ std::optional<uint64_t> wholeNumber(const std::string& text) {
 std::optional<double> secondsOf(const std::string& text) {
     double number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    return error == std::errc() && end + 1 == text.data() + text.size() && *end == 's' && number >= 0
+    return error == std::errc() && end + 1 == text.data() + text.size() && *end == 's' &&
+                   std::isfinite(number) && number >= 0
                ? std::optional<double>(number)
                : std::nullopt;
 }
 
+const char* plural(uint64_t count) {
+    return count == 1 ? "" : "s";
+}
+
 [[noreturn]] void refuse(const std::string& text, const std::string& advice) {
-    throw std::invalid_argument(fmt::format("{}: {}", text, advice));
+    throw std::invalid_argument(fmt::format("--check {}: {}", text, advice));
+}
+
+std::string howToWrite(const CheckRule& rule) {
+    return fmt::format("write {}={}", rule.name, rule.value);
 }
 
 CheckResult keyInterval(const Check& check, const StreamTotals& totals) {
@@ -48,7 +58,8 @@ CheckResult keyInterval(const Check& check, const StreamTotals& totals) {
                 "the stream has no times; give --frame-rate, or the interval in access units"};
     }
     return {check.text, *keys.mostSeconds <= *secondsOf(check.value),
-            fmt::format("the longest lasts {:.3f} s", *keys.mostSeconds)};
+            fmt::format("the longest lasts {:.3f} s, from access unit {} on", *keys.mostSeconds,
+                        keys.mostSecondsAt)};
 }
 
 CheckResult unitSize(const Check& check, const StreamTotals& totals) {
@@ -70,7 +81,7 @@ CheckResult parameterSets(const Check& check, const StreamTotals& totals) {
     }
     if (totals.keyWithoutParameterSets != 0) {
         return {check.text, false,
-                fmt::format("key access unit {} comes without all of its parameter sets",
+                fmt::format("access unit {}, the first key one, comes without all of its parameter sets",
                             totals.keyWithoutParameterSets)};
     }
     return {check.text, true,
@@ -86,13 +97,15 @@ CheckResult hdr10(const Check& check, const StreamTotals& totals) {
 }
 
 CheckResult presence(const Check& check, uint64_t messages) {
-    return {check.text, messages > 0, fmt::format("{} messages", messages)};
+    return {check.text, messages > 0,
+            messages == 0 ? "no message of it" : fmt::format("{} message{}", messages, plural(messages))};
 }
 
 CheckResult noErrors(const Check& check, const StreamTotals& totals) {
     return {check.text, totals.errors == 0,
             totals.errors == 0 ? "no errors"
-                               : fmt::format("{} errors; the first: {}", totals.errors, totals.firstError)};
+                               : fmt::format("{} error{}; the first: {}", totals.errors,
+                                             plural(totals.errors), totals.firstError)};
 }
 
 CheckResult codec(const Check& check, const StreamTotals& totals) {
@@ -103,17 +116,15 @@ CheckResult codec(const Check& check, const StreamTotals& totals) {
 
 const std::vector<CheckRule>& checkRules() {
     static const std::vector<CheckRule> rules = {
-        {"max-key-interval", "N or SECONDSs",
-         "key pictures at most so many access units apart, or seconds (2s)"},
+        {"max-key-interval", "N[s]", "most access units, or seconds, from key to key"},
         {"max-unit-size", "BYTES", "no NAL unit is larger"},
         {"max-access-unit-size", "BYTES", "no access unit is larger"},
-        {"parameter-sets-first", "",
-         "parameter sets stand ahead of the first key picture, or in the container"},
-        {"hdr10", "", "mastering display or content light level metadata is there"},
+        {"parameter-sets-first", "", "no key picture comes ahead of its parameter sets"},
+        {"hdr10", "", "mastering display or content light level is there"},
         {"hdr-vivid", "", "HDR Vivid metadata is there"},
         {"captions", "", "A/53 captions are there"},
         {"no-errors", "", "nothing in the stream is broken"},
-        {"codec", "h264 or h265", "the video is coded so"},
+        {"codec", "h264|h265", "the video is coded so"},
     };
     return rules;
 }
@@ -129,8 +140,7 @@ Check parseCheck(const std::string& text) {
     }
     const bool wantsValue = *rule->value != '\0';
     if (wantsValue != !check.value.empty() || (!wantsValue && equals != std::string::npos)) {
-        refuse(text, wantsValue ? fmt::format("write {}={}", rule->name, rule->value)
-                                : fmt::format("{} takes no value", rule->name));
+        refuse(text, wantsValue ? howToWrite(*rule) : fmt::format("{} takes no value", rule->name));
     }
     const bool isRight =
         !wantsValue ||
@@ -138,7 +148,7 @@ Check parseCheck(const std::string& text) {
          : check.rule == "max-key-interval" ? wholeNumber(check.value) || secondsOf(check.value)
                                             : wholeNumber(check.value).has_value());
     if (!isRight) {
-        refuse(text, fmt::format("write {}={}", rule->name, rule->value));
+        refuse(text, howToWrite(*rule));
     }
     return check;
 }

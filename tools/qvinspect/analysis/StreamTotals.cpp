@@ -106,6 +106,9 @@ void StreamCounter::noteParameterSet(uint32_t nal_unit_type) {
 void StreamCounter::add(const AccessUnitView& view) {
     ++totals_.accessUnits;
     lastNumber_ = view.number;
+    if (!first_) {
+        first_ = AccessUnitPlace{view.number, finite(view.time)};
+    }
     totals_.bytes += view.accessUnit.size;
     if (view.accessUnit.size > totals_.largestAccessUnit) {
         totals_.largestAccessUnit = view.accessUnit.size;
@@ -307,34 +310,38 @@ void StreamCounter::addKey(const AccessUnitView& view, std::optional<double> tim
         totals_.firstKey = view.number;
     }
     KeyIntervals& intervals = totals_.keyIntervals;
+    const AccessUnitPlace here{view.number, time};
     if (key_) {
-        const uint64_t distance = view.number - key_->number;
+        const uint64_t distance = here.number - key_->number;
         intervals.least = intervals.count == 0 ? distance : std::min(intervals.least, distance);
         intervals.sum += distance;
         ++intervals.count;
-        if (key_->time && time) {
-            const double seconds = *time - *key_->time;
+        if (key_->time && here.time) {
+            const double seconds = *here.time - *key_->time;
             intervals.leastSeconds = std::min(intervals.leastSeconds.value_or(seconds), seconds);
             intervals.sumSeconds += seconds;
             ++intervals.timed;
         }
-        noteLongest(view.number, time);
     }
-    key_ = Key{view.number, time};
+    noteLongest(key_ ? *key_ : *first_, here);
+    key_ = here;
 }
 
-// True when the run from the last key access unit to end is the longest so far.
-bool StreamCounter::noteLongest(uint64_t end, std::optional<double> endTime) {
+// True when the run is the longest so far.
+bool StreamCounter::noteLongest(const AccessUnitPlace& from, const AccessUnitPlace& to) {
     KeyIntervals& intervals = totals_.keyIntervals;
-    if (key_->time && endTime) {
-        const double seconds = *endTime - *key_->time;
-        intervals.mostSeconds = std::max(intervals.mostSeconds.value_or(seconds), seconds);
+    if (from.time && to.time && to.number > from.number) {
+        const double seconds = *to.time - *from.time;
+        if (!intervals.mostSeconds || seconds > *intervals.mostSeconds) {
+            intervals.mostSeconds = seconds;
+            intervals.mostSecondsAt = from.number;
+        }
     }
-    if (end - key_->number <= intervals.most) {
+    if (to.number - from.number <= intervals.most) {
         return false;
     }
-    intervals.most = end - key_->number;
-    intervals.mostAt = key_->number;
+    intervals.most = to.number - from.number;
+    intervals.mostAt = from.number;
     return true;
 }
 
@@ -372,7 +379,8 @@ void StreamCounter::finish(const std::vector<Finding>& findings) {
     addFindings(findings, 0);
     const bool isTimed = totals_.untimedAccessUnits == 0;
     if (key_) {
-        totals_.keyIntervals.isMostAtEnd = noteLongest(lastNumber_ + 1, isTimed ? end_ : std::nullopt);
+        totals_.keyIntervals.isMostAtEnd =
+            noteLongest(*key_, {lastNumber_ + 1, isTimed ? end_ : std::nullopt});
     }
     const double duration = isTimed && begin_ ? *end_ - *begin_ : 0;
     if (duration <= 0 || !std::isfinite(duration)) {

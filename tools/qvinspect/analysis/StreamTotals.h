@@ -23,7 +23,7 @@ struct KeyIntervals {
     uint64_t least = 0;  // access units
     uint64_t sum = 0;
 
-    // The run from the last one to the end of the stream counts here as well.
+    // The runs ahead of the first one and behind the last one count here as well.
     uint64_t most = 0;
     uint64_t mostAt = 0;       // number of the access unit where it begins
     bool isMostAtEnd = false;  // the longest is that run: nothing says how long it would have become
@@ -31,6 +31,7 @@ struct KeyIntervals {
     // In seconds, of those between access units whose times are known.
     std::optional<double> leastSeconds;
     std::optional<double> mostSeconds;
+    uint64_t mostSecondsAt = 0;
     double sumSeconds = 0;
     uint64_t timed = 0;
 };
@@ -136,6 +137,11 @@ public:
     const StreamTotals& totals() const { return totals_; }
 
 private:
+    struct AccessUnitPlace {
+        uint64_t number;
+        std::optional<double> time;
+    };
+
     void noteParameterSet(uint32_t nal_unit_type);
     void addUnits(const AccessUnitView& view);
     void addUnit(const UnitReport& unit, const AccessUnitView& view);
@@ -149,7 +155,7 @@ private:
     void addError(const Finding& finding, uint64_t accessUnit);
     void addUnitErrors(const UnitReport& unit, const UnitDetails& details, uint64_t accessUnit);
     void addKey(const AccessUnitView& view, std::optional<double> time);
-    bool noteLongest(uint64_t end, std::optional<double> endTime);
+    bool noteLongest(const AccessUnitPlace& from, const AccessUnitPlace& to);
     void addTime(const AccessUnitView& view, std::optional<double> time);
     void addLoad(double decodeTime, uint64_t bytes);
 
@@ -160,11 +166,8 @@ private:
     bool hasSps_ = false;
     bool hasPps_ = false;
 
-    struct Key {
-        uint64_t number;
-        std::optional<double> time;
-    };
-    std::optional<Key> key_;  // the last one
+    std::optional<AccessUnitPlace> first_;
+    std::optional<AccessUnitPlace> key_;  // the last one
     uint64_t lastNumber_ = 0;
 
     std::optional<double> begin_;
