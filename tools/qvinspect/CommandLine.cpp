@@ -5,13 +5,17 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
-#include <map>
-#include <set>
+#include <climits>
+#include <cmath>
+#include <filesystem>
+#include <memory>
 #include <stdexcept>
+#include <utility>
 
 #include "ExitCode.h"
-#include "analysis/NalUnitNames.h"
 #include "report/JsonSchema.h"
+#include "report/Output.h"
+#include "report/PrintableName.h"
 
 namespace qvinspect {
 
@@ -21,27 +25,75 @@ constexpr const char* kInputGroup = "Input";
 constexpr const char* kShownGroup = "What is shown";
 constexpr const char* kOutputGroup = "Outputs (- for standard output)";
 constexpr const char* kCheckGroup = "Checks";
+constexpr const char* kOtherGroup = "Other";
 
-const std::map<std::string, std::optional<QVCodecID>> kCodecs = {
+// What an option may be set to, in the order in which it is shown.
+template <typename Value>
+using Choices = std::vector<std::pair<const char*, Value>>;
+
+const Choices<std::optional<QVCodecID>> kCodecs = {
     {"auto", std::nullopt}, {"h264", QVCodecIDAvc}, {"h265", QVCodecIDHevc}};
-const std::map<std::string, InputFormat> kFormats = {
-    {"auto", InputFormat::Auto},    {"annexb", InputFormat::AnnexB}, {"lp1", InputFormat::Lengths1},
-    {"lp2", InputFormat::Lengths2}, {"lp4", InputFormat::Lengths4},  {"container", InputFormat::Container}};
-const std::map<std::string, Level> kLevels = {{"summary", Level::Summary},
-                                              {"samples", Level::Samples},
-                                              {"nalus", Level::Nalus},
-                                              {"sei", Level::Sei},
-                                              {"fields", Level::Fields}};
-const std::map<std::string, ColorUse> kColors = {
+const Choices<InputFormat> kFormats = {{"auto", InputFormat::Auto},    {"annexb", InputFormat::AnnexB},
+                                       {"lp1", InputFormat::Lengths1}, {"lp2", InputFormat::Lengths2},
+                                       {"lp4", InputFormat::Lengths4}, {"container", InputFormat::Container}};
+const Choices<Level> kLevels = {{"summary", Level::Summary},
+                                {"samples", Level::Samples},
+                                {"nalus", Level::Nalus},
+                                {"sei", Level::Sei},
+                                {"fields", Level::Fields}};
+const Choices<ColorUse> kColors = {
     {"auto", ColorUse::Auto}, {"always", ColorUse::Always}, {"never", ColorUse::Never}};
 
 template <typename Value>
-std::set<std::string> namesOf(const std::map<std::string, Value>& values) {
-    std::set<std::string> names;
-    for (const auto& entry : values) {
-        names.insert(entry.first);
-    }
-    return names;
+auto find(const Choices<Value>& choices, const std::string& word) {
+    return std::find_if(choices.begin(), choices.end(),
+                        [&](const auto& choice) { return word == choice.first; });
+}
+
+// What is told of a wrong word names those that are right.
+template <typename Value>
+auto oneOf(const Choices<Value>& choices) {
+    return [&choices](const std::string& word) {
+        if (find(choices, word) != choices.end()) {
+            return std::string();
+        }
+        std::vector<const char*> names;
+        for (const auto& choice : choices) {
+            names.push_back(choice.first);
+        }
+        return fmt::format("\"{}\" is none of {}", printableName(word), fmt::join(names, ", "));
+    };
+}
+
+template <typename Number>
+std::optional<Number> numberOf(const std::string& word) {
+    Number number{};
+    const char* const end = word.data() + word.size();
+    const auto [stop, error] = std::from_chars(word.data(), end, number);
+    return error == std::errc() && stop == end ? std::optional<Number>(number) : std::nullopt;
+}
+
+auto wholeNumber(uint64_t least, uint64_t most, const char* range) {
+    return [=](const std::string& word) {
+        const auto number = numberOf<uint64_t>(word);
+        return number && *number >= least && *number <= most
+                   ? std::string()
+                   : fmt::format("\"{}\" is no number {}", printableName(word), range);
+    };
+}
+
+std::string refuseNonNegative(const std::string& word) {
+    const auto number = numberOf<double>(word);
+    return number && std::isfinite(*number) && *number >= 0
+               ? std::string()
+               : fmt::format("\"{}\" is no number from 0 on", printableName(word));
+}
+
+std::string refusePositive(const std::string& word) {
+    const auto number = numberOf<double>(word);
+    return number && std::isfinite(*number) && *number > 0
+               ? std::string()
+               : fmt::format("\"{}\" is no number above 0", printableName(word));
 }
 
 // Texts as they stand on the command line, ahead of being understood.
@@ -64,10 +116,10 @@ uint32_t hexNumber(const std::string& text, uint32_t most, const std::string& wh
     uint32_t number = 0;
     const auto [stop, error] = std::from_chars(begin, end, number, 16);
     if (begin == end || error != std::errc() || stop != end || number > most) {
-        throw std::invalid_argument(fmt::format(
-            "--t35 {}: write the country code in hexadecimal, as in b5, or with the provider code, "
-            "as in b5:0031",
-            whole));
+        throw std::invalid_argument(
+            fmt::format("--t35: \"{}\" is no code; write the country in hexadecimal, as b5, or with the "
+                        "provider, as b5:0031",
+                        printableName(whole)));
     }
     return number;
 }
@@ -83,42 +135,46 @@ T35Codes parseT35(const std::string& text) {
 }
 
 void addInputOptions(CLI::App& app, CommandLine& line, Words& words) {
-    app.add_option("FILE", line.files, "Files to inspect, one after the other; - for standard input");
-    app.add_option("--codec", words.codec, "What the files hold; in a container, the video to choose")
-        ->type_name("auto|h264|h265")
-        ->check(CLI::IsMember(namesOf(kCodecs)))
+    app.add_option("FILE", line.files);
+    app.add_option("--codec", words.codec, "auto, h264 or h265; in a container, the video to choose")
+        ->type_name("CODEC")
+        ->check(oneOf(kCodecs))
         ->group(kInputGroup);
-    app.add_option("--format", words.format, "How NAL units are framed, lpN: by lengths of N bytes")
-        ->type_name("auto|annexb|lp1|lp2|lp4|container")
-        ->check(CLI::IsMember(namesOf(kFormats)))
+    app.add_option("--format", words.format,
+                   "auto, annexb, container, or lp1, lp2, lp4 for raw\n"
+                   "streams with lengths of 1, 2 or 4 bytes")
+        ->type_name("FORMAT")
+        ->check(oneOf(kFormats))
         ->group(kInputGroup);
-    app.add_option("--stream", line.input.stream, "Stream of the container, counted from 0")
+    app.add_option("--stream", line.input.stream, "stream of the container, counted from 0")
         ->type_name("N")
+        ->check(wholeNumber(0, UINT_MAX, "from 0 on"))
         ->group(kInputGroup);
-    app.add_option("--frame-rate", line.input.frameRate, "Frames a second, for a raw stream that tells none")
+    app.add_option("--frame-rate", line.input.frameRate, "frames a second, for a raw stream that tells none")
         ->type_name("RATE")
-        ->check(CLI::PositiveNumber)
+        ->check(refusePositive)
         ->group(kInputGroup);
-    app.add_option("--start", line.input.start, "Leave out the first SECONDS")
+    app.add_option("--start", line.input.start, "leave out the first SECONDS")
         ->type_name("SECONDS")
-        ->check(CLI::NonNegativeNumber)
+        ->check(refuseNonNegative)
         ->group(kInputGroup);
-    app.add_option("--duration", line.input.duration, "Inspect only so many SECONDS")
+    app.add_option("--duration", line.input.duration, "inspect only so many SECONDS")
         ->type_name("SECONDS")
-        ->check(CLI::PositiveNumber)
+        ->check(refusePositive)
         ->group(kInputGroup);
-    app.add_option("--limit", line.input.mostAccessUnits, "Inspect only N access units")
+    app.add_option("--limit", line.input.mostAccessUnits, "inspect only N access units")
         ->type_name("N")
-        ->check(CLI::PositiveNumber)
+        ->check(wholeNumber(1, UINT64_MAX, "from 1 on"))
         ->group(kInputGroup);
 }
 
 void addShownOptions(CLI::App& app, CommandLine& line, Words& words) {
-    app.add_option(
-           "--level", words.level,
-           "How deep to go. Without it a summary, or as deep as filters need; JSON and NDJSON in full")
-        ->type_name("summary|samples|nalus|sei|fields")
-        ->check(CLI::IsMember(namesOf(kLevels)))
+    app.add_option("--level", words.level,
+                   "summary, samples, nalus, sei or fields: how deep to go;\n"
+                   "without it a summary, or as deep as filters need,\n"
+                   "and everything in JSON and NDJSON")
+        ->type_name("LEVEL")
+        ->check(oneOf(kLevels))
         ->group(kShownGroup);
     const auto repeatable = [&](const char* name, auto& values, const char* help, const char* type) {
         return app.add_option(name, values, help)
@@ -126,54 +182,143 @@ void addShownOptions(CLI::App& app, CommandLine& line, Words& words) {
             ->allow_extra_args(false)
             ->group(kShownGroup);
     };
-    repeatable("--type", line.filter.unitTypes, "Only NAL units of this nal_unit_type", "N")
-        ->check(CLI::Range(0, 63));
-    repeatable("--sei", line.filter.seiTypes, "Only SEI messages of this payloadType", "TYPE");
-    repeatable("--t35", words.t35, "Only ITU-T T.35 messages with these codes, as b5 or b5:0031",
-               "COUNTRY[:PROVIDER]");
-    app.add_flag("--key-only", line.filter.keyOnly, "Only key access units")->group(kShownGroup);
-    app.add_flag("--errors-only", line.filter.errorsOnly, "Only access units with errors")
+    repeatable("--type", line.filter.unitTypes, "only NAL units of this nal_unit_type", "N")
+        ->check(wholeNumber(0, 63, "from 0 to 63"));
+    repeatable("--sei", line.filter.seiTypes, "only SEI messages of this payloadType", "TYPE")
+        ->check(wholeNumber(0, UINT32_MAX, "from 0 on"));
+    repeatable("--t35", words.t35, "only ITU-T T.35 messages of these codes: b5, b5:0031", "CODES");
+    app.add_flag("--key-only", line.filter.keyOnly, "only key access units")->group(kShownGroup);
+    app.add_flag("--errors-only", line.filter.errorsOnly, "only access units with errors")
         ->group(kShownGroup);
-    repeatable("--request", words.requested,
-               "Have the library keep SEI messages of this payloadType as items", "TYPE")
-        ->check(CLI::NonNegativeNumber);
+    repeatable("--request", words.requested, "have SEI messages of this payloadType kept as items", "TYPE")
+        ->check(wholeNumber(0, INT_MAX, "from 0 on"));
 }
 
 void addOutputOptions(CLI::App& app, CommandLine& line, Words& words) {
     const auto file = [&](const char* name, std::string& path, const char* help, const char* type = "FILE") {
         app.add_option(name, path, help)->type_name(type)->group(kOutputGroup);
     };
-    file("--json", line.json, "One JSON document");
-    file("--ndjson", line.ndjson, "A JSON object on each line");
-    file("--csv", line.csv, "A row for each NAL unit");
-    file("--html", line.html, "A report to open in a browser");
-    file("--to-annexb", line.toAnnexB, "The stream with start codes");
-    file("--to-lengths", line.toLengths, "The stream with 4-byte lengths");
-    file("--extract-sei", line.extractSei, "Payloads of kept SEI items, with an index", "DIR");
-    app.add_option("--color", words.color, "Colours of the listing")
-        ->type_name("auto|always|never")
-        ->check(CLI::IsMember(namesOf(kColors)))
+    file("--json", line.json, "one JSON document");
+    file("--ndjson", line.ndjson, "a JSON object on each line");
+    file("--csv", line.csv, "a row for each NAL unit");
+    file("--html", line.html, "a report to open in a browser");
+    file("--to-annexb", line.toAnnexB, "the stream with start codes");
+    file("--to-lengths", line.toLengths, "the stream with 4-byte lengths");
+    file("--extract-sei", line.extractSei, "a new folder of SEI items, a file for each, and an index", "DIR");
+    app.add_option("--color", words.color, "auto, always or never: colours of the listing")
+        ->type_name("WHEN")
+        ->check(oneOf(kColors))
         ->group(kOutputGroup);
-    app.add_flag("--schema", words.showSchema, "Show the JSON Schema of --json and --ndjson")
+    app.add_flag("--schema", words.showSchema, "show the JSON Schema of --json and --ndjson")
         ->group(kOutputGroup);
-    app.add_flag("--stamp", line.stamp, "Put the date and whole paths into the outputs")->group(kOutputGroup);
+    app.add_flag("--stamp", line.stamp, "put the date and whole paths into the outputs")->group(kOutputGroup);
 }
 
 void addCheckOptions(CLI::App& app, CommandLine& line, Words& words) {
-    app.add_option("--check", words.checks, "Hold the stream against a rule; may be given again")
+    app.add_option("--check", words.checks, "hold the stream against a rule; may be given again")
         ->type_name("RULE")
         ->allow_extra_args(false)
         ->group(kCheckGroup);
-    app.add_flag("--list-checks", words.listChecks, "Show all rules")->group(kCheckGroup);
-    app.add_flag("--strict", line.strict, "Errors in a stream are a failure")->group(kCheckGroup);
+    app.add_flag("--list-checks", words.listChecks, "show all rules")->group(kCheckGroup);
+    app.add_flag("--strict", line.strict, "errors in a stream are a failure")->group(kCheckGroup);
+}
+
+void addOtherOptions(CLI::App& app) {
+    app.set_help_flag("-h,--help", "show this")->group(kOtherGroup);
+    app.set_version_flag("--version", "qvinspect " QVINSPECT_VERSION, "show the version")->group(kOtherGroup);
+}
+
+// Every option on lines of its own, in two columns that fit a terminal.
+class Help : public CLI::FormatterBase {
+public:
+    std::string make_help(const CLI::App* app, std::string, CLI::AppFormatMode) const override {
+        std::string text =
+            fmt::format("{}\n\nUsage: qvinspect [OPTION]... FILE...\n", app->get_description());
+        for (const char* group : {kInputGroup, kShownGroup, kOutputGroup, kCheckGroup, kOtherGroup}) {
+            text += fmt::format("\n{}:\n", group);
+            for (const CLI::Option* option : app->get_options(
+                     [&](const CLI::Option* candidate) { return candidate->get_group() == group; })) {
+                text += optionHelp(*option);
+            }
+        }
+        return fmt::format("{}\n{}\n", text, app->get_footer());
+    }
+
+private:
+    static std::string optionHelp(const CLI::Option& option) {
+        constexpr size_t kColumn = 22;
+        const std::string type = option.get_expected_max() > 0 ? " " + option.get_type_name() : "";
+        std::string help = option.get_description();
+        for (size_t at = help.find('\n'); at != std::string::npos; at = help.find('\n', at + 1)) {
+            help.insert(at + 1, kColumn, ' ');
+        }
+        return fmt::format("{:<{}}{}\n", fmt::format("  {}{}", option.get_name(false, true), type), kColumn,
+                           help);
+    }
+};
+
+constexpr const char* kFooter =
+    "Examples:\n"
+    "  qvinspect movie.mp4                              one screen about it\n"
+    "  qvinspect --level nalus --limit 50 broken.h264   its first NAL units\n"
+    "  qvinspect --html report.html --ndjson all.ndjson movie.mkv\n"
+    "  qvinspect --check no-errors --check max-key-interval=2s movie.ts\n"
+    "  qvinspect --to-annexb - movie.mp4 | player -\n"
+    "\n"
+    "Exit code: 0 fine, 1 wrong command line, 2 an input cannot be opened or holds\n"
+    "no such video, 3 errors in a stream (--strict), 4 a check failed, 5 an output\n"
+    "cannot be written whole, 130 interrupted.";
+
+// "--option" and where its output goes, of those that are asked for.
+using NamedOutputs = std::vector<std::pair<const char*, std::string>>;
+
+NamedOutputs outputsOf(const CommandLine& line) {
+    NamedOutputs outputs = {
+        {"--json", line.json}, {"--ndjson", line.ndjson},      {"--csv", line.csv},
+        {"--html", line.html}, {"--to-annexb", line.toAnnexB}, {"--to-lengths", line.toLengths}};
+    outputs.erase(std::remove_if(outputs.begin(), outputs.end(),
+                                 [](const auto& output) { return output.second.empty(); }),
+                  outputs.end());
+    return outputs;
+}
+
+// Only regular files: terminals and pipes stand any number of users.
+bool isSameFile(const std::string& a, const std::string& b) {
+    std::error_code ignored;
+    return (std::filesystem::is_regular_file(a, ignored) && std::filesystem::equivalent(a, b, ignored)) ||
+           (!std::filesystem::exists(a, ignored) &&
+            std::filesystem::path(a).lexically_normal() == std::filesystem::path(b).lexically_normal());
+}
+
+void refuseClashes(const CommandLine& line) {
+    const NamedOutputs outputs = outputsOf(line);
+    for (auto output = outputs.begin(); output != outputs.end(); ++output) {
+        const auto& [name, path] = *output;
+        for (const std::string& file : line.files) {
+            if (path != "-" && file != "-" && isSameFile(path, file)) {
+                throw std::invalid_argument(fmt::format("{} {} would overwrite an input; name another file",
+                                                        name, printableName(path)));
+            }
+        }
+        for (auto other = outputs.begin(); other != output; ++other) {
+            if (path == "-" && other->second == "-") {
+                throw std::invalid_argument(
+                    "only one output can go to standard output; name a file for the others");
+            }
+            if (path != "-" && other->second != "-" && isSameFile(path, other->second)) {
+                throw std::invalid_argument(fmt::format("{} and {} both name {}; name another file",
+                                                        other->first, name, printableName(path)));
+            }
+        }
+    }
 }
 
 void understand(CommandLine& line, const Words& words) {
-    line.input.codec = kCodecs.at(words.codec);
-    line.input.format = kFormats.at(words.format);
-    line.color = kColors.at(words.color);
+    line.input.codec = find(kCodecs, words.codec)->second;
+    line.input.format = find(kFormats, words.format)->second;
+    line.color = find(kColors, words.color)->second;
     if (!words.level.empty()) {
-        line.level = kLevels.at(words.level);
+        line.level = find(kLevels, words.level)->second;
     }
     line.requested.assign(words.requested.begin(), words.requested.end());
     for (const std::string& text : words.t35) {
@@ -189,11 +334,7 @@ void understand(CommandLine& line, const Words& words) {
     if (std::count_if(line.files.begin(), line.files.end(), isStdin) > 1) {
         throw std::invalid_argument("standard input can be inspected only once");
     }
-    const std::vector<std::string> outputs = {line.json, line.ndjson,   line.csv,
-                                              line.html, line.toAnnexB, line.toLengths};
-    if (std::count(outputs.begin(), outputs.end(), "-") > 1) {
-        throw std::invalid_argument("only one output can go to standard output; name a file for the others");
-    }
+    refuseClashes(line);
     const bool isRaw = line.input.format != InputFormat::Auto && line.input.format != InputFormat::Container;
     if (line.input.stream && isRaw) {
         throw std::invalid_argument(fmt::format(
@@ -205,56 +346,58 @@ void understand(CommandLine& line, const Words& words) {
     }
 }
 
-void listChecks() {
+std::string listOfChecks() {
+    std::string text;
     for (const CheckRule& rule : checkRules()) {
         const std::string name =
             *rule.value == '\0' ? rule.name : fmt::format("{}={}", rule.name, rule.value);
-        fmt::print("{:<34} {}\n", name, rule.help);
+        text += fmt::format("{:<28}{}\n", name, rule.help);
     }
+    return text;
+}
+
+void show(const std::string& text) {
+    Output out("-");
+    out.write(text);
+    out.close();
+}
+
+int refuse(const std::string& reason) {
+    fmt::print(stderr, "qvinspect: {}\nqvinspect --help shows all options.\n", printableName(reason));
+    return kExitUsage;
 }
 
 }  // namespace
 
 CommandLine parseCommandLine(int argc, const char* const* argv) {
     CLI::App app("Shows what H.264 and H.265 video holds: raw byte streams and containers.", "qvinspect");
-    app.set_version_flag("--version", "qvinspect " QVINSPECT_VERSION);
-    app.footer(
-        "Examples:\n"
-        "  qvinspect movie.mp4                                one screen about the stream\n"
-        "  qvinspect --level nalus --limit 50 broken.h264     its first NAL units\n"
-        "  qvinspect --html report.html --ndjson all.ndjson movie.mkv\n"
-        "  qvinspect --check no-errors --check max-key-interval=2s movie.ts\n"
-        "\n"
-        "Exit code: 0 fine, 1 wrong command line, 2 an input cannot be opened or holds no such video,\n"
-        "3 errors in a stream with --strict, 4 a check failed, 5 an output cannot be written,\n"
-        "130 interrupted.");
+    app.formatter(std::make_shared<Help>());
+    app.footer(kFooter);
     CommandLine line;
     Words words;
     addInputOptions(app, line, words);
     addShownOptions(app, line, words);
     addOutputOptions(app, line, words);
     addCheckOptions(app, line, words);
+    addOtherOptions(app);
     try {
         app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        line.exitCode = app.exit(error) == 0 ? kExitOk : kExitUsage;
-        return line;
-    }
-    if (words.listChecks) {
-        listChecks();
-        line.exitCode = kExitOk;
-        return line;
-    }
-    if (words.showSchema) {
-        fmt::print("{}", kJsonSchema);
-        line.exitCode = kExitOk;
-        return line;
-    }
-    try {
+        if (words.listChecks || words.showSchema) {
+            show(words.listChecks ? listOfChecks() : kJsonSchema);
+            line.exitCode = kExitOk;
+            return line;
+        }
         understand(line, words);
+    } catch (const CLI::CallForHelp&) {
+        show(app.help());
+        line.exitCode = kExitOk;
+    } catch (const CLI::CallForVersion& version) {
+        show(fmt::format("{}\n", version.what()));
+        line.exitCode = kExitOk;
+    } catch (const CLI::ParseError& error) {
+        line.exitCode = refuse(error.what());
     } catch (const std::invalid_argument& error) {
-        fmt::print(stderr, "{}\nRun with --help for more information.\n", error.what());
-        line.exitCode = kExitUsage;
+        line.exitCode = refuse(error.what());
     }
     return line;
 }
