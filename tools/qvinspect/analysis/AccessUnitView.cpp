@@ -36,10 +36,13 @@ AccessUnitView viewOf(uint64_t number, const AccessUnit& accessUnit, const Acces
     view.units.reserve(report.units.size());
     for (size_t i = 0; i < report.units.size(); ++i) {
         UnitView unit{
-            &report.units[i], &details.units[i], accessUnit.data + (report.units[i].offset - start), {}};
+            &report.units[i], &details.units[i], accessUnit.data + (report.units[i].offset - start), {}, {}};
         if (unit.details->sei) {
             for (const SeiMessage& message : unit.details->sei->messages) {
                 unit.messages.push_back(&message);
+            }
+            for (const SeiItem& item : unit.details->sei->items) {
+                unit.items.push_back(&item);
             }
         }
         view.errors += isBroken(unit) ? 1U : 0U;

@@ -18,6 +18,7 @@ struct UnitView {
     const unsigned char* data;  // report->length bytes
 
     std::vector<const SeiMessage*> messages;  // those that are shown
+    std::vector<const SeiItem*> items;        // those that are shown
 };
 
 // The library does not type the unit, refuses it, or cannot walk all of it.

@@ -26,6 +26,13 @@ bool hasCodes(const std::vector<uint8_t>& payload, const T35Codes& codes) {
            (payload[provider] << 8 | payload[provider + 1]) == *codes.itu_t_t35_provider_code;
 }
 
+template <typename Value, typename Condition>
+void keepOnly(std::vector<Value>& values, const Condition& condition) {
+    values.erase(
+        std::remove_if(values.begin(), values.end(), [&](const Value& value) { return !condition(value); }),
+        values.end());
+}
+
 }  // namespace
 
 void Filter::apply(AccessUnitView& view) const {
@@ -34,28 +41,27 @@ void Filter::apply(AccessUnitView& view) const {
         view.units.clear();
         return;
     }
-    const auto isMessageShown = [this](const SeiMessage& message) {
-        return (seiTypes.empty() || isAmong(seiTypes, message.payloadType)) &&
-               (t35.empty() || (message.payloadType == kUserDataRegistered &&
+    const auto isPayloadShown = [this](uint32_t payloadType, const std::vector<uint8_t>& payload) {
+        return (seiTypes.empty() || isAmong(seiTypes, payloadType)) &&
+               (t35.empty() || (payloadType == kUserDataRegistered &&
                                 std::any_of(t35.begin(), t35.end(), [&](const T35Codes& codes) {
-                                    return hasCodes(message.payload, codes);
+                                    return hasCodes(payload, codes);
                                 })));
     };
     const bool choosesMessages = !seiTypes.empty() || !t35.empty();
     const auto isUnitShown = [&](const UnitView& unit) {
         const bool isTyped = unit.report->state == UnitState::Typed;
         return (unitTypes.empty() || (isTyped && isAmong(unitTypes, unit.report->type))) &&
-               (!choosesMessages || !unit.messages.empty());
+               (!choosesMessages || !unit.messages.empty() || !unit.items.empty());
     };
     for (UnitView& unit : view.units) {
-        unit.messages.erase(
-            std::remove_if(unit.messages.begin(), unit.messages.end(),
-                           [&](const SeiMessage* message) { return !isMessageShown(*message); }),
-            unit.messages.end());
+        keepOnly(unit.messages, [&](const SeiMessage* message) {
+            return isPayloadShown(message->payloadType, message->payload);
+        });
+        keepOnly(unit.items,
+                 [&](const SeiItem* item) { return isPayloadShown(item->payloadType, item->bytes); });
     }
-    view.units.erase(std::remove_if(view.units.begin(), view.units.end(),
-                                    [&](const UnitView& unit) { return !isUnitShown(unit); }),
-                     view.units.end());
+    keepOnly(view.units, isUnitShown);
     const bool choosesUnits = !unitTypes.empty() || choosesMessages;
     view.isShown = !choosesUnits || !view.units.empty();
 }

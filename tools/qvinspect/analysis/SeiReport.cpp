@@ -114,7 +114,7 @@ SeiReader::~SeiReader() {
 
 void SeiReader::add(const unsigned char* data, size_t size, uint32_t nalUnitType, uint64_t offset,
                     SeiReport& report) {
-    SeiUnit unit{offset, QVResultOk, {}, {}};
+    SeiUnit unit{offset, QVResultOk, {}, {}, {}};
     const size_t firstItem = items_.size();
     {
         const LogCapture log;
@@ -134,6 +134,11 @@ void SeiReader::add(const unsigned char* data, size_t size, uint32_t nalUnitType
         message.block = describeSei(codec_, message.payloadType, message.payload, sps_);
     }
     markKept(unit.messages, items_, firstItem);
+    for (size_t i = firstItem; i < items_.size(); ++i) {
+        const QVSeiItem& item = items_[i];
+        unit.items.push_back(
+            {item.payloadType, {item.payloadData, item.payloadData + item.payloadSize}, deliveryOf(item)});
+    }
     report.units.push_back(std::move(unit));
 }
 

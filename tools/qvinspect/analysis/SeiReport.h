@@ -35,11 +35,19 @@ struct SeiMessage {
     uint32_t codedSize = 0;
 };
 
+// What the library handed over of a message.
+struct SeiItem {
+    uint32_t payloadType;
+    std::vector<uint8_t> bytes;
+    Delivery delivery;
+};
+
 struct SeiUnit {
     uint64_t offset;  // as that of its NAL unit
     int result;       // of the library's walk
     std::vector<std::string> log;
     std::vector<SeiMessage> messages;
+    std::vector<SeiItem> items;  // all of them, in the order of the walk
 };
 
 struct SeiReport {

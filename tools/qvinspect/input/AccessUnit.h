@@ -40,6 +40,10 @@ struct AccessUnit {
     bool isField = false;
 
     QVCodecParameters parameters{};
+
+    // A record for the decoder that holds from here on; empty when none came with this access unit.
+    std::vector<uint8_t> newConfiguration;
+
     std::vector<Finding> findings;
 };
 

@@ -181,7 +181,7 @@ public:
         if (!readPacket(accessUnit.findings)) {
             return false;
         }
-        followFraming();
+        followConfiguration(accessUnit);
         fill(accessUnit);
         return true;
     }
@@ -223,11 +223,12 @@ private:
     }
 
     // A new configuration record can come with a sample.
-    void followFraming() {
+    void followConfiguration(AccessUnit& accessUnit) {
         size_t size = 0;
         const uint8_t* extradata = av_packet_get_side_data(packet_.get(), AV_PKT_DATA_NEW_EXTRADATA, &size);
         if (extradata != nullptr) {
             parameters_ = framing(parameters_.codecId, extradata, size);
+            accessUnit.newConfiguration.assign(extradata, extradata + size);
         }
     }
 
