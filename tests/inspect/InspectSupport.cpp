@@ -11,6 +11,9 @@
 #include <stdexcept>
 #include <utility>
 
+#include "analysis/AccessUnitView.h"
+#include "analysis/StreamDetails.h"
+
 namespace qv_test {
 
 namespace fs = std::filesystem;
@@ -136,6 +139,26 @@ KeptStream readRaw(std::unique_ptr<qvinspect::ByteSource> source, const QVCodecP
     }
     stream.findings = describe(accessUnit.findings);
     return stream;
+}
+
+void present(qvinspect::Presenter& presenter, const qvinspect::StreamInfo& info,
+             const std::vector<Bytes>& accessUnits, const qvinspect::CommandLine& line) {
+    presenter.begin({"stream", info, false, {}});
+    qvinspect::StreamDetails details(info.parameters.codecId, line.requested);
+    uint64_t number = 0;
+    for (const Bytes& bytes : accessUnits) {
+        qvinspect::AccessUnit accessUnit;
+        accessUnit.data = bytes.data();
+        accessUnit.size = bytes.size();
+        accessUnit.parameters = info.parameters;
+        const auto report = qvinspect::analyse(accessUnit);
+        const auto accessUnitDetails = details.add(accessUnit, report);
+        auto view = qvinspect::viewOf(++number, accessUnit, report, accessUnitDetails);
+        line.filter.apply(view);
+        presenter.add(view);
+    }
+    const qvinspect::StreamTotals totals;
+    presenter.end({totals, {}, {}, false});
 }
 
 }  // namespace qv_test

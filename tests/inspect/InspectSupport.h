@@ -10,9 +10,11 @@
 #include <vector>
 
 #include "BitWriter.h"
+#include "CommandLine.h"
 #include "input/AccessUnitReader.h"
 #include "input/ByteSource.h"
 #include "input/RawReader.h"
+#include "report/Presenter.h"
 
 namespace qv_test {
 
@@ -86,6 +88,10 @@ QVCodecParameters byteStreamOf(QVCodecID codec);
 
 KeptStream readRaw(std::unique_ptr<qvinspect::ByteSource> source, const QVCodecParameters& raw,
                    qvinspect::RawLimits limits = {});
+
+// Has presenter told of a stream whose access units are these bytes; up to its end.
+void present(qvinspect::Presenter& presenter, const qvinspect::StreamInfo& info,
+             const std::vector<Bytes>& accessUnits, const qvinspect::CommandLine& line = {});
 
 }  // namespace qv_test
 

@@ -42,19 +42,6 @@ void feed(int pipe, const Bytes& bytes) {
     }
 }
 
-std::string textOf(const std::filesystem::path& path) {
-    const Bytes bytes = fileContent(path);
-    return {bytes.begin(), bytes.end()};
-}
-
-int openForWriting(const std::string& path) {
-    const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    if (file < 0) {
-        throw std::runtime_error("cannot write " + path);
-    }
-    return file;
-}
-
 RunningProgram::RunningProgram(const std::vector<std::string>& arguments, const Streams& streams,
                                const std::string& folder) {
     std::vector<std::string> words = {QVINSPECT_PROGRAM};

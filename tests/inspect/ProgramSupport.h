@@ -9,18 +9,9 @@
 #include <vector>
 
 #include "InspectSupport.h"
+#include "RunProgram.h"
 
 namespace qv_test {
-
-struct Outcome {
-    int exitCode;  // -1 when a signal ended the program
-    std::string out;
-    std::string err;
-};
-
-std::string textOf(const std::filesystem::path& path);
-
-int openForWriting(const std::string& path);
 
 // Writes the bytes to a pipe, as far as they are taken. The thread gets no SIGPIPE from there on.
 void feed(int pipe, const Bytes& bytes);

@@ -121,7 +121,7 @@ public:
         }
         const StreamHead head = begin(accessUnit.fileOffset.has_value());
         bool isMore = true;
-        for (uint64_t number = 1; isMore && take(number, accessUnit, head); ++number) {
+        for (uint64_t number = 1; isMore && isWanted() && take(number, accessUnit, head); ++number) {
             progress_.update(*reader_);
             isMore = reader_->next(accessUnit);
         }
@@ -133,6 +133,8 @@ public:
     }
 
 private:
+    bool isWanted() const { return isAnythingWanted(line_, presenters_); }
+
     StreamHead begin(bool isRaw) {
         ConfigurationDetails configuration = details_.addConfiguration(reader_->info().configuration);
         counter_.addConfiguration(configuration);
@@ -195,6 +197,12 @@ private:
 
 Outcome inspectFile(const std::string& path, const CommandLine& line, const Presenters& presenters) {
     return Inspection(path, line, presenters).run();
+}
+
+bool isAnythingWanted(const CommandLine& line, const Presenters& presenters) {
+    return !line.checks.empty() || line.strict ||
+           std::any_of(presenters.begin(), presenters.end(),
+                       [](const auto& presenter) { return presenter->isWritable(); });
 }
 
 std::string reportedName(const std::string& path, const CommandLine& line) {

@@ -22,6 +22,9 @@ struct Outcome {
 // order, when the program is interrupted.
 Outcome inspectFile(const std::string& path, const CommandLine& line, const Presenters& presenters);
 
+// False when no output can be written any more, and the exit code depends on nothing else.
+bool isAnythingWanted(const CommandLine& line, const Presenters& presenters);
+
 // As reports name an input: without its folder, unless that is asked for with --stamp.
 std::string reportedName(const std::string& path, const CommandLine& line);
 

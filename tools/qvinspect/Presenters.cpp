@@ -8,12 +8,15 @@
 #include <string>
 #include <utility>
 
+#include "report/CheckLines.h"
 #include "report/Csv.h"
-#include "report/Json.h"
 #include "report/Html.h"
+#include "report/Json.h"
 #include "report/Listing.h"
 #include "report/Ndjson.h"
+#include "report/SeiExtractor.h"
 #include "report/Stamp.h"
+#include "report/StreamWriter.h"
 
 namespace qvinspect {
 
@@ -48,6 +51,8 @@ Presenters makePresenters(const CommandLine& line) {
     if (!isStdoutTaken(line)) {
         presenters.push_back(std::make_unique<Listing>("-", line.level.value_or(levelFor(line.filter)),
                                                        pageFormat(terminalOf(STDOUT_FILENO), line.color)));
+    } else if (!line.checks.empty()) {
+        presenters.push_back(std::make_unique<CheckLines>());
     }
     if (!line.json.empty()) {
         presenters.push_back(std::make_unique<Json>(line.json, jsonOptions(line)));
@@ -60,6 +65,15 @@ Presenters makePresenters(const CommandLine& line) {
     }
     if (!line.html.empty()) {
         presenters.push_back(makeHtml(line));
+    }
+    if (!line.toAnnexB.empty()) {
+        presenters.push_back(std::make_unique<StreamWriter>(line.toAnnexB, Framing::AnnexB));
+    }
+    if (!line.toLengths.empty()) {
+        presenters.push_back(std::make_unique<StreamWriter>(line.toLengths, Framing::Lengths4));
+    }
+    if (!line.extractSei.empty()) {
+        presenters.push_back(std::make_unique<SeiExtractor>(line.extractSei));
     }
     return presenters;
 }

@@ -4,8 +4,9 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <memory>
 #include <string>
-#include <system_error>
+#include <utility>
 
 #include "CommandLine.h"
 #include "ExitCode.h"
@@ -13,6 +14,7 @@
 #include "Interrupt.h"
 #include "Presenters.h"
 #include "input/InputError.h"
+#include "report/GuardedPresenter.h"
 #include "report/Output.h"
 #include "report/PrintableName.h"
 
@@ -25,6 +27,7 @@ void complain(const std::string& text) {
 }
 
 struct Totals {
+    bool hasFailedOutput = false;
     bool hasFailedInput = false;
     bool hasErrors = false;
     bool hasFailedCheck = false;
@@ -48,6 +51,9 @@ int exitCodeOf(const Totals& totals, const CommandLine& line) {
     if (isInterrupted()) {
         return kExitInterrupted;
     }
+    if (totals.hasFailedOutput) {
+        return kExitOutput;
+    }
     if (totals.hasFailedInput) {
         return kExitInput;
     }
@@ -57,11 +63,25 @@ int exitCodeOf(const Totals& totals, const CommandLine& line) {
     return totals.hasErrors && line.strict ? kExitErrors : kExitOk;
 }
 
+// An output that fails does not take the others along.
+Presenters guarded(Presenters presenters, Totals& totals) {
+    const auto tell = [&totals](const OutputError& error) {
+        if (!error.isBrokenPipe()) {
+            totals.hasFailedOutput = true;
+            complain(error.what());
+        }
+    };
+    for (auto& presenter : presenters) {
+        presenter = std::make_unique<GuardedPresenter>(std::move(presenter), tell);
+    }
+    return presenters;
+}
+
 int inspectAll(const CommandLine& line) {
-    const Presenters presenters = makePresenters(line);
     Totals totals;
+    const Presenters presenters = guarded(makePresenters(line), totals);
     for (const std::string& file : line.files) {
-        if (isInterrupted()) {
+        if (isInterrupted() || !isAnythingWanted(line, presenters)) {
             break;
         }
         inspect(file, line, presenters, totals);
@@ -82,11 +102,10 @@ int main(int argc, char** argv) {
         const CommandLine line = parseCommandLine(argc, argv);
         return line.exitCode ? *line.exitCode : inspectAll(line);
     } catch (const OutputError& error) {
-        if (error.code() == std::errc::broken_pipe) {
+        if (error.isBrokenPipe()) {
             return kExitOk;
         }
-        complain(fmt::format("{} cannot be written: {}; what was written of it is not whole", error.name(),
-                             error.code().message()));
+        complain(error.what());
         return kExitOutput;
     } catch (const std::exception& error) {
         complain(fmt::format("cannot go on: {}", error.what()));

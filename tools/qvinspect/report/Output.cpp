@@ -3,16 +3,29 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <system_error>
 
 #include "report/PrintableName.h"
 
 namespace qvinspect {
 
-Output::Output(const std::string& path)
-    : name_(path == "-" ? "standard output" : printableName(path)), isOwned_(path != "-") {
+namespace {
+
+std::string reasonOf(int error) {
+    return std::generic_category().message(error);
+}
+
+}  // namespace
+
+std::string outputName(const std::string& path) {
+    return path == "-" ? "standard output" : printableName(path);
+}
+
+Output::Output(const std::string& path) : name_(outputName(path)), isOwned_(path != "-") {
     file_ = isOwned_ ? std::fopen(path.c_str(), "wb") : stdout;
     if (file_ == nullptr) {
-        fail(errno);
+        const int error = errno;
+        throw OutputError(fmt::format("{} cannot be opened for writing: {}", name_, reasonOf(error)), error);
     }
 }
 
@@ -25,8 +38,11 @@ Output::~Output() {
     }
 }
 
-void Output::fail(int error) const {
-    throw OutputError(name_, error);
+void Output::fail(int error) {
+    text_.clear();  // what stands in it would follow a gap
+    throw OutputError(
+        fmt::format("{} cannot be written: {}; what was written of it is not whole", name_, reasonOf(error)),
+        error);
 }
 
 void Output::write(const void* bytes, size_t size) {
@@ -37,12 +53,10 @@ void Output::write(const void* bytes, size_t size) {
 
 void Output::flush() {
     const size_t size = text_.size();
-    const bool isWritten = std::fwrite(text_.data(), 1, size, file_) == size && std::fflush(file_) == 0;
-    const int error = errno;
-    text_.clear();
-    if (!isWritten) {
-        fail(error);
+    if (std::fwrite(text_.data(), 1, size, file_) != size || std::fflush(file_) != 0) {
+        fail(errno);
     }
+    text_.clear();
 }
 
 void Output::close() {

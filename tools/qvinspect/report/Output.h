@@ -4,25 +4,31 @@
 
 #include <fmt/format.h>
 
+#include <cerrno>
 #include <cstdio>
-#include <memory>
+#include <iterator>
+#include <stdexcept>
 #include <string>
-#include <system_error>
 #include <utility>
 
 namespace qvinspect {
 
-// Thrown when an output cannot be written; name() is that of the output, printable.
-class OutputError : public std::system_error {
+// Thrown when an output cannot be written, or not all of it. The text is one line that names the output and
+// the reason.
+class OutputError : public std::runtime_error {
 public:
-    OutputError(std::string name, int error)
-        : std::system_error(error, std::generic_category()), name_(std::move(name)) {}
+    explicit OutputError(const std::string& text, int error = 0)
+        : std::runtime_error(text), isBrokenPipe_(error == EPIPE) {}
 
-    const std::string& name() const { return name_; }
+    // The reader of standard output has seen enough: nothing is wrong.
+    bool isBrokenPipe() const { return isBrokenPipe_; }
 
 private:
-    std::string name_;
+    bool isBrokenPipe_;
 };
+
+// An output, "-" among them, as messages name it.
+std::string outputName(const std::string& path);
 
 // Collects text and writes it out in large pieces. Every member may throw OutputError.
 class Output {
@@ -60,7 +66,7 @@ private:
             flush();
         }
     }
-    [[noreturn]] void fail(int error) const;
+    [[noreturn]] void fail(int error);
 
     std::string name_;
     std::FILE* file_ = nullptr;

@@ -44,6 +44,9 @@ public:
 
     // Behind the last input: the report is whole then, and all of it written.
     virtual void finish() = 0;
+
+    // False when nothing more of the report can be written.
+    virtual bool isWritable() const { return true; }
 };
 
 }  // namespace qvinspect

@@ -1,0 +1,29 @@
+// The results of the checks by themselves, on standard error.
+#ifndef QVINSPECT_CHECKLINES_H
+#define QVINSPECT_CHECKLINES_H
+
+#include <string>
+
+#include "report/Presenter.h"
+
+namespace qvinspect {
+
+// "[OK] rule: evidence", or "[FAIL] ...".
+std::string checkLine(const CheckResult& check);
+
+// For when standard output is taken by a report that is not the listing.
+class CheckLines : public Presenter {
+public:
+    void fail(const std::string& name, const std::string& reason) override;
+    void begin(const StreamHead& head) override;
+    void add(const AccessUnitView& view) override;
+    void end(const StreamEnd& end) override;
+    void finish() override;
+
+private:
+    std::string name_;
+};
+
+}  // namespace qvinspect
+
+#endif

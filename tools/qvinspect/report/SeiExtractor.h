@@ -1,0 +1,51 @@
+// The payloads of SEI items as files of a folder.
+#ifndef QVINSPECT_SEIEXTRACTOR_H
+#define QVINSPECT_SEIEXTRACTOR_H
+
+#include <cstdint>
+#include <string>
+
+#include "report/Output.h"
+#include "report/Presenter.h"
+
+namespace qvinspect {
+
+// Writes each item that is shown as the library hands it over, without emulation prevention bytes, into a
+// file of its own: 00000123_au00000045_sei137.bin is item 123, of access unit 45 and payloadType 137. The
+// order of the names is that of the stream. index.json lists the files, one a line:
+//
+//   input     name of the input           codec     "h264" or "h265"
+//   items     for each file in order:
+//     file          its name
+//     access_unit   number, from 1
+//     time          of presentation, seconds; null where it is not known
+//     offset        of the NAL unit, in the file for a raw stream, otherwise in the access unit
+//     nal_unit_type of the NAL unit
+//     payload_type, name, size (bytes)
+//     requested     true when it is an item because --request asked for it
+//     delivery      "payload", or "text" for what the library makes of a display orientation
+//   error     instead of items: why the input could not be inspected
+class SeiExtractor : public Presenter {
+public:
+    // Makes the folder. Throws OutputError when that cannot be done or it holds anything: items of two
+    // streams are not to be mixed.
+    explicit SeiExtractor(const std::string& folder);
+
+    void fail(const std::string& name, const std::string& reason) override;
+    void begin(const StreamHead& head) override;
+    void add(const AccessUnitView& view) override;
+    void end(const StreamEnd& end) override;
+    void finish() override;
+
+private:
+    void addItem(const AccessUnitView& view, const UnitView& unit, const SeiItem& item);
+
+    std::string folder_;
+    Output index_;
+    QVCodecID codec_ = QVCodecIDAvc;
+    uint64_t items_ = 0;
+};
+
+}  // namespace qvinspect
+
+#endif

@@ -1,0 +1,294 @@
+#include "report/StreamWriter.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <utility>
+
+#include "QVCoreStandalone.h"
+#include "QVNaluParser.h"
+#include "analysis/CoreHooks.h"
+#include "input/AvcUnitTypes.h"
+#include "input/ConfigurationRecord.h"
+#include "input/HevcUnitTypes.h"
+
+namespace qvinspect {
+
+namespace {
+
+constexpr QVCodecParameters kFourByteLengths{QVCodecIDAvc, 0, 4};  // the codec is of no account
+
+struct QvFree {
+    void operator()(unsigned char* memory) const { qvFree(memory); }
+};
+
+uint32_t typeOf(QVCodecID codec, uint8_t firstByte) {
+    return codec == QVCodecIDAvc ? firstByte & 0x1FU : firstByte >> 1U & 0x3FU;
+}
+
+bool isParameterSet(QVCodecID codec, uint32_t type) {
+    return codec == QVCodecIDAvc ? type == kAvcSpsNut || type == kAvcPpsNut || type == kAvcSpsExtensionNut ||
+                                       type == kAvcSubsetSpsNut
+                                 : type == kHevcVpsNut || type == kHevcSpsNut || type == kHevcPpsNut;
+}
+
+// What may stand ahead of the pictures of an access unit.
+bool mayLead(QVCodecID codec, uint32_t type) {
+    return isParameterSet(codec, type) || type == (codec == QVCodecIDAvc ? kAvcSeiNut : kHevcPrefixSeiNut);
+}
+
+bool isDelimiter(QVCodecID codec, uint32_t type) {
+    return type == (codec == QVCodecIDAvc ? kAvcDelimiterNut : kHevcAudNut);
+}
+
+size_t lengthSizeOf(const QVCodecParameters& framing) {
+    return framing.nalLengthSize == 1 || framing.nalLengthSize == 2 ? framing.nalLengthSize : 4;
+}
+
+// Places count in the access unit here, not in the file.
+class Places {
+public:
+    explicit Places(const AccessUnitView& view)
+        : units_(view.report.units),
+          start_(view.accessUnit.fileOffset.value_or(0)),
+          prefix_(view.accessUnit.parameters.isAnnexB != 0 ? 3 : lengthSizeOf(view.accessUnit.parameters)) {}
+
+    size_t unit(size_t i) const { return static_cast<size_t>(units_[i].offset - start_); }
+    size_t end(size_t i) const { return unit(i) + units_[i].length; }
+
+    // Of its start code, or of its length field.
+    size_t begin(size_t i) const { return i == 0 ? unit(0) - prefix_ : end(i - 1); }
+
+private:
+    const std::vector<UnitReport>& units_;
+    uint64_t start_;
+    size_t prefix_;
+};
+
+// The unit that parameter sets are put ahead of.
+size_t placeOfConfiguration(const AccessUnitView& view) {
+    const QVCodecID codec = view.accessUnit.parameters.codecId;
+    const auto& units = view.report.units;
+    const auto place = std::find_if(units.begin(), units.end(), [&](const UnitReport& unit) {
+        return unit.state != UnitState::Typed ||
+               !(isDelimiter(codec, unit.type) || isParameterSet(codec, unit.type));
+    });
+    return static_cast<size_t>(place - units.begin());
+}
+
+bool hasUnitOfType(const AccessUnitView& view, uint32_t type) {
+    const auto& units = view.report.units;
+    return std::any_of(units.begin(), units.end(), [&](const UnitReport& unit) {
+        return unit.state == UnitState::Typed && unit.type == type;
+    });
+}
+
+bool hasUnit(const AccessUnitView& view, const std::vector<uint8_t>& bytes) {
+    const Places places(view);
+    for (size_t i = 0; i < view.report.units.size(); ++i) {
+        const unsigned char* const unit = view.accessUnit.data + places.unit(i);
+        if (std::equal(unit, unit + view.report.units[i].length, bytes.begin(), bytes.end())) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void appendWithLength(std::vector<uint8_t>& out, const std::vector<uint8_t>& unit) {
+    for (int shift = 24; shift >= 0; shift -= 8) {
+        out.push_back(static_cast<uint8_t>(unit.size() >> static_cast<unsigned>(shift)));
+    }
+    out.insert(out.end(), unit.begin(), unit.end());
+}
+
+struct AnnexB {
+    std::unique_ptr<unsigned char, QvFree> bytes;
+    size_t size = 0;
+};
+
+bool toAnnexB(const unsigned char* data, size_t size, size_t lengthSize, AnnexB& out) {
+    unsigned char* bytes = nullptr;
+    int outSize = 0;
+    const bool isDone =
+        QVNaluParser::connvertAvcCToAnnexB(data, static_cast<int>(size), static_cast<int>(lengthSize), &bytes,
+                                           outSize) == QVResultOk;
+    out = {std::unique_ptr<unsigned char, QvFree>(bytes), static_cast<size_t>(outSize)};
+    return isDone;
+}
+
+bool toLengths(const unsigned char* data, size_t size, std::vector<unsigned char>& out) {
+    return QVNaluParser::converAnnexBToAvcC(data, static_cast<int>(size), out) == QVResultOk;
+}
+
+// Empty units and stuffing: nothing that a stream could miss.
+bool isZero(const unsigned char* data, size_t size) {
+    return std::all_of(data, data + size, [](unsigned char byte) { return byte == 0; });
+}
+
+std::string bytesText(size_t count) {
+    return fmt::format("{} byte{}", count, count == 1 ? "" : "s");
+}
+
+size_t countUnits(const AnnexB& stream) {
+    std::vector<std::pair<int, int>> nalus;
+    QVNaluParser::parserDataToNaluIdx(stream.bytes.get(), static_cast<int>(stream.size), nalus);
+    return nalus.size();
+}
+
+}  // namespace
+
+StreamWriter::StreamWriter(const std::string& path, Framing framing)
+    : output_(path), outputName_(outputName(path)), framing_(framing) {}
+
+void StreamWriter::fail(const std::string&, const std::string&) {}
+
+void StreamWriter::begin(const StreamHead& head) {
+    streamName_ = head.name;
+    useConfiguration(head.info.parameters.codecId, head.info.configuration);
+}
+
+void StreamWriter::useConfiguration(QVCodecID codec, const std::vector<uint8_t>& record) {
+    configuration_.clear();
+    for (std::vector<uint8_t>& unit : configurationUnits(codec, record)) {
+        if (!unit.empty() && mayLead(codec, typeOf(codec, unit[0]))) {
+            configuration_.push_back({typeOf(codec, unit[0]), std::move(unit)});
+        }
+    }
+}
+
+// Parameter sets of a type that the access unit brings are its own business; an SEI unit
+// of the record is missing unless the very same is there.
+StreamWriter::Units StreamWriter::missingUnits(const AccessUnitView& view) const {
+    const QVCodecID codec = view.accessUnit.parameters.codecId;
+    Units missing;
+    for (const ConfigurationUnit& unit : configuration_) {
+        const bool isThere =
+            isParameterSet(codec, unit.type) ? hasUnitOfType(view, unit.type) : hasUnit(view, unit.bytes);
+        if (!isThere) {
+            appendWithLength(missing.bytes, unit.bytes);
+            ++missing.count;
+        }
+    }
+    return missing;
+}
+
+void StreamWriter::addConfiguration(const AccessUnitView& view) {
+    const Units missing = missingUnits(view);
+    if (missing.count == 0) {
+        return;
+    }
+    const std::string problem =
+        convert(missing.bytes.data(), missing.bytes.size(), kFourByteLengths, missing.count);
+    if (!problem.empty()) {
+        lose(view.number, "parameter sets of the container " + problem);
+    }
+}
+
+void StreamWriter::add(const AccessUnitView& view) {
+    const AccessUnit& accessUnit = view.accessUnit;
+    if (!accessUnit.newConfiguration.empty()) {
+        useConfiguration(accessUnit.parameters.codecId, accessUnit.newConfiguration);
+    }
+    const auto& units = view.report.units;
+    if (units.empty()) {
+        if (!isZero(accessUnit.data, accessUnit.size)) {
+            lose(view.number, fmt::format("{} without a NAL unit are left out", bytesText(accessUnit.size)));
+        }
+        return;
+    }
+    const Places places(view);
+    if (!isZero(accessUnit.data, places.begin(0))) {
+        lose(view.number,
+             fmt::format("{} ahead of the first NAL unit are left out", bytesText(places.begin(0))));
+    }
+    const size_t place = placeOfConfiguration(view);
+    convertUnits(view, 0, place);
+    if (std::exchange(isFirst_, false) || view.report.isKey || !accessUnit.newConfiguration.empty()) {
+        addConfiguration(view);
+    }
+    convertUnits(view, place, units.size());
+    const size_t end = places.end(units.size() - 1);
+    if (!isZero(accessUnit.data + end, accessUnit.size - end)) {
+        lose(view.number,
+             fmt::format("{} from {} on, behind the last whole NAL unit, are left out",
+                         bytesText(accessUnit.size - end), units.back().offset + units.back().length));
+    }
+}
+
+// In runs without empty units: with a start code an empty unit would swallow the next one's.
+void StreamWriter::convertUnits(const AccessUnitView& view, size_t first, size_t last) {
+    const auto& units = view.report.units;
+    const Places places(view);
+    const auto isEmpty = [](const UnitReport& unit) { return unit.length == 0; };
+    for (size_t begin = first; begin < last; ++begin) {
+        const auto stop = std::find_if(units.begin() + static_cast<std::ptrdiff_t>(begin),
+                                       units.begin() + static_cast<std::ptrdiff_t>(last), isEmpty);
+        const auto end = static_cast<size_t>(stop - units.begin());
+        if (end == begin) {
+            continue;
+        }
+        const size_t at = places.begin(begin);
+        const std::string problem = convert(view.accessUnit.data + at, places.end(end - 1) - at,
+                                            view.accessUnit.parameters, end - begin);
+        if (!problem.empty()) {
+            lose(view.number, fmt::format("NAL units from {} to {} {}", units[begin].offset,
+                                          units[end - 1].offset + units[end - 1].length, problem));
+        }
+        begin = end;
+    }
+}
+
+// Empty when all of it was written as it should be, else what is wrong.
+std::string StreamWriter::convert(const unsigned char* data, size_t size, const QVCodecParameters& from,
+                                  size_t units) {
+    const LogCapture quiet;  // the analysis tells what is broken
+    std::vector<unsigned char> lengths;
+    AnnexB annexB;
+    const bool isFromAnnexB = from.isAnnexB != 0;
+    const bool isToAnnexB = framing_ == Framing::AnnexB;
+    if (!isFromAnnexB && !isToAnnexB && lengthSizeOf(from) == 4) {
+        output_.write(data, size);
+        return {};
+    }
+    const bool isConverted = isFromAnnexB
+                                 ? toLengths(data, size, lengths) &&
+                                       (!isToAnnexB || toAnnexB(lengths.data(), lengths.size(), 4, annexB))
+                                 : toAnnexB(data, size, lengthSizeOf(from), annexB) &&
+                                       (isToAnnexB || toLengths(annexB.bytes.get(), annexB.size, lengths));
+    if (!isConverted) {
+        return "were refused by the library and are left out";
+    }
+    if (isToAnnexB) {
+        output_.write(annexB.bytes.get(), annexB.size);
+    } else {
+        output_.write(lengths.data(), lengths.size());
+    }
+    return isFromAnnexB || countUnits(annexB) == units
+               ? ""
+               : "hold a start code where none may be: what follows it reads as a unit of its own";
+}
+
+void StreamWriter::lose(uint64_t accessUnit, const std::string& what) {
+    constexpr uint64_t kMostTold = 10;
+    if (++losses_ <= kMostTold) {
+        fmt::print(stderr, "qvinspect: {}: access unit {} of {}: {}\n", outputName_, accessUnit, streamName_,
+                   what);
+    }
+}
+
+void StreamWriter::end(const StreamEnd&) {}
+
+void StreamWriter::finish() {
+    output_.close();
+    if (losses_ > 0) {
+        throw OutputError(fmt::format(
+            "{} is not the whole stream: {} could not be converted; "
+            "--level nalus --errors-only shows where it is broken",
+            outputName_,
+            losses_ == 1 ? std::string("one part of it") : fmt::format("{} parts of it", losses_)));
+    }
+}
+
+}  // namespace qvinspect

@@ -1,0 +1,68 @@
+// Writes the stream with its NAL units framed anew, by the library's own conversions.
+#ifndef QVINSPECT_STREAMWRITER_H
+#define QVINSPECT_STREAMWRITER_H
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "report/Output.h"
+#include "report/Presenter.h"
+
+namespace qvinspect {
+
+enum class Framing {
+    AnnexB,   // 4-byte start codes
+    Lengths4  // 4-byte lengths, most significant byte first
+};
+
+// Takes every access unit of the part that is inspected; a filter narrows what is shown, not the stream.
+//
+// A raw stream has no configuration record, so the record's parameter sets go ahead: the first access unit,
+// every key access unit and every one that a new record comes with get those that they do not bring
+// themselves. They stand behind the access unit delimiter and ahead of SEI units, since a buffering period
+// message already activates its sequence parameter set (H.264 7.4.1.2.1, H.265 C.3.2).
+//
+// Empty units, which only lengths can express, are left out. What else does not go into the output is told
+// on standard error, and finish() throws OutputError then, with all the rest written.
+class StreamWriter : public Presenter {
+public:
+    StreamWriter(const std::string& path, Framing framing);
+
+    void fail(const std::string& name, const std::string& reason) override;
+    void begin(const StreamHead& head) override;
+    void add(const AccessUnitView& view) override;
+    void end(const StreamEnd& end) override;
+    void finish() override;
+
+private:
+    struct ConfigurationUnit {
+        uint32_t type;
+        std::vector<uint8_t> bytes;
+    };
+
+    // Behind 4-byte lengths.
+    struct Units {
+        std::vector<uint8_t> bytes;
+        size_t count = 0;
+    };
+
+    void useConfiguration(QVCodecID codec, const std::vector<uint8_t>& record);
+    void addConfiguration(const AccessUnitView& view);
+    Units missingUnits(const AccessUnitView& view) const;
+    void convertUnits(const AccessUnitView& view, size_t first, size_t last);
+    std::string convert(const unsigned char* data, size_t size, const QVCodecParameters& from, size_t units);
+    void lose(uint64_t accessUnit, const std::string& what);
+
+    Output output_;
+    std::string outputName_;
+    Framing framing_;
+    std::string streamName_;
+    std::vector<ConfigurationUnit> configuration_;
+    bool isFirst_ = true;
+    uint64_t losses_ = 0;
+};
+
+}  // namespace qvinspect
+
+#endif
