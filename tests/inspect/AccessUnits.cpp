@@ -60,7 +60,8 @@ MadeAccessUnit& MadeAccessUnit::brokenUnit(UnitState state) {
 
 MadeAccessUnit& MadeAccessUnit::seiUnit(uint32_t type,
                                         const std::vector<std::pair<uint32_t, Bytes>>& payloads) {
-    qvinspect::SeiUnit sei{accessUnit.size + kStartCode, QVResultOk, {}, {}};
+    qvinspect::SeiUnit sei;
+    sei.offset = accessUnit.size + kStartCode;
     for (const auto& [payloadType, payload] : payloads) {
         sei.messages.push_back(
             {payloadType, static_cast<uint32_t>(payload.size()), payload, qvinspect::Delivery::NotKept, {}});

@@ -157,7 +157,7 @@ TEST_F(ProgramExit, checkLinesMakeWayForAnotherOutput) {
 
 // --- Outputs that fail ---
 
-const char* const kFileOutputs[] = {"--to-annexb", "--to-lengths"};
+const char* const kFileOutputs[] = {"--json", "--ndjson", "--csv", "--html", "--to-annexb", "--to-lengths"};
 
 TEST_F(ProgramExit, fullDisk) {
     for (const char* option : kFileOutputs) {

@@ -33,7 +33,7 @@ _qvinspect() {
             if [[ $current == -?* && $previous != --@(json|ndjson|csv|html|to-annexb|to-lengths) ]]; then
                 words='--codec --format --stream --frame-rate --start --duration --limit --level --type --sei
                     --t35 --key-only --errors-only --request --json --ndjson --csv --html --to-annexb
-                    --to-lengths --extract-sei --color --stamp --check --list-checks --strict --help
+                    --to-lengths --extract-sei --schema --color --stamp --check --list-checks --strict --help
                     --version'
             fi
             ;;

@@ -43,8 +43,8 @@ struct SeiItem {
 };
 
 struct SeiUnit {
-    uint64_t offset;  // as that of its NAL unit
-    int result;       // of the library's walk
+    uint64_t offset = 0;      // as that of its NAL unit
+    int result = QVResultOk;  // of the library's walk
     std::vector<std::string> log;
     std::vector<SeiMessage> messages;
     std::vector<SeiItem> items;  // all of them, in the order of the walk
