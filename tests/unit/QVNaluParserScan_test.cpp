@@ -250,6 +250,27 @@ TEST_F(AnnexBScan, startCodeAtEveryDistance) {
     }
 }
 
+TEST_F(AnnexBScan, startCodeAtEveryPlaceOfLongData) {
+    for (int distance = 1; distance < 1100; ++distance) {
+        const Bytes unit = filled(static_cast<size_t>(distance), 0x55);
+        for (const size_t rest : {1U, 20U, 500U}) {
+            const Bytes data = Bytes{0, 0, 1} + unit + Bytes{0, 0, 1} + filled(rest, 0x65);
+            ASSERT_THAT(scan(data), ElementsAre(Pair(3, distance), Pair(distance + 6, rest)));
+            ASSERT_TRUE(QVNaluParser::isKeyFrame(QVCodecIDAvc, data.data(), static_cast<int>(data.size())));
+        }
+    }
+}
+
+// Folded byte by byte, vectors show a pair that none of them holds.
+TEST_F(AnnexBScan, zerosApartAreNoStartCode) {
+    for (size_t place = 400; place < 800; ++place) {
+        Bytes data = Bytes{0, 0, 1} + filled(1500, 0x55);
+        data[place] = data[place + 33] = data[place + 49] = 0x00;
+        data[place + 66] = 0x01;
+        ASSERT_THAT(scan(data), ElementsAre(Pair(3, 1500)));
+    }
+}
+
 TEST_F(AnnexBScan, almostStartCodes) {
     EXPECT_THAT(scan({0, 0, 1, 0x65, 0, 1, 0, 0, 2, 1, 0, 0, 3, 1, 0, 0x65}), ElementsAre(Pair(3, 13)));
 }

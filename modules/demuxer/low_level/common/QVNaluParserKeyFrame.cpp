@@ -11,22 +11,18 @@ using namespace qv_detail;
 namespace {
 
 // D01: one set of type numbers for both codecs: 5 and 16 to 21.
-bool isKeyUnitType(uint32_t type) {
-    return type == 5 || (type >= 16 && type <= 21);
+constexpr uint64_t kKeyUnitTypes = uint64_t{1} << 5 | uint64_t{0x3F} << 16;
+
+constexpr UnitTypes keyUnits(QVCodecID codec) {
+    return codec == QVCodecIDAvc ? UnitTypes{kKeyUnitTypes, 0, 0x1F} : UnitTypes{kKeyUnitTypes, 1, 0x3F};
 }
 
 bool isKeyUnit(QVCodecID codec, unsigned char firstByte) {
-    return isKeyUnitType(nalUnitType(codec, firstByte));
+    return (kKeyUnitTypes >> nalUnitType(codec, firstByte) & 1) != 0;
 }
 
 bool holdsKeyUnitAnnexB(QVCodecID codec, const unsigned char* data, size_t size) {
-    StartCodeScanner scanner(data, size);
-    while (scanner.next()) {
-        if (isKeyUnit(codec, data[scanner.unitOffset()])) {
-            return true;
-        }
-    }
-    return false;
+    return holdsUnit(data, prefixEnd(size), keyUnits(codec));
 }
 
 // Lengths are 4 bytes here whatever the stream's configuration record says (D23). One that runs past the end

@@ -71,7 +71,8 @@ int QVNaluParser::converAnnexBToAvcC(const unsigned char* data, int size, std::v
     if (!isAnnexBData(data, size)) {
         return QVResultInvalidData;
     }
-    StartCodeScanner scanner(data, bufferSize(size));
+    PrefixList list;
+    StartCodeScanner scanner(data, bufferSize(size), list);
     if (!scanner.next()) {
         return QVResultInvalidData;
     }

@@ -107,7 +107,8 @@ int QVNaluParser::parserDataToNaluIdx(const unsigned char* data, int size, NalIn
     if (!isAnnexBData(data, size)) {
         return QVResultInvalidData;
     }
-    StartCodeScanner scanner(data, bufferSize(size));
+    PrefixList list;
+    StartCodeScanner scanner(data, bufferSize(size), list);
     if (scanner.next()) {
         closeLastUnit(nalus, scanner.codeOffset());
         appendUnits(nalus, scanner);

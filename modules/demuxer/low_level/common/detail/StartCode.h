@@ -10,39 +10,49 @@
 
 namespace qv_detail {
 
+// Bytes of a start_code_prefix_one_3bytes.
+constexpr size_t kPrefixLength = 3;
+
+// Where the prefixes end that have a byte behind them: none begins here or later.
+constexpr size_t prefixEnd(size_t size) {
+    return size > kPrefixLength ? size - kPrefixLength : 0;
+}
+
+// Prefixes that were found together: one search costs little even where units are small.
+struct PrefixList {
+    static constexpr size_t kMost = 32;
+    size_t places[kMost];
+};
+
 // Walks the start codes of a buffer that have a byte behind them.
 class StartCodeScanner {
 public:
-    // data may be null only when size is 0.
-    StartCodeScanner(const unsigned char* data, size_t size)
-        : data_(data), prefixEnd_(size > kPrefixLength ? size - kPrefixLength : 0) {}
+    // data may be null only when size is 0. The list is the scanner's to use; apart from it, the scanner
+    // stays in registers.
+    StartCodeScanner(const unsigned char* data, size_t size, PrefixList& list)
+        : data_(data), prefixEnd_(prefixEnd(size)), places_(list.places) {}
 
     // Moves on to the next start code. False when there is none left.
     bool next() { return nextBelow(prefixEnd_); }
 
     // Moves on to the next start code if its prefix begins below limit; otherwise the next search goes on
-    // from limit.
+    // from limit. A limit is never below the one before.
     bool nextBelow(size_t limit) {
-        const size_t end = limit < prefixEnd_ ? limit : prefixEnd_;
-        if (searchFrom_ >= end) {
+        if (passed_ == listed_ && !list(limit < prefixEnd_ ? limit : prefixEnd_)) {
             return false;
         }
-        const size_t prefix = findPrefix(data_, searchFrom_, end);
-        if (prefix == end) {
-            searchFrom_ = end;
-            return false;
-        }
+        const size_t prefix = places_[passed_++];
         // A zero byte ahead makes it a 4-byte start code, unless that byte was ruled out as the byte behind
         // the start code before.
         const bool hasZeroByte = prefix > firstPlace_ && data_[prefix - 1] == 0x00;
         codeOffset_ = hasZeroByte ? prefix - 1 : prefix;
         unitOffset_ = prefix + kPrefixLength;
-        searchFrom_ = firstPlace_ = unitOffset_ + 1;
+        firstPlace_ = unitOffset_ + 1;
         return true;
     }
 
     // True when no further start code can be found.
-    bool atEnd() const { return searchFrom_ >= prefixEnd_; }
+    bool atEnd() const { return passed_ == listed_ && searchFrom_ >= prefixEnd_; }
 
     // First byte of the start code found last, zero_byte included.
     int codeOffset() const { return static_cast<int>(codeOffset_); }
@@ -51,14 +61,32 @@ public:
     int unitOffset() const { return static_cast<int>(unitOffset_); }
 
 private:
-    static constexpr size_t kPrefixLength = 3;
+    // Lists prefixes that begin below end. False when there is none.
+    bool list(size_t end) {
+        if (searchFrom_ >= end) {
+            return false;
+        }
+        listed_ = listPrefixes(data_, searchFrom_, end, places_, PrefixList::kMost);
+        passed_ = 0;
+        if (listed_ == 0) {
+            searchFrom_ = end;
+            return false;
+        }
+        // A place close to end rules out some behind it.
+        const size_t behindLast = places_[listed_ - 1] + kPrefixLength + 1;
+        searchFrom_ = listed_ == PrefixList::kMost || behindLast > end ? behindLast : end;
+        return true;
+    }
 
     const unsigned char* data_;
-    size_t prefixEnd_;       // a prefix that begins here has no byte behind it any more
+    size_t prefixEnd_;  // a prefix that begins here has no byte behind it any more
+    size_t* places_;
     size_t searchFrom_ = 0;  // nothing begins before it that was not found
     size_t firstPlace_ = 0;  // where the next start code may begin at the earliest
     size_t codeOffset_ = 0;
     size_t unitOffset_ = 0;
+    size_t listed_ = 0;
+    size_t passed_ = 0;  // of those listed
 };
 
 }  // namespace qv_detail
