@@ -123,6 +123,8 @@ uint64_t QVByteStream::PlainCursor::window() const {
     uint64_t value = 0;
     if (left >= 8 && data_ != nullptr) {
         value = bytesAt(data_ + bytePos_);
+    } else if (size_ >= 8 && data_ != nullptr) {
+        value = bytesAt(data_ + size_ - 8) << 8 * (8 - left);
     } else {
         for (uint64_t i = 0; i < left && i < 8; ++i) {
             value |= static_cast<uint64_t>(byteAt(bytePos_ + i)) << (56 - 8 * i);

@@ -129,7 +129,7 @@ private:
     void leaveRbspByte();
     uint64_t rbspPieceLength(uint64_t most) const;
 
-    bool hasWindow() const;
+    bool hasBytes(uint64_t count) const;
     static uint64_t bytesAt(const uint8_t* bytes);
     uint64_t window() const { return bytesAt(data + bytePos); }
     PlainRead readTo(uint32_t bits, uint32_t value) const;
@@ -151,10 +151,9 @@ private:
 // Each read stores the cursor in one place, whichever way it went: so compilers keep it in registers from one
 // read to the next.
 
-// True when eight bytes stand before the end of the data.
-inline bool QVByteStream::hasWindow() const {
-    const uint64_t left = size - bytePos;
-    return left >= 8 && left <= size && data != nullptr;
+// True when count bytes stand between the byte position and the end of the data.
+inline bool QVByteStream::hasBytes(uint64_t count) const {
+    return size >= count && bytePos <= size - count && data != nullptr;
 }
 
 // Eight bytes as a number, the first one on top.
@@ -184,15 +183,16 @@ inline uint32_t QVByteStream::readBit() {
 
 inline uint32_t QVByteStream::readBits(uint32_t n) {
     const uint32_t offset = bitOffset & 7U;
-    return finish(hasWindow() && n - 1 < 32
+    return finish(hasBytes(8) && n - 1 < 32
                       ? readTo(offset + n, static_cast<uint32_t>(window() << offset >> (64 - n)))
                       : readAnyBits(data, size, bytePos, bitOffset, n));
 }
 
-// Finds the 1 bit of a code that stands whole in the window: firstOne counts from the window's last bit.
+// Finds the 1 bit of a code of at most 31 leading zero bits, as every legal one is: firstOne counts from the
+// window's last bit. Such a code, 63 bits, may end in the ninth byte.
 inline bool QVByteStream::findGolombCode(uint32_t& firstOne) const {
-    constexpr uint32_t kMostLeadingZeroBits = 28;
-    if (!hasWindow()) {
+    constexpr uint32_t kMostLeadingZeroBits = 31;
+    if (!hasBytes(9)) {
         return false;
     }
     const uint64_t bits = window();
@@ -208,7 +208,9 @@ inline bool QVByteStream::findGolombCode(uint32_t& firstOne) const {
 inline QVByteStream::PlainRead QVByteStream::readGolombCode(uint32_t firstOne) const {
     const uint32_t offset = bitOffset & 7U;
     const uint32_t end = 127 - offset - 2 * firstOne;  // as many information bits as leading zero bits
-    return readTo(end, static_cast<uint32_t>(window() << offset >> (64 + offset - end)));
+    const uint64_t ninth = data[bytePos + 8];
+    const uint64_t bits = window() << offset | ninth >> (8 - offset);
+    return readTo(end, static_cast<uint32_t>(bits >> (64 + offset - end)));
 }
 
 inline uint32_t QVByteStream::readGolombUe() {

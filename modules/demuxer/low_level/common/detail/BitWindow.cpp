@@ -19,10 +19,15 @@ uint64_t readBigEndian64(const uint8_t* bytes) {
     return value;
 }
 
-// The count bytes at bytes, 1 to 8, on top of the number.
-uint64_t bytesOnTop(const uint8_t* bytes, uint64_t count) {
+// The count bytes at the byte position, 1 to 8, on top of the number. Fewer than 8 are cut out of a whole
+// load ahead of them where there is room for one.
+uint64_t bytesOnTop(const QVByteStream& stream, uint64_t count) {
+    const uint8_t* const bytes = stream.data + stream.bytePos;
     if (count == kWindowBytes) {
         return readBigEndian64(bytes);
+    }
+    if (stream.bytePos + count >= kWindowBytes) {
+        return readBigEndian64(bytes + count - kWindowBytes) << 8 * (kWindowBytes - count);
     }
     uint64_t value = 0;
     for (uint64_t i = 0; i < count; ++i) {
@@ -39,7 +44,7 @@ uint64_t bytesInWindow(const QVByteStream& stream) {
 // The window of the bytes at the byte position of which bitsUsed bits are past.
 WindowBits windowOf(const QVByteStream& stream, uint64_t bytes, uint32_t bitsUsed) {
     const uint32_t count = static_cast<uint32_t>(8 * bytes) - bitsUsed;
-    return {bytesOnTop(stream.data + stream.bytePos, bytes) << bitsUsed, count, count};
+    return {bytesOnTop(stream, bytes) << bitsUsed, count, count};
 }
 
 bool holds03(uint64_t bytes) {
