@@ -39,7 +39,7 @@ TEST(CommandLine, everyOption) {
     const CommandLine line = parse({"--codec",
                                     "h265",
                                     "--format",
-                                    "lp2",
+                                    "container",
                                     "--stream",
                                     "0",
                                     "--frame-rate",
@@ -92,7 +92,7 @@ TEST(CommandLine, everyOption) {
                                     "-file"});
     EXPECT_EQ(line.exitCode, std::nullopt);
     EXPECT_EQ(line.input.codec, QVCodecIDHevc);
-    EXPECT_EQ(line.input.format, InputFormat::Lengths2);
+    EXPECT_EQ(line.input.format, InputFormat::Container);
     EXPECT_EQ(line.input.stream, 0U);
     EXPECT_EQ(line.input.frameRate, 29.97);
     EXPECT_EQ(line.input.start, 0.0);

@@ -225,7 +225,7 @@ TEST_F(ProgramInput, parameterSetsAheadOfThePart) {
         "--check", "parameter-sets-first", "--frame-rate", "25", "--start", "0.16", "x"};
     const Outcome outcome = inspect(part);
     expectListed(outcome, "x", "key access units  1\n");
-    EXPECT_THAT(outcome.out, HasSubstr("parameter sets    1 SPS, 0 repeated"));
+    EXPECT_THAT(outcome.out, HasSubstr("picture           320x180, cropped from 320x184"));
 }
 
 // A live stream: the last access unit asked for is there, and nothing behind it is waited for.

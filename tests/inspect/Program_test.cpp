@@ -248,7 +248,8 @@ TEST_F(Program, reportsThatCannotBeWritten) {
                   "is not whole\n");
         const Outcome nowhere = inspect({option, "no/such/folder", "x"});
         EXPECT_EQ(nowhere.exitCode, 5);
-        EXPECT_THAT(nowhere.err, HasSubstr("no/such/folder cannot be written: No such file or directory"));
+        EXPECT_THAT(nowhere.err,
+                    HasSubstr("no/such/folder cannot be opened for writing: No such file or directory"));
     }
 }
 

@@ -104,7 +104,7 @@ void presentHostileStream(qvinspect::Presenter& presenter, bool isBrokenOff) {
     message.block.add("number", infinity);
     qvinspect::AccessUnitDetails details;
     details.units.resize(1);
-    details.units[0].sei = qvinspect::SeiUnit{0, -1, {hostileText()}, {message}};
+    details.units[0].sei = qvinspect::SeiUnit{0, -1, {hostileText()}, {message}, {}};
 
     presenter.begin({hostileText(), hostileInfo(), false, {}});
     qvinspect::StreamCounter counter(hostileInfo());

@@ -92,7 +92,7 @@ TEST(StreamTotals, keyIntervals) {
     const KeyCase cases[] = {
         {"", 0, 0, 0, 0, 0, 0, 0, false},        {"p", 0, 0, 0, 0, 0, 0, 0, false},
         {"K", 1, 1, 0, 0, 0, 1, 1, true},        {"Kppp", 1, 1, 0, 0, 0, 4, 1, true},
-        {"KK", 2, 1, 1, 1, 1, 1, 1, false},      {"ppKpK", 2, 3, 1, 2, 2, 2, 3, false},
+        {"KK", 2, 1, 1, 1, 1, 1, 1, false},      {"ppKpK", 2, 3, 1, 2, 2, 2, 1, false},
         {"KppKpKp", 3, 1, 2, 2, 5, 3, 1, false}, {"KpKppKpppp", 3, 1, 2, 2, 5, 5, 6, true},
         {"KppKpp", 2, 1, 1, 3, 3, 3, 1, false},
     };

@@ -15,7 +15,6 @@
 #include "QVNaluParser.h"
 #include "RecordingCore.h"
 #include "ReferenceFraming.h"
-#include "detail/BitWindow.h"
 
 namespace qv_test {
 namespace {
@@ -195,87 +194,6 @@ TEST_F(GuardPage, rawCapture) {
             ASSERT_EQ(byte, model.readRbspBits(8));
         }
         ASSERT_NO_FATAL_FAILURE(expectSameCursor(stream, model));
-    });
-}
-
-uint32_t modelRbspUe(CursorModel& model) {
-    uint32_t leadingZeroBits = 0;
-    while (model.readRbspBits(1) == 0) {
-        if (++leadingZeroBits == 33) {
-            model.readRbspBits(1);
-            return 0;
-        }
-    }
-    const uint64_t base = (uint64_t{1} << leadingZeroBits) - 1;
-    return static_cast<uint32_t>(base + model.readRbspBits(leadingZeroBits));
-}
-
-void readOnce(Random& random, qv_detail::PlainWindow& window, CursorModel& model) {
-    const auto n = static_cast<uint32_t>(1 + below(random, 32));
-    switch (below(random, 5)) {
-        case 0:
-            ASSERT_EQ(window.u(n), model.readBits(n));
-            break;
-        case 1:
-        case 2:
-            ASSERT_EQ(window.ue(), model.readGolombUe());
-            break;
-        case 3:
-            ASSERT_EQ(window.se(), model.readGolombSe());
-            break;
-        default:
-            window.skip(n);
-            model.skipBits(n);
-            break;
-    }
-}
-
-void readOnce(Random& random, qv_detail::RbspWindow& window, CursorModel& model) {
-    const auto n = static_cast<uint32_t>(1 + below(random, 32));
-    switch (below(random, 3)) {
-        case 0:
-            ASSERT_EQ(window.u(n), model.readRbspBits(n));
-            break;
-        case 1:
-            ASSERT_EQ(window.ue(), modelRbspUe(model));
-            break;
-        default:
-            window.drop(3 * n);
-            model.readRbspBits(3 * n);
-            break;
-    }
-}
-
-// A window leaves the reader's cursor where reading one by one leaves it, whenever it is given back.
-template <class Window>
-void expectWindowReads(Random& random, const Bytes& bytes, unsigned char* data) {
-    GuardedReader stream(data, bytes.size());
-    CursorModel model(bytes);
-    const size_t first = bytes.size() > 60 ? bytes.size() - 60 : 0;
-    stream.skipBytes(first);
-    model.skipBytes(first);
-    for (int part = 0; part < 8; ++part) {
-        {
-            Window window(stream);
-            for (size_t step = below(random, 12); step > 0; --step) {
-                ASSERT_NO_FATAL_FAILURE(readOnce(random, window, model));
-                if (below(random, 16) == 0) {
-                    window.giveBack();
-                    ASSERT_NO_FATAL_FAILURE(expectSameCursor(stream, model));
-                    window.take();
-                }
-            }
-        }
-        ASSERT_NO_FATAL_FAILURE(expectSameCursor(stream, model));
-        ASSERT_NO_FATAL_FAILURE(readOnce(random, stream, model));
-    }
-}
-
-TEST_F(GuardPage, windows) {
-    Random random(9);
-    onBuffers([&](const Bytes& bytes, unsigned char* data) {
-        ASSERT_NO_FATAL_FAILURE(expectWindowReads<qv_detail::PlainWindow>(random, bytes, data));
-        ASSERT_NO_FATAL_FAILURE(expectWindowReads<qv_detail::RbspWindow>(random, bytes, data));
     });
 }
 
