@@ -156,10 +156,11 @@ template <class Reader>
 Operation reads(const std::string& name, const Bytes& bytes, double nanoseconds, const Reader& read) {
     const auto stream = streamOver(bytes);
     const auto readAll = [=] {
-        rewind(*stream);
+        QVByteStream& reader = *stream;
+        rewind(reader);
         uint32_t sum = 0;
         for (int i = 0; i < kValues; ++i) {
-            sum += read(*stream);
+            sum += read(reader);
         }
         return sum;
     };

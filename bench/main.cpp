@@ -1,4 +1,5 @@
 // Every operation beside its yardsticks.
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -86,11 +87,32 @@ std::string processorName() {
     return "unknown";
 }
 
+// One addition of a chain in which each waits for the one before: a processor's cycle. Rows in nanoseconds
+// mean little without it, for virtual machines slow down and speed up.
+double nanosecondsOfAnAddition() {
+    constexpr int kAdditions = 10000;
+    const auto chain = [] {
+        uint64_t sum = 0;
+        for (int i = 0; i < kAdditions; ++i) {
+            asm volatile("" : "+r"(sum));
+            ++sum;
+        }
+    };
+    return medians({chain}).front() / kAdditions;
+}
+
+std::string additionLine() {
+    char text[64];
+    std::snprintf(text, sizeof text, "cycle       %.2f ns, by a chain of additions",
+                  nanosecondsOfAnAddition());
+    return text;
+}
+
 std::string heading(Vectors vectors) {
     const auto orNone = [](const std::string& name) { return name.empty() ? "none" : name; };
-    return std::string("vectors     ") + nameOf(vectors) + "\nprocessor   " + processorName() +
-           "\ncompiler    " QV_BENCH_COMPILER "\npeers       " + orNone(gstreamerName()) + ", " +
-           orNone(libavcodecName()) + "\n\n" + tableHeading();
+    return std::string("vectors     ") + nameOf(vectors) + "\nprocessor   " + processorName() + "\n" +
+           additionLine() + "\ncompiler    " QV_BENCH_COMPILER "\npeers       " + orNone(gstreamerName()) +
+           ", " + orNone(libavcodecName()) + "\n\n" + tableHeading();
 }
 
 std::vector<Group> groups(const Options& options) {
