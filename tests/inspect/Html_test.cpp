@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <numeric>
@@ -384,6 +385,29 @@ TEST_F(HtmlReport, aFullDiskIsNoticed) {
     qvinspect::Html html("/dev/full", {{"x"}, "", {}});
     EXPECT_THROW(html.finish(), qvinspect::OutputError);
     EXPECT_THROW(qvinspect::Html("/no/such/folder/x", {{"x"}, "", {}}), qvinspect::OutputError);
+}
+
+// ue(v) of the H.265 parameter set is not range-checked.
+TEST(Html, bitDepthsOfAnyValue) {
+    const TemporaryFolder folder;
+    const std::string path = folder.path() / "report.html";
+    qvinspect::StreamInfo info;
+    info.parameters = {QVCodecIDHevc, 1, 0};
+    qvinspect::SequenceParameterSet sps{};
+    sps.codec = QVCodecIDHevc;
+    sps.isAccepted = true;
+    sps.hevc.chroma_format_idc = 1;
+    sps.hevc.bit_depth_luma_minus8 = std::numeric_limits<int32_t>::max();
+    sps.hevc.bit_depth_chroma_minus8 = std::numeric_limits<int32_t>::min();
+    qvinspect::StreamCounter counter(info);
+    counter.addConfiguration({{sps}, {33}});
+    counter.finish({});
+
+    qvinspect::Html html(path, {});
+    html.begin({"x", info, true, {sps}});
+    html.end({counter.totals(), {}, {}, false});
+    html.finish();
+    EXPECT_TRUE(holds(textOf(path), "2147483655 bit luma, -2147483640 bit chroma"));
 }
 
 }  // namespace

@@ -71,7 +71,7 @@ std::string noteIn(const Block& block, const std::string& name) {
     return field == block.fields.end() ? std::string() : field->note;
 }
 
-std::string bitDepths(int luma, int chroma, bool isMonochrome) {
+std::string bitDepths(int64_t luma, int64_t chroma, bool isMonochrome) {
     return luma == chroma || isMonochrome ? fmt::format("{} bit", luma)
                                           : fmt::format("{} bit luma, {} bit chroma", luma, chroma);
 }
@@ -91,8 +91,8 @@ void addPicture(Card& card, const SequenceParameterSet& sps) {
     card.add("Bit depth",
              isAvc
                  ? bitDepths(sps.avc.bit_depth_luma, sps.avc.bit_depth_chroma, sps.avc.chroma_format_idc == 0)
-                 : bitDepths(sps.hevc.bit_depth_luma_minus8 + 8, sps.hevc.bit_depth_chroma_minus8 + 8,
-                             sps.hevc.chroma_format_idc == 0));
+                 : bitDepths(int64_t{8} + sps.hevc.bit_depth_luma_minus8,
+                             int64_t{8} + sps.hevc.bit_depth_chroma_minus8, sps.hevc.chroma_format_idc == 0));
     card.add("Chroma", noteIn(block, "chroma_format_idc"));
 }
 
