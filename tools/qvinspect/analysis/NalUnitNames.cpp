@@ -1,7 +1,8 @@
 // ITU-T H.264 (08/2021) and H.265 (08/2021) Table 7-1.
 #include "analysis/NalUnitNames.h"
 
-#include <cstddef>
+#include "input/AvcUnitTypes.h"
+#include "input/HevcUnitTypes.h"
 
 namespace qvinspect {
 
@@ -69,6 +70,15 @@ const char* nalUnitName(QVCodecID codec, uint32_t type) {
 
 const char* codecName(QVCodecID codec) {
     return codec == QVCodecIDAvc ? "H.264" : "H.265";
+}
+
+size_t headerSize(QVCodecID codec) {
+    return codec == QVCodecIDAvc ? 1 : 2;
+}
+
+bool isVcl(QVCodecID codec, uint32_t nal_unit_type) {
+    return codec == QVCodecIDAvc ? nal_unit_type >= kAvcSliceNut && nal_unit_type <= kAvcIdrSliceNut
+                                 : nal_unit_type < kHevcVpsNut;
 }
 
 }  // namespace qvinspect

@@ -8,6 +8,7 @@
 #include "analysis/CodedPositions.h"
 #include "analysis/CoreHooks.h"
 #include "analysis/FirstBytes.h"
+#include "analysis/NalUnitNames.h"
 #include "analysis/SeiBlocks.h"
 #include "analysis/SeiNames.h"
 #include "analysis/SeiTypes.h"
@@ -16,10 +17,6 @@
 namespace qvinspect {
 
 namespace {
-
-size_t headerSize(QVCodecID codec) {
-    return codec == QVCodecIDAvc ? 1 : 2;
-}
 
 // trailing_zero_8bits stay with a unit as the library cuts it; no message reaches into them.
 void dropTrailingZeros(std::vector<uint8_t>& unit) {

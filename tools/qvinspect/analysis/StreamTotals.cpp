@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "analysis/HdrValues.h"
+#include "analysis/NalUnitNames.h"
 #include "analysis/SeiNames.h"
 #include "analysis/SeiTypes.h"
 #include "input/AvcUnitTypes.h"
@@ -23,10 +24,6 @@ constexpr int64_t kMillisecondsPerSecond = 1000;
 // H.273 table 3.
 constexpr uint32_t kPq = 16;
 constexpr uint32_t kHlg = 18;
-
-bool isVcl(QVCodecID codec, uint32_t nal_unit_type) {
-    return codec == QVCodecIDAvc ? nal_unit_type >= 1 && nal_unit_type <= 5 : nal_unit_type <= 31;
-}
 
 // accessUnit: its number, 0 for what is behind the last one or ahead of the first.
 std::string placed(const Finding& finding, uint64_t accessUnit) {

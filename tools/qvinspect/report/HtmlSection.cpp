@@ -10,6 +10,7 @@
 #include "analysis/NalUnitNames.h"
 #include "analysis/SeiNames.h"
 #include "analysis/SeiTypes.h"
+#include "report/FramingName.h"
 #include "report/HtmlText.h"
 
 namespace qvinspect {
@@ -94,11 +95,6 @@ void addPicture(Card& card, const SequenceParameterSet& sps) {
                  : bitDepths(int64_t{8} + sps.hevc.bit_depth_luma_minus8,
                              int64_t{8} + sps.hevc.bit_depth_chroma_minus8, sps.hevc.chroma_format_idc == 0));
     card.add("Chroma", noteIn(block, "chroma_format_idc"));
-}
-
-std::string framingText(const QVCodecParameters& parameters) {
-    return parameters.isAnnexB != 0 ? std::string("Annex B start codes")
-                                    : fmt::format("{}-byte length fields", parameters.nalLengthSize);
 }
 
 std::string keyIntervalText(const StreamTotals& totals) {
@@ -362,7 +358,7 @@ void HtmlSection::writeCard(Output& out, const StreamEnd& end) const {
         card.add("Picture", "no parameter set that can be read", "bad");
     }
     card.add("Format", head_.info.format);
-    card.add("Framing", framingText(head_.info.parameters));
+    card.add("Framing", framingName(head_.info.parameters));
     card.add("Duration", totals.duration ? durationText(*totals.duration) : "not known without times");
     card.add("Access units", fmt::format("{}, {} key", groupedDigits(totals.accessUnits),
                                          groupedDigits(totals.keyAccessUnits)));

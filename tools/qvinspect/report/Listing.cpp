@@ -38,11 +38,6 @@ const char* deliveryText(Delivery delivery) {
     return "";
 }
 
-bool isVcl(QVCodecID codec, uint32_t nal_unit_type) {
-    return codec == QVCodecIDAvc ? nal_unit_type >= kAvcSliceNut && nal_unit_type <= kAvcIdrSliceNut
-                                 : nal_unit_type < kHevcVpsNut;
-}
-
 bool isParameterSet(QVCodecID codec, uint32_t nal_unit_type) {
     return codec == QVCodecIDAvc
                ? nal_unit_type == kAvcSpsNut || nal_unit_type == kAvcPpsNut ||

@@ -4,10 +4,6 @@
 
 namespace qvinspect {
 
-size_t headerSize(QVCodecID codec) {
-    return codec == QVCodecIDAvc ? 1 : 2;
-}
-
 const char* stateName(UnitState state) {
     switch (state) {
         case UnitState::ForbiddenBit:

@@ -2,15 +2,11 @@
 #ifndef QVINSPECT_UNITTEXTS_H
 #define QVINSPECT_UNITTEXTS_H
 
-#include <cstddef>
 #include <string>
 
 #include "analysis/AccessUnitView.h"
 
 namespace qvinspect {
-
-// Bytes of the NAL unit header.
-size_t headerSize(QVCodecID codec);
 
 const char* stateName(UnitState state);
 
