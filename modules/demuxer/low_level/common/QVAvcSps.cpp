@@ -1,8 +1,10 @@
 // The H.264 sequence parameter set: seq_parameter_set_data() and scaling_list(), ITU-T H.264 (08/2021)
 // 7.3.2.1.1, 7.3.2.1.1.1 and 7.4.2.1.1.
 //
-// Each sub-step holds a reference of its own on the stream and logs under its own name. Emulation prevention
-// bytes are read as data (D06).
+// Each sub-step holds a reference of its own on the stream and logs under its own name. Nobody can see the
+// reference but the core, from its log; so it is taken where there is something to log: two locked
+// instructions for each sub-step took longer than the syntax elements. Emulation prevention bytes are read as
+// data (D06).
 #include "QVAvcSps.h"
 
 #include <cstddef>
@@ -90,14 +92,15 @@ bool fitsInt8(int32_t value) {
 
 // scaling_list(): delta_scale by delta_scale in scan order. An invalid one ends the list, not the parameter
 // set (D09).
-void decodeScalingList(PlainWindow& in, uint8_t* list, const ScalingListShape& shape,
-                       const uint8_t* fallback) {
+void decodeScalingList(PlainWindow& in, const SharedStream& stream, uint8_t* list,
+                       const ScalingListShape& shape, const uint8_t* fallback) {
     uint32_t lastScale = 8;
     uint32_t nextScale = 8;
     for (size_t i = 0; i < shape.entries; ++i) {
         if (nextScale != 0) {
             const int32_t delta_scale = in.se();
             if (!fitsInt8(delta_scale)) {
+                const SharedStream held = stream;
                 QV_LOG(QVTraceError, "parseScalingList", "parse_scaling_list, delta scale %d is invalid\n",
                        delta_scale);
                 return;
@@ -115,25 +118,27 @@ void decodeScalingList(PlainWindow& in, uint8_t* list, const ScalingListShape& s
 
 // One list behind its seq_scaling_list_present_flag. A list that is not sent is a copy of inherited; one that
 // asks for the default is a copy of defaults.
-void parseScalingList(SharedStream stream, uint8_t* list, const ScalingListShape& shape,
-                      const uint8_t* inherited, const uint8_t* defaults) {
-    PlainWindow in(*stream);
+void parseScalingList(PlainWindow& in, const SharedStream& stream, uint8_t* list,
+                      const ScalingListShape& shape, const uint8_t* inherited, const uint8_t* defaults) {
     const uint32_t seq_scaling_list_present_flag = in.u(1);
     if (seq_scaling_list_present_flag == 0) {
         std::memcpy(list, inherited, shape.entries);
         return;
     }
-    decodeScalingList(in, list, shape, defaults);
+    decodeScalingList(in, stream, list, shape, defaults);
 }
 
 // Table 7-2, fall-back rule set A: the first list of a kind falls back to the default, each other one to the
 // list before it.
-void parseScalingMatrices(QVAvcSps* sps, const SharedStream& stream) {
+void parseScalingMatrices(QVAvcSps* sps, SharedStream profileStep) {
+    PlainWindow in(*profileStep);
     const auto parse4x4 = [&](int index, int kind, const uint8_t* inherited) {
-        parseScalingList(stream, sps->scaling_matrix4[index], k4x4, inherited, kDefaultScaling4[kind]);
+        parseScalingList(in, profileStep, sps->scaling_matrix4[index], k4x4, inherited,
+                         kDefaultScaling4[kind]);
     };
     const auto parse8x8 = [&](int index, int kind, const uint8_t* inherited) {
-        parseScalingList(stream, sps->scaling_matrix8[index], k8x8, inherited, kDefaultScaling8[kind]);
+        parseScalingList(in, profileStep, sps->scaling_matrix8[index], k8x8, inherited,
+                         kDefaultScaling8[kind]);
     };
     parse4x4(0, kIntra, kDefaultScaling4[kIntra]);
     parse4x4(1, kIntra, sps->scaling_matrix4[0]);
@@ -152,7 +157,7 @@ void parseScalingMatrices(QVAvcSps* sps, const SharedStream& stream) {
 }
 
 // What the profile carries: chroma format, bit depths, scaling matrices.
-bool parseAvcSpsForProfile(QVAvcSps* sps, SharedStream stream, PlainWindow& in) {
+bool parseAvcSpsForProfile(QVAvcSps* sps, const SharedStream& stream, PlainWindow& in) {
     constexpr const char* kFunction = "parseAvcSpsForProfile";
     if (!hasChromaSyntax(static_cast<uint32_t>(sps->profile_idc))) {
         sps->chroma_format_idc = 1;
@@ -163,12 +168,14 @@ bool parseAvcSpsForProfile(QVAvcSps* sps, SharedStream stream, PlainWindow& in) 
     const uint32_t chroma_format_idc = in.ue();
     sps->chroma_format_idc = static_cast<int32_t>(chroma_format_idc);
     if (chroma_format_idc >= kChromaFormatEnd) {
+        const SharedStream held = stream;
         QV_LOG(QVTraceError, kFunction, "parseAvcCDecoderSps, chroma_format_idc : %u", chroma_format_idc);
         return false;
     }
     if (chroma_format_idc == kChromaFormat444) {
         sps->residual_color_transform_flag = in.flag();
         if (sps->residual_color_transform_flag != 0) {  // D11
+            const SharedStream held = stream;
             QV_LOG(QVTraceError, kFunction, "parseAvcCDecoderSps, separate color planes are not supported\n");
             return false;
         }
@@ -178,10 +185,12 @@ bool parseAvcSpsForProfile(QVAvcSps* sps, SharedStream stream, PlainWindow& in) 
     sps->bit_depth_luma = static_cast<int32_t>(bitDepthLuma);
     sps->bit_depth_chroma = static_cast<int32_t>(bitDepthChroma);
     if (bitDepthLuma != bitDepthChroma) {
+        const SharedStream held = stream;
         QV_LOG(QVTraceError, kFunction, "parseAvcCDecoderSps, Different chroma and luma bit depth");
         return false;
     }
     if (bitDepthLuma >= kBitDepthEnd) {
+        const SharedStream held = stream;
         QV_LOG(QVTraceError, kFunction, "parseAvcCDecoderSps, illegal bit depth value : (%d, %d)\n",
                sps->bit_depth_luma, sps->bit_depth_luma);
         return false;
@@ -196,9 +205,10 @@ bool parseAvcSpsForProfile(QVAvcSps* sps, SharedStream stream, PlainWindow& in) 
     return true;
 }
 
-bool parsePocType0(QVAvcSps* sps, PlainWindow& in, const char* function) {
+bool parsePocType0(QVAvcSps* sps, const SharedStream& stream, PlainWindow& in, const char* function) {
     const uint32_t log2_max_pic_order_cnt_lsb_minus4 = in.ue();
     if (log2_max_pic_order_cnt_lsb_minus4 >= kLog2Minus4End) {
+        const SharedStream held = stream;
         QV_LOG(QVTraceError, function, "parseAvcCDecoderSps, logMmaxPocLsb is out of range : %d \n",
                static_cast<int>(log2_max_pic_order_cnt_lsb_minus4));
         return false;
@@ -207,13 +217,14 @@ bool parsePocType0(QVAvcSps* sps, PlainWindow& in, const char* function) {
     return true;
 }
 
-bool parsePocType1(QVAvcSps* sps, PlainWindow& in, const char* function) {
+bool parsePocType1(QVAvcSps* sps, const SharedStream& stream, PlainWindow& in, const char* function) {
     sps->delta_pic_order_always_zero_flag = in.flag();
     sps->offset_for_non_ref_pic = in.se();
     sps->offset_for_top_to_bottom_field = in.se();
     const uint32_t num_ref_frames_in_pic_order_cnt_cycle = in.ue();
     sps->poc_cycle_length = static_cast<int32_t>(num_ref_frames_in_pic_order_cnt_cycle);
     if (num_ref_frames_in_pic_order_cnt_cycle >= kPocCycleEnd) {
+        const SharedStream held = stream;
         QV_LOG(QVTraceError, function, "parseAvcCDecoderSps, pocCycleLength overflow : %d\n",
                sps->poc_cycle_length);
         return false;
@@ -225,20 +236,22 @@ bool parsePocType1(QVAvcSps* sps, PlainWindow& in, const char* function) {
 }
 
 // Picture order count.
-bool parseAvcSpsForPoc(QVAvcSps* sps, SharedStream /*held*/, PlainWindow& in) {
+bool parseAvcSpsForPoc(QVAvcSps* sps, const SharedStream& stream, PlainWindow& in) {
     constexpr const char* kFunction = "parseAvcSpsForPoc";
     const uint32_t pic_order_cnt_type = in.ue();
     sps->poc_type = static_cast<int32_t>(pic_order_cnt_type);
     switch (pic_order_cnt_type) {
         case 0:
-            return parsePocType0(sps, in, kFunction);
+            return parsePocType0(sps, stream, in, kFunction);
         case 1:
-            return parsePocType1(sps, in, kFunction);
+            return parsePocType1(sps, stream, in, kFunction);
         case 2:
             return true;
-        default:
+        default: {
+            const SharedStream held = stream;
             QV_LOG(QVTraceError, kFunction, "parseAvcCDecoderSps, illegal POC type : %d\n", sps->poc_type);
             return false;
+        }
     }
 }
 
@@ -278,7 +291,7 @@ void deriveCroppedSize(QVAvcSps* sps, uint32_t width, uint32_t height) {
 }
 
 // Frame cropping.
-void parseAvcSpsForCrop(QVAvcSps* sps, SharedStream /*held*/, PlainWindow& in) {
+void parseAvcSpsForCrop(QVAvcSps* sps, const SharedStream& stream, PlainWindow& in) {
     const uint32_t width = 16 * static_cast<uint32_t>(sps->mb_width);
     const uint32_t height =
         16 * static_cast<uint32_t>(sps->mb_height) * (2 - static_cast<uint32_t>(sps->frame_mbs_only_flag));
@@ -293,6 +306,7 @@ void parseAvcSpsForCrop(QVAvcSps* sps, SharedStream /*held*/, PlainWindow& in) {
     sps->crop_right = static_cast<int32_t>(in.ue());
     sps->crop_top = static_cast<int32_t>(in.ue());
     sps->crop_bottom = static_cast<int32_t>(in.ue());
+    const SharedStream held = stream;
     QV_LOG(QVTraceDebug, "parseAvcSpsForCrop",
            "parseAvcCDecoderSps, discarding sps cropping, original values are l:%d r:%d t:%d b:%d\n",
            sps->crop_left, sps->crop_right, sps->crop_top, sps->crop_bottom);

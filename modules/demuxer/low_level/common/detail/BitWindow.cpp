@@ -94,23 +94,24 @@ void PlainSide::move(QVByteStream& stream, uint32_t moved) {
     stream.bitOffset = static_cast<uint8_t>(bits % 8);
 }
 
-uint32_t PlainSide::u(QVByteStream& stream, uint32_t moved, uint32_t n) {
+WindowBits PlainSide::refill(QVByteStream& stream, uint32_t moved) {
     move(stream, moved);
+    return take(stream);
+}
+
+uint32_t PlainSide::u(QVByteStream& stream, uint32_t n) {
     return stream.readBits(n);
 }
 
-uint32_t PlainSide::ue(QVByteStream& stream, uint32_t moved) {
-    move(stream, moved);
+uint32_t PlainSide::ue(QVByteStream& stream) {
     return stream.readGolombUe();
 }
 
-int32_t PlainSide::se(QVByteStream& stream, uint32_t moved) {
-    move(stream, moved);
+int32_t PlainSide::se(QVByteStream& stream) {
     return stream.readGolombSe();
 }
 
-void PlainSide::skip(QVByteStream& stream, uint32_t moved, uint32_t n) {
-    move(stream, moved);
+void PlainSide::skip(QVByteStream& stream, uint32_t n) {
     stream.skipBits(n);
 }
 
@@ -133,16 +134,19 @@ void RbspSide::move(QVByteStream& stream, uint32_t moved) {
     stream.rbspBitIndex = 7 - bits % 8;
 }
 
-uint32_t RbspSide::u(QVByteStream& stream, uint32_t moved, uint32_t n) {
+WindowBits RbspSide::refill(QVByteStream& stream, uint32_t moved) {
     move(stream, moved);
+    return take(stream);
+}
+
+uint32_t RbspSide::u(QVByteStream& stream, uint32_t n) {
     return stream.readRbspBits(n);
 }
 
 // ue(v), H.265 9.2. Unlike the plain cursor's: a code of 32 zero bits still has its value modulo 2^32, and
 // the value 0 is given up to after 33 of them, with one more bit consumed.
-uint32_t RbspSide::ue(QVByteStream& stream, uint32_t moved) {
+uint32_t RbspSide::ue(QVByteStream& stream) {
     constexpr uint32_t kMostLeadingZeroBits = 32;
-    move(stream, moved);
     uint32_t leadingZeroBits = 0;
     while (stream.readRbspBits(1) == 0) {
         if (++leadingZeroBits > kMostLeadingZeroBits) {

@@ -20,22 +20,24 @@ struct WindowBits {
     uint32_t taken;  // of bits that there were when the reader's cursor stood where it stands
 };
 
-// The two cursors: what a window holds at each, and how the reader goes on from there. moved is the number of
-// bits that were read from the window since.
+// The two cursors: what a window holds at each, how the reader's cursor moves behind the bits that were read
+// from the window, and the reads of the reader.
 struct PlainSide {
     static WindowBits take(const QVByteStream& stream);
     static void move(QVByteStream& stream, uint32_t moved);
-    static uint32_t u(QVByteStream& stream, uint32_t moved, uint32_t n);
-    static uint32_t ue(QVByteStream& stream, uint32_t moved);
-    static int32_t se(QVByteStream& stream, uint32_t moved);
-    static void skip(QVByteStream& stream, uint32_t moved, uint32_t n);
+    static WindowBits refill(QVByteStream& stream, uint32_t moved);
+    static uint32_t u(QVByteStream& stream, uint32_t n);
+    static uint32_t ue(QVByteStream& stream);
+    static int32_t se(QVByteStream& stream);
+    static void skip(QVByteStream& stream, uint32_t n);
 };
 
 struct RbspSide {
     static WindowBits take(const QVByteStream& stream);
     static void move(QVByteStream& stream, uint32_t moved);
-    static uint32_t u(QVByteStream& stream, uint32_t moved, uint32_t n);
-    static uint32_t ue(QVByteStream& stream, uint32_t moved);
+    static WindowBits refill(QVByteStream& stream, uint32_t moved);
+    static uint32_t u(QVByteStream& stream, uint32_t n);
+    static uint32_t ue(QVByteStream& stream);
 };
 
 // Always inline, and the rest never handed the address of a window: or it would not stay in registers.
@@ -52,12 +54,12 @@ public:
 
     // u(n) for n of 1 to 32.
     QV_WINDOW_INLINE uint32_t u(uint32_t n) {
-        if (holds(n)) {
-            return static_cast<uint32_t>(shift(n));
+        if (!canHold(n)) {
+            const uint32_t value = Side::u(stream_, n);
+            take();
+            return value;
         }
-        const uint32_t value = Side::u(stream_, moved(), n);
-        take();
-        return value;
+        return static_cast<uint32_t>(shift(n));
     }
 
     // A flag as the records hold it.
@@ -69,13 +71,12 @@ public:
             shift(1);
             return 0;
         }
-        const uint32_t length = codeLength();
-        if (holds(length)) {
-            return static_cast<uint32_t>(shift(length)) - 1;
+        if (!canHoldCode()) {
+            const uint32_t value = Side::ue(stream_);
+            take();
+            return value;
         }
-        const uint32_t value = Side::ue(stream_, moved());
-        take();
-        return value;
+        return static_cast<uint32_t>(shift(codeLength())) - 1;
     }
 
     QV_WINDOW_INLINE void take() { window_ = Side::take(stream_); }
@@ -87,6 +88,28 @@ public:
 
 protected:
     bool holds(uint32_t n) const { return n + kKept <= window_.count; }
+
+    // True when the next n bits are whole in the window, if need be in a new one. After false the reader's
+    // cursor stands where the window's does.
+    QV_WINDOW_INLINE bool canHold(uint32_t n) {
+        if (holds(n)) {
+            return true;
+        }
+        refill();
+        return holds(n);
+    }
+
+    // canHold() of the Exp-Golomb code that comes next.
+    QV_WINDOW_INLINE bool canHoldCode() {
+        if (holds(codeLength())) {
+            return true;
+        }
+        refill();
+        return holds(codeLength());
+    }
+
+    QV_WINDOW_INLINE void refill() { window_ = Side::refill(stream_, moved()); }
+
     uint32_t moved() const { return window_.taken - window_.count; }
 
     // Of the Exp-Golomb code that comes next; more than a window holds when its 1 bit is not in sight.
@@ -113,24 +136,23 @@ public:
     using BitWindow::BitWindow;
 
     QV_WINDOW_INLINE int32_t se() {
-        const uint32_t length = codeLength();
-        if (holds(length)) {
-            const auto code = static_cast<uint32_t>(shift(length));
-            const auto magnitude = static_cast<int32_t>(code >> 1);
-            return (code & 1U) != 0 ? -magnitude : magnitude;
+        if (!canHoldCode()) {
+            const int32_t value = PlainSide::se(stream_);
+            take();
+            return value;
         }
-        const int32_t value = PlainSide::se(stream_, moved());
-        take();
-        return value;
+        const auto code = static_cast<uint32_t>(shift(codeLength()));
+        const auto magnitude = static_cast<int32_t>(code >> 1);
+        return (code & 1U) != 0 ? -magnitude : magnitude;
     }
 
     // Skips n bits, 63 at most, whole or not at all. Two skips are not one: at the end of the data they
     // differ.
     QV_WINDOW_INLINE void skip(uint32_t n) {
-        if (holds(n)) {
+        if (canHold(n)) {
             shift(n);
         } else {
-            PlainSide::skip(stream_, moved(), n);
+            PlainSide::skip(stream_, n);
             take();
         }
     }
@@ -144,10 +166,10 @@ public:
 
     // Reads n bits, as far as there are any, and forgets them.
     QV_WINDOW_INLINE void drop(uint32_t n) {
-        if (holds(n)) {
+        if (canHold(n)) {
             shift(n);
         } else {
-            RbspSide::u(stream_, moved(), n);
+            RbspSide::u(stream_, n);
             take();
         }
     }
