@@ -53,17 +53,48 @@ void QVByteStream::leaveRbspByte() {
     }
 }
 
-// Bytes from the byte position on that hold no 03 behind the first one: they can be taken in one piece.
+// Bytes that are worth a copy of their own.
+constexpr uint64_t kWorthAPiece = 32;
+
+// Bytes from the byte position on, most at most, that can be taken in one piece: up to an emulation
+// prevention byte, or to a 03 close behind another one, where bytes are faster than a search. The first byte
+// was come to already: it is data.
 uint64_t QVByteStream::rbspPieceLength(uint64_t most) const {
     const uint64_t length = std::min(most, size - bytePos);
-    const auto* const first = data + bytePos;
-    const void* const next03 = std::memchr(first + 1, 0x03, static_cast<size_t>(length - 1));
-    return next03 != nullptr ? static_cast<uint64_t>(static_cast<const uint8_t*>(next03) - first) : length;
+    const uint8_t* const first = data + bytePos;
+    uint64_t searched = 1;
+    while (const void* const next03 =
+               std::memchr(first + searched, 0x03, static_cast<size_t>(length - searched))) {
+        const auto at = static_cast<uint64_t>(static_cast<const uint8_t*>(next03) - first);
+        if (at < searched + kWorthAPiece || (first[at - 1] == 0x00 && data[bytePos + at - 2] == 0x00)) {
+            return at;
+        }
+        searched = at + 1;
+    }
+    return length;
+}
+
+// Takes count bytes one by one, as far as there are any. In locals: a store through out may be one into the
+// reader, as far as a compiler knows.
+uint8_t* QVByteStream::readRbspBytewise(uint8_t* out, uint64_t count) {
+    const uint8_t* const bytes = data;
+    const uint64_t end = size;
+    uint64_t position = bytePos;
+    for (; count > 0 && position < end; --count) {
+        const uint8_t left = bytes[position];
+        *out++ = left;
+        ++position;
+        if (left == 0x00 && position >= 3 && position < end && bytes[position] == 0x03 &&
+            bytes[position - 2] == 0x00) {
+            ++position;
+        }
+    }
+    bytePos = position;
+    return out;
 }
 
 void QVByteStream::readRbspBytes(uint8_t* out, size_t count) {
-    constexpr uint64_t kWorthAPiece = 32;
-    constexpr int kBytesBetweenPieces = 64;
+    constexpr uint64_t kBytesBetweenPieces = 64;
     uint8_t* const end = out + count;
     while (out != end && bytePos < size && isAlignedRbsp()) {
         const uint64_t length = rbspPieceLength(static_cast<uint64_t>(end - out));
@@ -72,10 +103,8 @@ void QVByteStream::readRbspBytes(uint8_t* out, size_t count) {
         bytePos += length - 1;
         leaveRbspByte();
         // Where 03 bytes stand close together, looking for the next one costs more than the bytes do.
-        const int bytewise = length < kWorthAPiece ? kBytesBetweenPieces : 0;
-        for (int i = 0; i < bytewise && out != end && bytePos < size; ++i) {
-            *out++ = data[bytePos];
-            leaveRbspByte();
+        if (length < kWorthAPiece) {
+            out = readRbspBytewise(out, std::min(kBytesBetweenPieces, static_cast<uint64_t>(end - out)));
         }
     }
     while (out != end && bytePos < size) {

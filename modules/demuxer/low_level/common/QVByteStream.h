@@ -128,6 +128,7 @@ private:
     bool isAlignedRbsp() const { return rbspBitIndex == 7 && data != nullptr; }
     void leaveRbspByte();
     uint64_t rbspPieceLength(uint64_t most) const;
+    uint8_t* readRbspBytewise(uint8_t* out, uint64_t count);
 
     bool hasBytes(uint64_t count) const;
     static uint64_t bytesAt(const uint8_t* bytes);
