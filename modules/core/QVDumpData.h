@@ -2,7 +2,9 @@
 #ifndef QV_CORE_QVDUMPDATA_H
 #define QV_CORE_QVDUMPDATA_H
 
-class QVDumpData {
+#include "QVCoreExport.h"
+
+class QV_CORE_API QVDumpData {
 public:
     // Dumps size bytes at data under label, for a developer to read. data and label are borrowed for the
     // duration of the call; size is the full size of the buffer in bytes, the host bounds what it prints.

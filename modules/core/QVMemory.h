@@ -4,14 +4,16 @@
 
 #include <stddef.h>
 
+#include "QVCoreExport.h"
+
 extern "C" {
 
 // Returns size bytes of uninitialised memory aligned for any type, or null on failure.
 // The caller releases it with the host's matching free function (qvFree in the stand-alone core).
-void* qvMalloc(size_t size);
+QV_CORE_API void* qvMalloc(size_t size);
 
 // As qvMalloc, with every byte zero.
-void* qvMallocz(size_t size);
+QV_CORE_API void* qvMallocz(size_t size);
 }
 
 #endif

@@ -5,6 +5,8 @@
 
 #include <stdint.h>
 
+#include "QVCoreExport.h"
+
 struct QVSeiItem;
 
 // Describes the SEI messages of one access unit to the side-data serialiser. A host's description may be
@@ -17,14 +19,14 @@ struct QVSeiInfo {
 extern "C" {
 
 // Makes a description with itemCount zeroed entries; null on failure. Released with freepQVSeiInfo.
-QVSeiInfo* createQVSeiInfo(uint32_t itemCount);
+QV_CORE_API QVSeiInfo* createQVSeiInfo(uint32_t itemCount);
 
 // Serialises info into one new buffer and stores its length in bytes in *size. The buffer is the caller's.
 // Returns null on failure. info is only read; payload bytes are copied.
-unsigned char* createSideDataFromQVSeiInfo(QVSeiInfo* info, int* size);
+QV_CORE_API unsigned char* createSideDataFromQVSeiInfo(QVSeiInfo* info, int* size);
 
 // Releases *info and sets it to null. Payload pointers in the entries are borrowed and not released.
-void freepQVSeiInfo(QVSeiInfo** info);
+QV_CORE_API void freepQVSeiInfo(QVSeiInfo** info);
 }
 
 #endif

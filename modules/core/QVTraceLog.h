@@ -2,6 +2,8 @@
 #ifndef QV_CORE_QVTRACELOG_H
 #define QV_CORE_QVTRACELOG_H
 
+#include "QVCoreExport.h"
+
 #if defined(__GNUC__)
 #define QV_PRINTF_FORMAT(formatIndex, firstArgument) \
     __attribute__((format(printf, formatIndex, firstArgument)))
@@ -30,8 +32,8 @@ extern "C" {
 //
 // Never fails observably. It may throw: callers release what they own and let the exception pass.
 // All strings are borrowed for the duration of the call.
-void qvTraceLog(int level, const char* file, int line, const char* function, const char* tag,
-                const char* format, ...) QV_PRINTF_FORMAT(6, 7);
+QV_CORE_API void qvTraceLog(int level, const char* file, int line, const char* function, const char* tag,
+                            const char* format, ...) QV_PRINTF_FORMAT(6, 7);
 }
 
 #endif

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "QVByteStream.h"
+#include "QVNaluExport.h"
 
 // seq_parameter_set_data(), H.264 7.3.2.1.1, up to vui_parameters_present_flag, with derived picture sizes.
 // Owned by the caller, who zero-initialises it with {}; the parser never clears it. Fields that hold a
@@ -92,6 +93,6 @@ struct QVAvcSps {
 //
 // Logs the crop and a summary at debug level. An invalid delta_scale ends its scaling list, and
 // mb_adaptive_frame_field_flag is noted; both are logged as errors without being failures.
-bool parseAvcSps(QVAvcSps* sps, std::shared_ptr<QVByteStream> stream);
+QV_NALU_API bool parseAvcSps(QVAvcSps* sps, std::shared_ptr<QVByteStream> stream);
 
 #endif

@@ -15,6 +15,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "QVNaluExport.h"
+
 class QVByteStream {
 public:
     // An empty stream.
@@ -22,7 +24,7 @@ public:
 
     // A stream over a malloc'd copy of the sourceSize bytes at source, owned by the stream. Empty when source
     // is null, sourceSize is 0 or the allocation fails.
-    QVByteStream(const uint8_t* source, size_t sourceSize);
+    QV_NALU_API QVByteStream(const uint8_t* source, size_t sourceSize);
 
     ~QVByteStream() {
         if (ownsData) {
@@ -39,10 +41,10 @@ public:
     // it and the byte before it are zero, the byte before is not the first of the buffer, and 0x03 follows,
     // that 0x03 is passed.
     // n == 0 touches nothing. n > 32 consumes n bits and returns 0. Past the end nothing moves.
-    uint32_t readRbspBits(unsigned long n);
+    QV_NALU_API uint32_t readRbspBits(unsigned long n);
 
     // Reads count bytes, each as readRbspBits(8).
-    void readRbspBytes(uint8_t* out, size_t count);
+    QV_NALU_API void readRbspBytes(uint8_t* out, size_t count);
 
     // --- Plain cursor ---
 
@@ -75,7 +77,7 @@ public:
     // Moves n whole bytes forward, or backward for a negative n, and keeps the bit offset: the byte position
     // changes by (bitOffset + 8 * n) / 8, truncated towards zero. A target before the start or past the end
     // moves nothing.
-    void seekBytes(int64_t n);
+    QV_NALU_API void seekBytes(int64_t n);
 
     // size - bytePos, unsigned: wraps when the byte position has passed the end.
     uint64_t bytesLeft() const { return size - bytePos; }
@@ -139,12 +141,12 @@ private:
     PlainRead readGolombCode(uint32_t firstOne) const;
 
     // Any read at any place, also near the end of the data and behind it.
-    [[gnu::pure]] static PlainRead readAnyBits(const uint8_t* data, uint64_t size, uint64_t bytePos,
-                                               uint32_t bitOffset, uint32_t n);
-    [[gnu::pure]] static PlainRead readAnyGolombUe(const uint8_t* data, uint64_t size, uint64_t bytePos,
-                                                   uint32_t bitOffset);
-    [[gnu::pure]] static PlainRead readAnyGolombSe(const uint8_t* data, uint64_t size, uint64_t bytePos,
-                                                   uint32_t bitOffset);
+    [[gnu::pure]] QV_NALU_API static PlainRead readAnyBits(const uint8_t* data, uint64_t size,
+                                                           uint64_t bytePos, uint32_t bitOffset, uint32_t n);
+    [[gnu::pure]] QV_NALU_API static PlainRead readAnyGolombUe(const uint8_t* data, uint64_t size,
+                                                               uint64_t bytePos, uint32_t bitOffset);
+    [[gnu::pure]] QV_NALU_API static PlainRead readAnyGolombSe(const uint8_t* data, uint64_t size,
+                                                               uint64_t bytePos, uint32_t bitOffset);
 };
 
 // --- Inline, because every syntax element passes here ---

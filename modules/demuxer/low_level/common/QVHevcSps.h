@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "QVByteStream.h"
+#include "QVNaluExport.h"
 
 // seq_parameter_set_rbsp(), H.265 7.3.2.2, up to sps_sub_layer_ordering_info_present_flag, with the displayed
 // picture size. No value is range-checked. Owned by the caller, who zero-initialises it with {}; the parser
@@ -63,6 +64,6 @@ struct QVHevcSps {
 // true in every other case, however short or malformed the data: missing bits read as 0.
 //
 // Logs profile space, tier, profile and level at information level; the record has no field for them.
-bool parseHevcSps(QVHevcSps* sps, std::shared_ptr<QVByteStream> stream);
+QV_NALU_API bool parseHevcSps(QVHevcSps* sps, std::shared_ptr<QVByteStream> stream);
 
 #endif

@@ -21,10 +21,11 @@
 #include "QVHDRMetadata.h"
 #include "QVHevcSei.h"
 #include "QVHevcSps.h"
+#include "QVNaluExport.h"
 #include "QVResult.h"
 #include "QVSeiItem.h"
 
-class QVNaluParser {
+class QV_NALU_API QVNaluParser {
 public:
     // One typed NAL unit.
     struct NaluInfo {
