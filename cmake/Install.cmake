@@ -1,0 +1,60 @@
+# Installation. Components: runtime (the shared library), development (headers, libraries to link with, package
+# files) and tools (qvinspect).
+#
+# One prefix may hold the static and the shared library, installed from two builds; qvnaluConfig.cmake chooses.
+include(CMakePackageConfigHelpers)
+include(GNUInstallDirs)
+
+set(headers ${CMAKE_INSTALL_INCLUDEDIR}/qvnalu)
+set(package_files ${CMAKE_INSTALL_LIBDIR}/cmake/qvnalu)
+if(BUILD_SHARED_LIBS)
+  set(kind shared)
+else()
+  set(kind static)
+endif()
+
+file(GLOB public_headers CONFIGURE_DEPENDS
+  ${PROJECT_SOURCE_DIR}/modules/core/*.h
+  ${PROJECT_SOURCE_DIR}/modules/core/standalone/*.h
+  ${PROJECT_SOURCE_DIR}/modules/demuxer/low_level/common/*.h)
+list(FILTER public_headers EXCLUDE REGEX "/QVSideDataLayout\\.h$")
+install(FILES ${public_headers} DESTINATION ${headers} COMPONENT development)
+
+install(TARGETS qvnalu EXPORT qvnalu_${kind}
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
+  INCLUDES DESTINATION ${headers})
+install(TARGETS qvcore_standalone EXPORT qvnalu_core
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
+  INCLUDES DESTINATION ${headers})
+set_target_properties(qvnalu PROPERTIES EXPORT_NAME nalu)
+set_target_properties(qvcore_standalone PROPERTIES EXPORT_NAME core_standalone)
+foreach(targets ${kind} core)
+  install(EXPORT qvnalu_${targets} FILE qvnalu-${targets}-targets.cmake NAMESPACE qv::
+    DESTINATION ${package_files} COMPONENT development)
+endforeach()
+
+configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/qvnaluConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/qvnaluConfig.cmake INSTALL_DESTINATION ${package_files}
+  NO_SET_AND_CHECK_MACRO)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/qvnaluConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/qvnaluConfig.cmake ${PROJECT_BINARY_DIR}/qvnaluConfigVersion.cmake
+  DESTINATION ${package_files} COMPONENT development)
+
+# The package files say where things are from where they stand, so that an installation can be moved.
+set(from_here ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig)
+file(RELATIVE_PATH QVNALU_PC_PREFIX ${from_here} ${CMAKE_INSTALL_PREFIX})
+file(RELATIVE_PATH QVNALU_PC_INCLUDEDIR ${from_here} ${CMAKE_INSTALL_FULL_INCLUDEDIR}/qvnalu)
+foreach(name qvnalu qvcore_standalone)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/${name}.pc.in ${PROJECT_BINARY_DIR}/${name}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${name}.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+endforeach()
+
+if(QVNALU_BUILD_TOOLS)
+  install(TARGETS qvinspect RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+  install(FILES ${PROJECT_SOURCE_DIR}/docs/qvinspect.1
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+  install(FILES ${PROJECT_SOURCE_DIR}/tools/qvinspect/qvinspect.bash
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME qvinspect COMPONENT tools)
+endif()

@@ -1,0 +1,63 @@
+# What the scripts of this folder share. Each is given SOURCE, the tree of qvnalu, WORK, a folder of its own, and
+# the tools of the build around it.
+cmake_minimum_required(VERSION 3.22)
+
+# run(COMMAND...): its output goes into the variable "output", and is shown when the command fails.
+function(run)
+  execute_process(COMMAND ${ARGN} OUTPUT_VARIABLE output ERROR_VARIABLE errors RESULT_VARIABLE result)
+  if(NOT result EQUAL 0)
+    string(REPLACE ";" " " command "${ARGN}")
+    message(FATAL_ERROR "${command}\nended with ${result}:\n${output}${errors}")
+  endif()
+  set(output "${output}" PARENT_SCOPE)
+endfunction()
+
+# configure(SOURCE BINARY ARGUMENT...)
+function(configure source binary)
+  run(${CMAKE_COMMAND} -S ${source} -B ${binary} -G ${GENERATOR}
+    -DCMAKE_MAKE_PROGRAM=${MAKE_PROGRAM} -DCMAKE_CXX_COMPILER=${COMPILER} -DCMAKE_CXX_COMPILER_LAUNCHER=${LAUNCHER}
+    -DCMAKE_EXPORT_COMPILE_COMMANDS=ON ${ARGN})
+endfunction()
+
+# expect_output(EXPECTED COMMAND...): what the command prints is the text of tests/consumers/expected.
+function(expect_output expected)
+  run(${ARGN})
+  file(READ ${SOURCE}/tests/consumers/expected/${expected} text)
+  if(NOT output STREQUAL text)
+    message(FATAL_ERROR "${ARGN} printed\n${output}\ninstead of\n${text}")
+  endif()
+endfunction()
+
+# write_readme_program(FILE): the program that the README shows.
+function(write_readme_program file)
+  file(READ ${SOURCE}/README.md readme)
+  string(FIND "${readme}" "```cpp\n" begin)
+  if(begin EQUAL -1)
+    message(FATAL_ERROR "README.md shows no program")
+  endif()
+  math(EXPR begin "${begin} + 7")
+  string(SUBSTRING "${readme}" ${begin} -1 program)
+  string(FIND "${program}" "\n```" end)
+  math(EXPR end "${end} + 1")
+  string(SUBSTRING "${program}" 0 ${end} program)
+  file(WRITE ${file} "${program}")
+endfunction()
+
+# run_examples(FOLDER): both programs, by what they print.
+function(run_examples folder)
+  expect_output(units.txt ${folder}/units ${SOURCE}/samples/hevc_hdr10.h265)
+  foreach(sample avc_avc1 hevc_hdr_vivid)
+    expect_output(player_${sample}.txt ${folder}/player ${SOURCE}/samples/${sample}.mp4)
+  endforeach()
+endfunction()
+
+# expect_kind(KIND PROGRAM): the program is linked to the static or to the shared library.
+function(expect_kind kind program)
+  run(${READELF} -d ${program})
+  string(FIND "${output}" "[libqvnalu.so." needed)
+  if(kind STREQUAL "shared" AND needed EQUAL -1)
+    message(FATAL_ERROR "${program} does not load the shared library:\n${output}")
+  elseif(kind STREQUAL "static" AND NOT needed EQUAL -1)
+    message(FATAL_ERROR "${program} loads the shared library:\n${output}")
+  endif()
+endfunction()

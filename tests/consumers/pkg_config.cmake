@@ -1,0 +1,25 @@
+# Builds and runs the examples on the library of one KIND that is installed at PREFIX, with the flags that
+# pkg-config tells.
+include(${CMAKE_CURRENT_LIST_DIR}/common.cmake)
+
+set(ENV{PKG_CONFIG_PATH} ${PREFIX}/lib/pkgconfig)
+function(build program sources packages)
+  run(${PKG_CONFIG} --cflags --libs ${packages})
+  separate_arguments(flags UNIX_COMMAND "${output}")
+  run(${LAUNCHER} ${COMPILER} -std=c++11 -o ${WORK}/${program} ${sources} ${flags})
+  expect_kind(${KIND} ${WORK}/${program})
+endfunction()
+
+file(MAKE_DIRECTORY ${WORK})
+write_readme_program(${WORK}/readme.cpp)
+build(units ${WORK}/readme.cpp "qvnalu;qvcore_standalone")
+build(player "${SOURCE}/examples/player/player.cpp;${SOURCE}/examples/player/core.cpp"
+  "qvnalu;libavformat;libavcodec;libavutil")
+run(${PKG_CONFIG} --modversion qvnalu)
+string(STRIP "${output}" version)
+if(NOT version STREQUAL VERSION)
+  message(FATAL_ERROR "qvnalu.pc has version ${version} instead of ${VERSION}")
+endif()
+
+set(ENV{LD_LIBRARY_PATH} ${PREFIX}/lib)
+run_examples(${WORK})
