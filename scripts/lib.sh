@@ -48,7 +48,7 @@ quietly() {
 build_packages=(cmake ninja-build g++ pkg-config)
 inspect_packages=(libavcodec-dev libavformat-dev libavutil-dev libcli11-dev libfmt-dev
     nlohmann-json3-dev)
-test_packages=(libgtest-dev libgmock-dev libssl-dev python3 python3-jsonschema python3-selenium
+test_packages=(clang libgtest-dev libgmock-dev libssl-dev python3 python3-jsonschema python3-selenium
     chromium chromium-driver ffmpeg groff-base mandoc)
 bench_packages=(libbenchmark-dev ffmpeg libgstreamer-plugins-bad1.0-dev libavcodec-dev libavutil-dev)
 instruction_packages=(libbenchmark-dev valgrind)

@@ -1,0 +1,19 @@
+# Builds and runs the examples, qvnalu with them, without one feature of the language: FLAG turns it off.
+include(${CMAKE_CURRENT_LIST_DIR}/common.cmake)
+
+configure(${SOURCE}/examples ${WORK}/build -DCMAKE_BUILD_TYPE=Debug -DQVNALU_FROM=subdirectory -DCMAKE_CXX_FLAGS=${FLAG})
+run(${CMAKE_COMMAND} --build ${WORK}/build --parallel 2)
+file(READ ${WORK}/build/compile_commands.json commands)
+if(NOT commands MATCHES " ${FLAG} [^\n]*QVNaluParserScan\\.cpp")
+  message(FATAL_ERROR "the library was compiled without ${FLAG}: ${commands}")
+endif()
+run_examples(${WORK}/build)
+
+# Memory that runs out ends a program without exceptions.
+if(FLAG STREQUAL "-fno-exceptions")
+  file(GLOB_RECURSE libraries ${WORK}/build/qvnalu/libqvnalu.a)
+  file(GLOB_RECURSE core ${WORK}/build/qvnalu/libqvcore_standalone.a)
+  run(${COMPILER} -std=c++11 ${FLAG} -I${SOURCE}/modules/core -I${SOURCE}/modules/demuxer/low_level/common
+    -o ${WORK}/out_of_memory ${SOURCE}/tests/consumers/out_of_memory.cpp ${libraries} ${core})
+  run(${WORK}/out_of_memory)
+endif()
