@@ -1,11 +1,5 @@
-// The bit reader: one payload buffer, two bit cursors over one shared byte position.
-//
-// The RBSP cursor (readRbspBits) steps over emulation_prevention_three_byte (H.264/H.265 7.4.1.1); the plain
-// cursor (everything else) does not. Their bit counters are never brought in line with each other: the byte
-// position is all they share.
-//
-// No operation fails. A read past the end gives zero bits, a skip past the end is not made, and a null data
-// reads as zero bytes. A reader is used by one thread at a time.
+/// \file
+/// The bit reader.
 #ifndef QV_DEMUXER_QVBYTESTREAM_H
 #define QV_DEMUXER_QVBYTESTREAM_H
 
@@ -17,15 +11,27 @@
 
 #include "QVNaluExport.h"
 
+/// The bit reader: one payload buffer, two bit cursors over one shared byte position.
+///
+/// The RBSP cursor (readRbspBits) steps over emulation_prevention_three_byte (H.264 7.4.1, H.265 7.4.2); the
+/// plain cursor (everything else) does not. Their bit counters are never brought in line with each other: the
+/// byte position is all they share.
+///
+/// No operation fails. A read past the end gives zero bits, a skip past the end is not made, and a null data
+/// reads as zero bytes. A reader is used by one thread at a time.
 class QVByteStream {
 public:
-    // An empty stream.
+    /// An empty stream.
     QVByteStream() {}
 
-    // A stream over a malloc'd copy of the sourceSize bytes at source, owned by the stream. Empty when source
-    // is null, sourceSize is 0 or the allocation fails.
+    /// A stream over a malloc'd copy of some bytes, owned by the stream. Empty when source is null,
+    /// sourceSize is 0 or the allocation fails.
+    ///
+    /// \param source      borrowed for the duration of the call; null is allowed
+    /// \param sourceSize  bytes at source
     QV_NALU_API QVByteStream(const uint8_t* source, size_t sourceSize);
 
+    /// Frees data when ownsData.
     ~QVByteStream() {
         if (ownsData) {
             std::free(data);
@@ -37,83 +43,109 @@ public:
 
     // --- RBSP cursor ---
 
-    // Reads n bits, most significant first, stepping over emulation prevention bytes: when a byte is left,
-    // it and the byte before it are zero, the byte before is not the first of the buffer, and 0x03 follows,
-    // that 0x03 is passed.
-    // n == 0 touches nothing. n > 32 consumes n bits and returns 0. Past the end nothing moves.
+    /// u(n) of H.264 7.2 / H.265 7.2 over the RBSP: reads bits, most significant first, stepping over
+    /// emulation prevention bytes: when a byte is left, it and the byte before it are zero, the byte before
+    /// is not the first of the buffer, and 0x03 follows, that 0x03 is passed.
+    ///
+    /// \param n  bits; 0 touches nothing, more than 32 are consumed for a value of 0
+    /// \return the bits; those past the end are 0, and nothing moves there
     QV_NALU_API uint32_t readRbspBits(unsigned long n);
 
-    // Reads count bytes, each as readRbspBits(8).
+    /// Reads bytes, each as readRbspBits(8).
+    ///
+    /// \param[out] out  count bytes, the caller's
+    /// \param count     bytes to read
     QV_NALU_API void readRbspBytes(uint8_t* out, size_t count);
 
     // --- Plain cursor ---
 
-    // u(1). At the end of the data 0, and nothing moves.
+    /// u(1) of H.264 7.2 / H.265 7.2.
+    ///
+    /// \return the bit; at the end of the data 0, and nothing moves
     uint32_t readBit();
 
-    // u(n), most significant bit first. Stops at the end of the data and leaves the missing low bits 0.
-    // For n > 32 all n bits are consumed and the last 32 are returned.
+    /// u(n) of H.264 7.2 / H.265 7.2, most significant bit first.
+    ///
+    /// \param n  bits; of more than 32 all are consumed and the last 32 returned
+    /// \return the bits; those past the end are 0, and the cursor stops there
     uint32_t readBits(uint32_t n);
 
-    // ue(v) of H.264 9.1 / H.265 9.2. 0 when the data ends before the first 1 bit. At the end of the data on
-    // entry the bit offset still moves by one, past the end if need be. Codes with 32 or more leading zero
-    // bits are consumed whole; their value is meaningless, shifts being taken modulo 32.
+    /// ue(v) of H.264 9.1 / H.265 9.2. At the end of the data on entry the bit offset still moves by one,
+    /// past the end if need be. Codes with 32 or more leading zero bits are consumed whole; their value is
+    /// meaningless, shifts being taken modulo 32.
+    ///
+    /// \return the value; 0 when the data ends before the first 1 bit
     uint32_t readGolombUe();
 
-    // se(v), as readGolombUe.
+    /// se(v) of H.264 9.1.1 / H.265 9.2.2, as readGolombUe.
+    ///
+    /// \return the value; 0 when the data ends before the first 1 bit
     int32_t readGolombSe();
 
-    // Skips n bits if the byte position stays at most size, otherwise moves nothing.
+    /// Skips bits if the byte position stays at most size, otherwise moves nothing.
+    ///
+    /// \param n  bits
     void skipBits(uint64_t n);
 
-    // Skips n bytes from the byte position and clears the bit offset, if bytePos + n (64 bits, wrapping) is
-    // at most size and the stream is not empty; otherwise moves nothing.
+    /// Skips bytes from the byte position and clears the bit offset, if bytePos + n (64 bits, wrapping) is
+    /// at most size and the stream is not empty; otherwise moves nothing.
+    ///
+    /// \param n  bytes
     void skipBytes(uint64_t n);
 
-    // Reads the whole byte at the byte position, wherever the bit offset stands, and leaves that as it is.
-    // At the end of the data 0, and nothing moves.
+    /// Reads the whole byte at the byte position, wherever the bit offset stands, and leaves that as it is.
+    ///
+    /// \return the byte; at the end of the data 0, and nothing moves
     uint32_t readByte();
 
-    // Moves n whole bytes forward, or backward for a negative n, and keeps the bit offset: the byte position
-    // changes by (bitOffset + 8 * n) / 8, truncated towards zero. A target before the start or past the end
-    // moves nothing.
+    /// Moves whole bytes and keeps the bit offset: the byte position changes by (bitOffset + 8 * n) / 8,
+    /// truncated towards zero. A target before the start or past the end moves nothing.
+    ///
+    /// \param n  bytes, forward, or backward when negative
     QV_NALU_API void seekBytes(int64_t n);
 
-    // size - bytePos, unsigned: wraps when the byte position has passed the end.
+    /// Tells how many bytes stand behind the byte position.
+    ///
+    /// \return size - bytePos, unsigned: wraps when the byte position has passed the end
     uint64_t bytesLeft() const { return size - bytePos; }
 
-    // True when no byte is left to read.
+    /// Tells the end of the data.
+    ///
+    /// \return true when no byte is left to read
     bool atEnd() const { return bytePos >= size; }
 
-    // True when there is a buffer with a byte left to read.
+    /// Tells whether there is something to read from.
+    ///
+    /// \return true when there is a buffer with a byte left to read
     bool hasData() const { return data != nullptr && !atEnd(); }
 
     // --- State ---
 
-    // bitMask[b] selects the bit of weight 2^b.
+    /// bitMask[b] selects the bit of weight 2^b.
     const uint8_t bitMask[8] = {0x01, 0x02, 0x04, 0x08, 0x10, 0x20, 0x40, 0x80};
 
-    // RBSP cursor: the next bit of the current byte, 7 the most significant, counting down.
+    /// RBSP cursor: the next bit of the current byte, 7 the most significant, counting down.
     uint32_t rbspBitIndex = 7;
 
-    // True when data came from malloc and the destructor frees it.
+    /// True when data came from malloc and the destructor frees it.
     bool ownsData = true;
 
+    /// The bytes read from; null reads as zero bytes.
     uint8_t* data = nullptr;
 
-    // Valid bytes at data.
+    /// Valid bytes at data.
     uint64_t size = 0;
 
-    // Allocated bytes at data; equal to size in every stream that this module builds.
+    /// Allocated bytes at data; equal to size in every stream that this module builds.
     uint64_t capacity = 0;
 
-    // The current byte, shared by both cursors.
+    /// The current byte, shared by both cursors.
     uint64_t bytePos = 0;
 
-    // Plain cursor: bits of the current byte already consumed, 0..7.
+    /// Plain cursor: bits of the current byte already consumed, 0..7.
     uint8_t bitOffset = 0;
 
-    // Starts at 1; nothing here reads it.
+    /// Starts at 1; nothing here reads it.
     uint32_t extraFlag = 1;
 
 private:

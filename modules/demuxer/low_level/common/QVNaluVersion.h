@@ -1,4 +1,8 @@
-// The version of the library: of the headers that a caller is compiled with, and of the library that runs.
+/// \file
+/// The version of the library: of the headers that a caller is compiled with, and of the library that runs.
+///
+/// Within one major version records keep their layout and functions stay: a program runs with every library
+/// that is not older than the headers it was compiled with. The build takes its version from here.
 #ifndef QV_DEMUXER_QVNALUVERSION_H
 #define QV_DEMUXER_QVNALUVERSION_H
 
@@ -6,22 +10,29 @@
 
 #include "QVNaluExport.h"
 
-// Within one major version records keep their layout and functions stay: a program runs with every library
-// that is not older than the headers it was compiled with. The build takes its version from here.
+/// Grows when what was compiled before may not run any more.
 #define QVNALU_VERSION_MAJOR 0
+/// Grows when something is added.
 #define QVNALU_VERSION_MINOR 1
+/// Grows with every other release.
 #define QVNALU_VERSION_PATCH 0
 
-// One number that grows from version to version, fit for #if.
+/// One number that grows from version to version, fit for \#if.
 #define QVNALU_MAKE_VERSION(major, minor, patch) ((major)*65536 + (minor)*256 + (patch))
+
+/// The version of these headers.
 #define QVNALU_VERSION QVNALU_MAKE_VERSION(QVNALU_VERSION_MAJOR, QVNALU_VERSION_MINOR, QVNALU_VERSION_PATCH)
 
 extern "C" {
 
-// QVNALU_VERSION of the library that runs; a shared one may be newer than the caller's headers.
+/// Tells the version of the library that runs; a shared one may be newer than the caller's headers.
+///
+/// \return its QVNALU_VERSION
 QV_NALU_API uint32_t qvNaluVersion(void);
 
-// The same as text, "major.minor.patch". Static, never null.
+/// As qvNaluVersion, as text.
+///
+/// \return "major.minor.patch", static, never null
 QV_NALU_API const char* qvNaluVersionString(void);
 }
 

@@ -1,4 +1,5 @@
-// One kept SEI message.
+/// \file
+/// One kept SEI message.
 #ifndef QV_DEMUXER_QVSEIITEM_H
 #define QV_DEMUXER_QVSEIITEM_H
 
@@ -6,18 +7,19 @@
 
 #include "QVCodecParameters.h"
 
-// A plain record without behaviour. Lists of items are the caller's, and so is each payload buffer once its
-// item is in the list: nothing in this module removes or frees one.
+/// One kept SEI message (H.264 7.3.2.3.1, H.265 7.3.5). A plain record without behaviour. Lists of items are
+/// the caller's, and so is each payload buffer once its item is in the list: nothing in this module removes
+/// or frees one.
 struct QVSeiItem {
-    QVCodecID codecId;     // the codec of the stream that carried the message
-    uint32_t payloadType;  // payloadType as summed from the message header (H.264/H.265 7.3.2.3.1)
-    uint32_t payloadSize;  // number of bytes at payloadData
+    QVCodecID codecId;     ///< the codec of the stream that carried the message
+    uint32_t payloadType;  ///< payloadType as summed from the message header
+    uint32_t payloadSize;  ///< number of bytes at payloadData
 
-    // True when the item exists because its type is in the caller's requested-type list.
+    /// True when the item exists because its type is in the caller's requested-type list.
     bool isRequested;
 
-    // From qvMalloc (qvMallocz for the display orientation text), without emulation prevention bytes.
-    // Null only in items made elsewhere.
+    /// From qvMalloc (qvMallocz for the display orientation text), without emulation prevention bytes.
+    /// Null only in items made elsewhere.
     uint8_t* payloadData;
 };
 
