@@ -196,7 +196,7 @@ TEST_F(QVAvcSpsBitDepth, aSumThatWrapsBelow15IsAccepted) {
     }
 }
 
-TEST_F(QVAvcSpsBitDepth, differentDepthsAreStoredAndFail) {
+TEST_F(QVAvcSpsBitDepth, D31_differentDepthsAreStoredAndFail) {
     struct Case {
         uint32_t lumaMinus8, chromaMinus8;
         int32_t luma, chroma;

@@ -166,6 +166,11 @@ TEST_F(QVAvcSpsScaling, withoutMatricesEveryListIsFlat) {
     }
 }
 
+TEST_F(QVAvcSpsScaling, D33_theRecordDoesNotTellThatMatricesWereSent) {
+    ASSERT_TRUE(parse(writeAvcSps(syntaxWithLists(1))));
+    EXPECT_EQ(sps.scaling_matrix_present, 0);
+}
+
 TEST_F(QVAvcSpsScaling, listsThatAreNotSentFallBackToTheDefaults) {
     for (uint32_t format = 0; format < 4; ++format) {
         expectParsed(syntaxWithLists(format), recordWithDefaults(format));

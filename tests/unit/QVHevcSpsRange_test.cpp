@@ -144,7 +144,7 @@ TEST_F(QVHevcSpsLongCodes, aPictureSizeBeyond32Bits) {
 }
 
 // One bit more is consumed, whatever it is, and the value is 0.
-TEST_F(QVHevcSpsLongCodes, of33Zeros) {
+TEST_F(QVHevcSpsLongCodes, D05_of33Zeros) {
     const std::pair<const char*, int32_t QVHevcSps::*> elements[] = {
         {"sps_seq_parameter_set_id", &QVHevcSps::sps_seq_parameter_set_id},
         {"conf_win_left_offset", &QVHevcSps::conf_win_left_offset},

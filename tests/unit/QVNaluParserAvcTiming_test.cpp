@@ -364,7 +364,7 @@ TEST_F(AvcBufferingPeriod, otherIdentifiersAreRejected) {
     }
 }
 
-TEST_F(AvcBufferingPeriod, theParameterSetsOwnIdentifierPlaysNoPart) {
+TEST_F(AvcBufferingPeriod, D34_theParameterSetsOwnIdentifierPlaysNoPart) {
     for (const int32_t sps_id : {0, 5, 31, 32, -1, INT_MAX}) {
         QVAvcSps sps{};
         sps.sps_id = sps_id;

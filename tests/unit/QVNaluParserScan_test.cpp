@@ -643,6 +643,11 @@ TEST_F(Typing, avcSliceThatNothingRefersTo) {
     EXPECT_THAT(type({0x81}, {{0, 1}}, QVCodecIDAvc), IsEmpty());
 }
 
+TEST_F(Typing, D32_dataPartitionsAreNeverNonReference) {
+    EXPECT_THAT(type({0x02, 0x03, 0x04}, {{0, 1}, {1, 1}, {2, 1}}, QVCodecIDAvc),
+                ElementsAre(Typed{2, 0, 1, false}, Typed{3, 1, 1, false}, Typed{4, 2, 1, false}));
+}
+
 TEST_F(Typing, hevcExamples) {
     EXPECT_THAT(type({0x02, 0x01}, {{0, 2}}, QVCodecIDHevc), ElementsAre(Typed{1, 0, 2, false}));
     EXPECT_THAT(type({0x00, 0x01}, {{0, 2}}, QVCodecIDHevc), ElementsAre(Typed{0, 0, 2, true}));

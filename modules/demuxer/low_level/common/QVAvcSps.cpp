@@ -184,7 +184,7 @@ bool parseAvcSpsForProfile(QVAvcSps* sps, const SharedStream& stream, PlainWindo
     const uint32_t bitDepthChroma = in.ue() + 8;
     sps->bit_depth_luma = static_cast<int32_t>(bitDepthLuma);
     sps->bit_depth_chroma = static_cast<int32_t>(bitDepthChroma);
-    if (bitDepthLuma != bitDepthChroma) {
+    if (bitDepthLuma != bitDepthChroma) {  // D31
         const SharedStream held = stream;
         QV_LOG(QVTraceError, kFunction, "parseAvcCDecoderSps, Different chroma and luma bit depth");
         return false;
@@ -369,7 +369,7 @@ bool parseHead(QVAvcSps* sps, PlainWindow& in) {
     sps->level_idc = static_cast<int32_t>(level_idc);
     sps->full_range = -1;
     makeScalingFlat(sps);
-    sps->scaling_matrix_present = 0;
+    sps->scaling_matrix_present = 0;  // D33
     sps->colorspace = 2;
     return true;
 }

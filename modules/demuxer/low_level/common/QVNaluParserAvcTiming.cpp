@@ -132,6 +132,7 @@ int QVNaluParser::parserAvcBufferingPeriod(QVByteStream& stream, int /*payloadSi
                          static_cast<void*>(bufferingPeriod), static_cast<void*>(sps));
         return QVResultFailed;
     }
+    // D34: not compared with that of sps.
     const uint32_t seq_parameter_set_id = PlainBits(stream).ue();
     if ((seq_parameter_set_id & kBitsOfRejectedIds) != 0) {  // D16: 256 to 287 pass again
         // Unchecked: hosts know this text with a %d that no value is given for.

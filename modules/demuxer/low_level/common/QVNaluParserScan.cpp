@@ -55,7 +55,7 @@ int32_t readNalUnitLength(const unsigned char* field, int lengthSize) {
 
 bool isNonReferenceUnit(QVCodecID codec, unsigned char firstByte) {
     if (codec == QVCodecIDAvc) {
-        return (firstByte & 0x7F) == 0x01;  // nal_ref_idc 0, nal_unit_type 1
+        return (firstByte & 0x7F) == 0x01;  // nal_ref_idc 0, nal_unit_type 1 (D32)
     }
     const uint32_t type = nalUnitType(codec, firstByte);
     return type < 16 && type % 2 == 0;  // H.265 Table 7-1: *_N and RSV_VCL_N*

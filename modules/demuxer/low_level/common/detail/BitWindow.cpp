@@ -144,7 +144,7 @@ uint32_t RbspSide::u(QVByteStream& stream, uint32_t n) {
 }
 
 // ue(v), H.265 9.2. Unlike the plain cursor's: a code of 32 zero bits still has its value modulo 2^32, and
-// the value 0 is given up to after 33 of them, with one more bit consumed.
+// the value 0 is given up to after 33 of them, with one more bit consumed (D05).
 uint32_t RbspSide::ue(QVByteStream& stream) {
     constexpr uint32_t kMostLeadingZeroBits = 32;
     uint32_t leadingZeroBits = 0;
