@@ -17,8 +17,8 @@ class SeedFolder {
 public:
     explicit SeedFolder(fs::path folder) : folder_(std::move(folder)) {}
 
-    void write(const std::vector<qv_fuzz::Seed>& seeds) {
-        for (const qv_fuzz::Seed& seed : seeds) {
+    void write(const std::vector<qv_test::Seed>& seeds) {
+        for (const qv_test::Seed& seed : seeds) {
             fs::create_directories(folder_ / seed.target);
             std::ofstream file(folder_ / seed.target / std::to_string(counts_[seed.target]++),
                                std::ios::binary);
@@ -44,7 +44,7 @@ int main(int argc, char** argv) {
         return 1;
     }
     SeedFolder folder(argv[1]);
-    folder.write(qv_fuzz::builtSeeds());
+    folder.write(qv_test::builtSeeds());
     for (int i = 2; i < argc; ++i) {
         std::ifstream file(argv[i], std::ios::binary);
         const Bytes stream{std::istreambuf_iterator<char>(file), {}};
@@ -52,7 +52,7 @@ int main(int argc, char** argv) {
             std::fprintf(stderr, "%s cannot be read\n", argv[i]);
             return 1;
         }
-        folder.write(qv_fuzz::seedsOf(stream, fs::path(argv[i]).extension() == ".h265"));
+        folder.write(qv_test::seedsOf(stream, fs::path(argv[i]).extension() == ".h265"));
     }
     return folder.isGood() ? 0 : 1;
 }

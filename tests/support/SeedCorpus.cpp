@@ -9,14 +9,13 @@
 #include "QVNaluParser.h"
 #include "SeiMessages.h"
 
-namespace {
+namespace qv_test {
 
-using qv_test::Bytes;
-using qv_test::operator+;
+namespace {
 
 constexpr size_t kMostSeedBytes = 8192;  // short inputs mutate faster
 
-using Seeds = std::vector<qv_fuzz::Seed>;
+using Seeds = std::vector<Seed>;
 
 void add(Seeds& seeds, const std::string& target, const Bytes& parameters, const Bytes& data) {
     Bytes seed = parameters + data;
@@ -67,9 +66,9 @@ void addStream(Seeds& seeds, const Bytes& stream, bool isHevc) {
 }
 
 void addParameterSets(Seeds& seeds) {
-    add(seeds, "avc_sps_fuzz", {}, qv_test::avcSps().bytes());
+    add(seeds, "avc_sps_fuzz", {}, avcSps().bytes());
     for (const uint32_t chroma_format_idc : {0U, 1U, 2U, 3U}) {
-        add(seeds, "avc_sps_fuzz", {}, qv_test::highAvcSps([&](qv_test::AvcSpsSyntax& sps) {
+        add(seeds, "avc_sps_fuzz", {}, highAvcSps([&](AvcSpsSyntax& sps) {
                                            sps.chroma_format_idc = chroma_format_idc;
                                            sps.seq_scaling_matrix_present_flag = 1;
                                            sps.scalingLists[0] = {1, std::vector<int32_t>(16, 1)};
@@ -77,19 +76,18 @@ void addParameterSets(Seeds& seeds) {
                                            sps.frame_crop_right_offset = 1;
                                        }).bytes());
     }
-    add(seeds, "avc_sps_fuzz", {}, qv_test::avcSps([](qv_test::AvcSpsSyntax& sps) {
+    add(seeds, "avc_sps_fuzz", {}, avcSps([](AvcSpsSyntax& sps) {
                                        sps.pic_order_cnt_type = 1;
                                        sps.num_ref_frames_in_pic_order_cnt_cycle = 3;
                                        sps.offset_for_ref_frame = {-1, 0, 5};
                                    }).bytes());
-    add(seeds, "hevc_sps_fuzz", {}, qv_test::withEmulationPrevention(qv_test::hevcSps().bytes()));
-    add(seeds, "hevc_sps_fuzz", {},
-        qv_test::withEmulationPrevention(qv_test::hevcSps([](qv_test::HevcSpsSyntax& sps) {
-                                             sps.sps_max_sub_layers_minus1 = 6;
-                                             sps.subLayers.fill({1, 1, {}, 30});
-                                             sps.conformance_window_flag = 1;
-                                             sps.chroma_format_idc = 3;
-                                         }).bytes()));
+    add(seeds, "hevc_sps_fuzz", {}, withEmulationPrevention(hevcSps().bytes()));
+    add(seeds, "hevc_sps_fuzz", {}, withEmulationPrevention(hevcSps([](HevcSpsSyntax& sps) {
+                                                                sps.sps_max_sub_layers_minus1 = 6;
+                                                                sps.subLayers.fill({1, 1, {}, 30});
+                                                                sps.conformance_window_flag = 1;
+                                                                sps.chroma_format_idc = 3;
+                                                            }).bytes()));
 }
 
 Bytes t35(const std::string& identifier, const Bytes& userData) {
@@ -100,8 +98,8 @@ Bytes t35(const std::string& identifier, const Bytes& userData) {
 }
 
 void addMessages(Seeds& seeds) {
-    qv_test::HdrVividSyntax vivid;
-    add(seeds, "hdr_fuzz", {3}, qv_test::hdrVivid(vivid).bytes());
+    HdrVividSyntax vivid;
+    add(seeds, "hdr_fuzz", {3}, hdrVivid(vivid).bytes());
     vivid.tone_mapping_enable_mode_flag = 1;
     vivid.tone_mapping_param_enable_num = 1;
     for (auto& mapping : vivid.toneMappings) {
@@ -111,7 +109,7 @@ void addMessages(Seeds& seeds) {
     }
     vivid.color_saturation_mapping_enable_flag = 1;
     vivid.color_saturation_enable_num = 7;
-    const Bytes fullVivid = qv_test::hdrVivid(vivid).bytes();
+    const Bytes fullVivid = hdrVivid(vivid).bytes();
     add(seeds, "hdr_fuzz", {3}, fullVivid);
     add(seeds, "hdr_fuzz", {5}, Bytes(24, 0x11));
 
@@ -132,7 +130,7 @@ void addMessages(Seeds& seeds) {
         {256, Bytes(17, 0x00)},
     };
     for (const auto& [payloadType, payload] : payloads) {
-        const Bytes unit = qv_test::seiUnit({qv_test::seiMessage(payloadType, payload)});
+        const Bytes unit = seiUnit({seiMessage(payloadType, payload)});
         add(seeds, "avc_sei_fuzz", {1, static_cast<uint8_t>(payloadType), 3, 1, 0, 0, 0, 0, 0, 0, 0, 1},
             unit);
         add(seeds, "hevc_sei_fuzz", {1, static_cast<uint8_t>(payloadType), 0}, unit);
@@ -140,8 +138,8 @@ void addMessages(Seeds& seeds) {
             add(seeds, "sei_payload_fuzz", {parser, 0, 0, 1, static_cast<uint8_t>(payload.size())}, payload);
         }
     }
-    add(seeds, "avc_sei_fuzz", {0, 0}, qv_test::seiUnit({qv_test::seiMessage(4, t35("DTG1", {0x41, 0xF8}))}));
-    add(seeds, "hevc_sei_fuzz", {0, 0}, qv_test::seiUnit({qv_test::seiMessage(4, fullVivid)}));
+    add(seeds, "avc_sei_fuzz", {0, 0}, seiUnit({seiMessage(4, t35("DTG1", {0x41, 0xF8}))}));
+    add(seeds, "hevc_sei_fuzz", {0, 0}, seiUnit({seiMessage(4, fullVivid)}));
 }
 
 void addReaders(Seeds& seeds) {
@@ -165,8 +163,6 @@ void addReaders(Seeds& seeds) {
 
 }  // namespace
 
-namespace qv_fuzz {
-
 std::vector<Seed> builtSeeds() {
     Seeds seeds;
     addParameterSets(seeds);
@@ -181,4 +177,4 @@ std::vector<Seed> seedsOf(const Bytes& stream, bool isHevc) {
     return seeds;
 }
 
-}  // namespace qv_fuzz
+}  // namespace qv_test
