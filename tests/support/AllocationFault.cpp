@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <new>
 
+#include "GuardedHeap.h"
+
 namespace {
 
 struct Counter {
@@ -13,6 +15,8 @@ struct Counter {
 };
 
 thread_local Counter counters[3];
+thread_local long live = 0;
+thread_local int exemptions = 0;
 
 Counter& counterOf(qv_test::Allocator allocator) {
     return counters[static_cast<int>(allocator)];
@@ -20,20 +24,43 @@ Counter& counterOf(qv_test::Allocator allocator) {
 
 bool isRefused(qv_test::Allocator allocator) {
     Counter& counter = counterOf(allocator);
-    return counter.isActive && ++counter.seen == counter.failAt;
+    return exemptions == 0 && counter.isActive && ++counter.seen == counter.failAt;
 }
 
 }  // namespace
 
 extern "C" void* __real_malloc(size_t size);
+extern "C" void __real_free(void* memory);
 extern "C" void* __wrap_malloc(size_t size);
+extern "C" void __wrap_free(void* memory);
+
+namespace {
+
+void* counted(void* memory) {
+    live += memory != nullptr ? 1 : 0;
+    return memory;
+}
+
+}  // namespace
 
 extern "C" void* __wrap_malloc(size_t size) {
-    return isRefused(qv_test::Allocator::Malloc) ? nullptr : __real_malloc(size);
+    if (isRefused(qv_test::Allocator::Malloc)) {
+        return nullptr;
+    }
+    void* const guarded = qv_test::GuardedHeap::allocate(size);
+    return counted(guarded != nullptr ? guarded : __real_malloc(size));
+}
+
+extern "C" void __wrap_free(void* memory) {
+    live -= memory != nullptr ? 1 : 0;
+    if (!qv_test::GuardedHeap::release(memory)) {
+        __real_free(memory);
+    }
 }
 
 void* operator new(size_t size) {
-    void* const memory = isRefused(qv_test::Allocator::New) ? nullptr : __real_malloc(size > 0 ? size : 1);
+    void* const memory =
+        isRefused(qv_test::Allocator::New) ? nullptr : counted(__real_malloc(size > 0 ? size : 1));
     if (memory == nullptr) {
         throw std::bad_alloc();
     }
@@ -45,7 +72,8 @@ void* operator new[](size_t size) {
 }
 
 void* operator new[](size_t size, const std::nothrow_t&) noexcept {
-    return isRefused(qv_test::Allocator::NothrowNewArray) ? nullptr : __real_malloc(size > 0 ? size : 1);
+    return isRefused(qv_test::Allocator::NothrowNewArray) ? nullptr
+                                                          : counted(__real_malloc(size > 0 ? size : 1));
 }
 
 void operator delete(void* memory) noexcept {
@@ -81,6 +109,18 @@ int AllocationFault::seen() const {
 bool AllocationFault::triggered() const {
     const Counter& counter = counterOf(allocator_);
     return counter.failAt > 0 && counter.seen >= counter.failAt;
+}
+
+AllocationExemption::AllocationExemption() {
+    ++exemptions;
+}
+
+AllocationExemption::~AllocationExemption() {
+    --exemptions;
+}
+
+long liveBlocks() {
+    return live;
 }
 
 }  // namespace qv_test

@@ -1,7 +1,7 @@
 // Makes the n-th allocation of one kind fail while it lives.
 //
-// malloc is reached through the linker (--wrap=malloc), so only calls from objects of the test program count;
-// operator new and the non-throwing operator new[] are replaced.
+// malloc and free are reached through the linker (--wrap), so only calls from objects of the test program
+// count; operator new and the non-throwing operator new[] are replaced.
 #ifndef QV_TESTS_ALLOCATIONFAULT_H
 #define QV_TESTS_ALLOCATIONFAULT_H
 
@@ -26,6 +26,19 @@ public:
 private:
     Allocator allocator_;
 };
+
+// While one lives, nothing fails and nothing is counted as seen: what the tests' own core allocates is no
+// allocation of the operation under test.
+class AllocationExemption {
+public:
+    AllocationExemption();
+    ~AllocationExemption();
+    AllocationExemption(const AllocationExemption&) = delete;
+    AllocationExemption& operator=(const AllocationExemption&) = delete;
+};
+
+// Blocks handed out and not yet released, of all kinds.
+long liveBlocks();
 
 }  // namespace qv_test
 

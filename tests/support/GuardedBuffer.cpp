@@ -28,28 +28,32 @@ GuardedBuffer::GuardedBuffer(size_t capacity)
         mmap(nullptr, capacity_ + 2 * pageSize_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     require(mapping != MAP_FAILED);
     mapping_ = static_cast<unsigned char*>(mapping);
-    require(capacity_ == 0 || mprotect(mapping_ + pageSize_, capacity_, PROT_READ | PROT_WRITE) == 0);
+    require(capacity_ == 0 || mprotect(begin(), capacity_, PROT_READ | PROT_WRITE) == 0);
 }
 
 GuardedBuffer::~GuardedBuffer() {
     munmap(mapping_, capacity_ + 2 * pageSize_);
 }
 
-unsigned char* GuardedBuffer::placeAtEnd(const Bytes& bytes) {
-    if (bytes.size() > capacity_) {
+unsigned char* GuardedBuffer::end(size_t size) const {
+    if (size > capacity_) {
         throw std::length_error("GuardedBuffer");
     }
-    unsigned char* const begin = mapping_ + pageSize_ + capacity_ - bytes.size();
-    std::copy(bytes.begin(), bytes.end(), begin);
-    return begin;
+    return begin() + (capacity_ - size);
+}
+
+unsigned char* GuardedBuffer::placeAtEnd(const Bytes& bytes) {
+    unsigned char* const place = end(bytes.size());
+    std::copy(bytes.begin(), bytes.end(), place);
+    return place;
 }
 
 unsigned char* GuardedBuffer::placeAtBegin(const Bytes& bytes) {
     if (bytes.size() > capacity_) {
         throw std::length_error("GuardedBuffer");
     }
-    std::copy(bytes.begin(), bytes.end(), mapping_ + pageSize_);
-    return mapping_ + pageSize_;
+    std::copy(bytes.begin(), bytes.end(), begin());
+    return begin();
 }
 
 }  // namespace qv_test

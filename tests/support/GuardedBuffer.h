@@ -22,6 +22,12 @@ public:
     unsigned char* placeAtEnd(const Bytes& bytes);
     unsigned char* placeAtBegin(const Bytes& bytes);
 
+    // The first of the last size bytes, at most capacity, and the first byte of all.
+    unsigned char* end(size_t size) const;
+    unsigned char* begin() const { return mapping_ + pageSize_; }
+
+    size_t capacity() const { return capacity_; }
+
 private:
     unsigned char* mapping_;
     size_t pageSize_;

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "AllocationFault.h"
 #include "QVDumpData.h"
 #include "QVHDRVivid.h"
 #include "QVMemory.h"
@@ -31,6 +32,7 @@ bool isPlainText(const char* format) {
 }
 
 void* allocate(size_t size, bool zeroed) {
+    const AllocationExemption exemption;
     RecordingCore& recording = core();
     if (++recording.playerAllocations == recording.failPlayerAllocation) {
         return nullptr;
@@ -125,6 +127,7 @@ void QVDumpData::dumpActualData(const char* label, const unsigned char* data, in
 }
 
 extern "C" QVSeiInfo* createQVSeiInfo(uint32_t itemCount) {
+    const qv_test::AllocationExemption exemption;
     core().createdSeiInfos.push_back(itemCount);
     if (core().failCreateSeiInfo) {
         return nullptr;
@@ -138,6 +141,7 @@ extern "C" QVSeiInfo* createQVSeiInfo(uint32_t itemCount) {
 }
 
 extern "C" unsigned char* createSideDataFromQVSeiInfo(QVSeiInfo* info, int* size) {
+    const qv_test::AllocationExemption exemption;
     core().describedItems.assign(info->items, info->items + info->itemCount);
     *size = core().sideDataSize;
     return core().sideData;
@@ -154,6 +158,7 @@ namespace qv_hdr_vivid_parser {
 
 int fillHDRVividDynamicMetadataFromHevcUserDataRegisteredSei(const QVSeiItem& item,
                                                              QVHDRVividDynamicMetadata* metadata) {
+    const qv_test::AllocationExemption exemption;
     core().vividCalls.emplace_back(&item, metadata);
     return core().vividStatus;
 }
