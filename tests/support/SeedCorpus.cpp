@@ -13,7 +13,7 @@ namespace qv_test {
 
 namespace {
 
-constexpr size_t kMostSeedBytes = 8192;  // short inputs mutate faster
+constexpr size_t kMostSeedBytes = 2048;  // short inputs mutate faster
 
 using Seeds = std::vector<Seed>;
 
@@ -91,10 +91,7 @@ void addParameterSets(Seeds& seeds) {
 }
 
 Bytes t35(const std::string& identifier, const Bytes& userData) {
-    Bytes payload = {0xB5, 0x00, 0x31};
-    payload.insert(payload.end(), identifier.begin(), identifier.end());
-    payload.insert(payload.end(), userData.begin(), userData.end());
-    return payload;
+    return Bytes{0xB5, 0x00, 0x31} + Bytes(identifier.begin(), identifier.end()) + userData;
 }
 
 void addMessages(Seeds& seeds) {
