@@ -1,0 +1,213 @@
+// Many threads on shared read-only input, each with records of its own, on the stand-alone core: the same
+// results as one thread gets, and whole lines in the log. The thread sanitizer's preset runs this.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "QVCoreStandalone.h"
+#include "QVNaluParser.h"
+
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+constexpr int kThreads = 8;
+constexpr int kRounds = 20;
+
+Bytes content(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
+    return Bytes(bytes.begin(), bytes.end());
+}
+
+int sizeOf(const Bytes& bytes) {
+    return static_cast<int>(bytes.size());
+}
+
+// What a thread has for itself.
+struct Records {
+    QVAvcSps avc{};
+    QVHevcSps hevc{};
+    std::vector<QVSeiItem> items;
+
+    Records() = default;
+    Records(const Records&) = delete;
+    Records& operator=(const Records&) = delete;
+    ~Records() {
+        for (const QVSeiItem& item : items) {
+            qvFree(item.payloadData);
+        }
+    }
+
+    void* spsOf(QVCodecID codec) {
+        return codec == QVCodecIDAvc ? static_cast<void*>(&avc) : static_cast<void*>(&hevc);
+    }
+};
+
+struct Stream {
+    Bytes bytes;
+    QVCodecID codec;
+};
+
+void analyseUnit(const Stream& stream, const QVNaluParser::NaluInfo& unit, Records& records,
+                 std::ostream& text) {
+    const auto reader =
+        std::make_shared<QVByteStream>(stream.bytes.data() + unit.offset, static_cast<size_t>(unit.length));
+    text << unit.naluType << ' ' << unit.offset << ' ' << unit.length << '\n';
+    if (stream.codec == QVCodecIDAvc && unit.naluType == 7) {
+        text << parseAvcSps(&records.avc, reader) << ' ' << records.avc.width << 'x' << records.avc.height
+             << '\n';
+    } else if (stream.codec == QVCodecIDHevc && unit.naluType == 33) {
+        text << parseHevcSps(&records.hevc, reader) << ' ' << records.hevc.display_width << 'x'
+             << records.hevc.display_height << '\n';
+    } else if (unit.naluType == (stream.codec == QVCodecIDAvc ? 6U : 39U)) {
+        text << QVNaluParser::parserDataToSei(stream.codec, stream.bytes.data(), unit, records.items,
+                                              records.spsOf(stream.codec), {})
+             << '\n';
+    }
+}
+
+void handOver(const Records& records, std::ostream& text) {
+    for (const QVSeiItem& item : records.items) {
+        QVHDR10StaticMetadata hdr10{};
+        text << item.payloadType << ' ' << item.payloadSize << ' '
+             << QVNaluParser::fillHDR10StaticMetadataFromHevcMasteringDisplayInfoSei(item, &hdr10) << ' '
+             << hdr10.max_display_mastering_luminance;
+        QVHDRVividDynamicMetadata vivid{};
+        text << ' ' << QVNaluParser::fillHDRVividDynamicMetadataFromHevcUserDataRegisteredSei(item, &vivid)
+             << '\n';
+    }
+    unsigned char* sideData = nullptr;
+    int size = 0;
+    QVNaluParser::assembleSeiSideDataBuffer(records.items, &sideData, size);
+    std::vector<QVSeiItem> read;
+    text << qvReadSideData(sideData, size, &read) << ' ' << read.size() << ' ' << size << '\n';
+    freepQVSideData(&sideData);
+}
+
+void reframe(const Stream& stream, std::ostream& text) {
+    std::vector<unsigned char> lengths;
+    QVNaluParser::converAnnexBToAvcC(stream.bytes.data(), sizeOf(stream.bytes), lengths);
+    std::vector<std::pair<int, int>> nalus;
+    QVNaluParser::parserDataToNalus(lengths.data(), sizeOf(lengths), nalus, 4);
+    unsigned char* again = nullptr;
+    int size = 0;
+    QVNaluParser::connvertAvcCToAnnexB(lengths.data(), sizeOf(lengths), 4, &again, size);
+    text << lengths.size() << ' ' << nalus.size() << ' ' << size << ' '
+         << QVNaluParser::isKeyFrame(stream.codec, lengths.data(), sizeOf(lengths)) << '\n';
+    qvFree(again);
+}
+
+// All that the library says about a stream, as one text.
+std::string analyse(const Stream& stream) {
+    std::ostringstream text;
+    const int size = sizeOf(stream.bytes);
+    text << QVNaluParser::isKeyFrame(stream.codec, stream.bytes.data(), size) << '\n';
+    const QVCodecParameters params{stream.codec, 1, 0};
+    std::vector<QVNaluParser::NaluInfo> units;
+    QVNaluParser::parserDataToNaluType(stream.bytes.data(), size, units, &params);
+    Records records;
+    for (const QVNaluParser::NaluInfo& unit : units) {
+        analyseUnit(stream, unit, records, text);
+    }
+    handOver(records, text);
+    reframe(stream, text);
+    return text.str();
+}
+
+template <class Work>
+void onThreads(const Work& work) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kThreads; ++i) {
+        threads.emplace_back([&work, i] { work(i); });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+}
+
+// The level that other tests of the program expect.
+class Threads : public ::testing::Test {
+protected:
+    void TearDown() override { qvSetTraceLevel(QVTraceWarning); }
+};
+
+TEST_F(Threads, shareTheInput) {
+    qvSetTraceLevel(-1);
+    const std::vector<Stream> streams = {
+        {content(QVNALU_SAMPLES_DIR "/hevc_hdr10.h265"), QVCodecIDHevc},
+        {content(QVNALU_BUNDLED_STREAMS_DIR "/hevc_mdcv_variants.h265"), QVCodecIDHevc},
+        {content(QVNALU_BUNDLED_STREAMS_DIR "/avc_afd.h264"), QVCodecIDAvc},
+        {content(QVNALU_BUNDLED_STREAMS_DIR "/avc_hrd_picstruct.h264"), QVCodecIDAvc}};
+    // Ahead of any analysis: the first calls, which may set something up, are made on threads as well.
+    std::vector<std::vector<std::string>> texts(kThreads);
+    onThreads([&](int thread) {
+        for (int round = 0; round < kRounds; ++round) {
+            for (const Stream& stream : streams) {
+                texts[static_cast<size_t>(thread)].push_back(analyse(stream));
+            }
+        }
+    });
+    for (size_t i = 0; i < texts[0].size(); ++i) {
+        const Stream& stream = streams[i % streams.size()];
+        ASSERT_FALSE(stream.bytes.empty());
+        const std::string alone = analyse(stream);
+        for (const auto& text : texts) {
+            ASSERT_EQ(text[i], alone);
+        }
+    }
+}
+
+TEST_F(Threads, logWholeLinesWhileTheLevelChanges) {
+    constexpr int kLines = 200;
+    testing::internal::CaptureStderr();
+    onThreads([](int thread) {
+        for (int i = 0; i < kLines; ++i) {
+            qvTraceLog(QVTraceError, "file.cpp", i, "work", "tag", "thread %d line %d %s\n", thread, i,
+                       std::string(200, 'x').c_str());
+            qvSetTraceLevel(i % 2 == 0 ? QVTraceError : QVTraceWarning);
+            qvTraceLog(QVTraceDebug, "file.cpp", i, "work", "tag", "not shown\n");
+        }
+    });
+    std::istringstream lines(testing::internal::GetCapturedStderr());
+    const std::regex whole("\\[E\\] tag file\\.cpp:\\d+ work: thread \\d+ line \\d+ x{200}");
+    int count = 0;
+    for (std::string line; std::getline(lines, line); ++count) {
+        ASSERT_TRUE(std::regex_match(line, whole)) << line;
+    }
+    EXPECT_EQ(count, kThreads * kLines);
+}
+
+// A broken sample is logged and dumped from each thread; lines of threads take turns, each stays whole.
+TEST_F(Threads, logAndDumpBrokenSamples) {
+    qvSetTraceLevel(QVTraceError);
+    const Bytes broken = {0, 0, 0, 1, 0x65, 0, 0, 9, 9, 0x41};
+    testing::internal::CaptureStderr();
+    onThreads([&](int) {
+        for (int round = 0; round < kRounds; ++round) {
+            std::vector<std::pair<int, int>> nalus;
+            QVNaluParser::parserDataToNalus(broken.data(), sizeOf(broken), nalus, 4);
+        }
+    });
+    std::istringstream lines(testing::internal::GetCapturedStderr());
+    const std::regex whole("\\[E\\] QVPlayerCore\\.\\w+ QV\\w+\\.cpp:\\d+ \\w+: .*[^\\n]");
+    int errors = 0;
+    int dumped = 0;
+    for (std::string line; std::getline(lines, line);) {
+        ASSERT_TRUE(std::regex_match(line, whole)) << line;
+        errors += line.find("avaliable length:2313") != std::string::npos ? 1 : 0;
+        dumped += line.find("00000000  00 00 00 01 65 00 00 09 09 41") != std::string::npos ? 1 : 0;
+    }
+    EXPECT_EQ(errors, kThreads * kRounds);
+    EXPECT_EQ(dumped, kThreads * kRounds);
+}
+
+}  // namespace
