@@ -1,5 +1,6 @@
 // The fast paths on adversarial buffers that end right ahead of an inaccessible page, or begin right behind
-// one, against the slow references. QVNALU_TEST_ROUNDS sets how many buffers each test takes.
+// one, against the slow references, and every operation on such buffers. QVNALU_TEST_ROUNDS sets how many
+// buffers each test takes.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,12 +10,13 @@
 #include <string>
 
 #include "CursorModel.h"
+#include "EveryOperation.h"
 #include "GuardedBuffer.h"
+#include "GuardedOperations.h"
 #include "QVAvcSps.h"
 #include "QVHevcSps.h"
-#include "QVNaluParser.h"
 #include "RecordingCore.h"
-#include "ReferenceFraming.h"
+#include "SeedCorpus.h"
 
 namespace qv_test {
 namespace {
@@ -56,6 +58,12 @@ Bytes withStartCode(Random& random, Bytes bytes) {
     return bytes;
 }
 
+Bytes anyBytes(Random& random) {
+    const size_t longest = below(random, 4) == 0 ? kLongest : 48;
+    const Bytes plain = adversarialBytes(random, below(random, longest));
+    return below(random, 4) == 0 ? plain : withStartCode(random, plain);
+}
+
 class GuardPage : public CoreTest {
 protected:
     void SetUp() override {
@@ -69,9 +77,7 @@ protected:
         Random random(2024);
         for (int round = 0; round < rounds() && !HasFatalFailure(); ++round) {
             SCOPED_TRACE("round " + std::to_string(round));
-            const size_t longest = below(random, 4) == 0 ? kLongest : 48;
-            const Bytes plain = adversarialBytes(random, below(random, longest));
-            const Bytes bytes = below(random, 4) == 0 ? plain : withStartCode(random, plain);
+            const Bytes bytes = anyBytes(random);
             check(bytes, memory_.placeAtEnd(bytes));
             check(bytes, memory_.placeAtBegin(bytes));
         }
@@ -81,58 +87,14 @@ private:
     GuardedBuffer memory_{kLongest};
 };
 
-int sizeOf(const Bytes& bytes) {
-    return static_cast<int>(bytes.size());
-}
-
-TEST_F(GuardPage, scansAndKeyFrames) {
-    onBuffers([](const Bytes& bytes, const unsigned char* data) {
-        NalIndexList expected;
-        NalIndexList actual;
-        const int result = referenceAnnexBScan(bytes, expected);
-        ASSERT_EQ(QVNaluParser::parserDataToNaluIdx(data, sizeOf(bytes), actual), result);
-        ASSERT_EQ(actual, expected);
-        for (const int lengthSize : {1, 2, 4}) {
-            NalIndexList nalus;
-            ASSERT_EQ(QVNaluParser::parserDataToNalus(data, sizeOf(bytes), nalus, lengthSize), 0);
-            ASSERT_EQ(nalus, referenceLengthScan(bytes, lengthSize).nalus);
-        }
-        for (const QVCodecID codec : {QVCodecIDAvc, QVCodecIDHevc}) {
-            ASSERT_EQ(QVNaluParser::isKeyFrame(codec, data, sizeOf(bytes)),
-                      referenceIsKeyFrame(codec, bytes));
-        }
-    });
-}
-
-TEST_F(GuardPage, conversions) {
-    onBuffers([](const Bytes& bytes, const unsigned char* data) {
-        Bytes actual = {0xDE, 0xAD};
-        Bytes expected = actual;
-        const int result = referenceAnnexBToLengths(bytes, expected);
-        ASSERT_EQ(QVNaluParser::converAnnexBToAvcC(data, sizeOf(bytes), actual), result);
-        ASSERT_EQ(actual, expected);
-
-        unsigned char* out = nullptr;
-        int outSize = 0;
-        Bytes annexB;
-        const int back = referenceLengthsToAnnexB(bytes, 1, annexB);
-        ASSERT_EQ(QVNaluParser::connvertAvcCToAnnexB(data, sizeOf(bytes), 1, &out, outSize), back);
-        if (out != nullptr) {
-            const Bytes converted(out, out + outSize);
-            releaseBlock(out);
-            ASSERT_EQ(converted, annexB);
-        }
-    });
-}
-
-class GuardedReader : public QVByteStream {
-public:
-    GuardedReader(unsigned char* bytes, size_t count) {
-        ownsData = false;
-        data = bytes;
-        size = capacity = count;
+TEST_F(GuardPage, framing) {
+    Random random(2024);
+    GuardedOperations operations(kLongest);
+    for (int round = 0; round < rounds() && !HasFatalFailure(); ++round) {
+        SCOPED_TRACE("round " + std::to_string(round));
+        operations.compareWithReferences(anyBytes(random));
     }
-};
+}
 
 void expectSameCursor(const QVByteStream& stream, const CursorModel& model) {
     ASSERT_EQ(stream.bytePos, model.bytePos());
@@ -171,7 +133,7 @@ TEST_F(GuardPage, bitReader) {
     onBuffers([&](const Bytes& bytes, unsigned char* data) {
         // Most reads of interest are near the end.
         const size_t first = bytes.size() > 40 ? bytes.size() - 40 : 0;
-        GuardedReader stream(data, bytes.size());
+        PlacedReader stream(data, bytes.size());
         CursorModel model(bytes);
         stream.skipBytes(first);
         model.skipBytes(first);
@@ -185,7 +147,7 @@ TEST_F(GuardPage, bitReader) {
 TEST_F(GuardPage, rawCapture) {
     Random random(8);
     onBuffers([&](const Bytes& bytes, unsigned char* data) {
-        GuardedReader stream(data, bytes.size());
+        PlacedReader stream(data, bytes.size());
         CursorModel model(bytes);
         const size_t count = below(random, bytes.size() + 4);
         Bytes captured(count, 0x5A);
@@ -199,7 +161,7 @@ TEST_F(GuardPage, rawCapture) {
 
 TEST_F(GuardPage, parameterSets) {
     onBuffers([&](const Bytes& bytes, unsigned char* data) {
-        const auto stream = std::make_shared<GuardedReader>(data, bytes.size());
+        const auto stream = std::make_shared<PlacedReader>(data, bytes.size());
         QVAvcSps avc{};
         parseAvcSps(&avc, stream);
         stream->bytePos = stream->bitOffset = 0;
@@ -207,6 +169,30 @@ TEST_F(GuardPage, parameterSets) {
         EXPECT_EQ(parseHevcSps(&hevc, stream), !bytes.empty());
         EXPECT_LE(stream->bytePos, bytes.size());
     });
+}
+
+TEST_F(GuardPage, everyOperation) {
+    Random random(9);
+    GuardedOperations operations(kLongest);
+    for (int round = 0; round < rounds() && !HasFatalFailure(); ++round) {
+        SCOPED_TRACE("round " + std::to_string(round));
+        const Bytes bytes = anyBytes(random);
+        operations.call(bytes, randomParameters(random, bytes.size()));
+    }
+    EXPECT_TRUE(operations.hasUsedTheHeap());
+}
+
+TEST_F(GuardPage, everyOperationOnTheSeedsOfFuzzing) {
+    constexpr size_t kMostSeedBytes = 2048;
+    Random random(10);
+    GuardedOperations operations(kMostSeedBytes);
+    for (const Seed& seed : builtSeeds()) {
+        SCOPED_TRACE(seed.target);
+        operations.compareWithReferences(seed.bytes);
+        for (int i = 0; i < 16; ++i) {
+            operations.call(seed.bytes, randomParameters(random, seed.bytes.size()));
+        }
+    }
 }
 
 }  // namespace
