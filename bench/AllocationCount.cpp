@@ -7,6 +7,12 @@
 namespace {
 
 unsigned long count = 0;
+unsigned long bytes = 0;
+
+void add(size_t size) {
+    ++count;
+    bytes += size;
+}
 
 }  // namespace
 
@@ -18,22 +24,22 @@ extern "C" void* __wrap_calloc(size_t number, size_t size);
 extern "C" void* __wrap_realloc(void* memory, size_t size);
 
 extern "C" void* __wrap_malloc(size_t size) {
-    ++count;
+    add(size);
     return __real_malloc(size);
 }
 
 extern "C" void* __wrap_calloc(size_t number, size_t size) {
-    ++count;
+    add(number * size);
     return __real_calloc(number, size);
 }
 
 extern "C" void* __wrap_realloc(void* memory, size_t size) {
-    ++count;
+    add(size);
     return __real_realloc(memory, size);
 }
 
 void* operator new(size_t size) {
-    ++count;
+    add(size);
     void* const memory = __real_malloc(size > 0 ? size : 1);
     if (memory == nullptr) {
         throw std::bad_alloc();
@@ -46,7 +52,7 @@ void* operator new[](size_t size) {
 }
 
 void* operator new[](size_t size, const std::nothrow_t&) noexcept {
-    ++count;
+    add(size);
     return __real_malloc(size > 0 ? size : 1);
 }
 
@@ -74,6 +80,10 @@ namespace qv_bench {
 
 unsigned long allocations() {
     return count;
+}
+
+unsigned long allocatedBytes() {
+    return bytes;
 }
 
 }  // namespace qv_bench

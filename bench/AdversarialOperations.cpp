@@ -1,0 +1,334 @@
+// Operations on inputs that are made to cost the most, at a size, at twice and at four times as much: the
+// instructions of each call are for callgrind, the bytes that it allocates go to standard output.
+#include <valgrind/callgrind.h>
+
+#include <climits>
+#include <cstdint>
+#include <cstdio>
+#include <deque>
+#include <functional>
+#include <string>
+
+#include "AllocationCount.h"
+#include "Measure.h"
+#include "Pools.h"
+#include "QVCoreStandalone.h"
+#include "QVNaluParser.h"
+
+// The client requests are macros of valgrind's own.
+#pragma GCC diagnostic ignored "-Wold-style-cast"
+#pragma GCC diagnostic ignored "-Wcast-qual"
+
+namespace {
+
+using namespace qv_bench;
+
+using Call = std::function<void(const Bytes&)>;
+
+constexpr size_t kSize = size_t{16} << 10;
+constexpr size_t kUnitsSize = size_t{512} << 10;  // an empty unit a byte: two million of them at four times
+
+// input makes so many bytes.
+void grow(const std::string& name, size_t size, const std::function<Bytes(size_t)>& input, const Call& call) {
+    for (const size_t factor : {1U, 2U, 4U}) {
+        const Bytes bytes = input(factor * size);
+        require(bytes.size() == factor * size, name.c_str());
+        const std::string counted = name + " @ " + std::to_string(bytes.size());
+        const unsigned long before = allocatedBytes();
+        CALLGRIND_ZERO_STATS;
+        CALLGRIND_TOGGLE_COLLECT;
+        call(bytes);
+        CALLGRIND_TOGGLE_COLLECT;
+        CALLGRIND_DUMP_STATS_AT(counted.c_str());
+        std::printf("%lu %s\n", allocatedBytes() - before, counted.c_str());
+    }
+}
+
+int sizeOf(const Bytes& bytes) {
+    return static_cast<int>(bytes.size());
+}
+
+// head, the pattern again and again, cut at size bytes.
+std::function<Bytes(size_t)> repeated(const Bytes& head, const Bytes& pattern) {
+    return [=](size_t size) {
+        Bytes bytes = head;
+        while (bytes.size() < size) {
+            bytes.insert(bytes.end(), pattern.begin(), pattern.end());
+        }
+        bytes.resize(size);
+        return bytes;
+    };
+}
+
+// The same with the bytes of tail at the end.
+std::function<Bytes(size_t)> closed(const std::function<Bytes(size_t)>& input, const Bytes& tail) {
+    return [=](size_t size) {
+        Bytes bytes = input(size - tail.size());
+        bytes.insert(bytes.end(), tail.begin(), tail.end());
+        return bytes;
+    };
+}
+
+const Bytes kStartCode = {0, 0, 1, 0x41};
+
+// --- Framing ---
+
+void scanByteStream(const Bytes& bytes) {
+    NalIndexList nalus;
+    require(QVNaluParser::parserDataToNaluIdx(bytes.data(), sizeOf(bytes), nalus) == QVResultOk, "scan");
+}
+
+void cutByteStream(const Bytes& bytes) {
+    const QVCodecParameters params{QVCodecIDAvc, 1, 0};
+    std::vector<QVNaluParser::NaluInfo> infos;
+    QVNaluParser::parserDataToNaluType(bytes.data(), sizeOf(bytes), infos, &params);
+    require(!infos.empty(), "typing");
+}
+
+void noKeyFrame(const Bytes& bytes) {
+    require(!QVNaluParser::isKeyFrame(QVCodecIDAvc, bytes.data(), sizeOf(bytes)), "isKeyFrame");
+}
+
+void toLengths(const Bytes& bytes) {
+    Bytes out;
+    require(QVNaluParser::converAnnexBToAvcC(bytes.data(), sizeOf(bytes), out) == QVResultOk, "to lengths");
+}
+
+Call scanLengths(int lengthSize) {
+    return [lengthSize](const Bytes& bytes) {
+        NalIndexList nalus;
+        QVNaluParser::parserDataToNalus(bytes.data(), sizeOf(bytes), nalus, lengthSize);
+        require(nalus.size() + 1 >= bytes.size() / static_cast<size_t>(lengthSize), "units of length 0");
+    };
+}
+
+void toByteStream(const Bytes& bytes) {
+    unsigned char* out = nullptr;
+    int size = 0;
+    require(QVNaluParser::connvertAvcCToAnnexB(bytes.data(), sizeOf(bytes), 1, &out, size) == QVResultOk,
+            "to byte stream");
+    qvFree(out);
+}
+
+void growFraming() {
+    const struct {
+        const char* name;
+        std::function<Bytes(size_t)> input;
+    } streams[] = {
+        {"zeros", repeated(kStartCode, {0})},
+        {"start codes alone", repeated({}, {0, 0, 1})},
+        {"4-byte start codes alone", repeated({}, {0, 0, 0, 1})},
+        {"a start code every 4 bytes", repeated({}, kStartCode)},
+        {"00 01", repeated(kStartCode, {0, 1})},
+        {"00 00 03", repeated(kStartCode, {0, 0, 3})},
+    };
+    for (const auto& [name, input] : streams) {
+        grow(std::string("parserDataToNaluIdx, ") + name, kSize, input, scanByteStream);
+        grow(std::string("parserDataToNaluType, ") + name, kSize, input, cutByteStream);
+        grow(std::string("isKeyFrame, ") + name, kSize, input, noKeyFrame);
+        grow(std::string("converAnnexBToAvcC, ") + name, kSize, input, toLengths);
+    }
+    const auto zeros = repeated({}, {0});
+    grow("parserDataToNalus, empty units, 1-byte lengths", kUnitsSize, zeros, scanLengths(1));
+    grow("parserDataToNalus, empty units, 2-byte lengths", kSize, zeros, scanLengths(2));
+    grow("parserDataToNalus, empty units, 4-byte lengths", kSize, zeros, scanLengths(4));
+    grow("connvertAvcCToAnnexB, empty units", kSize, closed(zeros, {1, 0x41}), toByteStream);
+    grow("isKeyFrame, empty units", kSize, zeros, noKeyFrame);
+    grow("isKeyFrame, lengths past the end", kSize, repeated({}, {0x7F, 0xFF, 0xFF, 0xFF, 0x41}), noKeyFrame);
+}
+
+// --- SEI ---
+
+struct Walk {
+    bool isHevc = false;
+    QVAvcSps sps{};
+    std::deque<int> requested;
+};
+
+constexpr size_t kNone = 0;
+constexpr size_t kOne = SIZE_MAX;
+constexpr size_t kAny = SIZE_MAX - 1;
+
+bool hasKept(size_t items, size_t bytes, size_t bytesOfAnItem) {
+    return bytesOfAnItem == kNone  ? items == 0
+           : bytesOfAnItem == kOne ? items == 1
+           : bytesOfAnItem == kAny ? true
+                                   : items + 1 >= bytes / bytesOfAnItem;
+}
+
+// Walks the bytes as one unit, an item for so many bytes of it, and releases what was kept.
+Call walk(const Walk& walk, size_t bytesOfAnItem) {
+    return [walk, bytesOfAnItem](const Bytes& bytes) {
+        QVAvcSps sps = walk.sps;
+        std::vector<QVSeiItem> items;
+        if (walk.isHevc) {
+            QVNaluParser::parserHevcDataToSei(39, bytes.data(), sizeOf(bytes), items, nullptr,
+                                              walk.requested);
+        } else {
+            QVNaluParser::parserAvcDataToSei(bytes.data(), sizeOf(bytes), items, &sps, walk.requested);
+        }
+        require(hasKept(items.size(), bytes.size(), bytesOfAnItem), "kept messages");
+        for (const QVSeiItem& item : items) {
+            qvFree(item.payloadData);
+        }
+    };
+}
+
+// A message of as many bytes as there is room for.
+Bytes oneKeptMessage(size_t size) {
+    Bytes head = {4};
+    head.resize(1 + (size - 3) / 256, 0xFF);
+    head.push_back(1);
+    return repeated(head, {0, 0, 3})(size);
+}
+
+Walk withHrd(int32_t cpb_cnt, int32_t length) {
+    Walk walk;
+    walk.sps.nal_hrd_parameters_present_flag = 1;
+    walk.sps.vcl_hrd_parameters_present_flag = 1;
+    walk.sps.cpb_cnt = cpb_cnt;
+    walk.sps.initial_cpb_removal_delay_length = length;
+    return walk;
+}
+
+void growSei() {
+    Walk requesting;
+    requesting.requested = {201, 202, 203, 200};
+    Walk hevc;
+    hevc.isHevc = true;
+    grow("parserAvcDataToSei, empty messages", kSize, repeated({}, {200, 0}), walk({}, kNone));
+    grow("parserAvcDataToSei, kept messages of a byte", kSize, repeated({}, {5, 1, 0x55}), walk({}, 3));
+    grow("parserAvcDataToSei, requested messages of a byte", kSize, repeated({}, {200, 1, 0x55}),
+         walk(requesting, 3));
+    grow("parserAvcDataToSei, empty recovery points", kSize, repeated({}, {6, 0, 0x80, 200, 0}),
+         walk({}, kNone));
+    grow("parserAvcDataToSei, ff_bytes", kSize, repeated({}, {0xFF}), walk({}, kNone));
+    grow("parserAvcDataToSei, smallest captions", kSize,
+         repeated({}, {4, 7, 0xB5, 0x00, 0x31, 'G', 'A', '9', '4'}), walk({}, kNone));
+    grow("parserAvcDataToSei, captions of 31 in little room", kSize,
+         repeated({}, {4, 10, 0xB5, 0x00, 0x31, 'G', 'A', '9', '4', 3, 0xDF, 0xFF}), walk({}, kNone));
+    grow("parserAvcDataToSei, smallest active formats", kSize,
+         repeated({}, {4, 8, 0xB5, 0x00, 0x31, 'D', 'T', 'G', '1', 0x01}), walk({}, kNone));
+    for (const int32_t cpb_cnt : {1, 32, INT_MAX}) {
+        for (const int32_t length : {0, 1, 32}) {
+            grow("parserAvcDataToSei, buffering periods, cpb_cnt " + std::to_string(cpb_cnt) + " of " +
+                     std::to_string(length) + " bits",
+                 kSize, repeated({}, {0, 1, 0x80}), walk(withHrd(cpb_cnt, length), kAny));
+        }
+    }
+    grow("parserHevcDataToSei, one kept message, 00 00 03", kSize, oneKeptMessage, walk(hevc, kOne));
+    grow("parserHevcDataToSei, ff_bytes", kSize, repeated({}, {0xFF}), walk(hevc, kNone));
+}
+
+// --- Parameter sets ---
+
+// Writes bits, most significant first.
+class Bits {
+public:
+    Bits& u(unsigned width, uint64_t value) {
+        for (; width > 0; --width) {
+            if (used_ % 8 == 0) {
+                bytes_.push_back(0);
+            }
+            bytes_.back() =
+                static_cast<unsigned char>(bytes_.back() | (value >> (width - 1) & 1) << (7 - used_ % 8));
+            ++used_;
+        }
+        return *this;
+    }
+
+    Bits& ue(uint64_t codeNum) {
+        unsigned width = 1;
+        while ((codeNum + 1) >> width != 0) {
+            ++width;
+        }
+        return u(width - 1, 0).u(width, codeNum + 1);
+    }
+
+    const Bytes& bytes() const { return bytes_; }
+
+private:
+    Bytes bytes_;
+    size_t used_ = 0;
+};
+
+// High 4:4:4, twelve scaling lists of all their values, a picture order count cycle of 255 offsets.
+Bytes largestAvcSps() {
+    Bits bits;
+    bits.u(8, 0x67).u(8, 244).u(8, 0).u(8, 51).ue(31).ue(3).u(1, 0).ue(6).ue(6).u(1, 0).u(1, 1);
+    for (int list = 0; list < 12; ++list) {
+        bits.u(1, 1);
+        for (int i = 0; i < (list < 6 ? 16 : 64); ++i) {
+            bits.ue(254);  // -127
+        }
+    }
+    bits.ue(12).ue(1).u(1, 0).ue(0).ue(0).ue(255);
+    for (int i = 0; i < 255; ++i) {
+        bits.ue(0xFFFFFFFE);
+    }
+    bits.ue(16).u(1, 0).ue(3).ue(3).u(1, 1).u(1, 1).u(1, 0).u(1, 0).u(1, 1);
+    return bits.bytes();
+}
+
+template <class Sps, bool (*kParse)(Sps*, std::shared_ptr<QVByteStream>)>
+void parseSet(const Bytes& bytes) {
+    Sps sps{};
+    kParse(&sps, std::make_shared<QVByteStream>(bytes.data(), bytes.size()));
+}
+
+void largestIsAccepted(const Bytes& bytes) {
+    QVAvcSps sps{};
+    require(parseAvcSps(&sps, std::make_shared<QVByteStream>(bytes.data(), bytes.size())), "parseAvcSps");
+    require(sps.poc_cycle_length == 255, "parseAvcSps");
+}
+
+void growParameterSets() {
+    grow("parseAvcSps, the largest counts", kSize, repeated(largestAvcSps(), {0x80}), largestIsAccepted);
+    grow("parseAvcSps, zeros", kSize, repeated({0x67, 66, 0, 30}, {0}), parseSet<QVAvcSps, parseAvcSps>);
+    grow("parseAvcSps, zeros, High", kSize, repeated({0x67, 244, 0, 30}, {0}),
+         parseSet<QVAvcSps, parseAvcSps>);
+    grow("parseAvcSps, ones", kSize, repeated({0x67, 244, 0, 30}, {0xFF}), parseSet<QVAvcSps, parseAvcSps>);
+    grow("parseHevcSps, zeros", kSize, repeated({0x42, 1}, {0}), parseSet<QVHevcSps, parseHevcSps>);
+    grow("parseHevcSps, ones", kSize, repeated({0x42, 1}, {0xFF}), parseSet<QVHevcSps, parseHevcSps>);
+}
+
+// --- Side data and HDR ---
+
+void sideData(const Bytes& bytes) {
+    unsigned char payload = 0x55;
+    std::vector<QVSeiItem> items(bytes.size() / 16, QVSeiItem{QVCodecIDAvc, 5, 1, false, &payload});
+    unsigned char* buffer = nullptr;
+    int size = 0;
+    require(QVNaluParser::assembleSeiSideDataBuffer(items, &buffer, size) == QVResultOk, "side data");
+    std::vector<QVSeiItem> read;
+    require(qvReadSideData(buffer, size, &read) == QVSideDataOk && read.size() == items.size(), "side data");
+    freepQVSideData(&buffer);
+}
+
+void hdr(const Bytes& bytes) {
+    Bytes payload = bytes;
+    const QVSeiItem display{QVCodecIDHevc, 137, static_cast<uint32_t>(payload.size()), false, payload.data()};
+    QVHDR10StaticMetadata hdr10{};
+    QVNaluParser::fillHDR10StaticMetadataFromHevcMasteringDisplayInfoSei(display, &hdr10);
+    const QVSeiItem registered{QVCodecIDHevc, 4, static_cast<uint32_t>(payload.size()), false,
+                               payload.data()};
+    QVHDRVividDynamicMetadata vivid{};
+    require(QVNaluParser::fillHDRVividDynamicMetadataFromHevcUserDataRegisteredSei(registered, &vivid) ==
+                QVHDRVividOk,
+            "HDR Vivid");
+}
+
+void growSideData() {
+    grow("assembleSeiSideDataBuffer and back, an item for 16 bytes", kSize, repeated({}, {0}), sideData);
+    grow("HDR10 and HDR Vivid, ones", kSize, repeated({0x26, 0x00, 0x04, 0x00, 0x05, 0x01}, {0xFF}), hdr);
+}
+
+}  // namespace
+
+int main() {
+    qvSetTraceLevel(-1);
+    growFraming();
+    growSei();
+    growParameterSets();
+    growSideData();
+}

@@ -1,0 +1,30 @@
+// Tells whether the work and the memory of each operation grow in proportion to the input: from a callgrind
+// profile and from a list of allocated bytes.
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <fstream>
+
+#include "CallgrindCounts.h"
+#include "Growth.h"
+
+int main(int argc, char** argv) {
+    if (argc != 3) {
+        std::fputs("usage: qvnalu_growth PROFILE BYTES\n", stderr);
+        return EXIT_FAILURE;
+    }
+    try {
+        std::ifstream profile(argv[1]);
+        std::ifstream bytes(argv[2]);
+        const auto report =
+            qv_bench::reportGrowth(qv_bench::readCallgrind(profile), qv_bench::readCounts(bytes));
+        std::fputs(report.text.c_str(), stdout);
+        if (report.isLinear) {
+            return EXIT_SUCCESS;
+        }
+        std::fputs("Something grows more than in proportion to the input.\n", stderr);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+    }
+    return EXIT_FAILURE;
+}
