@@ -220,6 +220,104 @@ void growSei() {
     grow("parserHevcDataToSei, ff_bytes", kSize, repeated({}, {0xFF}), walk(hevc, kNone));
 }
 
+// --- SEI payloads, each told that all the bytes are its own ---
+
+template <class Record, int (*kParse)(QVByteStream&, int, Record*)>
+void payload(const Bytes& bytes) {
+    QVByteStream stream(bytes.data(), bytes.size());
+    Record record{};
+    kParse(stream, sizeOf(bytes), &record);
+}
+
+template <int (*kParse)(QVByteStream&, int)>
+void payloadWithoutRecord(const Bytes& bytes) {
+    QVByteStream stream(bytes.data(), bytes.size());
+    kParse(stream, sizeOf(bytes));
+}
+
+// Every field of the record as large as it gets.
+template <class Record, int (*kParse)(QVByteStream&, int, Record*, QVAvcSps*)>
+void payloadWithLargestSps(const Bytes& bytes) {
+    QVByteStream stream(bytes.data(), bytes.size());
+    QVAvcSps sps = withHrd(INT_MAX, INT_MAX).sps;
+    sps.pic_struct_present_flag = 1;
+    sps.cpb_removal_delay_length = INT_MAX;
+    sps.dpb_output_delay_length = INT_MAX;
+    sps.time_offset_length = INT_MAX;
+    Record record{};
+    kParse(stream, sizeOf(bytes), &record, &sps);
+}
+
+void hevcPictureTiming(const Bytes& bytes) {
+    QVByteStream stream(bytes.data(), bytes.size());
+    QVHevcSps sps{};
+    sps.frame_field_info_present_flag = 1;
+    QVHevcSeiPictureTiming timing{};
+    QVNaluParser::parserHevcPictureTiming(stream, sizeOf(bytes), &timing, &sps);
+}
+
+void hevcDisplayOrientation(const Bytes& bytes) {
+    QVByteStream stream(bytes.data(), bytes.size());
+    QVHevcSeiDisplayOrientation orientation{};
+    std::vector<QVSeiItem> items;
+    QVNaluParser::parserHevcDisplayOrientation(stream, sizeOf(bytes), items, &orientation);
+    for (const QVSeiItem& item : items) {
+        qvFree(item.payloadData);
+    }
+}
+
+void requestedSuffix(const Bytes& bytes) {
+    QVByteStream stream(bytes.data(), bytes.size());
+    std::vector<QVSeiItem> items;
+    QVNaluParser::parserHevcSeiSuffix(stream, 132, sizeOf(bytes), items, nullptr, {132});
+    require(items.size() == 1, "parserHevcSeiSuffix");
+    qvFree(items[0].payloadData);
+}
+
+void growPayloads() {
+    using Parser = QVNaluParser;
+    const struct {
+        const char* name;
+        Call call;
+    } parsers[] = {
+        {"parserAvcBufferingPeriod",
+         payloadWithLargestSps<QVAvcSeiBufferingPeriod, Parser::parserAvcBufferingPeriod>},
+        {"parserAvcPictureTiming",
+         payloadWithLargestSps<QVAvcSeiPictureTiming, Parser::parserAvcPictureTiming>},
+        {"parserAvcRecoveryPoint", payload<QVAvcSeiRecoveryPoint, Parser::parserAvcRecoveryPoint>},
+        {"parserAvcRegisteredUserData",
+         payloadWithLargestSps<QVAvcSeiAfd, Parser::parserAvcRegisteredUserData>},
+        {"parserAvcRegisteredUserDataAfd", payload<QVAvcSeiAfd, Parser::parserAvcRegisteredUserDataAfd>},
+        {"parserAvcRegisteredUserDataClosedCaption",
+         payloadWithoutRecord<Parser::parserAvcRegisteredUserDataClosedCaption>},
+        {"parserAvcFramePackingArrangement",
+         payload<QVAvcSeiFramePacking, Parser::parserAvcFramePackingArrangement>},
+        {"parserAvcDisplayOrientation",
+         payload<QVAvcSeiDisplayOrientation, Parser::parserAvcDisplayOrientation>},
+        {"parserAvcAlternativeTransfer",
+         payload<QVAvcSeiAlternativeTransfer, Parser::parserAvcAlternativeTransfer>},
+        {"parserAvcGreenMetaData", payload<QVAvcSeiGreenMetaData, Parser::parserAvcGreenMetaData>},
+        {"parserHevcMasteringDisplayInfo",
+         payload<QVHevcSeiMasteringDisplay, Parser::parserHevcMasteringDisplayInfo>},
+        {"parserHevcContentLightInfo", payload<QVHevcSeiContentLight, Parser::parserHevcContentLightInfo>},
+        {"parserHevcAlternativeTransfer",
+         payload<QVHevcSeiAlternativeTransfer, Parser::parserHevcAlternativeTransfer>},
+        {"parserHevcPictureTiming", hevcPictureTiming},
+        {"parserHevcPictureHash", payload<QVHevcSeiPictureHash, Parser::parserHevcPictureHash>},
+        {"parserHevcActiveParameterSets", payloadWithoutRecord<Parser::parserHevcActiveParameterSets>},
+        {"parserHevcFramePacking", payload<QVHevcSeiFramePacking, Parser::parserHevcFramePacking>},
+        {"parserHevcDisplayOrientation", hevcDisplayOrientation},
+        {"parserHevcRegisteredUserData", payload<QVHevcSeiA53Caption, Parser::parserHevcRegisteredUserData>},
+        {"parserHevcRegisteredUserDataClosedCaption",
+         payload<QVHevcSeiA53Caption, Parser::parserHevcRegisteredUserDataClosedCaption>},
+        {"parserHevcSeiSuffix, kept", requestedSuffix},
+    };
+    for (const auto& [name, call] : parsers) {
+        grow(std::string(name) + ", zeros", kSize, repeated({}, {0}), call);
+        grow(std::string(name) + ", ones", kSize, repeated({}, {0xFF}), call);
+    }
+}
+
 // --- Parameter sets ---
 
 // Writes bits, most significant first.
@@ -329,6 +427,7 @@ int main() {
     qvSetTraceLevel(-1);
     growFraming();
     growSei();
+    growPayloads();
     growParameterSets();
     growSideData();
 }
