@@ -2,97 +2,15 @@
 #include <fmt/format.h>
 
 #include <csignal>
-#include <cstdio>
 #include <exception>
-#include <memory>
-#include <string>
-#include <utility>
 
 #include "CommandLine.h"
 #include "ExitCode.h"
-#include "Inspect.h"
+#include "InspectAll.h"
 #include "Interrupt.h"
-#include "Presenters.h"
-#include "input/InputError.h"
-#include "report/GuardedPresenter.h"
 #include "report/Output.h"
-#include "report/PrintableName.h"
-
-namespace {
 
 using namespace qvinspect;
-
-void complain(const std::string& text) {
-    fmt::print(stderr, "qvinspect: {}\n", text);
-}
-
-struct Totals {
-    bool hasFailedOutput = false;
-    bool hasFailedInput = false;
-    bool hasErrors = false;
-    bool hasFailedCheck = false;
-};
-
-void inspect(const std::string& file, const CommandLine& line, const Presenters& presenters, Totals& totals) {
-    try {
-        const Outcome outcome = inspectFile(file, line, presenters);
-        totals.hasErrors |= outcome.hasErrors;
-        totals.hasFailedCheck |= outcome.hasFailedCheck;
-    } catch (const InputError& error) {
-        totals.hasFailedInput = true;
-        for (const auto& presenter : presenters) {
-            presenter->fail(reportedName(file, line), error.what());
-        }
-        complain(fmt::format("{}: {}", file == "-" ? "standard input" : printableName(file), error.what()));
-    }
-}
-
-int exitCodeOf(const Totals& totals, const CommandLine& line) {
-    if (isInterrupted()) {
-        return kExitInterrupted;
-    }
-    if (totals.hasFailedOutput) {
-        return kExitOutput;
-    }
-    if (totals.hasFailedInput) {
-        return kExitInput;
-    }
-    if (totals.hasFailedCheck) {
-        return kExitCheck;
-    }
-    return totals.hasErrors && line.strict ? kExitErrors : kExitOk;
-}
-
-// An output that fails does not take the others along.
-Presenters guarded(Presenters presenters, Totals& totals) {
-    const auto tell = [&totals](const OutputError& error) {
-        if (!error.isBrokenPipe()) {
-            totals.hasFailedOutput = true;
-            complain(error.what());
-        }
-    };
-    for (auto& presenter : presenters) {
-        presenter = std::make_unique<GuardedPresenter>(std::move(presenter), tell);
-    }
-    return presenters;
-}
-
-int inspectAll(const CommandLine& line) {
-    Totals totals;
-    const Presenters presenters = guarded(makePresenters(line), totals);
-    for (const std::string& file : line.files) {
-        if (isInterrupted() || !isAnythingWanted(line, presenters)) {
-            break;
-        }
-        inspect(file, line, presenters, totals);
-    }
-    for (const auto& presenter : presenters) {
-        presenter->finish();
-    }
-    return exitCodeOf(totals, line);
-}
-
-}  // namespace
 
 int main(int argc, char** argv) {
     // A reader that has seen enough shows as a failed write, wherever the signal is blocked or not.

@@ -1,0 +1,167 @@
+// Runs the inspector over broken copies of files, each one cut at random places and each one with random
+// bytes changed, with one report after the other. Each run has to end with the exit code of a stream that was
+// read or refused, and nothing may be thrown. Meant for a build with sanitizers; the copies of a file are the
+// same in every run.
+//
+// Usage: torture COPIES FILE...   takes COPIES cut and COPIES changed copies of each file
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "CommandLine.h"
+#include "ExitCode.h"
+#include "InspectAll.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using Bytes = std::vector<char>;
+using Random = std::mt19937;
+using Options = std::vector<const char*>;
+
+// Made anew by each run that extracts items, in the folder that is worked in.
+constexpr const char* kItems = "items";
+
+const std::array<Options, 8> kReports = {{
+    {"--level", "fields", "--strict"},
+    {"--level", "nalus", "--errors-only"},
+    {"--json", "/dev/null"},
+    {"--ndjson", "/dev/null"},
+    {"--csv", "/dev/null", "--check", "no-errors"},
+    {"--html", "/dev/null"},
+    {"--to-annexb", "/dev/null"},
+    {"--to-lengths", "/dev/null", "--extract-sei", kItems},
+}};
+
+Bytes contentOf(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file) {
+        throw std::runtime_error(path.string() + " cannot be read");
+    }
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+size_t below(Random& random, size_t bound) {
+    return random() % std::max<size_t>(bound, 1);
+}
+
+Bytes cut(const Bytes& whole, Random& random) {
+    return Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(below(random, whole.size() + 1)));
+}
+
+// Bytes changed to anything, or to what framing is made of, or a bit of theirs, or taken out.
+Bytes changed(Bytes bytes, Random& random) {
+    constexpr char kTelling[] = {0, 0, 1, 3, '\xFF', '\x80', 0x67, 0x06, 0x42, 0x4E};
+    for (size_t left = 1 + below(random, 16); left > 0 && !bytes.empty(); --left) {
+        const auto at = bytes.begin() + static_cast<std::ptrdiff_t>(below(random, bytes.size()));
+        switch (below(random, 4)) {
+            case 0:
+                *at = static_cast<char>(random());
+                break;
+            case 1:
+                *at = kTelling[below(random, sizeof kTelling)];
+                break;
+            case 2:
+                *at = static_cast<char>(*at ^ 1 << below(random, 8));
+                break;
+            default:
+                bytes.erase(at);
+                break;
+        }
+    }
+    return bytes;
+}
+
+// How often each exit code came.
+using ExitCodes = std::map<int, size_t>;
+
+void inspect(const fs::path& path, const Options& report, ExitCodes& codes) {
+    Options arguments = {"torture"};
+    arguments.insert(arguments.end(), report.begin(), report.end());
+    arguments.push_back(path.c_str());
+    const qvinspect::CommandLine line =
+        qvinspect::parseCommandLine(static_cast<int>(arguments.size()), arguments.data());
+    if (line.exitCode) {
+        throw std::logic_error("the command line is refused");
+    }
+    const int code = qvinspect::inspectAll(line);
+    if (code != qvinspect::kExitOk && code != qvinspect::kExitInput && code != qvinspect::kExitErrors &&
+        code != qvinspect::kExitCheck) {
+        throw std::runtime_error("exit code " + std::to_string(code));
+    }
+    ++codes[code];
+    fs::remove_all(kItems);
+}
+
+// The copy stays where something is thrown, and of course where a sanitizer ends the program.
+void torture(const fs::path& original, size_t copies, ExitCodes& codes) {
+    const Bytes whole = contentOf(original);
+    const fs::path copy = fs::current_path() / original.filename();
+    Random random;
+    for (size_t i = 0; i < 2 * copies; ++i) {
+        const Bytes broken = i % 2 == 0 ? cut(whole, random) : changed(whole, random);
+        std::ofstream(copy, std::ios::binary)
+            .write(broken.data(), static_cast<std::streamsize>(broken.size()));
+        const size_t report = i / 2 % kReports.size();
+        try {
+            inspect(copy, kReports[report], codes);
+        } catch (const std::exception& error) {
+            throw std::runtime_error(copy.string() + ", report " + std::to_string(report) + ": " +
+                                     error.what());
+        }
+    }
+    fs::remove(copy);
+}
+
+// Standard output, which goes nowhere from now on.
+FILE* takeStandardOutput() {
+    FILE* const taken = fdopen(dup(STDOUT_FILENO), "w");
+    if (taken == nullptr || std::freopen("/dev/null", "w", stdout) == nullptr) {
+        throw std::runtime_error("standard output cannot be redirected");
+    }
+    return taken;
+}
+
+int run(const std::vector<std::string>& arguments) {
+    FILE* const out = takeStandardOutput();
+    const size_t copies = std::stoul(arguments.at(0));
+    const fs::path folder = fs::temp_directory_path() / ("torture-" + std::to_string(getpid()));
+    std::vector<fs::path> files;
+    std::transform(arguments.begin() + 1, arguments.end(), std::back_inserter(files),
+                   [](const std::string& file) { return fs::absolute(file); });
+    fs::create_directories(folder);
+    fs::current_path(folder);
+    ExitCodes codes;
+    for (const fs::path& file : files) {
+        torture(file, copies, codes);
+    }
+    fs::remove_all(folder);
+    std::fprintf(out, "%zu files, %zu copies of each:", files.size(), 2 * copies);
+    for (const auto& [code, count] : codes) {
+        std::fprintf(out, " exit code %d %zu times", code, count);
+    }
+    std::fprintf(out, "\n");
+    return std::fclose(out) == 0 && codes[qvinspect::kExitOk] > 0 ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return run({argv + 1, argv + argc});
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "torture: %s\n", error.what());
+        return 1;
+    }
+}

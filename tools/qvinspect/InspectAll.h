@@ -1,0 +1,20 @@
+// What a command line asks for, from its first input to its exit code.
+#ifndef QVINSPECT_INSPECTALL_H
+#define QVINSPECT_INSPECTALL_H
+
+#include <string>
+
+#include "CommandLine.h"
+
+namespace qvinspect {
+
+// Inspects the inputs one after the other and returns one of the codes of ExitCode.h. Throws OutputError when
+// an output cannot be opened.
+int inspectAll(const CommandLine& line);
+
+// One line on standard error.
+void complain(const std::string& text);
+
+}  // namespace qvinspect
+
+#endif
