@@ -45,7 +45,7 @@ class QvnaluConan(ConanFile):
 
     def generate(self):
         toolchain = CMakeToolchain(self)
-        for part in ("BUILD_TESTS", "BUILD_TOOLS", "DEVELOPER"):
+        for part in ("BUILD_TESTS", "BUILD_TOOLS", "BUILD_FUZZERS", "DEVELOPER"):
             toolchain.cache_variables[f"QVNALU_{part}"] = False
         toolchain.generate()
 

@@ -9,6 +9,7 @@ vcpkg_cmake_configure(
   OPTIONS
     -DQVNALU_BUILD_TESTS=OFF
     -DQVNALU_BUILD_TOOLS=OFF
+    -DQVNALU_BUILD_FUZZERS=OFF
     -DQVNALU_DEVELOPER=OFF
     -DCMAKE_INSTALL_DOCDIR=share/qvnalu)
 vcpkg_cmake_install()

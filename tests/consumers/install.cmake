@@ -9,7 +9,8 @@ set(installed ${WORK}/installed)
 file(REMOVE_RECURSE ${installed} ${PREFIX})
 configure(${SOURCE} ${WORK}/build
   -DCMAKE_BUILD_TYPE=Release -DBUILD_SHARED_LIBS=${shared} -DCMAKE_INSTALL_PREFIX=${installed}
-  -DCMAKE_INSTALL_LIBDIR=lib -DQVNALU_BUILD_TESTS=OFF -DQVNALU_BUILD_TOOLS=OFF)
+  -DCMAKE_INSTALL_LIBDIR=lib -DQVNALU_BUILD_TESTS=OFF -DQVNALU_BUILD_TOOLS=OFF
+  -DQVNALU_BUILD_FUZZERS=OFF)
 run(${CMAKE_COMMAND} --build ${WORK}/build --parallel 2)
 run(${CMAKE_COMMAND} --install ${WORK}/build)
 
