@@ -20,7 +20,7 @@ uint32_t CursorModel::readRbspBits(uint64_t n) {
     if (n > 32) {
         return 0;
     }
-    taken.resize(n, false);
+    taken.resize(static_cast<size_t>(n), false);
     uint32_t value = 0;
     for (const bool bit : taken) {
         value = value * 2 + (bit ? 1 : 0);
@@ -30,8 +30,11 @@ uint32_t CursorModel::readRbspBits(uint64_t n) {
 
 // 03 behind two zero bytes of which neither is the first byte of the buffer.
 bool CursorModel::isEmulationPreventionByte(uint64_t position) const {
-    return position >= 3 && position < bytes_.size() && bytes_[position] == 3 && bytes_[position - 1] == 0 &&
-           bytes_[position - 2] == 0;
+    if (position < 3 || position >= bytes_.size()) {
+        return false;
+    }
+    const auto at = static_cast<size_t>(position);
+    return bytes_[at] == 3 && bytes_[at - 1] == 0 && bytes_[at - 2] == 0;
 }
 
 void CursorModel::movePlain() {

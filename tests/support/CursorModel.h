@@ -26,7 +26,9 @@ public:
     unsigned rbspBitsUsed() const { return rbspBitsUsed_; }
 
 private:
-    bool bitAt(uint64_t byte, unsigned bitsUsed) const { return (bytes_[byte] << bitsUsed & 0x80) != 0; }
+    bool bitAt(uint64_t byte, unsigned bitsUsed) const {
+        return (bytes_[static_cast<size_t>(byte)] << bitsUsed & 0x80) != 0;
+    }
     bool hasData() const { return bytePos_ < bytes_.size(); }
     bool isEmulationPreventionByte(uint64_t position) const;
     void movePlain();

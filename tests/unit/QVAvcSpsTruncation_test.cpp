@@ -232,7 +232,7 @@ TEST_F(QVAvcSpsNullData, readsAsZeroBits) {
         ASSERT_TRUE(parseNullOf(size));
         expectOutcome(recordOfZeroBits(), {avcSummary(kSummaryOfZeroBits)});
         const uint64_t cursorOnNull = cursor();
-        ASSERT_TRUE(parse(Bytes(size)));
+        ASSERT_TRUE(parse(Bytes(static_cast<size_t>(size))));
         expectOutcome(recordOfZeroBits(), {avcSummary(kSummaryOfZeroBits)});
         EXPECT_EQ(cursorOnNull, cursor()) << "as on zero bytes";
     }

@@ -156,7 +156,7 @@ TEST_F(QVHevcSpsNullData, readsAsZeroBits) {
         expectOutcome(hevcSpsOfZeroBits(), {hevcProfileLine(0, 0, 0, 0)});
         const uint64_t cursorOnNull = cursor();
 
-        ASSERT_TRUE(parseBytes(Bytes(size)));
+        ASSERT_TRUE(parseBytes(Bytes(static_cast<size_t>(size))));
         expectOutcome(hevcSpsOfZeroBits(), {hevcProfileLine(0, 0, 0, 0)});
         EXPECT_EQ(cursorOnNull, cursor()) << "as on zero bytes";
     }

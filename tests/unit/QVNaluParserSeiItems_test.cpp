@@ -307,7 +307,7 @@ TEST_F(SeiSideData, noMoreEntriesThanTheDescriptionHas) {
         unsigned char* out = nullptr;
         EXPECT_EQ(assembleOk(out), 0);
         EXPECT_EQ(out, sideData);
-        expectDescribed({list.begin(), list.begin() + reported});
+        expectDescribed({list.begin(), list.begin() + static_cast<std::ptrdiff_t>(reported)});
     }
 }
 
