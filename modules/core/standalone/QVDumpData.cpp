@@ -19,10 +19,10 @@ void trace(int line, const std::string& text) {
 
 std::string hexLine(const unsigned char* data, int from, int to) {
     char field[16];
-    std::snprintf(field, sizeof field, "%08x ", static_cast<unsigned>(from));
+    static_cast<void>(std::snprintf(field, sizeof field, "%08x ", static_cast<unsigned>(from)));
     std::string text = field;
     for (int i = from; i < to; ++i) {
-        std::snprintf(field, sizeof field, " %02x", static_cast<unsigned>(data[i]));
+        static_cast<void>(std::snprintf(field, sizeof field, " %02x", static_cast<unsigned>(data[i])));
         text += field;
     }
     return text;

@@ -3,8 +3,9 @@
 #include "QVCoreStandalone.h"
 
 namespace {
-std::atomic<int> traceLevel{QVTraceWarning};
-}
+// What a program sets is global.
+std::atomic<int> traceLevel{QVTraceWarning};  // NOLINT(cppcoreguidelines-avoid-non-const-global-variables)
+}  // namespace
 
 extern "C" void qvSetTraceLevel(int level) {
     traceLevel.store(level, std::memory_order_relaxed);

@@ -30,7 +30,7 @@ std::string formatted(const char* format, va_list arguments) {
         return format;
     }
     std::string text(static_cast<size_t>(length) + 1, '\0');
-    std::vsnprintf(&text[0], text.size(), format, arguments);
+    static_cast<void>(std::vsnprintf(text.data(), text.size(), format, arguments));
     text.pop_back();
     return text;
 }
@@ -74,5 +74,5 @@ extern "C" void qvTraceLog(int level, const char* file, int line, const char* fu
     endLine(text);
     const std::string whole = std::string("[") + levelLetter(level) + "] " + tag + " " + file + ":" +
                               std::to_string(line) + " " + function + ": " + text;
-    std::fwrite(whole.data(), 1, whole.size(), stderr);
+    static_cast<void>(std::fwrite(whole.data(), 1, whole.size(), stderr));
 }

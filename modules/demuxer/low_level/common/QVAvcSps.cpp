@@ -342,10 +342,10 @@ int32_t lowestFirst(uint32_t flags) {
 // this takes altogether.
 void makeScalingFlat(QVAvcSps* sps) {
     for (auto& list : sps->scaling_matrix4) {
-        std::memset(list, kFlatWeight, sizeof list);
+        std::memset(list, kFlatWeight, sizeof sps->scaling_matrix4[0]);
     }
     for (auto& list : sps->scaling_matrix8) {
-        std::memset(list, kFlatWeight, sizeof list);
+        std::memset(list, kFlatWeight, sizeof sps->scaling_matrix8[0]);
     }
 }
 

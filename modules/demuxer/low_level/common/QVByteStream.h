@@ -193,7 +193,7 @@ inline bool QVByteStream::hasBytes(uint64_t count) const {
 
 // Eight bytes as a number, the first one on top.
 inline uint64_t QVByteStream::bytesAt(const uint8_t* bytes) {
-    uint64_t value;
+    uint64_t value = 0;
     std::memcpy(&value, bytes, sizeof value);
 #if __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
     value = __builtin_bswap64(value);
@@ -249,8 +249,8 @@ inline QVByteStream::PlainRead QVByteStream::readGolombCode(uint32_t firstOne) c
 }
 
 inline uint32_t QVByteStream::readGolombUe() {
-    uint32_t firstOne;
-    PlainRead read;
+    uint32_t firstOne = 0;
+    PlainRead read;  // NOLINT(cppcoreguidelines-pro-type-member-init): either way of reading sets it
     if (findGolombCode(firstOne)) {
         read = readGolombCode(firstOne);
         --read.value;
@@ -261,8 +261,8 @@ inline uint32_t QVByteStream::readGolombUe() {
 }
 
 inline int32_t QVByteStream::readGolombSe() {
-    uint32_t firstOne;
-    PlainRead read;
+    uint32_t firstOne = 0;
+    PlainRead read;  // NOLINT(cppcoreguidelines-pro-type-member-init): either way of reading sets it
     if (findGolombCode(firstOne)) {
         read = readGolombCode(firstOne);
         const uint32_t magnitude = read.value >> 1;

@@ -71,7 +71,7 @@ int QVNaluParser::converAnnexBToAvcC(const unsigned char* data, int size, std::v
     if (!isAnnexBData(data, size)) {
         return QVResultInvalidData;
     }
-    PrefixList list;
+    PrefixList list;  // NOLINT(cppcoreguidelines-pro-type-member-init): the scanner fills it
     StartCodeScanner scanner(data, bufferSize(size), list);
     if (!scanner.next()) {
         return QVResultInvalidData;

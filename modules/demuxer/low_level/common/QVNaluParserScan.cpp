@@ -107,7 +107,7 @@ int QVNaluParser::parserDataToNaluIdx(const unsigned char* data, int size, NalIn
     if (!isAnnexBData(data, size)) {
         return QVResultInvalidData;
     }
-    PrefixList list;
+    PrefixList list;  // NOLINT(cppcoreguidelines-pro-type-member-init): the scanner fills it
     StartCodeScanner scanner(data, bufferSize(size), list);
     if (scanner.next()) {
         closeLastUnit(nalus, scanner.codeOffset());

@@ -11,7 +11,7 @@ namespace {
 constexpr uint64_t kWindowBytes = 8;
 
 uint64_t readBigEndian64(const uint8_t* bytes) {
-    uint64_t value;
+    uint64_t value = 0;
     std::memcpy(&value, bytes, sizeof value);
 #if __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
     value = __builtin_bswap64(value);

@@ -120,6 +120,8 @@ protected:
 
     // The next n bits, 1 to 63 of them, which the window holds.
     QV_WINDOW_INLINE uint64_t shift(uint32_t n) {
+        // The analyser does not know that there are 64 bits at most.
+        // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult)
         const uint64_t value = window_.bits >> (64 - n);
         window_.bits <<= n;
         window_.count -= n;

@@ -11,6 +11,7 @@
 #include "detail/StartCodeSearch.h"
 
 namespace qv_detail {
+// NOLINTNEXTLINE(cert-dcl59-cpp): see above
 namespace {
 
 // The byte behind a prefix never begins another one.
