@@ -188,6 +188,20 @@ TEST_F(AnnexBScan, everyMixtureOfStartCodes) {
     }
 }
 
+// As close as start codes can stand, and more of them than one search lists.
+TEST_F(AnnexBScan, manyUnitsOfOneByte) {
+    for (const int count : {31, 32, 33, 64, 65, 1000}) {
+        Bytes data;
+        NalIndexList expected;
+        for (int unit = 0; unit < count; ++unit) {
+            data = data + Bytes{0, 0, 1};
+            expected.emplace_back(sizeOf(data), 1);
+            data.push_back(0x67);
+        }
+        EXPECT_EQ(scan(data), expected) << count << " units";
+    }
+}
+
 TEST_F(AnnexBScan, D02_furtherZeroBytesStayInTheUnitBefore) {
     EXPECT_THAT(scan({0, 0, 0, 1, 0x67,  //
                       0, 0, 0, 0, 1, 0x68}),
