@@ -138,10 +138,12 @@ int QVNaluParser::parserDataToNalus(const unsigned char* data, int size, NalInde
             return QVResultOk;
         }
         const int64_t next = int64_t{position} + fieldSize + length;
-        if (size == 0 || next > size) {  // out of reach behind the comparison above
+        // GCOVR_EXCL_START: out of reach behind the comparison above
+        if (size == 0 || next > size) {
             QV_LOG(QVTraceError, kFunction, "Failed to parserDataToNaluType ignore length:%d.\n", length);
             return QVResultOk;
         }
+        // GCOVR_EXCL_STOP
         nalus.emplace_back(position + fieldSize, length);
         position = static_cast<int>(next);
         remaining = size - position;
