@@ -134,9 +134,10 @@ void RbspSide::move(QVByteStream& stream, uint32_t moved) {
     stream.rbspBitIndex = 7 - bits % 8;
 }
 
+// None: what ends a window is mostly an emulation prevention byte, which ends the next one as well.
 WindowBits RbspSide::refill(QVByteStream& stream, uint32_t moved) {
     move(stream, moved);
-    return take(stream);
+    return {0, 0, 0};
 }
 
 uint32_t RbspSide::u(QVByteStream& stream, uint32_t n) {

@@ -91,22 +91,10 @@ protected:
 
     // True when the next n bits are whole in the window, if need be in a new one. After false the reader's
     // cursor stands where the window's does.
-    QV_WINDOW_INLINE bool canHold(uint32_t n) {
-        if (holds(n)) {
-            return true;
-        }
-        refill();
-        return holds(n);
-    }
+    QV_WINDOW_INLINE bool canHold(uint32_t n) { return holds(n) || (refill(), holds(n)); }
 
     // canHold() of the Exp-Golomb code that comes next.
-    QV_WINDOW_INLINE bool canHoldCode() {
-        if (holds(codeLength())) {
-            return true;
-        }
-        refill();
-        return holds(codeLength());
-    }
+    QV_WINDOW_INLINE bool canHoldCode() { return holds(codeLength()) || (refill(), holds(codeLength())); }
 
     QV_WINDOW_INLINE void refill() { window_ = Side::refill(stream_, moved()); }
 
