@@ -26,64 +26,8 @@ const char* const kMinimalSummary = "sps:0 profile:66/10 poc:0 ref:0 1x1 FRM  cr
 
 // --- The record ---
 
-static_assert(std::is_standard_layout<QVAvcSps>::value);
 static_assert(std::is_trivially_copyable<QVAvcSps>::value);
 static_assert(std::is_trivially_default_constructible<QVAvcSps>::value);
-
-static_assert(offsetof(QVAvcSps, sps_id) == 0);
-static_assert(offsetof(QVAvcSps, profile_idc) == 4);
-static_assert(offsetof(QVAvcSps, level_idc) == 8);
-static_assert(offsetof(QVAvcSps, chroma_format_idc) == 12);
-static_assert(offsetof(QVAvcSps, transform_bypass) == 16);
-static_assert(offsetof(QVAvcSps, log2_max_frame_num) == 20);
-static_assert(offsetof(QVAvcSps, poc_type) == 24);
-static_assert(offsetof(QVAvcSps, log2_max_poc_lsb) == 28);
-static_assert(offsetof(QVAvcSps, delta_pic_order_always_zero_flag) == 32);
-static_assert(offsetof(QVAvcSps, offset_for_non_ref_pic) == 36);
-static_assert(offsetof(QVAvcSps, offset_for_top_to_bottom_field) == 40);
-static_assert(offsetof(QVAvcSps, poc_cycle_length) == 44);
-static_assert(offsetof(QVAvcSps, ref_frame_count) == 48);
-static_assert(offsetof(QVAvcSps, gaps_in_frame_num_allowed_flag) == 52);
-static_assert(offsetof(QVAvcSps, width) == 56);
-static_assert(offsetof(QVAvcSps, height) == 60);
-static_assert(offsetof(QVAvcSps, mb_width) == 64);
-static_assert(offsetof(QVAvcSps, mb_height) == 68);
-static_assert(offsetof(QVAvcSps, frame_mbs_only_flag) == 72);
-static_assert(offsetof(QVAvcSps, mb_aff) == 76);
-static_assert(offsetof(QVAvcSps, direct_8x8_inference_flag) == 80);
-static_assert(offsetof(QVAvcSps, crop) == 84);
-static_assert(offsetof(QVAvcSps, crop_left) == 88);
-static_assert(offsetof(QVAvcSps, crop_right) == 92);
-static_assert(offsetof(QVAvcSps, crop_top) == 96);
-static_assert(offsetof(QVAvcSps, crop_bottom) == 100);
-static_assert(offsetof(QVAvcSps, vui_parameters_present_flag) == 104);
-static_assert(offsetof(QVAvcSps, video_signal_type_present_flag) == 108);
-static_assert(offsetof(QVAvcSps, full_range) == 112);
-static_assert(offsetof(QVAvcSps, colour_description_present_flag) == 116);
-static_assert(offsetof(QVAvcSps, colour_primaries) == 120);
-static_assert(offsetof(QVAvcSps, transfer_characteristics) == 124);
-static_assert(offsetof(QVAvcSps, colorspace) == 128);
-static_assert(offsetof(QVAvcSps, timing_info_present_flag) == 132);
-static_assert(offsetof(QVAvcSps, num_units_in_tick) == 136);
-static_assert(offsetof(QVAvcSps, time_scale) == 140);
-static_assert(offsetof(QVAvcSps, fixed_frame_rate_flag) == 144);
-static_assert(offsetof(QVAvcSps, offset_for_ref_frame) == 148);
-static_assert(offsetof(QVAvcSps, scaling_matrix_present) == 404);
-static_assert(offsetof(QVAvcSps, scaling_matrix4) == 408);
-static_assert(offsetof(QVAvcSps, scaling_matrix8) == 504);
-static_assert(offsetof(QVAvcSps, nal_hrd_parameters_present_flag) == 888);
-static_assert(offsetof(QVAvcSps, vcl_hrd_parameters_present_flag) == 892);
-static_assert(offsetof(QVAvcSps, pic_struct_present_flag) == 896);
-static_assert(offsetof(QVAvcSps, time_offset_length) == 900);
-static_assert(offsetof(QVAvcSps, cpb_cnt) == 904);
-static_assert(offsetof(QVAvcSps, initial_cpb_removal_delay_length) == 908);
-static_assert(offsetof(QVAvcSps, cpb_removal_delay_length) == 912);
-static_assert(offsetof(QVAvcSps, dpb_output_delay_length) == 916);
-static_assert(offsetof(QVAvcSps, bit_depth_luma) == 920);
-static_assert(offsetof(QVAvcSps, bit_depth_chroma) == 924);
-static_assert(offsetof(QVAvcSps, residual_color_transform_flag) == 928);
-static_assert(offsetof(QVAvcSps, constraint_set_flags) == 932);
-static_assert(sizeof(QVAvcSps) == 936);
 
 static_assert(std::is_same<decltype(QVAvcSps::offset_for_ref_frame), int8_t[256]>::value);
 static_assert(std::is_same<decltype(QVAvcSps::scaling_matrix4), uint8_t[6][16]>::value);

@@ -22,50 +22,8 @@ const ExpectedLine kDefaultLine = hevcProfileLine(0, 0, 1, 30);
 
 // --- The record ---
 
-static_assert(std::is_standard_layout<QVHevcSps>::value);
 static_assert(std::is_trivially_copyable<QVHevcSps>::value);
 static_assert(std::is_trivially_default_constructible<QVHevcSps>::value);
-
-static_assert(offsetof(QVHevcSps, sps_video_parameter_set_id) == 0);
-static_assert(offsetof(QVHevcSps, sps_max_sub_layers_minus1) == 4);
-static_assert(offsetof(QVHevcSps, sps_temporal_id_nesting_flag) == 8);
-static_assert(offsetof(QVHevcSps, sps_seq_parameter_set_id) == 12);
-static_assert(offsetof(QVHevcSps, chroma_format_idc) == 16);
-static_assert(offsetof(QVHevcSps, separate_colour_plane_flag) == 20);
-static_assert(offsetof(QVHevcSps, display_width) == 24);
-static_assert(offsetof(QVHevcSps, display_height) == 28);
-static_assert(offsetof(QVHevcSps, pic_width_in_luma_samples) == 32);
-static_assert(offsetof(QVHevcSps, pic_height_in_luma_samples) == 36);
-static_assert(offsetof(QVHevcSps, conformance_window_flag) == 40);
-static_assert(offsetof(QVHevcSps, conf_win_left_offset) == 44);
-static_assert(offsetof(QVHevcSps, conf_win_right_offset) == 48);
-static_assert(offsetof(QVHevcSps, conf_win_top_offset) == 52);
-static_assert(offsetof(QVHevcSps, conf_win_bottom_offset) == 56);
-static_assert(offsetof(QVHevcSps, bit_depth_luma_minus8) == 60);
-static_assert(offsetof(QVHevcSps, bit_depth_chroma_minus8) == 64);
-static_assert(offsetof(QVHevcSps, log2_max_pic_order_cnt_lsb_minus4) == 68);
-static_assert(offsetof(QVHevcSps, sps_sub_layer_ordering_info_present_flag) == 72);
-static_assert(offsetof(QVHevcSps, vui_parameters_present_flag) == 76);
-static_assert(offsetof(QVHevcSps, aspect_ratio_info_present_flag) == 80);
-static_assert(offsetof(QVHevcSps, aspect_ratio_idc) == 84);
-static_assert(offsetof(QVHevcSps, sar_width) == 88);
-static_assert(offsetof(QVHevcSps, sar_height) == 92);
-static_assert(offsetof(QVHevcSps, overscan_info_present_flag) == 96);
-static_assert(offsetof(QVHevcSps, overscan_appropriate_flag) == 100);
-static_assert(offsetof(QVHevcSps, video_signal_type_present_flag) == 104);
-static_assert(offsetof(QVHevcSps, video_format) == 108);
-static_assert(offsetof(QVHevcSps, video_full_range_flag) == 112);
-static_assert(offsetof(QVHevcSps, colour_description_present_flag) == 116);
-static_assert(offsetof(QVHevcSps, colour_primaries) == 120);
-static_assert(offsetof(QVHevcSps, transfer_characteristics) == 124);
-static_assert(offsetof(QVHevcSps, matrix_coeffs) == 128);
-static_assert(offsetof(QVHevcSps, chroma_loc_info_present_flag) == 132);
-static_assert(offsetof(QVHevcSps, chroma_sample_loc_type_top_field) == 136);
-static_assert(offsetof(QVHevcSps, chroma_sample_loc_type_bottom_field) == 140);
-static_assert(offsetof(QVHevcSps, neutral_chroma_indication_flag) == 144);
-static_assert(offsetof(QVHevcSps, field_seq_flag) == 148);
-static_assert(offsetof(QVHevcSps, frame_field_info_present_flag) == 152);
-static_assert(sizeof(QVHevcSps) == 156);
 
 // Every value differs from its neighbours and, where it can, from every other one.
 void everythingDifferent(HevcSpsSyntax& s) {

@@ -41,12 +41,6 @@ static_assert(std::is_same<decltype(BufferingPeriod::initial_cpb_removal_delay),
 
 static_assert(isPlain<QVAvcClockTimestamp>());
 static_assert(sizeof(QVAvcClockTimestamp) == 6 * 4);
-static_assert(offsetof(QVAvcClockTimestamp, full_timestamp_flag) == 0);
-static_assert(offsetof(QVAvcClockTimestamp, n_frames) == 4);
-static_assert(offsetof(QVAvcClockTimestamp, seconds_value) == 8);
-static_assert(offsetof(QVAvcClockTimestamp, minutes_value) == 12);
-static_assert(offsetof(QVAvcClockTimestamp, hours_value) == 16);
-static_assert(offsetof(QVAvcClockTimestamp, isDropFrame) == 20);
 static_assert(std::is_same<decltype(QVAvcClockTimestamp::full_timestamp_flag), uint32_t>::value);
 static_assert(std::is_same<decltype(QVAvcClockTimestamp::n_frames), uint32_t>::value);
 static_assert(std::is_same<decltype(QVAvcClockTimestamp::seconds_value), uint32_t>::value);

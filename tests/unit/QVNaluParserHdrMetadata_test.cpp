@@ -21,16 +21,8 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Pair;
 
-static_assert(std::is_standard_layout<QVHDR10StaticMetadata>::value);
 static_assert(std::is_trivially_copyable<QVHDR10StaticMetadata>::value);
 static_assert(std::is_trivially_default_constructible<QVHDR10StaticMetadata>::value);
-static_assert(sizeof(QVHDR10StaticMetadata) == 24);
-static_assert(offsetof(QVHDR10StaticMetadata, display_primaries_x) == 0);
-static_assert(offsetof(QVHDR10StaticMetadata, display_primaries_y) == 6);
-static_assert(offsetof(QVHDR10StaticMetadata, white_point_x) == 12);
-static_assert(offsetof(QVHDR10StaticMetadata, white_point_y) == 14);
-static_assert(offsetof(QVHDR10StaticMetadata, max_display_mastering_luminance) == 16);
-static_assert(offsetof(QVHDR10StaticMetadata, min_display_mastering_luminance) == 20);
 static_assert(std::is_same<decltype(QVHDR10StaticMetadata::display_primaries_x), uint16_t[3]>::value);
 static_assert(std::is_same<decltype(QVHDR10StaticMetadata::display_primaries_y), uint16_t[3]>::value);
 static_assert(std::is_same<decltype(QVHDR10StaticMetadata::white_point_x), uint16_t>::value);

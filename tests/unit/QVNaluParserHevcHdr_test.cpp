@@ -18,17 +18,8 @@ namespace {
 
 // --- The records ---
 
-static_assert(std::is_standard_layout<QVHevcSeiMasteringDisplay>::value);
 static_assert(std::is_trivially_copyable<QVHevcSeiMasteringDisplay>::value);
 static_assert(std::is_trivially_default_constructible<QVHevcSeiMasteringDisplay>::value);
-static_assert(sizeof(QVHevcSeiMasteringDisplay) == 32);
-static_assert(offsetof(QVHevcSeiMasteringDisplay, isValid) == 0);
-static_assert(offsetof(QVHevcSeiMasteringDisplay, display_primaries_x) == 4);
-static_assert(offsetof(QVHevcSeiMasteringDisplay, display_primaries_y) == 4);
-static_assert(offsetof(QVHevcSeiMasteringDisplay, white_point_x) == 16);
-static_assert(offsetof(QVHevcSeiMasteringDisplay, white_point_y) == 20);
-static_assert(offsetof(QVHevcSeiMasteringDisplay, max_display_mastering_luminance) == 24);
-static_assert(offsetof(QVHevcSeiMasteringDisplay, min_display_mastering_luminance) == 28);
 static_assert(std::is_same<decltype(QVHevcSeiMasteringDisplay::isValid), uint32_t>::value);
 static_assert(std::is_same<decltype(QVHevcSeiMasteringDisplay::white_point_x), uint32_t>::value);
 static_assert(std::is_same<decltype(QVHevcSeiMasteringDisplay::white_point_y), uint32_t>::value);
@@ -37,21 +28,12 @@ static_assert(std::is_same<decltype(std::declval<QVHevcSeiMasteringDisplay&>().d
 static_assert(std::is_same<decltype(std::declval<const QVHevcSeiMasteringDisplay&>().display_primaries_y[0]),
                            const uint16_t&>::value);
 
-static_assert(std::is_standard_layout<QVHevcSeiContentLight>::value);
 static_assert(std::is_trivially_copyable<QVHevcSeiContentLight>::value);
 static_assert(std::is_trivially_default_constructible<QVHevcSeiContentLight>::value);
-static_assert(sizeof(QVHevcSeiContentLight) == 8);
-static_assert(offsetof(QVHevcSeiContentLight, isValid) == 0);
-static_assert(offsetof(QVHevcSeiContentLight, max_content_light_level) == 4);
-static_assert(offsetof(QVHevcSeiContentLight, max_pic_average_light_level) == 6);
 static_assert(std::is_same<decltype(QVHevcSeiContentLight::max_content_light_level), uint16_t>::value);
 
-static_assert(std::is_standard_layout<QVHevcSeiAlternativeTransfer>::value);
 static_assert(std::is_trivially_copyable<QVHevcSeiAlternativeTransfer>::value);
 static_assert(std::is_trivially_default_constructible<QVHevcSeiAlternativeTransfer>::value);
-static_assert(sizeof(QVHevcSeiAlternativeTransfer) == 8);
-static_assert(offsetof(QVHevcSeiAlternativeTransfer, isValid) == 0);
-static_assert(offsetof(QVHevcSeiAlternativeTransfer, preferred_transfer_characteristics) == 4);
 static_assert(std::is_same<decltype(QVHevcSeiAlternativeTransfer::preferred_transfer_characteristics),
                            uint32_t>::value);
 

@@ -20,18 +20,12 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-static_assert(std::is_standard_layout<QVHevcSeiPictureTiming>::value);
 static_assert(std::is_trivially_copyable<QVHevcSeiPictureTiming>::value);
 static_assert(std::is_trivially_default_constructible<QVHevcSeiPictureTiming>::value);
-static_assert(offsetof(QVHevcSeiPictureTiming, fieldParity) == 0);
 static_assert(std::is_same<decltype(QVHevcSeiPictureTiming::fieldParity), uint32_t>::value);
 
-static_assert(std::is_standard_layout<QVHevcSeiPictureHash>::value);
 static_assert(std::is_trivially_copyable<QVHevcSeiPictureHash>::value);
 static_assert(std::is_trivially_default_constructible<QVHevcSeiPictureHash>::value);
-static_assert(sizeof(QVHevcSeiPictureHash) == 49);
-static_assert(offsetof(QVHevcSeiPictureHash, picture_md5) == 0);
-static_assert(offsetof(QVHevcSeiPictureHash, md5Present) == 48);
 static_assert(std::is_same<decltype(QVHevcSeiPictureHash::picture_md5), uint8_t[3][16]>::value);
 static_assert(std::is_same<decltype(QVHevcSeiPictureHash::md5Present), uint8_t>::value);
 

@@ -22,24 +22,11 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-static_assert(std::is_standard_layout<QVHevcSeiFramePacking>::value);
 static_assert(std::is_trivially_copyable<QVHevcSeiFramePacking>::value);
 static_assert(std::is_trivially_default_constructible<QVHevcSeiFramePacking>::value);
-static_assert(sizeof(QVHevcSeiFramePacking) == 20);
-static_assert(offsetof(QVHevcSeiFramePacking, isValid) == 0);
-static_assert(offsetof(QVHevcSeiFramePacking, frame_packing_arrangement_type) == 4);
-static_assert(offsetof(QVHevcSeiFramePacking, content_interpretation_type) == 8);
-static_assert(offsetof(QVHevcSeiFramePacking, quincunx_sampling_flag) == 12);
-static_assert(offsetof(QVHevcSeiFramePacking, current_frame_is_frame0_flag) == 16);
 
-static_assert(std::is_standard_layout<QVHevcSeiDisplayOrientation>::value);
 static_assert(std::is_trivially_copyable<QVHevcSeiDisplayOrientation>::value);
 static_assert(std::is_trivially_default_constructible<QVHevcSeiDisplayOrientation>::value);
-static_assert(sizeof(QVHevcSeiDisplayOrientation) == 16);
-static_assert(offsetof(QVHevcSeiDisplayOrientation, isValid) == 0);
-static_assert(offsetof(QVHevcSeiDisplayOrientation, anticlockwise_rotation) == 4);
-static_assert(offsetof(QVHevcSeiDisplayOrientation, hor_flip) == 8);
-static_assert(offsetof(QVHevcSeiDisplayOrientation, ver_flip) == 12);
 
 // --- Frame packing arrangement ---
 

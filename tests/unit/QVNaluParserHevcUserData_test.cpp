@@ -12,7 +12,6 @@
 namespace qv_test {
 namespace {
 
-static_assert(std::is_standard_layout<QVHevcSeiA53Caption>::value);
 static_assert(std::is_trivially_copyable<QVHevcSeiA53Caption>::value);
 static_assert(std::is_trivially_default_constructible<QVHevcSeiA53Caption>::value);
 
