@@ -1,13 +1,16 @@
-// Many threads on shared read-only input, each with records of its own, on the stand-alone core: the same
-// results as one thread gets, and whole lines in the log. The thread sanitizer's preset runs this.
+// Many threads on shared input in memory that cannot be written, each with records of its own, on the
+// stand-alone core: the same results as one thread gets, and whole lines in the log. The thread sanitizer's
+// preset runs this.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 
-#include <atomic>
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <memory>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -21,12 +24,6 @@ using Bytes = std::vector<uint8_t>;
 
 constexpr int kThreads = 8;
 constexpr int kRounds = 20;
-
-Bytes content(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
-    return Bytes(bytes.begin(), bytes.end());
-}
 
 int sizeOf(const Bytes& bytes) {
     return static_cast<int>(bytes.size());
@@ -52,15 +49,43 @@ struct Records {
     }
 };
 
-struct Stream {
-    Bytes bytes;
-    QVCodecID codec;
+// A file in memory that cannot be written.
+class Stream {
+public:
+    Stream(const std::string& path, QVCodecID ofCodec) : codec(ofCodec) {
+        std::ifstream file(path, std::ios::binary);
+        const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
+        size_ = bytes.size();
+        void* const memory = mmap(nullptr, size_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        if (bytes.empty() || memory == MAP_FAILED) {
+            throw std::runtime_error("cannot map " + path);
+        }
+        data_ = static_cast<unsigned char*>(memory);
+        std::copy(bytes.begin(), bytes.end(), data_);
+        mprotect(data_, size_, PROT_READ);
+    }
+    ~Stream() { munmap(data_, size_); }
+    Stream(const Stream&) = delete;
+    Stream& operator=(const Stream&) = delete;
+
+    const unsigned char* data() const { return data_; }
+    int size() const { return static_cast<int>(size_); }
+
+    const QVCodecID codec;
+
+private:
+    unsigned char* data_ = nullptr;
+    size_t size_ = 0;
 };
+
+void write(std::ostream& text, const unsigned char* bytes, int size) {
+    text.write(reinterpret_cast<const char*>(bytes), size);
+}
 
 void analyseUnit(const Stream& stream, const QVNaluParser::NaluInfo& unit, Records& records,
                  std::ostream& text) {
     const auto reader =
-        std::make_shared<QVByteStream>(stream.bytes.data() + unit.offset, static_cast<size_t>(unit.length));
+        std::make_shared<QVByteStream>(stream.data() + unit.offset, static_cast<size_t>(unit.length));
     text << unit.naluType << ' ' << unit.offset << ' ' << unit.length << '\n';
     if (stream.codec == QVCodecIDAvc && unit.naluType == 7) {
         text << parseAvcSps(&records.avc, reader) << ' ' << records.avc.width << 'x' << records.avc.height
@@ -69,7 +94,7 @@ void analyseUnit(const Stream& stream, const QVNaluParser::NaluInfo& unit, Recor
         text << parseHevcSps(&records.hevc, reader) << ' ' << records.hevc.display_width << 'x'
              << records.hevc.display_height << '\n';
     } else if (unit.naluType == (stream.codec == QVCodecIDAvc ? 6U : 39U)) {
-        text << QVNaluParser::parserDataToSei(stream.codec, stream.bytes.data(), unit, records.items,
+        text << QVNaluParser::parserDataToSei(stream.codec, stream.data(), unit, records.items,
                                               records.spsOf(stream.codec), {})
              << '\n';
     }
@@ -90,12 +115,13 @@ void handOver(const Records& records, std::ostream& text) {
     QVNaluParser::assembleSeiSideDataBuffer(records.items, &sideData, size);
     std::vector<QVSeiItem> read;
     text << qvReadSideData(sideData, size, &read) << ' ' << read.size() << ' ' << size << '\n';
+    write(text, sideData, size);
     freepQVSideData(&sideData);
 }
 
 void reframe(const Stream& stream, std::ostream& text) {
     std::vector<unsigned char> lengths;
-    QVNaluParser::converAnnexBToAvcC(stream.bytes.data(), sizeOf(stream.bytes), lengths);
+    QVNaluParser::converAnnexBToAvcC(stream.data(), stream.size(), lengths);
     std::vector<std::pair<int, int>> nalus;
     QVNaluParser::parserDataToNalus(lengths.data(), sizeOf(lengths), nalus, 4);
     unsigned char* again = nullptr;
@@ -103,17 +129,17 @@ void reframe(const Stream& stream, std::ostream& text) {
     QVNaluParser::connvertAvcCToAnnexB(lengths.data(), sizeOf(lengths), 4, &again, size);
     text << lengths.size() << ' ' << nalus.size() << ' ' << size << ' '
          << QVNaluParser::isKeyFrame(stream.codec, lengths.data(), sizeOf(lengths)) << '\n';
+    write(text, again, size);
     qvFree(again);
 }
 
 // All that the library says about a stream, as one text.
 std::string analyse(const Stream& stream) {
     std::ostringstream text;
-    const int size = sizeOf(stream.bytes);
-    text << QVNaluParser::isKeyFrame(stream.codec, stream.bytes.data(), size) << '\n';
+    text << QVNaluParser::isKeyFrame(stream.codec, stream.data(), stream.size()) << '\n';
     const QVCodecParameters params{stream.codec, 1, 0};
     std::vector<QVNaluParser::NaluInfo> units;
-    QVNaluParser::parserDataToNaluType(stream.bytes.data(), size, units, &params);
+    QVNaluParser::parserDataToNaluType(stream.data(), stream.size(), units, &params);
     Records records;
     for (const QVNaluParser::NaluInfo& unit : units) {
         analyseUnit(stream, unit, records, text);
@@ -142,11 +168,10 @@ protected:
 
 TEST_F(Threads, shareTheInput) {
     qvSetTraceLevel(-1);
-    const std::vector<Stream> streams = {
-        {content(QVNALU_SAMPLES_DIR "/hevc_hdr10.h265"), QVCodecIDHevc},
-        {content(QVNALU_BUNDLED_STREAMS_DIR "/hevc_mdcv_variants.h265"), QVCodecIDHevc},
-        {content(QVNALU_BUNDLED_STREAMS_DIR "/avc_afd.h264"), QVCodecIDAvc},
-        {content(QVNALU_BUNDLED_STREAMS_DIR "/avc_hrd_picstruct.h264"), QVCodecIDAvc}};
+    const Stream streams[] = {Stream(QVNALU_SAMPLES_DIR "/hevc_hdr10.h265", QVCodecIDHevc),
+                              Stream(QVNALU_BUNDLED_STREAMS_DIR "/hevc_mdcv_variants.h265", QVCodecIDHevc),
+                              Stream(QVNALU_BUNDLED_STREAMS_DIR "/avc_afd.h264", QVCodecIDAvc),
+                              Stream(QVNALU_BUNDLED_STREAMS_DIR "/avc_hrd_picstruct.h264", QVCodecIDAvc)};
     // Ahead of any analysis: the first calls, which may set something up, are made on threads as well.
     std::vector<std::vector<std::string>> texts(kThreads);
     onThreads([&](int thread) {
@@ -156,10 +181,9 @@ TEST_F(Threads, shareTheInput) {
             }
         }
     });
+    EXPECT_THAT(texts[0][0], testing::HasSubstr("\n137 24 0 10000000 ")) << "the mastering display";
     for (size_t i = 0; i < texts[0].size(); ++i) {
-        const Stream& stream = streams[i % streams.size()];
-        ASSERT_FALSE(stream.bytes.empty());
-        const std::string alone = analyse(stream);
+        const std::string alone = analyse(streams[i % std::size(streams)]);
         for (const auto& text : texts) {
             ASSERT_EQ(text[i], alone);
         }
