@@ -175,13 +175,9 @@ void expectRefused(const Outcome& outcome, int status) {
 
 // Two sets with everything in them, two splines each, and seven gains.
 HdrVividSyntax everything() {
-    HdrVividSyntax s;
-    s.tone_mapping_enable_mode_flag = s.tone_mapping_param_enable_num = 1;
-    s.color_saturation_mapping_enable_flag = 1;
-    s.color_saturation_enable_num = 7;
+    HdrVividSyntax s = largestHdrVivid();
     s.color_saturation_enable_gain = {{255, 1, 128, 64, 38, 25, 254}};
     for (HdrVividToneMappingSyntax& mapping : s.toneMappings) {
-        mapping.base_enable_flag = mapping.three_Spline_enable_flag = mapping.three_Spline_enable_num = 1;
         mapping.splines[1].TH_enable_mode = 3;
         mapping.splines[1].TH_enable = 4095;
     }

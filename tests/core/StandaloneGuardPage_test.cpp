@@ -2,31 +2,19 @@
 // an inaccessible page and right behind one. Both have to come to the same.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <cstring>
-#include <random>
 
 #include "GuardedBuffer.h"
 #include "HdrVividSyntax.h"
 #include "QVCoreStandalone.h"
 #include "QVSeiItem.h"
 #include "QVSideDataLayout.h"
+#include "RandomRounds.h"
 
 namespace qv_test {
 namespace {
 
 constexpr size_t kLongest = 4096;
-
-int rounds() {
-    const char* const text = std::getenv("QVNALU_TEST_ROUNDS");
-    return text != nullptr ? std::atoi(text) : 4000;
-}
-
-using Random = std::mt19937;
-
-size_t below(Random& random, size_t bound) {
-    return random() % bound;
-}
 
 // Some bits flipped, and often cut short.
 Bytes mutated(Random& random, Bytes bytes) {
@@ -36,20 +24,6 @@ Bytes mutated(Random& random, Bytes bytes) {
     }
     bytes.resize(below(random, 2) == 0 ? bytes.size() : below(random, bytes.size() + 1));
     return bytes;
-}
-
-Bytes largestVivid() {
-    HdrVividSyntax vivid;
-    vivid.tone_mapping_enable_mode_flag = 1;
-    vivid.tone_mapping_param_enable_num = 1;
-    for (auto& mapping : vivid.toneMappings) {
-        mapping.base_enable_flag = 1;
-        mapping.three_Spline_enable_flag = 1;
-        mapping.three_Spline_enable_num = 1;
-    }
-    vivid.color_saturation_mapping_enable_flag = 1;
-    vivid.color_saturation_enable_num = 7;
-    return hdrVivid(vivid).bytes();
 }
 
 struct Vivid {
@@ -71,7 +45,7 @@ Vivid readVivid(unsigned char* data, size_t size) {
 TEST(StandaloneGuardPage, hdrVivid) {
     Random random(1);
     GuardedBuffer memory(kLongest);
-    const Bytes whole = largestVivid();
+    const Bytes whole = hdrVivid(largestHdrVivid()).bytes();
     int accepted = 0;
     for (int round = 0; round < rounds(); ++round) {
         const Bytes bytes = mutated(random, whole);

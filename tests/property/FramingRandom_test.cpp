@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <random>
 #include <string>
 
 #include "QVNaluParser.h"
+#include "RandomRounds.h"
 #include "RecordingCore.h"
 #include "ReferenceFraming.h"
 
@@ -29,17 +29,10 @@ private:
     size_t begin_;
 };
 
-using Random = std::mt19937;
-
-uint32_t below(Random& random, uint32_t bound) {
-    return static_cast<uint32_t>(random() % bound);
-}
-
 // Zeros and ones for the most part, or anything at all.
 uint8_t randomByte(Random& random, bool isDense) {
     static const Bytes dense = {0x00, 0x00, 0x00, 0x00, 0x01, 0x01, 0x02, 0x03, 0x65, 0xFF};
-    return isDense ? dense[below(random, static_cast<uint32_t>(dense.size()))]
-                   : static_cast<uint8_t>(below(random, 256));
+    return isDense ? dense[below(random, dense.size())] : static_cast<uint8_t>(below(random, 256));
 }
 
 Bytes randomBytes(Random& random, size_t size, bool isDense) {

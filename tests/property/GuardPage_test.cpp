@@ -4,9 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <memory>
-#include <random>
 #include <string>
 
 #include "CursorModel.h"
@@ -15,6 +13,7 @@
 #include "GuardedOperations.h"
 #include "QVAvcSps.h"
 #include "QVHevcSps.h"
+#include "RandomRounds.h"
 #include "RecordingCore.h"
 #include "SeedCorpus.h"
 
@@ -22,17 +21,6 @@ namespace qv_test {
 namespace {
 
 constexpr size_t kLongest = 1500;
-
-int rounds() {
-    const char* const text = std::getenv("QVNALU_TEST_ROUNDS");
-    return text != nullptr ? std::atoi(text) : 4000;
-}
-
-using Random = std::mt19937;
-
-size_t below(Random& random, size_t bound) {
-    return random() % bound;
-}
 
 // Runs of one density after the other: start codes and what nearly is one, or long stretches without.
 Bytes adversarialBytes(Random& random, size_t size) {

@@ -86,6 +86,20 @@ void window(Elements& out, Syntax& s) {
 
 }  // namespace
 
+HdrVividSyntax largestHdrVivid() {
+    HdrVividSyntax syntax;
+    syntax.tone_mapping_enable_mode_flag = 1;
+    syntax.tone_mapping_param_enable_num = 1;
+    for (auto& mapping : syntax.toneMappings) {
+        mapping.base_enable_flag = 1;
+        mapping.three_Spline_enable_flag = 1;
+        mapping.three_Spline_enable_num = 1;
+    }
+    syntax.color_saturation_mapping_enable_flag = 1;
+    syntax.color_saturation_enable_num = 7;
+    return syntax;
+}
+
 BitWriter hdrVivid(const HdrVividSyntax& syntax) {
     ElementWriter out;
     header(out, syntax);

@@ -55,6 +55,9 @@ struct HdrVividSyntax {
     std::array<uint32_t, 7> color_saturation_enable_gain = {};  // color_saturation_enable_num are written
 };
 
+// All that a payload can hold: both tone mappings with their splines, and seven gains.
+HdrVividSyntax largestHdrVivid();
+
 BitWriter hdrVivid(const HdrVividSyntax& syntax);
 
 // The values that are left when only the first bitCount bits of the payload are there.

@@ -95,19 +95,9 @@ Bytes t35(const std::string& identifier, const Bytes& userData) {
 }
 
 void addMessages(Seeds& seeds) {
-    HdrVividSyntax vivid;
-    add(seeds, "hdr_fuzz", {3}, hdrVivid(vivid).bytes());
-    vivid.tone_mapping_enable_mode_flag = 1;
-    vivid.tone_mapping_param_enable_num = 1;
-    for (auto& mapping : vivid.toneMappings) {
-        mapping.base_enable_flag = 1;
-        mapping.three_Spline_enable_flag = 1;
-        mapping.three_Spline_enable_num = 1;
-    }
-    vivid.color_saturation_mapping_enable_flag = 1;
-    vivid.color_saturation_enable_num = 7;
-    const Bytes fullVivid = hdrVivid(vivid).bytes();
-    add(seeds, "hdr_fuzz", {3}, fullVivid);
+    add(seeds, "hdr_fuzz", {3}, hdrVivid(HdrVividSyntax()).bytes());
+    const Bytes largestVivid = hdrVivid(largestHdrVivid()).bytes();
+    add(seeds, "hdr_fuzz", {3}, largestVivid);
     add(seeds, "hdr_fuzz", {5}, Bytes(24, 0x11));
 
     const std::map<unsigned, Bytes> payloads = {
@@ -136,7 +126,7 @@ void addMessages(Seeds& seeds) {
         }
     }
     add(seeds, "avc_sei_fuzz", {0, 0}, seiUnit({seiMessage(4, t35("DTG1", {0x41, 0xF8}))}));
-    add(seeds, "hevc_sei_fuzz", {0, 0}, seiUnit({seiMessage(4, fullVivid)}));
+    add(seeds, "hevc_sei_fuzz", {0, 0}, seiUnit({seiMessage(4, largestVivid)}));
 }
 
 void addReaders(Seeds& seeds) {
