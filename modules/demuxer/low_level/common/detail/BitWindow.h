@@ -91,12 +91,17 @@ protected:
 
     // True when the next n bits are whole in the window, if need be in a new one. After false the reader's
     // cursor stands where the window's does.
-    QV_WINDOW_INLINE bool canHold(uint32_t n) { return holds(n) || (refill(), holds(n)); }
+    QV_WINDOW_INLINE bool canHold(uint32_t n) { return holds(n) || refilled().holds(n); }
 
     // canHold() of the Exp-Golomb code that comes next.
-    QV_WINDOW_INLINE bool canHoldCode() { return holds(codeLength()) || (refill(), holds(codeLength())); }
+    QV_WINDOW_INLINE bool canHoldCode() { return holdsCode() || refilled().holdsCode(); }
 
-    QV_WINDOW_INLINE void refill() { window_ = Side::refill(stream_, moved()); }
+    QV_WINDOW_INLINE bool holdsCode() const { return holds(codeLength()); }
+
+    QV_WINDOW_INLINE BitWindow& refilled() {
+        window_ = Side::refill(stream_, moved());
+        return *this;
+    }
 
     uint32_t moved() const { return window_.taken - window_.count; }
 
