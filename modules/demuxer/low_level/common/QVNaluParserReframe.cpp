@@ -36,12 +36,12 @@ void writeLength(unsigned char* field, size_t length) {
     }
 }
 
-// Appends the unit that the scanner stands on and moves the scanner on. False when that was the last unit.
-//
 // Search and copy take turns: a piece is copied while it is in the cache from the search.
+constexpr size_t kPiece = 16384;
+
+// Appends the unit that the scanner stands on and moves the scanner on. False when that was the last unit.
 bool appendUnit(std::vector<unsigned char>& out, const unsigned char* data, size_t size,
                 StartCodeScanner& scanner) {
-    constexpr size_t kPiece = 16384;
     static constexpr unsigned char kLengthToCome[kLengthSize] = {};
     const size_t field = out.size();
     append(out, kLengthToCome, kLengthSize);
@@ -73,7 +73,7 @@ int QVNaluParser::converAnnexBToAvcC(const unsigned char* data, int size, std::v
     }
     PrefixList list;  // NOLINT(cppcoreguidelines-pro-type-member-init): the scanner fills it
     StartCodeScanner scanner(data, bufferSize(size), list);
-    if (!scanner.next()) {
+    if (!scanner.nextBelow(kPiece)) {
         return QVResultInvalidData;
     }
     out.clear();
