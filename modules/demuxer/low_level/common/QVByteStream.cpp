@@ -134,9 +134,7 @@ private:
     void advance(uint64_t bits);
     void advanceBit();
     bool readShortGolombCode(uint32_t& code);
-
-    enum class GolombPrefix { Ended, Empty, Counted };
-    GolombPrefix countLeadingZeroBits(uint64_t& leadingZeroBits);
+    bool countLeadingZeroBits(uint64_t& leadingZeroBits);
     uint32_t readGolombBits(uint64_t count);
 
     const uint8_t* data_;
@@ -216,11 +214,7 @@ uint32_t QVByteStream::PlainCursor::readGolombUe() {
         return code - 1;
     }
     uint64_t leadingZeroBits = 0;
-    if (countLeadingZeroBits(leadingZeroBits) != GolombPrefix::Counted) {
-        return 0;
-    }
-    code = readGolombBits(leadingZeroBits + 1);
-    return code != 0 ? code - 1 : 0;
+    return countLeadingZeroBits(leadingZeroBits) ? readGolombBits(leadingZeroBits + 1) - 1 : 0;
 }
 
 int32_t QVByteStream::PlainCursor::readGolombSe() {
@@ -230,7 +224,7 @@ int32_t QVByteStream::PlainCursor::readGolombSe() {
         magnitude = code >> 1;
     } else {
         uint64_t leadingZeroBits = 0;
-        if (countLeadingZeroBits(leadingZeroBits) != GolombPrefix::Counted) {
+        if (!countLeadingZeroBits(leadingZeroBits)) {
             return 0;
         }
         magnitude = readGolombBits(leadingZeroBits);
@@ -240,23 +234,18 @@ int32_t QVByteStream::PlainCursor::readGolombSe() {
     return static_cast<int32_t>(isNegative ? 0U - magnitude : magnitude);
 }
 
-// leadingZeroBits of 9.1. Anything but Counted is the value 0, already consumed as far as it is consumed:
-// Ended, no 1 bit before the end of the data; Empty, the code is the single bit 1.
-QVByteStream::PlainCursor::GolombPrefix QVByteStream::PlainCursor::countLeadingZeroBits(
-    uint64_t& leadingZeroBits) {
+// leadingZeroBits of 9.1, where readShortGolombCode() found too many or no data. False when there is no 1 bit
+// before the end of the data: the value is 0, already consumed as far as it is consumed.
+bool QVByteStream::PlainCursor::countLeadingZeroBits(uint64_t& leadingZeroBits) {
     if (atEnd()) {
         advanceBit();
-        return GolombPrefix::Ended;
+        return false;
     }
     while (!atEnd() && (byteAt(bytePos_) & (0x80U >> (bitOffset_ & 7U))) == 0) {
         advanceBit();
         ++leadingZeroBits;
     }
-    if (leadingZeroBits == 0) {
-        advanceBit();
-        return GolombPrefix::Empty;
-    }
-    return atEnd() ? GolombPrefix::Ended : GolombPrefix::Counted;
+    return !atEnd();
 }
 
 // Reads count bits, bit i landing at (count - 1 - i) modulo 32 (D05: codes of any length).
@@ -269,21 +258,21 @@ uint32_t QVByteStream::PlainCursor::readGolombBits(uint64_t count) {
 }
 
 QVByteStream::PlainRead QVByteStream::readAnyBits(const uint8_t* data, uint64_t size, uint64_t bytePos,
-                                                  uint32_t bitOffset, uint32_t n) {
+                                                  uint32_t bitOffset, uint32_t n) noexcept {
     PlainCursor cursor(data, size, bytePos, bitOffset);
     const uint32_t value = cursor.readBits(n);
     return cursor.result(value);
 }
 
 QVByteStream::PlainRead QVByteStream::readAnyGolombUe(const uint8_t* data, uint64_t size, uint64_t bytePos,
-                                                      uint32_t bitOffset) {
+                                                      uint32_t bitOffset) noexcept {
     PlainCursor cursor(data, size, bytePos, bitOffset);
     const uint32_t value = cursor.readGolombUe();
     return cursor.result(value);
 }
 
 QVByteStream::PlainRead QVByteStream::readAnyGolombSe(const uint8_t* data, uint64_t size, uint64_t bytePos,
-                                                      uint32_t bitOffset) {
+                                                      uint32_t bitOffset) noexcept {
     PlainCursor cursor(data, size, bytePos, bitOffset);
     const auto value = static_cast<uint32_t>(cursor.readGolombSe());
     return cursor.result(value);

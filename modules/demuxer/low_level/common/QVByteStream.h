@@ -174,11 +174,12 @@ private:
 
     // Any read at any place, also near the end of the data and behind it.
     [[gnu::pure]] QV_NALU_API static PlainRead readAnyBits(const uint8_t* data, uint64_t size,
-                                                           uint64_t bytePos, uint32_t bitOffset, uint32_t n);
+                                                           uint64_t bytePos, uint32_t bitOffset,
+                                                           uint32_t n) noexcept;
     [[gnu::pure]] QV_NALU_API static PlainRead readAnyGolombUe(const uint8_t* data, uint64_t size,
-                                                               uint64_t bytePos, uint32_t bitOffset);
+                                                               uint64_t bytePos, uint32_t bitOffset) noexcept;
     [[gnu::pure]] QV_NALU_API static PlainRead readAnyGolombSe(const uint8_t* data, uint64_t size,
-                                                               uint64_t bytePos, uint32_t bitOffset);
+                                                               uint64_t bytePos, uint32_t bitOffset) noexcept;
 };
 
 // --- Inline, because every syntax element passes here ---
