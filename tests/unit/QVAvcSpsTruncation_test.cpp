@@ -151,6 +151,35 @@ TEST_F(QVAvcSpsShort, aStreamThatStandsAtItsEnd) {
     EXPECT_EQ(cursor(), 16U + 2 + 7) << "the header byte is not passed over";
 }
 
+// From 8 on the offset is a caller's own: a byte and the rest of it for the header that is passed over.
+TEST_F(QVAvcSpsShort, cutAtEveryByteBehindABitOffset) {
+    for (unsigned bitOffset = 1; bitOffset < 16; ++bitOffset) {
+        SCOPED_TRACE(bitOffset);
+        const BitWriter unit = avcSps();
+        BitWriter shifted;
+        shifted.u(bitOffset, "bits ahead", 0xFFFF);
+        for (const uint8_t byte : unit.bytes()) {
+            shifted.u(8, "byte of the unit", byte);
+        }
+        for (size_t size = 3; size <= shifted.bitCount() / 8; ++size) {
+            const bool expectedResult = parse(unit.bytesCutAt(8 * size - bitOffset));
+            const QVAvcSps expected = sps;
+            std::vector<ExpectedLine> lines;
+            for (const LogLine& line : core().lines) {
+                lines.push_back({line.level, line.function, line.text});
+            }
+
+            const Bytes bytes = shifted.bytesCutAt(8 * size);
+            sps = patternAvcSps();
+            core().lines.clear();
+            stream = std::make_shared<QVByteStream>(bytes.data(), bytes.size());
+            stream->bitOffset = static_cast<uint8_t>(bitOffset);
+            EXPECT_EQ(parseAvcSps(&sps, stream), expectedResult) << size;
+            expectOutcome(expected, lines);
+        }
+    }
+}
+
 TEST_F(QVAvcSpsShort, theHeaderAndTheProfile) {
     ASSERT_TRUE(parse(Bytes{0x67, 0x64}));
     QVAvcSps record = recordOfZeroBits();

@@ -119,6 +119,27 @@ TEST_F(QVHevcSpsShort, aStreamThatStandsAtItsEnd) {
     EXPECT_EQ(cursor(), 16U);
 }
 
+TEST_F(QVHevcSpsShort, aStreamWithABitIndexOfTheCallers) {
+    ASSERT_TRUE(parse(hevcSps()));
+    const QVHevcSps expected = sps;
+    const uint64_t end = cursor();
+
+    // Indices 9 and 8 stand for two zero bits, which take the place of the first two of the unit.
+    Bytes bytes = hevcSps().bytes();
+    for (size_t i = 0; i < bytes.size(); ++i) {
+        const uint32_t next = i + 1 < bytes.size() ? bytes[i + 1] : 0U;
+        bytes[i] = static_cast<uint8_t>(uint32_t{bytes[i]} << 2 | next >> 6);
+    }
+    bytes = withEmulationPrevention(bytes);
+    stream = std::make_shared<QVByteStream>(bytes.data(), bytes.size());
+    stream->rbspBitIndex = 9;
+    sps = patternHevcSps();
+    core().lines.clear();
+    ASSERT_TRUE(parseHevcSps(&sps, stream));
+    expectOutcome(expected, {hevcProfileLine(0, 0, 1, 30)});
+    EXPECT_EQ(cursor() + 2, end);
+}
+
 TEST_F(QVHevcSpsShort, upToTheProfileByte) {
     ASSERT_TRUE(parseBytes({0x42, 0x01, 0xFF, 0xE1}));
     QVHevcSps record = hevcSpsOfZeroBits();
@@ -272,6 +293,26 @@ TEST_F(QVHevcSpsEmulation, D03_theByteBehindItIsNotLookedAt) {
     bytes.insert(bytes.begin() + 7, 0x03);
     ASSERT_TRUE(parseBytes(bytes));
     expectOutcome(defaultHevcSps(), {hevcProfileLine(0, 0, 1, 30)});
+}
+
+TEST_F(QVHevcSpsEmulation, betweenTheLevelAndTheFlagsOfSubLayers) {
+    for (uint32_t flags = 0; flags < 4; ++flags) {
+        const BitWriter syntax = hevcSps([&](HevcSpsSyntax& s) {
+            s.sps_max_sub_layers_minus1 = 6;
+            setDroppedBytes(s, {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x00});
+            s.general_level_idc = 0;
+            s.subLayers[3].sub_layer_profile_present_flag = flags >> 1;
+            s.subLayers[3].sub_layer_level_present_flag = flags & 1;
+            s.sps_seq_parameter_set_id = 9;
+        });
+        SCOPED_TRACE(syntax.map());
+        ASSERT_GE(emulationBytesOf(syntax), 1U);
+        ASSERT_TRUE(parse(syntax));
+        QVHevcSps record = defaultHevcSps();
+        record.sps_max_sub_layers_minus1 = 6;
+        record.sps_seq_parameter_set_id = 9;
+        expectOutcome(record, {hevcProfileLine(0, 0, 1, 0)});
+    }
 }
 
 TEST_F(QVHevcSpsEmulation, inAPictureSize) {
