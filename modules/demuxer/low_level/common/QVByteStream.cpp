@@ -74,8 +74,9 @@ uint64_t QVByteStream::rbspPieceLength(uint64_t most) const {
     return length;
 }
 
-// Takes count bytes one by one, as far as there are any. In locals: a store through out may be one into the
-// reader, as far as a compiler knows.
+// Takes count bytes one by one, as far as there are any, behind a piece: so two bytes are there to look back
+// at, and a zero pair that begins the data (D03) is behind. In locals: a store through out may be one into
+// the reader, as far as a compiler knows.
 uint8_t* QVByteStream::readRbspBytewise(uint8_t* out, uint64_t count) {
     const uint8_t* const bytes = data;
     const uint64_t end = size;
@@ -84,8 +85,7 @@ uint8_t* QVByteStream::readRbspBytewise(uint8_t* out, uint64_t count) {
         const uint8_t left = bytes[position];
         *out++ = left;
         ++position;
-        if (left == 0x00 && position >= 3 && position < end && bytes[position] == 0x03 &&
-            bytes[position - 2] == 0x00) {
+        if (left == 0x00 && position < end && bytes[position] == 0x03 && bytes[position - 2] == 0x00) {
             ++position;
         }
     }

@@ -165,8 +165,8 @@ private:
     uint8_t* readRbspBytewise(uint8_t* out, uint64_t count);
 
     bool hasBytes(uint64_t count) const;
-    static uint64_t bytesAt(const uint8_t* bytes);
-    uint64_t window() const { return bytesAt(data + bytePos); }
+    static uint64_t bytesAt(const uint8_t* bytes) noexcept;
+    uint64_t window() const noexcept { return bytesAt(data + bytePos); }
     PlainRead readTo(uint32_t bits, uint32_t value) const;
     uint32_t finish(const PlainRead& read);
     bool findGolombCode(uint32_t& firstOne) const;
@@ -193,7 +193,7 @@ inline bool QVByteStream::hasBytes(uint64_t count) const {
 }
 
 // Eight bytes as a number, the first one on top.
-inline uint64_t QVByteStream::bytesAt(const uint8_t* bytes) {
+inline uint64_t QVByteStream::bytesAt(const uint8_t* bytes) noexcept {
     uint64_t value = 0;
     std::memcpy(&value, bytes, sizeof value);
 #if __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__

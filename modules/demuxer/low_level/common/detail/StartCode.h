@@ -51,8 +51,8 @@ public:
         return true;
     }
 
-    // True when no further start code can be found.
-    bool atEnd() const { return passed_ == listed_ && searchFrom_ >= prefixEnd_; }
+    // Behind a search without result: true when no further start code can be found.
+    bool atEnd() const { return searchFrom_ >= prefixEnd_; }
 
     // First byte of the start code found last, zero_byte included.
     int codeOffset() const { return static_cast<int>(codeOffset_); }
