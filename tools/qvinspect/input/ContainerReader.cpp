@@ -143,6 +143,18 @@ Context openFile(AVIOContext& io, int& error) {
     return Context(error < 0 ? nullptr : context);
 }
 
+// transfer_characteristics as the file has it. A number that the enumeration of libavformat has no room for
+// comes through there as well, and may not be loaded as what it is not.
+std::optional<uint32_t> transferOf(const AVCodecParameters& parameters) {
+    uint32_t transfer_characteristics = 0;
+    static_assert(sizeof transfer_characteristics == sizeof parameters.color_trc);
+    std::memcpy(&transfer_characteristics, &parameters.color_trc, sizeof transfer_characteristics);
+    if (transfer_characteristics == AVCOL_TRC_UNSPECIFIED) {
+        return std::nullopt;
+    }
+    return transfer_characteristics;
+}
+
 // Other streams are passed over.
 void selectOnly(const AVFormatContext& context, const AVStream& video) {
     for (unsigned i = 0; i < context.nb_streams; ++i) {
@@ -161,9 +173,7 @@ public:
           video_(video),
           packet_(av_packet_alloc()) {
         info_.format = context_->iformat->long_name;
-        if (video.codecpar->color_trc != AVCOL_TRC_UNSPECIFIED) {
-            info_.transfer_characteristics = static_cast<uint32_t>(video.codecpar->color_trc);
-        }
+        info_.transfer_characteristics = transferOf(*video.codecpar);
         const uint8_t* const record = video.codecpar->extradata;
         if (record != nullptr) {
             info_.configuration.assign(record, record + video.codecpar->extradata_size);
