@@ -119,6 +119,14 @@ protected:
         bool isThrown;
     };
 
+    // In a static program the first exception has the runtime sort its tables, in memory that it keeps.
+    static void SetUpTestSuite() {
+        try {
+            throw std::bad_alloc();
+        } catch (const std::bad_alloc&) {
+        }
+    }
+
     // One call, with all that it leaves released again.
     static Run run(const Operation& operation, const Case& what, const Fault& fault, bool isFilled) {
         freshCore();

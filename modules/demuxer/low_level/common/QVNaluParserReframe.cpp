@@ -73,6 +73,7 @@ int QVNaluParser::converAnnexBToAvcC(const unsigned char* data, int size, std::v
     }
     PrefixList list;  // NOLINT(cppcoreguidelines-pro-type-member-init): the scanner fills it
     StartCodeScanner scanner(data, bufferSize(size), list);
+    // It is at the beginning; a search to the end would be a pass of its own.
     if (!scanner.nextBelow(kPiece)) {
         return QVResultInvalidData;
     }
