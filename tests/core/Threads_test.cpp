@@ -62,7 +62,9 @@ public:
         }
         data_ = static_cast<unsigned char*>(memory);
         std::copy(bytes.begin(), bytes.end(), data_);
-        mprotect(data_, size_, PROT_READ);
+        if (mprotect(data_, size_, PROT_READ) != 0) {
+            throw std::runtime_error("cannot protect " + path);
+        }
     }
     ~Stream() { munmap(data_, size_); }
     Stream(const Stream&) = delete;

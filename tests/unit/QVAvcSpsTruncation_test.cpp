@@ -94,6 +94,14 @@ void largeSize(AvcSpsSyntax& s) {
     s.pic_height_in_map_units_minus1 = 100000;
 }
 
+std::vector<ExpectedLine> linesOfTheCore() {
+    std::vector<ExpectedLine> lines;
+    for (const LogLine& line : core().lines) {
+        lines.push_back({line.level, line.function, line.text});
+    }
+    return lines;
+}
+
 class QVAvcSpsTruncation : public AvcSpsTest, public ::testing::WithParamInterface<Shape> {};
 
 // Missing bits are 0 and a code without its 1 bit is 0: the parameter set that has these values in full
@@ -107,10 +115,7 @@ TEST_P(QVAvcSpsTruncation, cutAtEveryBit) {
         const BitWriter asCut = writeAvcSps(avcSpsCutAt(whole, bits));
         const bool expectedResult = parse(asCut);
         const QVAvcSps expected = sps;
-        std::vector<ExpectedLine> lines;
-        for (const LogLine& line : core().lines) {
-            lines.push_back({line.level, line.function, line.text});
-        }
+        const std::vector<ExpectedLine> lines = linesOfTheCore();
 
         EXPECT_EQ(parse(syntax.bytesCutAt(bits)), expectedResult);
         expectOutcome(expected, lines);
@@ -164,10 +169,7 @@ TEST_F(QVAvcSpsShort, cutAtEveryByteBehindABitOffset) {
         for (size_t size = 3; size <= shifted.bitCount() / 8; ++size) {
             const bool expectedResult = parse(unit.bytesCutAt(8 * size - bitOffset));
             const QVAvcSps expected = sps;
-            std::vector<ExpectedLine> lines;
-            for (const LogLine& line : core().lines) {
-                lines.push_back({line.level, line.function, line.text});
-            }
+            const std::vector<ExpectedLine> lines = linesOfTheCore();
 
             const Bytes bytes = shifted.bytesCutAt(8 * size);
             sps = patternAvcSps();
