@@ -1,10 +1,10 @@
 /// \file
-/// The mark of the platform functions.
+/// The attribute that exports platform functions.
 #ifndef QV_CORE_QVCOREEXPORT_H
 #define QV_CORE_QVCOREEXPORT_H
 
-/// Marks a platform function. A shared qvnalu finds them in the program or the library that brings them: they
-/// have to be visible there, also when everything else is compiled with hidden visibility.
+/// Marks a platform function. A shared qvnalu resolves these functions in the program or library that defines
+/// them, so they must stay visible there even when everything else is compiled with hidden visibility.
 #if defined(__GNUC__)
 #define QV_CORE_API __attribute__((visibility("default")))
 #else

@@ -1,5 +1,5 @@
 /// \file
-/// The player's side-data description. Contract only: a host links its own definitions or the stand-alone
+/// The player's side-data description. Declarations only: a host links its own definitions or the stand-alone
 /// core's.
 #ifndef QV_CORE_QVSEIINFO_H
 #define QV_CORE_QVSEIINFO_H
@@ -10,29 +10,29 @@
 
 struct QVSeiItem;
 
-/// Describes the SEI messages of one access unit to the side-data serialiser. A host's description may be
-/// longer; these two fields come first.
+/// Describes the SEI messages of one access unit to the side-data serialiser. A host may append fields of its
+/// own; these two come first.
 struct QVSeiInfo {
     uint32_t itemCount;  ///< number of entries in items
-    QVSeiItem* items;    ///< itemCount entries, made zeroed by createQVSeiInfo
+    QVSeiItem* items;    ///< itemCount entries, zeroed by createQVSeiInfo
 };
 
 extern "C" {
 
-/// Makes a description, which is released with freepQVSeiInfo.
+/// Creates a description. The caller releases it with freepQVSeiInfo.
 ///
 /// \param itemCount  number of entries; 0 is allowed
 /// \return the description with itemCount zeroed entries, or null on failure
 QV_CORE_API QVSeiInfo* createQVSeiInfo(uint32_t itemCount);
 
-/// Serialises a description into one new buffer, which is the caller's. Payload bytes are copied into it.
+/// Serialises a description, payload bytes included, into one new buffer. The caller owns the buffer.
 ///
-/// \param info       the description, only read
-/// \param[out] size  bytes of the buffer
+/// \param info       the description; read only
+/// \param[out] size  size of the buffer in bytes
 /// \return the buffer, or null on failure
 QV_CORE_API unsigned char* createSideDataFromQVSeiInfo(QVSeiInfo* info, int* size);
 
-/// Releases a description. The payloads that its entries point at are borrowed and not released.
+/// Releases a description. Its entries borrow their payloads, which are not released.
 ///
 /// \param[in,out] info  the description; set to null
 QV_CORE_API void freepQVSeiInfo(QVSeiInfo** info);

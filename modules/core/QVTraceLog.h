@@ -1,11 +1,11 @@
 /// \file
-/// The player's log. Contract only: a host links its own definition or the stand-alone core's.
+/// The player's log. Declaration only: a host links its own definition or the stand-alone core's.
 #ifndef QV_CORE_QVTRACELOG_H
 #define QV_CORE_QVTRACELOG_H
 
 #include "QVCoreExport.h"
 
-/// Has the compiler compare a printf format with its arguments.
+/// Makes the compiler check a printf format against its arguments.
 #if defined(__GNUC__)
 #define QV_PRINTF_FORMAT(formatIndex, firstArgument) \
     __attribute__((format(printf, formatIndex, firstArgument)))
@@ -13,7 +13,7 @@
 #define QV_PRINTF_FORMAT(formatIndex, firstArgument)
 #endif
 
-/// Levels, as passed to qvTraceLog.
+/// The levels that the library passes to qvTraceLog.
 enum QVTraceLevel {
     QVTraceError = 0,        ///< rejected input, null records, failed framing
     QVTraceWarning = 1,      ///< an SEI payload truncated
@@ -25,12 +25,12 @@ extern "C" {
 
 /// Writes one log line. May be called from any thread. All strings are borrowed for the duration of the call.
 ///
-/// Never fails observably. It may throw: callers release what they own and let the exception pass.
+/// The function reports no failure. It may throw: callers release what they own and let the exception pass.
 ///
-/// \param level     a QVTraceLevel, passed through as a number; any other value is the host's to interpret
+/// \param level     a QVTraceLevel as a number; the host decides how to handle any other value
 /// \param file      source file name, never null
 /// \param line      source line
-/// \param function  name of the operation or of its sub-step, never null
+/// \param function  name of the operation or of one of its sub-steps, never null
 /// \param tag       component tag, never null
 /// \param format    printf format; most texts end in a line feed, a few do not
 QV_CORE_API void qvTraceLog(int level, const char* file, int line, const char* function, const char* tag,

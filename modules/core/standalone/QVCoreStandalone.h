@@ -1,6 +1,6 @@
 /// \file
-/// A complete core for use without a player. Each platform function stands in an object file of its own, so
-/// that a program may define any one of them itself and take the rest from here.
+/// A complete core for use without a player. Each platform function has its own object file, so a program may
+/// define any of them itself and take the rest from here.
 #ifndef QV_CORE_STANDALONE_QVCORESTANDALONE_H
 #define QV_CORE_STANDALONE_QVCORESTANDALONE_H
 
@@ -14,20 +14,20 @@
 
 extern "C" {
 
-/// Sets the highest level that qvTraceLog prints. The start value is QVTraceWarning; nothing else (no file,
-/// no environment) changes it. May be called from any thread.
+/// Sets the highest level that qvTraceLog prints. The initial level is QVTraceWarning. Only this function
+/// changes it; there is no configuration file and no environment variable. May be called from any thread.
 ///
 /// \param level  a QVTraceLevel; -1 silences the log
 void qvSetTraceLevel(int level);
 
-/// Tells the level in force. May be called from any thread.
+/// Returns the current level. May be called from any thread.
 ///
-/// \return the level that was set last
+/// \return the level that was last set
 int qvGetTraceLevel(void);
 
-/// Releases memory of qvMalloc or qvMallocz.
+/// Releases memory that qvMalloc or qvMallocz allocated.
 ///
-/// \param memory  null is allowed
+/// \param memory  the block; null is allowed and has no effect
 void qvFree(void* memory);
 }
 

@@ -1,4 +1,4 @@
-// A bounded hex dump through the log: enough of a broken sample to see its framing, never all of it.
+// A hex dump of bounded length, written to the log: enough of a broken sample to see its framing.
 #include "QVDumpData.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
-// The HDR Vivid metadata of one T.35 message, T/UWA 005.1: most significant bit first, nothing aligned.
+// Parses the HDR Vivid metadata of one T.35 message (T/UWA 005.1). Elements are coded most significant bit
+// first, without alignment.
 #include "QVHDRVivid.h"
 
 #include "QVHDRVividDynamicMetadata.h"
@@ -12,7 +13,7 @@ constexpr uint32_t kProviderCode = 0x0004;
 constexpr uint32_t kProviderOrientedCode = 0x0005;
 constexpr uint32_t kOneWindow = 0x01;
 
-// u(n) over a payload; remembers when it was asked for more than there is.
+// Reads u(n) from a payload. Past the end it returns zero bits, and ranOut() reports it.
 class VividBits {
 public:
     VividBits(const uint8_t* data, uint32_t size) : data_(data), bits_(uint64_t{size} * 8) {}
@@ -107,8 +108,8 @@ void readWindow(VividBits& in, QVHDRVividDynamicMetadata& metadata) {
     }
 }
 
-// One code of the header against the only value it may have; a code that is cut off is no match and no
-// mismatch.
+// Compares one code of the header with its only permitted value. A code that the payload's end cuts off is
+// reported as truncated, not as a mismatch.
 QVHDRVividStatus expectCode(VividBits& in, uint32_t width, uint32_t expected, QVHDRVividStatus otherwise) {
     const uint32_t code = in.u(width);
     if (in.ranOut()) {

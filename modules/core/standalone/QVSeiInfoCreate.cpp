@@ -9,7 +9,7 @@ extern "C" QVSeiInfo* createQVSeiInfo(uint32_t itemCount) {
     if (info == nullptr) {
         return nullptr;
     }
-    // One entry at least, so that an empty description is told from a failed allocation.
+    // Allocate at least one entry: calloc(0) may return null, which would look like a failed allocation.
     info->items = static_cast<QVSeiItem*>(std::calloc(itemCount > 0 ? itemCount : 1, sizeof(QVSeiItem)));
     if (info->items == nullptr) {
         std::free(info);

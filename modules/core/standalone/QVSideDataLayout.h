@@ -1,4 +1,4 @@
-// Numbers of the side-data layout, for its writer and its reader alone.
+// Constants and helpers of the side-data layout. Private to its writer and its reader.
 #ifndef QV_CORE_STANDALONE_QVSIDEDATALAYOUT_H
 #define QV_CORE_STANDALONE_QVSIDEDATALAYOUT_H
 
@@ -15,7 +15,7 @@ constexpr size_t kChecksumSize = 4;
 constexpr uint32_t kIsRequested = 1U << 0;
 constexpr uint32_t kHasPayload = 1U << 1;
 
-// CRC-32 of IEEE 802.3, reflected polynomial, four bits at a time.
+// CRC-32 of IEEE 802.3 with the reflected polynomial, four bits at a time.
 inline uint32_t checksum(const unsigned char* data, size_t size) {
     static constexpr uint32_t kTable[16] = {
         0x00000000, 0x1DB71064, 0x3B6E20C8, 0x26D930AC, 0x76DC4190, 0x6B6B51F4, 0x4DB26158, 0x5005713C,

@@ -5,8 +5,8 @@ using namespace qv_side_data;
 
 namespace {
 
-// Reads one item at at and moves at behind it. False when it does not fit before end or holds what the layout
-// does not allow.
+// Reads one item and advances `at` past it. Returns false if the item does not fit before end or violates the
+// layout.
 bool readItem(unsigned char*& at, const unsigned char* end, QVSeiItem& item) {
     if (static_cast<size_t>(end - at) < kItemHeaderSize) {
         return false;
@@ -59,7 +59,7 @@ QVSideDataStatus qvReadSideData(unsigned char* data, int size, std::vector<QVSei
     if (envelope != QVSideDataOk) {
         return envelope;
     }
-    // The count is compared with the room there is before anything is allocated for it.
+    // Check that so many items can fit before allocating memory for them.
     const uint32_t itemCount = readU32(data + 12);
     if (itemCount > (length - kSmallest) / kItemHeaderSize) {
         return QVSideDataBrokenItems;

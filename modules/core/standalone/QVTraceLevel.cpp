@@ -3,7 +3,7 @@
 #include "QVCoreStandalone.h"
 
 namespace {
-// What a program sets is global.
+// The level applies to the whole program.
 std::atomic<int> traceLevel{QVTraceWarning};  // NOLINT(cppcoreguidelines-avoid-non-const-global-variables)
 }  // namespace
 

@@ -1,5 +1,5 @@
-// One line to stderr for each call, whole even when several threads log at once: the line is put together
-// first and handed to stdio in one piece.
+// Writes one line to stderr for each call. The line is composed first and passed to stdio in one call, so
+// lines of several threads do not mix.
 #include "QVTraceLog.h"
 
 #include <cstdarg>
@@ -11,8 +11,8 @@
 
 namespace {
 
-// The one text that comes without a value for its "%d". Formatting it would read an argument that was never
-// passed.
+// The only text that is passed without a value for its "%d". Formatting it would read an argument that does
+// not exist.
 constexpr const char* kPlainText =
     "parserAvcBufferingPeriod: non-existing SPS %d referenced in buffering period.\n";
 
@@ -48,7 +48,8 @@ char levelLetter(int level) {
     }
 }
 
-// A text ends its line once, whether or not it brought a line feed; inner line feeds would break the line.
+// Makes text end in exactly one line feed and replaces inner line feeds with spaces, so each call is one
+// line.
 void endLine(std::string& text) {
     while (!text.empty() && text.back() == '\n') {
         text.pop_back();
