@@ -1,5 +1,5 @@
-// Operations on inputs that are made to cost the most, at a size, at twice and at four times as much: the
-// instructions of each call are for callgrind, the bytes that it allocates go to standard output.
+// Runs every operation on worst-case inputs of a size, twice the size and four times the size. Callgrind
+// counts the instructions of each call; the bytes that the call allocates are printed to standard output.
 #include <valgrind/callgrind.h>
 
 #include <climits>
@@ -15,7 +15,7 @@
 #include "QVCoreStandalone.h"
 #include "QVNaluParser.h"
 
-// The client requests are macros of valgrind's own.
+// Valgrind's client requests are macros that cause these warnings.
 #pragma GCC diagnostic ignored "-Wold-style-cast"
 #pragma GCC diagnostic ignored "-Wcast-qual"
 
@@ -26,9 +26,9 @@ using namespace qv_bench;
 using Call = std::function<void(const Bytes&)>;
 
 constexpr size_t kSize = size_t{16} << 10;
-constexpr size_t kUnitsSize = size_t{512} << 10;  // an empty unit a byte: two million of them at four times
+constexpr size_t kUnitsSize = size_t{512} << 10;  // one empty unit per byte: up to two million units
 
-// input makes so many bytes.
+// Calls call on the bytes that input returns for each size.
 void grow(const std::string& name, size_t size, const std::function<Bytes(size_t)>& input, const Call& call) {
     for (const size_t factor : {1U, 2U, 4U}) {
         const Bytes bytes = input(factor * size);
@@ -48,7 +48,7 @@ int sizeOf(const Bytes& bytes) {
     return static_cast<int>(bytes.size());
 }
 
-// head, the pattern again and again, cut at size bytes.
+// Returns head followed by repetitions of the pattern, cut to size bytes.
 std::function<Bytes(size_t)> repeated(const Bytes& head, const Bytes& pattern) {
     return [=](size_t size) {
         Bytes bytes = head;
@@ -60,7 +60,7 @@ std::function<Bytes(size_t)> repeated(const Bytes& head, const Bytes& pattern) {
     };
 }
 
-// The same with the bytes of tail at the end.
+// Returns input followed by tail, size bytes in all.
 std::function<Bytes(size_t)> closed(const std::function<Bytes(size_t)>& input, const Bytes& tail) {
     return [=](size_t size) {
         Bytes bytes = input(size - tail.size());
@@ -156,7 +156,8 @@ bool hasKept(size_t items, size_t bytes, size_t bytesOfAnItem) {
                                    : items + 1 >= bytes / bytesOfAnItem;
 }
 
-// Walks the bytes as one unit, an item for so many bytes of it, and releases what was kept.
+// Walks the bytes as one unit, checks how many items it gives, and releases them. bytesOfAnItem is kNone,
+// kOne, kAny or the number of unit bytes per item.
 Call walk(const Walk& walk, size_t bytesOfAnItem) {
     return [walk, bytesOfAnItem](const Bytes& bytes) {
         QVAvcSps sps = walk.sps;
@@ -174,7 +175,7 @@ Call walk(const Walk& walk, size_t bytesOfAnItem) {
     };
 }
 
-// A message of as many bytes as there is room for.
+// One message that fills size bytes.
 Bytes oneKeptMessage(size_t size) {
     Bytes head = {4};
     head.resize(1 + (size - 3) / 256, 0xFF);
@@ -220,7 +221,7 @@ void growSei() {
     grow("parserHevcDataToSei, ff_bytes", kSize, repeated({}, {0xFF}), walk(hevc, kNone));
 }
 
-// --- SEI payloads, each told that all the bytes are its own ---
+// --- SEI payloads, with payloadSize set to the size of all the bytes ---
 
 template <class Record, int (*kParse)(QVByteStream&, int, Record*)>
 void payload(const Bytes& bytes) {
@@ -235,7 +236,7 @@ void payloadWithoutRecord(const Bytes& bytes) {
     kParse(stream, sizeOf(bytes));
 }
 
-// Every field of the record as large as it gets.
+// With every field of the SPS record at its largest value.
 template <class Record, int (*kParse)(QVByteStream&, int, Record*, QVAvcSps*)>
 void payloadWithLargestSps(const Bytes& bytes) {
     QVByteStream stream(bytes.data(), bytes.size());
@@ -320,7 +321,7 @@ void growPayloads() {
 
 // --- Parameter sets ---
 
-// Writes bits, most significant first.
+// Writes bits, most significant bit first.
 class Bits {
 public:
     Bits& u(unsigned width, uint64_t value) {
@@ -350,7 +351,7 @@ private:
     size_t used_ = 0;
 };
 
-// High 4:4:4, twelve scaling lists of all their values, a picture order count cycle of 255 offsets.
+// High 4:4:4 with twelve complete scaling lists and a picture order count cycle of 255 offsets.
 Bytes largestAvcSps() {
     Bits bits;
     bits.u(8, 0x67).u(8, 244).u(8, 0).u(8, 51).ue(31).ue(3).u(1, 0).ue(6).ue(6).u(1, 0).u(1, 1);

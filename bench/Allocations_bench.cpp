@@ -1,4 +1,4 @@
-// What each operation asks of the heap.
+// Counts the heap allocations of each operation.
 #include <cstring>
 #include <deque>
 
@@ -16,7 +16,7 @@ namespace {
 constexpr int kUnits = 40;
 constexpr size_t kUnitSize = 5000;
 
-// The second call counts: by then what the caller keeps has room.
+// Counts the second call, when the caller's lists and buffers already have room.
 Count allocationsOf(const std::string& name, const Goal& goal, const std::function<void()>& operation) {
     operation();
     const unsigned long before = allocations();
@@ -38,7 +38,7 @@ void addAnnexB(std::vector<Count>& counts) {
         require(!QVNaluParser::isKeyFrame(QVCodecIDAvc, bytes.data(), size), "isKeyFrame");
     }));
     Bytes out;
-    // A list of its own that doubles: 1, 2, 4, ... 64 pairs.
+    // The operation's internal list doubles its room: 1, 2, 4, ... 64 pairs.
     counts.push_back(allocationsOf("converAnnexBToAvcC, vector with room", atMost(7), [&] {
         QVNaluParser::converAnnexBToAvcC(bytes.data(), size, out);
         require(out.size() == bytes.size(), "converAnnexBToAvcC");

@@ -9,11 +9,11 @@
 
 namespace qv_bench {
 
-// Instructions by operation.
+// Number of instructions by operation.
 using InstructionCounts = std::map<std::string, uint64_t>;
 
-// The parts of a profile that a client request with a name made the program dump, with their totals. Parts
-// that were dumped for another reason are left out.
+// Returns the totals of the parts of a profile that were dumped by a named client request, by that name.
+// Other parts are ignored.
 InstructionCounts readCallgrind(std::istream& profile);
 
 }  // namespace qv_bench

@@ -26,7 +26,7 @@ public:
     DataFile(const DataFile&) = delete;
     DataFile& operator=(const DataFile&) = delete;
 
-    // One line: the place on the axis and GB/s of each curve, which goes over bytes bytes.
+    // Writes one line: the position on the axis, and GB/s for each curve. Each curve processes `bytes` bytes.
     void measure(size_t place, size_t bytes, const std::vector<Curve>& curves) {
         std::vector<std::function<void()>> sides;
         for (const Curve& curve : curves) {
@@ -81,7 +81,8 @@ std::function<void()> scanSamples(const SharedSamples& samples) {
     };
 }
 
-// Small sizes are cut from a pool: small hot input flatters.
+// Cuts small inputs from a large pool: repeated calls on one small input would be too fast, because caches
+// and branch predictors learn it.
 void measureSize(DataFile& file, size_t size) {
     constexpr size_t kUnitSize = 40000;
     const size_t pool = std::max(size, kCachePool);

@@ -49,7 +49,7 @@ Bytes toStartCodes(const unsigned char* data, int size) {
     return bytes;
 }
 
-// The copy, the zeroed output and the bytes in it.
+// The cost of a conversion without its search: a copy of the input, and a zeroed output that is then filled.
 void copyTwiceAndFree(const unsigned char* data, size_t size) {
     copyAndFree(data, size);
     void* const out = qvMallocz(size);
@@ -58,7 +58,7 @@ void copyTwiceAndFree(const unsigned char* data, size_t size) {
     qvFree(out);
 }
 
-// Trailing zero bytes are counted otherwise by others: what has to agree is where units begin.
+// Other libraries assign trailing zero bytes differently, so only the offsets of the units have to agree.
 bool beginAlike(const NalIndexList& one, const NalIndexList& other) {
     return std::equal(one.begin(), one.end(), other.begin(), other.end(),
                       [](const auto& a, const auto& b) { return a.first == b.first; });

@@ -1,4 +1,4 @@
-// Framing operations over pools, checked against the slow reference, with the yardsticks beside them.
+// Framing operations on pools, checked against the slow reference, and their yardsticks.
 #ifndef QV_BENCH_FRAMING_H
 #define QV_BENCH_FRAMING_H
 
@@ -13,13 +13,13 @@ namespace qv_bench {
 
 using SharedSamples = std::shared_ptr<const Samples>;
 
-// One call over all of bytes.
+// One call for all of bytes.
 Operation scanWhole(const std::string& name, const Shared& bytes);
 
-// memchr for kAbsent, which no byte may be.
+// Runs memchr for kAbsent over bytes. No byte may have that value.
 std::function<void()> memchrOver(const Shared& bytes);
 
-// GStreamer's search over the same bytes; empty when it is not there.
+// Runs GStreamer's search over bytes. Empty if the benchmark was built without GStreamer.
 std::function<void()> gstreamerOver(QVCodecID codec, const Shared& bytes);
 
 // One call for each sample.

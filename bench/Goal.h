@@ -1,4 +1,4 @@
-// What a row of the table has to reach.
+// The goal that a row of the table has to reach.
 #ifndef QV_BENCH_GOAL_H
 #define QV_BENCH_GOAL_H
 
@@ -6,16 +6,16 @@
 
 namespace qv_bench {
 
-// The vectors that the start-code search runs with.
+// The vector instructions that the start-code search uses.
 enum class Vectors {
-    None,      // bytes
-    Baseline,  // what every machine of the architecture has: SSE2, NEON
+    None,      // none: byte by byte
+    Baseline,  // those of every machine of the architecture: SSE2, NEON
     Wide       // AVX2
 };
 
 enum class Bound { None, AtLeast, AtMost, Exactly };
 
-// A bound on the figure of a row, by vectors: rows without vectors have to reach what Baseline has to.
+// A bound on the figure of a row, for each kind of vectors. Without vectors, the Baseline bound applies.
 struct Goal {
     Bound bound = Bound::None;
     double wide = 0;
@@ -27,16 +27,16 @@ Goal atLeast(double limit);
 Goal atMost(double limit);
 Goal exactly(double limit);
 
-// The figure is held against the goal with the digits that the table shows.
+// Compares the figure with the goal, rounded to the digits that the table shows.
 bool isReached(const Goal& goal, double figure, Vectors vectors);
 
-// "pass", "MISS", or nothing for a row without a goal.
+// Returns "pass", "MISS", or an empty text for a row without a goal.
 std::string markText(const Goal& goal, double figure, Vectors vectors);
 
-// ">= 0.95"; nothing for a row without a goal.
+// Returns the goal as text, such as ">= 0.95", or an empty text for a row without a goal.
 std::string goalText(const Goal& goal, Vectors vectors);
 
-// Two digits behind the point, whole numbers from 1000 on.
+// Formats a figure with two digits after the point, or as a whole number from 1000 on.
 std::string figureText(double figure);
 
 }  // namespace qv_bench

@@ -1,4 +1,4 @@
-// The groups of rows. A group makes its input when its turn comes and lets go of it after that.
+// The groups of rows. A group creates its input when it runs and releases it afterwards.
 #ifndef QV_BENCH_GROUPS_H
 #define QV_BENCH_GROUPS_H
 
@@ -24,7 +24,7 @@ std::vector<Group> seiGroups();
 std::vector<Group> readerGroups();
 std::vector<Group> allocationGroups();
 
-// On the streams of an encoder in the folder at path: x264.h264 and x265.h265.
+// The rows on encoded streams: x264.h264 and x265.h265 in the folder at path.
 std::vector<Group> streamGroups(const std::string& path);
 
 }  // namespace qv_bench

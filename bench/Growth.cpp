@@ -11,7 +11,7 @@ namespace {
 
 struct Series {
     uint64_t size = 0;
-    std::array<uint64_t, 3> counts{};  // at size, twice, four times
+    std::array<uint64_t, 3> counts{};  // at size, 2 size and 4 size
 };
 
 using SeriesByOperation = std::map<std::string, Series>;
@@ -21,7 +21,7 @@ SeriesByOperation seriesOf(const Counts& counts) {
     for (const auto& [name, count] : counts) {
         const size_t at = name.rfind(" @ ");
         if (at == std::string::npos) {
-            throw std::runtime_error("no size in: " + name);
+            throw std::runtime_error("the name has no size: " + name);
         }
         sizes[name.substr(0, at)][std::strtoull(name.c_str() + at + 3, nullptr, 10)] = count;
     }
@@ -36,14 +36,14 @@ SeriesByOperation seriesOf(const Counts& counts) {
             series.counts[i++] = count;
         }
         if (i != series.counts.size()) {
-            throw std::runtime_error(operation + " lacks a size");
+            throw std::runtime_error(operation + " has no count for one of the three sizes");
         }
         all[operation] = series;
     }
     return all;
 }
 
-// What a byte of the input costs, the part that does not depend on the size left out.
+// The cost per input byte, without the part that does not depend on the size.
 double slope(const Series& series) {
     const auto grown = static_cast<double>(series.counts[2]) - static_cast<double>(series.counts[0]);
     return grown / (3 * static_cast<double>(series.size));
@@ -81,7 +81,7 @@ Counts readCounts(std::istream& text) {
         char* end = nullptr;
         const uint64_t count = std::strtoull(line.c_str(), &end, 10);
         if (end == line.c_str() || *end != ' ') {
-            throw std::runtime_error("not a count: " + line);
+            throw std::runtime_error("not a line \"COUNT OPERATION @ SIZE\": " + line);
         }
         counts[end + 1] = count;
     }
@@ -92,7 +92,7 @@ GrowthReport reportGrowth(const Counts& instructions, const Counts& bytes) {
     const SeriesByOperation work = seriesOf(instructions);
     const SeriesByOperation memory = seriesOf(bytes);
     if (work.empty() || work.size() != memory.size()) {
-        throw std::runtime_error("there are not as many operations with instructions as with memory");
+        throw std::runtime_error("no counts, or not as many of instructions as of memory");
     }
     GrowthReport report;
     char line[256];
@@ -102,7 +102,7 @@ GrowthReport reportGrowth(const Counts& instructions, const Counts& bytes) {
     for (const auto& [operation, series] : work) {
         const auto found = memory.find(operation);
         if (found == memory.end()) {
-            throw std::runtime_error("no memory is told of " + operation);
+            throw std::runtime_error("no memory count for " + operation);
         }
         const bool isKept = growsInProportion(series) && growsInProportion(found->second);
         report.isLinear &= isKept;

@@ -1,7 +1,7 @@
-// Tells from counts at growing sizes whether work grows more than in proportion.
+// Detects work that grows faster than the input.
 //
-// Counts have names "OPERATION @ SIZE"; each operation has them at a size, at twice and at four times as
-// much.
+// Counts are named "OPERATION @ SIZE". Each operation has a count for a size, twice the size and four times
+// the size.
 #ifndef QV_BENCH_GROWTH_H
 #define QV_BENCH_GROWTH_H
 
@@ -15,20 +15,21 @@ namespace qv_bench {
 using Counts = std::map<std::string, uint64_t>;
 
 struct GrowthReport {
-    std::string text;  // a line for each operation
+    std::string text;  // one line for each operation
     bool isLinear = true;
 };
 
-// From size to four times size the count may grow by three times what it grows by from size to twice size,
-// and a tenth of that more: what does not depend on the size drops out, and work in proportion to the square
-// would grow by five times as much. What grows by less than a twentieth in all is constant.
+// Linear work grows three times as much from size to 4 size as from size to 2 size; quadratic work grows five
+// times as much. A constant part cancels out. The limit is three times, plus a tenth. A count that grows by
+// less than a twentieth overall is constant and passes.
 bool isLinear(uint64_t atSize, uint64_t atTwice, uint64_t atFourTimes);
 
-// "COUNT OPERATION @ SIZE" lines. Throws std::runtime_error on any other.
+// Reads "COUNT OPERATION @ SIZE" lines. Throws std::runtime_error on any other line.
 Counts readCounts(std::istream& text);
 
-// Linear when all the instructions and all the allocated bytes are. Throws std::runtime_error when an
-// operation lacks a size or a count of the other kind, and when there is none.
+// The report is linear if all instruction counts and all counts of allocated bytes are. Throws
+// std::runtime_error if an operation has no count for one of the sizes, if it has a count of only one kind,
+// or if there are no counts.
 GrowthReport reportGrowth(const Counts& instructions, const Counts& bytes);
 
 }  // namespace qv_bench

@@ -48,7 +48,7 @@ InstructionCounts readBudget(std::istream& text) {
         uint64_t count = 0;
         std::string operation;
         if (!(fields >> count) || count == 0 || !std::getline(fields >> std::ws, operation)) {
-            throw std::runtime_error("not a line of a budget: " + line);
+            throw std::runtime_error("malformed line of a budget: " + line);
         }
         budget[operation] = count;
     }

@@ -1,4 +1,4 @@
-// The operations on fixed input, for callgrind: each is done once to warm it up and once to be counted.
+// Runs the operations on fixed input, for callgrind. Each runs once to warm up and once to be counted.
 #include <valgrind/callgrind.h>
 
 #include <cstdlib>
@@ -12,7 +12,7 @@
 #include "QVNaluParser.h"
 #include "Units.h"
 
-// The client requests are macros of valgrind's own.
+// Valgrind's client requests are macros that cause these warnings.
 #pragma GCC diagnostic ignored "-Wold-style-cast"
 #pragma GCC diagnostic ignored "-Wcast-qual"
 
@@ -22,7 +22,7 @@ using namespace qv_bench;
 
 constexpr size_t kPool = size_t{256} << 10;
 
-// name is what the budget calls it.
+// name is the operation's name in the budget.
 void count(const std::string& name, const std::function<void()>& operation) {
     operation();
     CALLGRIND_ZERO_STATS;

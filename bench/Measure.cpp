@@ -37,7 +37,7 @@ void runSide(benchmark::State& state, const std::function<void()>& side) {
 }  // namespace
 
 bool initialiseMeasuring(int argc, char** argv) {
-    // Ahead of the caller's own, which win.
+    // These come before the caller's arguments, so the caller's override them.
     static std::vector<std::string> arguments = {argv[0], "--benchmark_repetitions=9",
                                                  "--benchmark_enable_random_interleaving=true",
                                                  "--benchmark_min_time=0.04"};
@@ -70,7 +70,7 @@ std::vector<double> medians(const std::vector<std::function<void()>>& sides) {
 
 void require(bool isRight, const char* what) {
     if (!isRight) {
-        std::fprintf(stderr, "wrong, nothing is timed: %s\n", what);
+        std::fprintf(stderr, "check failed, nothing is measured: %s\n", what);
         std::exit(EXIT_FAILURE);
     }
 }

@@ -1,4 +1,4 @@
-// Google Benchmark as a stopwatch.
+// Measures time with Google Benchmark.
 #ifndef QV_BENCH_MEASURE_H
 #define QV_BENCH_MEASURE_H
 
@@ -7,15 +7,17 @@
 
 namespace qv_bench {
 
-// Hands arguments to Google Benchmark, ahead of which stand 9 rounds and random interleaving. False when it
-// does not know one of them. Call it once, before the first medians().
+// Passes the arguments to Google Benchmark, after defaults of 9 repetitions and random interleaving, which
+// they may override. Returns false if Google Benchmark does not recognise one of them. Call it once, before
+// the first medians().
 bool initialiseMeasuring(int argc, char** argv);
 
-// Runs the sides in turns and gives the median of each in nanoseconds of processor time a call: what else the
-// machine does then is not in it.
+// Runs the sides in turn and returns the median of each, in nanoseconds per call. This is processor time, so
+// other load on the machine is not included.
 std::vector<double> medians(const std::vector<std::function<void()>>& sides);
 
-// Stops the program when a result is wrong: nothing is timed that was not checked.
+// Stops the program if isRight is false, with a message that names the check. Every result is checked before
+// it is timed.
 void require(bool isRight, const char* what);
 
 }  // namespace qv_bench

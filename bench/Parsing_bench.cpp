@@ -21,7 +21,7 @@ std::shared_ptr<QVByteStream> streamOver(const Bytes& bytes) {
     return std::make_shared<QVByteStream>(bytes.data(), bytes.size());
 }
 
-// A peer's parser as a yardstick, once it gave what it should; no row without it.
+// Returns a peer's parser as a yardstick after checking its result. An empty parser gives no row.
 std::function<void()> checked(const std::function<int()>& parse, int expected, const char* what) {
     if (!parse) {
         return {};
@@ -151,7 +151,7 @@ Rows denseCapture(size_t distance) {
 
 constexpr int kValues = 1000;
 
-// kValues reads of a stream, against the model of the reader.
+// kValues reads of a stream, compared with the model of the reader.
 template <class Reader>
 Operation reads(const std::string& name, const Bytes& bytes, double nanoseconds, const Reader& read) {
     const auto stream = streamOver(bytes);

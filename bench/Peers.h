@@ -1,4 +1,5 @@
-// Other libraries through their public interfaces. What was not found at build time gives empty functions.
+// Other libraries, called through their public interfaces. The functions of a library that was not found at
+// build time are empty.
 #ifndef QV_BENCH_PEERS_H
 #define QV_BENCH_PEERS_H
 
@@ -10,7 +11,7 @@
 
 namespace qv_bench {
 
-// Name and version; empty when it is not there.
+// Return the library's name and version, or an empty text if it is not available.
 std::string gstreamerName();
 std::string libavcodecName();
 
@@ -20,20 +21,20 @@ std::string libavcodecName();
 using PeerScan = std::function<void(const Bytes&, NalIndexList&)>;
 PeerScan gstreamerScan(QVCodecID codec);
 
-// Parses one parameter set unit, header included, and gives its picture width; 0 when it is refused.
+// Parses one parameter set unit, header included, and returns its picture width, or 0 if it is rejected.
 std::function<int()> gstreamerAvcSps(const Bytes& unit);
 std::function<int()> gstreamerHevcSps(const Bytes& unit);
 
-// Parses one SEI unit, header included, and gives the number of its messages.
+// Parses one SEI unit, header included, and returns the number of its messages.
 std::function<int()> gstreamerAvcSei(const Bytes& unit);
 
 // --- libavcodec ---
 
-// Parses one access unit with the codec's parser and tells whether it found a key picture.
+// Parses one access unit with the codec's parser and returns whether it found a key picture.
 std::function<bool()> libavcodecKeyFrame(QVCodecID codec, const Bytes& accessUnit);
 
-// Rewrites samples with 4-byte lengths by the bitstream filter that does so, with parameter sets from sps and
-// pps, and gives the bytes written.
+// Converts samples with 4-byte lengths to a byte stream with libavcodec's bitstream filter and the parameter
+// sets sps and pps. Returns the number of bytes written.
 std::function<size_t()> libavcodecToStartCodes(const std::shared_ptr<const Samples>& samples,
                                                const Bytes& sps, const Bytes& pps);
 

@@ -2,7 +2,7 @@
 
 #if defined(QV_BENCH_WITH_GSTREAMER)
 
-// The interface is marked as one that may still change.
+// GStreamer requires this macro, because it may still change the interface.
 #define GST_USE_UNSTABLE_API
 #include <gst/codecparsers/gsth264parser.h>
 #include <gst/codecparsers/gsth265parser.h>

@@ -19,7 +19,7 @@ namespace {
 
 using Padded = std::shared_ptr<Bytes>;
 
-// The parsers read past the end by this much.
+// The parsers may read this many bytes past the end.
 Padded padded(Bytes bytes) {
     bytes.resize(bytes.size() + AV_INPUT_BUFFER_PADDING_SIZE, 0);
     return std::make_shared<Bytes>(std::move(bytes));
@@ -84,7 +84,7 @@ struct Filter {
     Filter(const Filter&) = delete;
     Filter& operator=(const Filter&) = delete;
 
-    // The packet borrows the sample: no copy is made of it.
+    // The packet borrows the sample, so no copy is timed.
     size_t run(uint8_t* data, int size) const {
         packet->buf = av_buffer_create(
             data, static_cast<size_t>(size), [](void*, uint8_t*) {}, nullptr, AV_BUFFER_FLAG_READONLY);

@@ -1,4 +1,4 @@
-// Operations beside their yardsticks: what the rows of the table are and how they get their figures.
+// Compares operations with yardsticks: the rows of the table, and how their figures are measured.
 #ifndef QV_BENCH_RATIOTABLE_H
 #define QV_BENCH_RATIOTABLE_H
 
@@ -10,23 +10,22 @@
 
 namespace qv_bench {
 
-// What an operation is held against. The figure is the yardstick's time divided by the operation's: above 1
-// the operation is the faster one.
+// Work that an operation is compared with. The figure is the yardstick's time divided by the operation's
+// time: above 1, the operation is faster.
 struct Yardstick {
     std::string name;
-    std::function<void()> run;  // empty: a peer that is not there, no row
+    std::function<void()> run;  // empty: the peer is not available, and there is no row
     Goal goal = {};
 };
 
-// What one call of an operation costs by itself, in nanoseconds for each of the things that the call does.
+// The cost of an operation without a comparison, in nanoseconds per thing that a call processes.
 struct Cost {
     std::string of;  // "call", "value"
     int perCall = 1;
     Goal goal = {};
 };
 
-// An operation and its rows: one for each cost and each yardstick. All sides are run in turns, in one
-// process.
+// An operation and its rows: one for each cost and each yardstick. All sides run in turn, in one process.
 struct Operation {
     std::string name;
     std::function<void()> run;
@@ -34,10 +33,10 @@ struct Operation {
     std::vector<Cost> costs = {};
 };
 
-// A figure that was counted and not timed.
+// A figure that is counted, not timed.
 struct Count {
     std::string name;
-    std::string of;  // what was counted
+    std::string of;  // the thing that is counted
     double figure;
     Goal goal;
 };
@@ -47,7 +46,7 @@ struct Rows {
     std::vector<Count> counts = {};
 };
 
-// One row as the table shows it.
+// One row of the table.
 struct TableRow {
     std::string name;
     std::string of;
@@ -55,20 +54,20 @@ struct TableRow {
     Goal goal;
 };
 
-// Takes the sides of an operation, gives the median of each in nanoseconds a call.
+// Takes the sides of an operation and returns the median of each, in nanoseconds per call.
 using Stopwatch = std::function<std::vector<double>(const std::vector<std::function<void()>>& sides)>;
 
-// The rows of all that is in rows, in its order.
+// Measures all of rows and returns the table's rows in the same order.
 std::vector<TableRow> measure(const Rows& rows, const Stopwatch& medians);
 
 std::string tableHeading();
 std::string tableLine(const TableRow& row, Vectors vectors);
 
-// "51 of 54 goals reached".
+// Returns a summary such as "51 of 54 goals reached".
 std::string summaryLine(const std::vector<TableRow>& rows, Vectors vectors);
 
-// The text with lines in place of those between the line "<!-- name -->" and the next line "<!-- end -->".
-// Empty when it has no such lines.
+// Replaces the lines between the line "<!-- name -->" and the next line "<!-- end -->" of text with `lines`.
+// Returns an empty text if text has no such markers.
 std::string replaceMarked(const std::string& text, const std::string& name, const std::string& lines);
 
 }  // namespace qv_bench

@@ -1,4 +1,4 @@
-// Scanning, key frames and reframing over made pools.
+// Scanning, key frame detection and reframing, on generated pools.
 #include <benchmark/benchmark.h>
 
 #include "Framing.h"
@@ -71,7 +71,7 @@ Rows scratch() {
     return {{{"scratch array of a length field", allocateScratch, {}, {{"unit"}}}}};
 }
 
-// One unit in each sample.
+// Samples of one unit each.
 SharedSamples lengthSamples(size_t size) {
     return share(lengthPrefixed(cut(byteStream(kCachePool, size), size)));
 }

@@ -1,4 +1,4 @@
-// Framing over streams of encoders, larger than the caches.
+// Framing operations on encoded streams that are larger than the caches.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -27,7 +27,8 @@ Stream open(const std::string& name, QVCodecID codec, const std::string& path) {
             std::make_shared<const Samples>(accessUnits(std::move(bytes), codec))};
 }
 
-// A stream holds every byte value: memchr gets as many bytes of its own, access unit by access unit.
+// A stream holds every byte value, so memchr would stop early. It searches a constant buffer of the same size
+// instead, one access unit at a time.
 std::function<void()> memchrBeside(const SharedSamples& samples) {
     const auto pool = std::make_shared<const Bytes>(samples->bytes.size(), 0x55);
     return [=] {
@@ -122,8 +123,8 @@ void addFilter(Operation& operation, const Stream& stream, const SharedSamples& 
     if (!filter) {
         return;
     }
-    // Start codes of 3 bytes are as good there.
-    require(filter() > samples->bytes.size() / 100 * 99, "libavcodec's filter rewrites every sample");
+    // The filter writes some start codes with 3 bytes, so its output may be slightly smaller than the input.
+    require(filter() > samples->bytes.size() / 100 * 99, "libavcodec's filter converts every sample");
     operation.yardsticks.push_back({"libavcodec's h264_mp4toannexb", [filter] { filter(); }, {}});
 }
 

@@ -1,4 +1,4 @@
-// Single units that parsing is measured on.
+// Single units, the input of the parsing benchmarks.
 #ifndef QV_BENCH_UNITS_H
 #define QV_BENCH_UNITS_H
 
@@ -16,13 +16,13 @@ const Bytes& hevcSpsUnit();
 
 constexpr size_t kSeiPayload = 700;
 
-// One user_data_unregistered message of kSeiPayload bytes, trailing bits behind it; without a header.
+// One user_data_unregistered message of kSeiPayload bytes, followed by trailing bits; without a unit header.
 Bytes seiRbsp();
 
-// size bytes with an emulation prevention byte every distance bytes.
+// Returns size bytes with an emulation prevention byte every distance bytes.
 Bytes emulated(size_t size, size_t distance);
 
-// count codes ue(v) of so many leading zero bits, each with its information bits set.
+// Returns count ue(v) codes of leadingZeroBits leading zero bits, each with all information bits set.
 Bytes golombCodes(int count, int leadingZeroBits);
 
 void rewind(QVByteStream& stream);

@@ -1,4 +1,4 @@
-// Holds the instruction counts of a callgrind profile against a budget, or makes the budget from them.
+// Compares the instruction counts of a callgrind profile with a budget, or writes a new budget from them.
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -30,7 +30,7 @@ int compareCounts(const InstructionCounts& counts, const char* path) {
     if (report.isKept) {
         return EXIT_SUCCESS;
     }
-    std::puts("\nThe budget is not kept. When the change is meant: scripts/instructions --renew");
+    std::puts("\nThe budget is not kept. If the change is intended, run scripts/instructions --renew");
     return EXIT_FAILURE;
 }
 

@@ -1,5 +1,5 @@
-// Tells whether the work and the memory of each operation grow in proportion to the input: from a callgrind
-// profile and from a list of allocated bytes.
+// Reports whether the work and the memory of each operation grow linearly with the input. Reads a callgrind
+// profile and a list of allocated bytes.
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -22,7 +22,7 @@ int main(int argc, char** argv) {
         if (report.isLinear) {
             return EXIT_SUCCESS;
         }
-        std::fputs("Something grows more than in proportion to the input.\n", stderr);
+        std::fputs("Some operation grows faster than its input.\n", stderr);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "%s\n", error.what());
     }

@@ -1,4 +1,4 @@
-// Every operation beside its yardsticks.
+// Measures every operation and its yardsticks, and prints the table.
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -19,17 +19,17 @@ using namespace qv_bench;
 constexpr const char* kUsage =
     "usage: qvnalu_bench --streams=FOLDER [--only=GROUP] [--docs=FILE] [--curves=FOLDER] [GOOGLE BENCHMARK "
     "OPTION...]\n"
-    "  --streams=FOLDER  holds x264.h264 and x265.h265, which scripts/bench makes\n"
-    "  --only=GROUP      scan, lengths, key, reframe, sps, sei, reader, allocations or streams alone\n"
-    "  --docs=FILE       writes the table into FILE, between its markers\n"
-    "  --curves=FOLDER   measures cost against size and density too, for gnuplot\n";
+    "  --streams=FOLDER  read x264.h264 and x265.h265 from FOLDER; scripts/bench makes them\n"
+    "  --only=GROUP      run only scan, lengths, key, reframe, sps, sei, reader, allocations or streams\n"
+    "  --docs=FILE       write the table into FILE, between its markers\n"
+    "  --curves=FOLDER   also measure cost against size and density, and write it to FOLDER for gnuplot\n";
 
 struct Options {
     std::string streams;
     std::string only;
     std::string docs;
     std::string curves;
-    std::vector<char*> others;  // Google Benchmark's
+    std::vector<char*> others;  // for Google Benchmark
 };
 
 bool take(const char* argument, const char* name, std::string& value) {
@@ -87,8 +87,8 @@ std::string processorName() {
     return "unknown";
 }
 
-// One addition of a chain in which each waits for the one before: a processor's cycle. Rows in nanoseconds
-// mean little without it, for virtual machines slow down and speed up.
+// The time of one addition in a chain of dependent additions, which is one processor cycle. It puts rows in
+// nanoseconds in relation, because the clock of a virtual machine varies.
 double nanosecondsOfAnAddition() {
     constexpr int kAdditions = 10000;
     const auto chain = [] {
@@ -153,7 +153,7 @@ int writeDocs(const std::string& path, const std::string& name, const std::strin
     const std::string replaced =
         replaceMarked(std::string(text.begin(), text.end()), name, "```\n" + table + "```\n");
     if (replaced.empty()) {
-        std::fprintf(stderr, "%s has no place for the table \"%s\"\n", path.c_str(), name.c_str());
+        std::fprintf(stderr, "%s has no markers for the table \"%s\"\n", path.c_str(), name.c_str());
         return EXIT_FAILURE;
     }
     std::ofstream out(path);
