@@ -1,5 +1,5 @@
-# Writes the C++ source OUTPUT, which includes HEADER and defines in namespace NAMESPACE a character array for
-# each of TEXTS, pairs of NAME=FILE.
+# Writes the C++ source file OUTPUT. It includes HEADER and defines, in namespace NAMESPACE, a character array NAME
+# with the content of FILE for each NAME=FILE pair of TEXTS.
 set(source "#include \"${HEADER}\"\n\nnamespace ${NAMESPACE} {\n")
 foreach(text IN LISTS TEXTS)
   string(REGEX MATCH "^([^=]+)=(.+)$" pair "${text}")

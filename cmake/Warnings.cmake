@@ -1,4 +1,4 @@
-# qvnalu_warnings(TARGET): the project's own warnings, as errors, on TARGET alone.
+# qvnalu_warnings(TARGET) turns on the project's warnings, as errors, for TARGET only.
 function(qvnalu_warnings target)
   if(NOT QVNALU_DEVELOPER)
     return()
