@@ -1,4 +1,4 @@
-// What a fuzz target claims. A claim that does not hold is a finding, as a crash is.
+// FUZZ_CHECK aborts if its claim is false, so the fuzzer reports a violated claim like a crash.
 #ifndef QV_FUZZ_FUZZCHECK_H
 #define QV_FUZZ_FUZZCHECK_H
 

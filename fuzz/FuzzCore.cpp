@@ -1,5 +1,5 @@
-// Platform functions that look at all they are given: log lines are formatted, dumps are read to their end.
-// The rest is the stand-alone core's.
+// Platform functions that read all of their arguments: they format log lines and read dumps to the end. The
+// stand-alone core provides the others.
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -9,11 +9,11 @@
 
 namespace {
 
-// The one text that comes without a value for its "%d".
+// The only text that is passed without a value for its "%d".
 constexpr const char* kPlainText =
     "parserAvcBufferingPeriod: non-existing SPS %d referenced in buffering period.\n";
 
-// Keeps the compiler from leaving out the reads that make the value.
+// Prevents the compiler from removing the reads that compute the value.
 void use(size_t value) {
     asm volatile("" : : "r"(value) : "memory");
 }

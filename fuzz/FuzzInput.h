@@ -1,4 +1,4 @@
-// The bytes that a fuzzer hands over, taken apart: parameters from the front, the rest as data.
+// Splits the fuzzer's input: parameters from the front, the rest as data.
 #ifndef QV_FUZZ_FUZZINPUT_H
 #define QV_FUZZ_FUZZINPUT_H
 
@@ -12,7 +12,8 @@
 
 namespace qv_fuzz {
 
-// A copy in a heap block of exactly its size, so that the address sanitizer sees the first byte outside.
+// A copy of bytes in a heap block of exactly their size, so the address sanitizer detects any access outside
+// it.
 class ExactBlock {
 public:
     ExactBlock(const uint8_t* bytes, size_t size) : bytes_(new uint8_t[size]), size_(size) {
@@ -34,7 +35,7 @@ class FuzzInput {
 public:
     FuzzInput(const uint8_t* bytes, size_t size) : bytes_(bytes), size_(size) {}
 
-    // Zero bytes stand for what lies past the end.
+    // Returns the next byte, or 0 past the end.
     uint8_t byte() {
         if (size_ == 0) {
             return 0;
@@ -51,7 +52,7 @@ public:
         return value;
     }
 
-    // Up to most values, each of the low byte or of a whole word.
+    // Returns up to most values. Each is a byte or, if that byte is 0xFF, the word that follows it.
     std::deque<int> payloadTypes(size_t most) {
         std::deque<int> types;
         for (size_t left = byte() % (most + 1); left > 0; --left) {
@@ -61,7 +62,7 @@ public:
         return types;
     }
 
-    // A record with the bytes of the input in it. Only for records that hold integers alone.
+    // Fills a record with bytes of the input. The record must contain only integers.
     template <class Record>
     void fill(Record& record) {
         auto* const bytes = reinterpret_cast<uint8_t*>(&record);

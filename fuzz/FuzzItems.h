@@ -1,4 +1,4 @@
-// Kept SEI items and their claims.
+// A list of SEI items, and checks on it.
 #ifndef QV_FUZZ_FUZZITEMS_H
 #define QV_FUZZ_FUZZITEMS_H
 
@@ -12,7 +12,7 @@
 
 namespace qv_fuzz {
 
-// Frees the payloads of its items.
+// Owns the payloads of its items.
 class Items {
 public:
     Items() = default;
@@ -24,7 +24,8 @@ public:
         }
     }
 
-    // Every item has the bytes it says, and one that is marked as requested was.
+    // Checks that every item has payloadSize readable bytes, and that the type of an item marked as requested
+    // was requested.
     void check(QVCodecID codec, const std::deque<int>& requested) const {
         for (const QVSeiItem& item : list) {
             FUZZ_CHECK(item.codecId == codec);
@@ -37,7 +38,7 @@ public:
         }
     }
 
-    // They come through a side-data buffer as they are.
+    // Checks that the items are unchanged after they are written to a side-data buffer and read back.
     void checkSideData() const {
         unsigned char* buffer = nullptr;
         int size = 0;

@@ -1,4 +1,4 @@
-// The start-code scan and the typing of what it finds, against the slow reference.
+// Compares the start-code scan and the typing of its units with the slow reference.
 #include "FuzzCheck.h"
 #include "FuzzInput.h"
 #include "QVNaluParser.h"
@@ -32,7 +32,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
     qv_test::NalIndexList nalus;
     const bool isFilled = input.byte() % 4 == 0;
     if (isFilled) {
-        nalus.emplace_back(0, 0);  // a list that the caller brings: its last pair is closed
+        nalus.emplace_back(0, 0);  // a list that is not empty: the scan sets the length of its last pair
     }
     qv_test::NalIndexList expected = nalus;
     const qv_fuzz::ExactBlock data = input.rest();

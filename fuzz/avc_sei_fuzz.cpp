@@ -1,4 +1,4 @@
-// The walk over H.264 SEI units, with any parameter set record and any list of requested types.
+// Walks H.264 SEI units with any parameter set record and any list of requested types.
 #include "FuzzCheck.h"
 #include "FuzzInput.h"
 #include "FuzzItems.h"

@@ -1,4 +1,5 @@
-// The H.264 parameter set: nothing outside of the unit matters to it, and what it accepts is in range.
+// Parses H.264 sequence parameter sets. The result must depend only on the unit, and the values of an
+// accepted set must be in range.
 #include <cstring>
 
 #include "FuzzCheck.h"
@@ -26,7 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
     QVAvcSps sps{};
     const bool isAccepted = parseAvcSps(&sps, stream);
     FUZZ_CHECK(size > 0 || !isAccepted);
-    // At the end of the data an Exp-Golomb read still moves on by a bit.
+    // Past the end of the data an Exp-Golomb read still advances by one bit.
     FUZZ_CHECK(stream->bytePos <= stream->size + kMostGolombReads / 8);
     if (isAccepted) {
         checkRanges(sps);

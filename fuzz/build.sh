@@ -1,6 +1,6 @@
 #!/bin/bash -eu
-# The build as OSS-Fuzz runs it: CXX, CXXFLAGS, LIB_FUZZING_ENGINE, SRC, WORK and OUT come from its environment.
-# Without them (by hand): OUT=/tmp/out CXX=clang++ CXXFLAGS="-fsanitize=fuzzer-no-link,address" fuzz/build.sh
+# The build for OSS-Fuzz, whose environment sets CXX, CXXFLAGS, LIB_FUZZING_ENGINE, SRC, WORK and OUT.
+# To run it by hand: OUT=/tmp/out CXX=clang++ CXXFLAGS="-fsanitize=fuzzer-no-link,address" fuzz/build.sh
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 work=${WORK:-$(mktemp -d)}/qvnalu
 cmake -S "$root" -B "$work" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \

@@ -1,4 +1,4 @@
-// The bit reader against its model, through any sequence of operations.
+// Compares the bit reader with its model over any sequence of operations.
 #include "CursorModel.h"
 #include "FuzzCheck.h"
 #include "FuzzInput.h"

@@ -1,4 +1,4 @@
-// HDR metadata: the hand-over of kept items, and the HDR Vivid parser behind it.
+// Passes items of any kind to the HDR metadata operations and to the stand-alone core's HDR Vivid parser.
 #include <cmath>
 
 #include "FuzzCheck.h"

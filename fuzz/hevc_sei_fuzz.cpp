@@ -1,4 +1,4 @@
-// The walk over H.265 SEI units, prefix and suffix, with any list of requested types.
+// Walks H.265 SEI units, prefix and suffix, with any list of requested types.
 #include "FuzzCheck.h"
 #include "FuzzInput.h"
 #include "FuzzItems.h"

@@ -1,4 +1,5 @@
-// The H.265 parameter set: nothing is refused but an empty stream, and fields are what was read.
+// Parses H.265 sequence parameter sets. Only an empty stream may be rejected, and the fields must be the
+// values that were read.
 #include <cstring>
 
 #include "FuzzCheck.h"

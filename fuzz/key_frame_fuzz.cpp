@@ -1,4 +1,4 @@
-// Key-frame detection against the slow reference.
+// Compares key-frame detection with the slow reference.
 #include "FuzzCheck.h"
 #include "FuzzInput.h"
 #include "QVNaluParser.h"

@@ -1,5 +1,5 @@
-// The length-prefixed scan against the slow reference, with every length size there is and some there are
-// not.
+// Compares the length-prefixed scan with the slow reference, for every valid length size and some invalid
+// ones.
 #include "FuzzCheck.h"
 #include "FuzzInput.h"
 #include "QVNaluParser.h"

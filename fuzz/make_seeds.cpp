@@ -1,5 +1,5 @@
-// Writes the seed corpus: a folder for each target, from the builders of the tests and from real streams.
-// Usage: make_seeds FOLDER STREAM...
+// Writes the seed corpus into one folder for each target. The seeds come from the tests' builders and from
+// real streams. Usage: make_seeds FOLDER STREAM...
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -49,7 +49,7 @@ int main(int argc, char** argv) {
         std::ifstream file(argv[i], std::ios::binary);
         const Bytes stream{std::istreambuf_iterator<char>(file), {}};
         if (stream.empty()) {
-            std::fprintf(stderr, "%s cannot be read\n", argv[i]);
+            std::fprintf(stderr, "cannot read %s\n", argv[i]);
             return 1;
         }
         folder.write(qv_test::seedsOf(stream, fs::path(argv[i]).extension() == ".h265"));

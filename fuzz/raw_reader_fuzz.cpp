@@ -1,5 +1,5 @@
-// The inspector's reader of raw streams: whatever the bytes and however they arrive, it delivers each of them
-// once, in order, or says that it left them out.
+// The inspector's reader of raw streams. For any bytes, in pieces of any size, it must deliver each byte at
+// most once and in order.
 #include <algorithm>
 
 #include "FuzzCheck.h"

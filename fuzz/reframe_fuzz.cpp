@@ -1,4 +1,4 @@
-// Both conversions against the slow references, and there and back again: the units stay the same.
+// Compares both conversions with the slow references. A conversion and its inverse must preserve the units.
 #include "FuzzCheck.h"
 #include "FuzzInput.h"
 #include "QVCoreStandalone.h"
@@ -13,7 +13,7 @@ struct Free {
     void operator()(unsigned char* memory) const { qvFree(memory); }
 };
 
-// What connvertAvcCToAnnexB makes; empty when it refuses.
+// Returns the output of connvertAvcCToAnnexB, or no bytes if it fails.
 Bytes toAnnexB(const qv_fuzz::ExactBlock& data, int lengthSize, int& result) {
     unsigned char* out = nullptr;
     int size = -1;
@@ -46,7 +46,7 @@ void checkToLengths(const qv_fuzz::ExactBlock& data, const Bytes& copy, uint8_t 
     FUZZ_CHECK(back == QVResultOk);
     qv_test::NalIndexList before;
     qv_test::referenceAnnexBScan(copy, before);
-    std::vector<Bytes> units;  // a unit as it came is found again behind its new start code
+    std::vector<Bytes> units;  // each unit must be unchanged after its new 4-byte start code
     size_t at = 0;
     for (const Bytes& unit : unitsOf(copy, before)) {
         FUZZ_CHECK(at + 4 + unit.size() <= again.size());

@@ -1,5 +1,5 @@
-// Runs a fuzz target over files, and over the files of folders, without a fuzzer: the ordinary build's way to
-// keep findings from coming back.
+// Runs a fuzz target on files and on the files in folders, without a fuzzer. The ordinary build uses it to
+// check that earlier findings stay fixed.
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 bool replay(const fs::path& path) {
     std::ifstream file(path, std::ios::binary);
     if (!file) {
-        std::fprintf(stderr, "%s cannot be opened\n", path.c_str());
+        std::fprintf(stderr, "cannot open %s\n", path.c_str());
         return false;
     }
     const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
@@ -48,5 +48,5 @@ int main(int argc, char** argv) {
         }
     }
     std::printf("%zu inputs\n", count);
-    return count > 0 ? 0 : 2;  // a replay of nothing proves nothing
+    return count > 0 ? 0 : 2;  // no inputs: nothing was tested
 }

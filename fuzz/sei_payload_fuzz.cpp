@@ -1,4 +1,4 @@
-// Each payload parser from any position of both cursors, with any payloadSize.
+// Runs each payload parser from any position of both cursors, with any payloadSize.
 #include "FuzzCheck.h"
 #include "FuzzInput.h"
 #include "FuzzItems.h"
@@ -55,7 +55,7 @@ void hevcOrientation(Call& call) {
 }
 
 void capture(Call& call) {
-    // A capture allocates what the size says: that is its caller's to bound.
+    // A capture allocates payloadSize bytes. Limiting the size is the caller's responsibility.
     const int payloadSize = call.payloadSize % 65536;
     QVNaluParser::fillSeiDataWithoutParsing(call.stream, payloadSize, call.items.list, QVCodecIDHevc, 5,
                                             false);

@@ -1,4 +1,5 @@
-// Side data: any buffer is read or refused, items come through, and a flipped bit does not.
+// Side data: any buffer must be read or rejected, items must be preserved, and a flipped bit must be
+// detected.
 #include "FuzzCheck.h"
 #include "FuzzInput.h"
 #include "FuzzItems.h"
@@ -19,7 +20,7 @@ void checkAnyBuffer(qv_fuzz::ExactBlock data) {
     }
 }
 
-// Each item takes a length and its bytes from the input.
+// Takes the length and the bytes of each item from the input.
 std::vector<QVSeiItem> anyItems(qv_fuzz::FuzzInput& input, std::vector<std::vector<uint8_t>>& payloads) {
     payloads.resize(input.byte() % 8);
     std::vector<QVSeiItem> items;
