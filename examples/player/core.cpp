@@ -1,5 +1,5 @@
-// Every platform function that the library asks for, this player's way: a log with a prefix, allocators that
-// count, flat side data, and an HDR Vivid parser that reads what this renderer needs.
+// This player's implementation of every platform function that the library calls: a log with a prefix,
+// counting allocators, flat side data, and an HDR Vivid parser that reads only what the renderer needs.
 #include "core.h"
 
 #include <cstdarg>
@@ -72,19 +72,19 @@ void* qvMallocz(size_t size) {
 }
 
 QVSeiInfo* createQVSeiInfo(uint32_t itemCount) {
-    // One block: the description and its entries behind it.
-    const size_t ahead =
+    // One block holds the description, followed by its entries at this offset.
+    const size_t entriesAt =
         (sizeof(QVSeiInfo) + alignof(QVSeiItem) - 1) / alignof(QVSeiItem) * alignof(QVSeiItem);
-    void* const block = std::calloc(1, ahead + itemCount * sizeof(QVSeiItem));
+    void* const block = std::calloc(1, entriesAt + itemCount * sizeof(QVSeiItem));
     QVSeiInfo* const info = static_cast<QVSeiInfo*>(block);
     if (info != nullptr) {
         info->itemCount = itemCount;
-        info->items = reinterpret_cast<QVSeiItem*>(static_cast<unsigned char*>(block) + ahead);
+        info->items = reinterpret_cast<QVSeiItem*>(static_cast<unsigned char*>(block) + entriesAt);
     }
     return info;
 }
 
-// Of each item its type, its size and its bytes, one behind the other.
+// Writes the type, the size and the bytes of each item, in sequence.
 unsigned char* createSideDataFromQVSeiInfo(QVSeiInfo* info, int* size) {
     size_t whole = 0;
     for (uint32_t i = 0; i < info->itemCount; ++i) {
@@ -116,8 +116,8 @@ void QVDumpData::dumpActualData(const char* label, const unsigned char*, int siz
 
 namespace qv_hdr_vivid_parser {
 
-// T/UWA 005.1: the T.35 header and system_start_code, then four 12-bit values: minimum, average, variance,
-// maximum.
+// T/UWA 005.1: the T.35 header and system_start_code, then four 12-bit values: minimum, average, variance and
+// maximum of maxRGB.
 int fillHDRVividDynamicMetadataFromHevcUserDataRegisteredSei(const QVSeiItem& item,
                                                              QVHDRVividDynamicMetadata* metadata) {
     static const uint8_t header[] = {0x26, 0x00, 0x04, 0x00, 0x05, 0x01};

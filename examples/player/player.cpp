@@ -1,5 +1,5 @@
-// Demuxes a file into access units and shows what a player takes of each: whether it is a key picture, its
-// NAL units, its SEI items, their HDR metadata and the side data made of them.
+// Demuxes a file into access units and prints what a player uses of each: whether it is a key picture, its
+// NAL units, its SEI items with their HDR metadata, and the side data made from them.
 extern "C" {
 #include <libavformat/avformat.h>
 }
@@ -17,7 +17,7 @@ namespace {
 
 typedef std::vector<QVNaluParser::NaluInfo> Units;
 
-// What the SEI walk needs to know of the stream.
+// The stream properties that parsing an access unit needs.
 struct Stream {
     QVCodecParameters framing;
     QVAvcSps avcSps;
@@ -31,9 +31,9 @@ struct Stream {
     }
 };
 
-// The framing stands in the configuration record (ISO/IEC 14496-15 5.3.3.1, 8.3.3.1), which begins with a 1:
-// the size of the length fields in byte 4 of an avcC, in byte 21 of an hvcC. Without a record there are start
-// codes.
+// Reads the framing from the configuration record (ISO/IEC 14496-15 5.3.3.1, 8.3.3.1). A record begins with a
+// 1. It gives the size of the length fields in byte 4 (avcC) or in byte 21 (hvcC). A stream without a record
+// uses start codes.
 QVCodecParameters framingOf(const AVCodecParameters& codec) {
     const bool isAvc = codec.codec_id == AV_CODEC_ID_H264;
     const int sizeAt = isAvc ? 4 : 21;
@@ -46,7 +46,8 @@ QVCodecParameters framingOf(const AVCodecParameters& codec) {
     return framing;
 }
 
-// Without emulation prevention bytes, which the H.264 parser does not step over.
+// Returns a copy without emulation prevention bytes. The H.264 parser needs it, as it does not step over
+// them.
 std::vector<unsigned char> unescaped(const unsigned char* data, int size) {
     std::vector<unsigned char> bytes;
     int zeros = 0;
@@ -72,8 +73,8 @@ void readSps(Stream& stream, const unsigned char* data, int size) {
     }
 }
 
-// The parameter set of an avcC: a count, then each set behind a length of two bytes. (The sets of this
-// example's H.265 files stand in the access units as well.)
+// Reads the first sequence parameter set of an avcC: after the count, each set has a 2-byte length. An hvcC
+// is not read: the H.265 files of this example repeat their sets in the access units.
 void readConfigurationRecord(Stream& stream, const AVCodecParameters& codec) {
     const uint8_t* const record = codec.extradata;
     if (!stream.isAvc() || stream.framing.isAnnexB != 0 || codec.extradata_size < 8 ||
@@ -86,7 +87,8 @@ void readConfigurationRecord(Stream& stream, const AVCodecParameters& codec) {
     }
 }
 
-// A length of 256 to 511 looks like a start code: who knows that there are lengths, asks behind start codes.
+// Tests a length-prefixed sample after converting it to start codes: isKeyFrame detects the framing, and a
+// length of 256 to 511 looks like a start code.
 bool isKey(const unsigned char* data, int size, const QVCodecParameters& framing) {
     if (framing.isAnnexB != 0) {
         return QVNaluParser::isKeyFrame(framing.codecId, data, size);
@@ -107,7 +109,7 @@ public:
         QVNaluParser::parserDataToNaluType(data, size, units_, &stream.framing);
         isKey_ = isKey(data, size, stream.framing);
 
-        const std::deque<int> requested;  // types to keep beyond those that the library keeps: none
+        const std::deque<int> requested;  // payload types to keep in addition to the library's own: none
         for (const QVNaluParser::NaluInfo& unit : units_) {
             if (stream.isSps(unit)) {
                 readSps(stream, data + unit.offset, unit.length);
@@ -166,7 +168,8 @@ private:
     bool isKey_;
 };
 
-// Shows every access unit of the input's video and returns how many there are; -1 when there is none to show.
+// Prints every access unit of the input's video. Returns their number, or -1 if there is no H.264 or H.265
+// video.
 int play(AVFormatContext* input) {
     const int video = av_find_best_stream(input, AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
     if (video < 0) {
