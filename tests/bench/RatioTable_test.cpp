@@ -8,7 +8,7 @@ namespace {
 
 using testing::ElementsAre;
 
-// A stopwatch on which each call of a side takes what the side says.
+// A stopwatch that reports the time that each side sets for itself.
 class RatioTable : public testing::Test {
 protected:
     std::function<void()> taking(double nanoseconds) {

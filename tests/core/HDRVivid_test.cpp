@@ -1,4 +1,4 @@
-// HDR Vivid as the stand-alone core reads it, T/UWA 005.1.
+// The stand-alone core's HDR Vivid parser (T/UWA 005.1).
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -58,7 +58,7 @@ void addToneMapping(Fields& fields, const std::string& in, const QVHDRVividToneM
     }
 }
 
-// Every field in order.
+// Returns every field with its name, in order.
 Fields fieldsOf(const Metadata& metadata) {
     Fields fields = {{"system_start_code", metadata.system_start_code},
                      {"minimum_maxrgb_pq", metadata.minimum_maxrgb_pq},
@@ -80,7 +80,7 @@ Fields fieldsOf(const Metadata& metadata) {
     return fields;
 }
 
-// What the syntax says of the record; what it does not carry is 0.
+// Returns the record that the syntax must give. Elements that are not present are 0.
 QVHDRVividSpline recordOf(const HdrVividSplineSyntax& s) {
     const bool hasMb = s.TH_enable_mode == 0 || s.TH_enable_mode == 2;
     return {s.TH_enable_mode, hasMb ? 1U : 0U,    hasMb ? s.TH_enable_MB : 0U,
@@ -153,7 +153,7 @@ int fill(const QVSeiItem& item, Metadata* metadata) {
     return qv_hdr_vivid_parser::fillHDRVividDynamicMetadataFromHevcUserDataRegisteredSei(item, metadata);
 }
 
-// An item over an exact-size copy of the payload, into a pattern record.
+// Parses an exact-size copy of the payload into a record that is filled with a pattern.
 Outcome parse(const Bytes& payload, QVCodecID codec = QVCodecIDHevc, uint32_t payloadType = 4) {
     const std::unique_ptr<uint8_t[]> copy(new uint8_t[payload.size()]);
     std::copy(payload.begin(), payload.end(), copy.get());
@@ -173,7 +173,7 @@ void expectRefused(const Outcome& outcome, int status) {
     EXPECT_EQ(fieldsOf(outcome.metadata), fieldsOf(patternMetadata()));
 }
 
-// Two sets with everything in them, two splines each, and seven gains.
+// Two tone mappings with all elements and two splines each, and seven gains.
 HdrVividSyntax everything() {
     HdrVividSyntax s = largestHdrVivid();
     s.color_saturation_enable_gain = {{255, 1, 128, 64, 38, 25, 254}};
@@ -256,7 +256,7 @@ TEST(HdrVividStatus, otherStartCodes) {
 // --- Reading ---
 
 TEST(HdrVividRead, golden) {
-    // 26 0004 0005 01, the PQ codes 00A 384 12C BB8, 0: no tone mapping, 1 001: one gain, 40
+    // 26 0004 0005 01; PQ codes 00A 384 12C BB8; 0: no tone mapping; 1 001: one gain; its code 40
     const Outcome outcome =
         parse({0x26, 0x00, 0x04, 0x00, 0x05, 0x01, 0x00, 0xA3, 0x84, 0x12, 0xCB, 0xB8, 0x4A, 0x00});
     ASSERT_EQ(outcome.status, 0);
@@ -285,7 +285,8 @@ TEST(HdrVividRead, largestMessage) {
     expectRead(parse(payload.bytes()), everything());
 }
 
-// Two sets for targets of 500 and 100 cd/m2 with a spline each, and two gains, as broadcast.
+// A broadcast message: two tone mappings for targets of 500 and 100 cd/m2 with one spline each, and two
+// gains.
 TEST(HdrVividRead, publicTrace) {
     HdrVividSyntax syntax;
     syntax.minimum_maxrgb_pq = 0;
@@ -338,7 +339,7 @@ TEST(HdrVividRead, theItemIsOnlyRead) {
     EXPECT_EQ(fieldsOf(metadata), fieldsOf(recordOf(everything())));
 }
 
-// Every element that does not decide what follows it, inverted.
+// Inverts each element on which the presence of later elements does not depend.
 TEST(HdrVividRead, eachElementHasItsFieldAndItsWidth) {
     const BitWriter layout = hdrVivid(everything());
     const Fields reference = fieldsOf(recordOf(everything()));
@@ -371,9 +372,9 @@ TEST(HdrVividRead, eachElementHasItsFieldAndItsWidth) {
     }
 }
 
-// --- Every combination of what may be there ---
+// --- Every combination of optional elements ---
 
-// All the ways to code one spline list: none, one of each mode, two of each pair of modes.
+// Calls use for every form of the spline list: none, one spline of each mode, two of each pair of modes.
 void forEachSplineList(HdrVividToneMappingSyntax mapping,
                        const std::function<void(const HdrVividToneMappingSyntax&)>& use) {
     mapping.three_Spline_enable_flag = 0;
@@ -495,8 +496,8 @@ TEST(HdrVividTruncation, theLastBitMayStandAnywhereInItsByte) {
     }
 }
 
-// The bits of the header that a cut loses are 0 up to the end of their byte: a code that is whole but for its
-// low bits is a foreign one, a code of which a byte is missing is cut off.
+// The payload is cut at a bit and padded with zero bits to a whole byte. A code of the header whose bytes are
+// all present but whose low bits are lost is a foreign code. A code that lacks a byte is truncated.
 TEST(HdrVividTruncation, headerCutAtEveryBit) {
     const struct {
         size_t lastCut;
@@ -516,8 +517,8 @@ TEST(HdrVividTruncation, headerCutAtEveryBit) {
     }
 }
 
-// Behind the header a cut turns the bits up to the end of its byte into zeros. What they still announce is
-// there, or the message is cut off.
+// The same cut after the header. The zero bits may code a shorter message that is complete; otherwise the
+// message is truncated.
 TEST(HdrVividTruncation, windowCutAtEveryBit) {
     HdrVividSyntax noToneMapping = everything();
     noToneMapping.tone_mapping_enable_mode_flag = 0;
@@ -550,7 +551,7 @@ TEST(HdrVividValues, pqCodes) {
     EXPECT_NEAR(qvHdrVividPq(3000), 0.7326007326, 1e-10);
 }
 
-// Points of the curve as ITU-R BT.2408 and BT.2100 give them.
+// Points of the curve from ITU-R BT.2408 and BT.2100.
 TEST(HdrVividValues, luminanceOfThePqRange) {
     EXPECT_EQ(qvPqToLuminance(0), 0);
     EXPECT_DOUBLE_EQ(qvPqToLuminance(1), 10000);

@@ -1,4 +1,4 @@
-// The side-data buffer: what is written, what is read back, what is refused.
+// The side-data buffer: writing, reading back, and rejecting invalid buffers.
 #include "QVSideData.h"
 
 #include <gtest/gtest.h>
@@ -26,7 +26,7 @@ Allocations allocations;
 
 }  // namespace
 
-// In place of the stand-alone core's, to see what is asked for and to refuse it.
+// Replaces the stand-alone core's qvMalloc, to record the requested sizes and to make allocations fail.
 extern "C" void* qvMalloc(size_t size) {
     ++allocations.count;
     allocations.lastSize = size;
@@ -82,7 +82,7 @@ std::vector<Item> valuesOf(const std::vector<QVSeiItem>& items) {
     return values;
 }
 
-// The items as records that point at the values' bytes.
+// Converts the items to records whose payload pointers point at the items' bytes.
 std::vector<QVSeiItem> recordsOf(std::vector<Item>& values) {
     static unsigned char nothing;
     std::vector<QVSeiItem> records;
@@ -97,7 +97,7 @@ std::vector<QVSeiItem> recordsOf(std::vector<Item>& values) {
 
 // --- Writing and reading ---
 
-// What createSideDataFromQVSeiInfo makes of a description of the items; empty when it makes nothing.
+// Returns the bytes that createSideDataFromQVSeiInfo makes from the items, or no bytes if it fails.
 Bytes serialisedRecords(const std::vector<QVSeiItem>& records) {
     QVSeiInfo* info = createQVSeiInfo(static_cast<uint32_t>(records.size()));
     EXPECT_NE(info, nullptr);
@@ -120,11 +120,11 @@ Bytes serialised(std::vector<Item> values) {
 
 struct Reading {
     QVSideDataStatus status;
-    bool isUntouched;  // the list still holds what it came with
+    bool isUntouched;  // the list was not changed
     std::vector<Item> items;
 };
 
-// Reads an exact-size copy into a list that holds something.
+// Reads an exact-size copy of the buffer into a list that is not empty.
 Reading reading(const Bytes& buffer) {
     unsigned char stale = 0x77;
     std::vector<QVSeiItem> items = {{QVCodecIDAvc, 99, 1, true, &stale}};
@@ -150,7 +150,7 @@ void expectRefused(const Bytes& buffer, QVSideDataStatus status) {
 
 // --- Damaging ---
 
-// CRC-32 of IEEE 802.3, bit by bit.
+// CRC-32 of IEEE 802.3, one bit at a time.
 uint32_t crc32(const Bytes& bytes, size_t size) {
     uint32_t crc = 0xFFFFFFFF;
     for (size_t i = 0; i < size; ++i) {
@@ -187,7 +187,7 @@ Bytes with32(Bytes bytes, size_t at, uint32_t value) {
     return withChecksum(bytes);
 }
 
-// Two items with two bytes and one, and an empty one between them: 16 + 18 + 16 + 17 + 4 bytes.
+// Two items with two bytes and one byte, with an empty item between them: 16 + 18 + 16 + 17 + 4 bytes.
 std::vector<Item> smallItems() {
     return {avc(5, false, {0xAA, 0xBB}), kEmptyItem, hevc(137, true, {0x01})};
 }
@@ -269,9 +269,9 @@ TEST_F(SideData, roundTrips) {
         {"H.265, requested", {hevc(132, true, countingBytes(17))}},
         {"any codec and type", {{UINT32_MAX, UINT32_MAX, true, true, {0x01}}, {0, 0, false, true, {0x02}}}},
         {"without payload", {kEmptyItem}},
-        {"without payload, between others", smallItems()},
+        {"no payload, between other items", smallItems()},
         {"only such", {kEmptyItem, kEmptyItem, kEmptyItem}},
-        {"a payload of no bytes", {hevc(5, true, {}), avc(5, false, {})}},
+        {"an empty payload", {hevc(5, true, {}), avc(5, false, {})}},
         {"the same twice", {avc(5, false, {0x01}), avc(5, false, {0x01})}},
         {"a large payload", {hevc(4, false, countingBytes(3000000)), avc(5, false, {0x01})}},
         {"many", many},
@@ -284,7 +284,7 @@ TEST_F(SideData, roundTrips) {
     }
 }
 
-// What an item without payload says otherwise is not carried.
+// The other fields of an item without a payload are not written.
 TEST_F(SideData, anItemWithoutPayloadIsEmpty) {
     const Bytes buffer = serialised({{26, 5, true, false, {0xAA, 0xBB}}, avc(1, false, {0x01})});
     expectRead(buffer, {kEmptyItem, avc(1, false, {0x01})});
@@ -326,7 +326,7 @@ TEST_F(SideData, thePayloadsStayWhoeversTheyAre) {
     ASSERT_NE(buffer, nullptr);
     EXPECT_EQ(info->itemCount, 3U);
     for (size_t i = 0; i < 3; ++i) {
-        EXPECT_EQ(info->items[i].payloadData, records[i].payloadData) << "the description is only read";
+        EXPECT_EQ(info->items[i].payloadData, records[i].payloadData) << "the description was changed";
     }
     freepQVSeiInfo(&info);
     EXPECT_EQ(info, nullptr);
@@ -344,7 +344,7 @@ TEST_F(SideData, releasingNothing) {
     EXPECT_EQ(buffer, nullptr);
 }
 
-// The way of an access unit: walked, packed, read.
+// The items of an SEI unit: walked, written to side data, read back.
 TEST_F(SideData, ofAWalkedUnit) {
     const Bytes unit = {0x06, 0x05, 0x02, 0x11, 0x22, 0xC8, 0x03, 0xAA, 0x00, 0x00, 0x80};
     std::vector<QVSeiItem> items;
@@ -375,12 +375,12 @@ TEST_F(SideData, ofNoItems) {
 
 // --- Writing fails ---
 
-// No payload byte is looked at: the address is none to read from.
+// An item whose payload must not be read: its address is invalid.
 QVSeiItem unreadable(uint32_t payloadSize) {
     return {QVCodecIDHevc, 4, payloadSize, false, reinterpret_cast<uint8_t*>(uintptr_t{1})};
 }
 
-// Bytes of a buffer around the payloads of its items.
+// Returns the size of a buffer without the payloads of its items.
 uint32_t overhead(uint32_t items) {
     return 20 + 16 * items;
 }
@@ -392,7 +392,7 @@ TEST_F(SideData, tooLargeForItsSize) {
         {unreadable(most)},
         {unreadable(UINT32_MAX)},
         {unreadable(most / 2), unreadable(most / 2)},
-        // 2^32 bytes of payload: nothing in 32 bits.
+        // 2^32 bytes of payload are 0 in 32 bits.
         {unreadable(0x80000000U), unreadable(0x80000000U)},
         std::vector<QVSeiItem>(16, unreadable(0xFFFFFFF0U)),
     };
@@ -409,7 +409,7 @@ TEST_F(SideData, withoutMemory) {
     EXPECT_EQ(allocations.lastSize, 71U);
     EXPECT_TRUE(serialised({}).empty());
     EXPECT_EQ(allocations.lastSize, 20U);
-    // The largest buffer is asked for.
+    // The largest possible buffer is requested.
     EXPECT_TRUE(serialisedRecords({unreadable(INT_MAX - overhead(1))}).empty());
     EXPECT_EQ(allocations.lastSize, size_t{INT_MAX});
     EXPECT_EQ(allocations.count, 3);
@@ -426,7 +426,7 @@ TEST_F(SideData, nullArgumentsOfTheWriter) {
     EXPECT_EQ(allocations.count, 0);
 }
 
-// --- Reading refuses ---
+// --- Rejected buffers ---
 
 TEST_F(SideData, noBuffer) {
     std::vector<QVSeiItem> items(2);
@@ -484,7 +484,7 @@ TEST_F(SideData, everyBitFlip) {
     }
 }
 
-// A changed head is refused for what it says also when its checksum is right.
+// A buffer with a changed header is rejected even if its checksum is correct.
 TEST_F(SideData, everyBitFlipOfTheHeadWithItsChecksum) {
     const Bytes whole = serialised(smallItems());
     for (size_t byte = 0; byte < kFirstItem; ++byte) {
@@ -508,22 +508,22 @@ TEST_F(SideData, brokenItems) {
         {"no item", kCountField, 0},
         {"one item too few", kCountField, 2},
         {"one item too many", kCountField, 4},
-        {"more items than there is room for", kCountField, 8},
-        {"items without number", kCountField, UINT32_MAX},
+        {"more items than can fit", kCountField, 8},
+        {"2^32 - 1 items", kCountField, UINT32_MAX},
         {"2^28 items, 0 bytes in 32 bits", kCountField, 1U << 28},
         {"one byte less", kFirstItem + 8, 1},
         {"one byte more", kFirstItem + 8, 3},
         {"no bytes", kFirstItem + 8, 0},
-        {"all the rest, no room for another item", kFirstItem + 8, 35},
-        {"all the rest and a byte of the checksum", kFirstItem + 8, 36},
-        {"all the rest and the checksum", kFirstItem + 8, 39},
-        {"and the checksum", kThirdItem + 8, 5},
-        {"and beyond the buffer", kThirdItem + 8, 6},
-        {"one byte less of the last", kThirdItem + 8, 0},
-        {"one byte more of the last", kThirdItem + 8, 2},
+        {"first item up to the checksum, no room for others", kFirstItem + 8, 35},
+        {"first item and one byte of the checksum", kFirstItem + 8, 36},
+        {"first item and the checksum", kFirstItem + 8, 39},
+        {"last item and the checksum", kThirdItem + 8, 5},
+        {"last item past the end of the buffer", kThirdItem + 8, 6},
+        {"last item, one byte less", kThirdItem + 8, 0},
+        {"last item, one byte more", kThirdItem + 8, 2},
         {"2^31 bytes", kThirdItem + 8, 0x80000000U},
         {"all bytes", kThirdItem + 8, UINT32_MAX},
-        {"so many that the end wraps in 32 bits", kThirdItem + 8, 0U - 66U},
+        {"a size whose end wraps in 32 bits", kThirdItem + 8, 0U - 66U},
         {"no flags", kFirstItem + 12, 0x00000000},
         {"requested, without payload", kFirstItem + 12, 0x01000000},
         {"flag 2", kFirstItem + 12, 0x06000000},
@@ -545,7 +545,7 @@ TEST_F(SideData, brokenItems) {
     }
 }
 
-// What may change, changes what is read.
+// Valid changes of a buffer change the items that are read.
 TEST_F(SideData, otherItems) {
     const Bytes whole = serialised(smallItems());
     std::vector<Item> items = smallItems();

@@ -52,7 +52,7 @@ TEST_F(StandaloneTrace, longLinesAreWhole) {
     EXPECT_EQ(GetCapturedStderr(), "[E] t f:1 g: " + text + "\n");
 }
 
-// Without the compiler's check of the format, which this text would not pass.
+// qvTraceLog without the compiler's format check, which would reject these calls.
 constexpr void (*kUncheckedTraceLog)(int, const char*, int, const char*, const char*, const char*,
                                      ...) = &qvTraceLog;
 

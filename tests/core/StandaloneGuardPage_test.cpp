@@ -1,5 +1,5 @@
-// What the stand-alone core reads of unknown origin, HDR Vivid payloads and side-data buffers, right ahead of
-// an inaccessible page and right behind one. Both have to come to the same.
+// The stand-alone core's readers of untrusted bytes: HDR Vivid payloads and side-data buffers. Each input is
+// read directly before an inaccessible page and directly after one. Both results must be the same.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -16,7 +16,7 @@ namespace {
 
 constexpr size_t kLongest = 4096;
 
-// Some bits flipped, and often cut short.
+// Flips some bits and often truncates the bytes.
 Bytes mutated(Random& random, Bytes bytes) {
     for (size_t flips = below(random, 6); flips > 0; --flips) {
         const size_t bit = below(random, bytes.size() * 8);
@@ -61,7 +61,7 @@ TEST(StandaloneGuardPage, hdrVivid) {
 Bytes writtenSideData() {
     Bytes payloads[] = {Bytes(1, 0x11), Bytes(40, 0x22), Bytes(300, 0x33)};
     QVSeiInfo* info = createQVSeiInfo(4);
-    for (size_t i = 0; i < 3; ++i) {  // the last one stays without a payload
+    for (size_t i = 0; i < 3; ++i) {  // the fourth item has no payload
         info->items[i] = {QVCodecIDAvc, 5, static_cast<uint32_t>(payloads[i].size()), false,
                           payloads[i].data()};
     }
@@ -73,7 +73,7 @@ Bytes writtenSideData() {
     return bytes;
 }
 
-// A size and a checksum that are right: what was changed between them is looked at.
+// Corrects the size and the checksum, so that the reader goes on to check the changed bytes between them.
 void seal(Bytes& bytes) {
     if (bytes.size() >= qv_side_data::kHeaderSize + qv_side_data::kChecksumSize) {
         qv_side_data::writeU32(bytes.data() + 8, static_cast<uint32_t>(bytes.size()));

@@ -1,6 +1,6 @@
-// Many threads on shared input in memory that cannot be written, each with records of its own, on the
-// stand-alone core: the same results as one thread gets, and whole lines in the log. The thread sanitizer's
-// preset runs this.
+// Many threads process shared input in read-only memory, each with its own records, on the stand-alone core.
+// They must get the same results as one thread and log whole lines. The thread sanitizer's preset runs this
+// test.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/mman.h>
@@ -29,7 +29,7 @@ int sizeOf(const Bytes& bytes) {
     return static_cast<int>(bytes.size());
 }
 
-// What a thread has for itself.
+// The records of one thread.
 struct Records {
     QVAvcSps avc{};
     QVHevcSps hevc{};
@@ -49,7 +49,7 @@ struct Records {
     }
 };
 
-// A file in memory that cannot be written.
+// A file in read-only memory.
 class Stream {
 public:
     Stream(const std::string& path, QVCodecID ofCodec) : codec(ofCodec) {
@@ -135,7 +135,7 @@ void reframe(const Stream& stream, std::ostream& text) {
     qvFree(again);
 }
 
-// All that the library says about a stream, as one text.
+// Returns all results of the library for a stream as one text.
 std::string analyse(const Stream& stream) {
     std::ostringstream text;
     text << QVNaluParser::isKeyFrame(stream.codec, stream.data(), stream.size()) << '\n';
@@ -162,7 +162,7 @@ void onThreads(const Work& work) {
     }
 }
 
-// The level that other tests of the program expect.
+// Restores the trace level that the other tests expect.
 class Threads : public ::testing::Test {
 protected:
     void TearDown() override { qvSetTraceLevel(QVTraceWarning); }
@@ -174,7 +174,7 @@ TEST_F(Threads, shareTheInput) {
                               Stream(QVNALU_BUNDLED_STREAMS_DIR "/hevc_mdcv_variants.h265", QVCodecIDHevc),
                               Stream(QVNALU_BUNDLED_STREAMS_DIR "/avc_afd.h264", QVCodecIDAvc),
                               Stream(QVNALU_BUNDLED_STREAMS_DIR "/avc_hrd_picstruct.h264", QVCodecIDAvc)};
-    // Ahead of any analysis: the first calls, which may set something up, are made on threads as well.
+    // No call is made before the threads start, so the library's first calls run concurrently too.
     std::vector<std::vector<std::string>> texts(kThreads);
     onThreads([&](int thread) {
         for (int round = 0; round < kRounds; ++round) {
@@ -213,7 +213,8 @@ TEST_F(Threads, logWholeLinesWhileTheLevelChanges) {
     EXPECT_EQ(count, kThreads * kLines);
 }
 
-// A broken sample is logged and dumped from each thread; lines of threads take turns, each stays whole.
+// Each thread logs and dumps a broken sample. Lines of different threads may alternate, but each line is
+// whole.
 TEST_F(Threads, logAndDumpBrokenSamples) {
     qvSetTraceLevel(QVTraceError);
     const Bytes broken = {0, 0, 0, 1, 0x65, 0, 0, 9, 9, 0x41};

@@ -1,5 +1,5 @@
-// A player with a core of its own that also links the stand-alone one for the rest. Overrides one function in
-// each group and lets its partners come from the stand-alone core.
+// A player that defines some platform functions itself and takes the rest from the stand-alone core. It
+// overrides one function of each group, so the others of that group come from the stand-alone core.
 #include <cstdio>
 #include <cstdlib>
 
@@ -49,7 +49,7 @@ int main() {
     bool isOk =
         check(QVNaluParser::connvertAvcCToAnnexB(sample, sizeof sample, 2, &annexB, annexBSize) == QVResultOk,
               "conversion failed");
-    qvFree(annexB);  // the stand-alone core's
+    qvFree(annexB);  // from the stand-alone core
 
     const unsigned char broken[] = {0x00, 0x09, 0x65, 0x88};
     annexB = nullptr;
@@ -57,7 +57,7 @@ int main() {
                       QVResultInvalidData,
                   "broken framing was accepted");
 
-    void* const plain = qvMalloc(8);  // the stand-alone core's
+    void* const plain = qvMalloc(8);  // from the stand-alone core
     isOk &= check(plain != nullptr, "qvMalloc failed");
     qvFree(plain);
 

@@ -1,10 +1,10 @@
 cmake_minimum_required(VERSION 3.22)
 
-# Each public header compiles by itself, and once more behind itself, without a warning.
+# Each public header compiles alone and when included twice, without warnings.
 set(folders ${ROOT}/modules/core ${ROOT}/modules/core/standalone ${ROOT}/modules/demuxer/low_level/common)
 set(flags -std=c++${STANDARD} -fsyntax-only -x c++ -Werror -Wall -Wextra -Wpedantic)
 if(COMPILER MATCHES "clang")
-  # Everything, but what older languages than these do not have, and gaps between the fields of records.
+  # All warnings except those about features that older language versions lack and about padding in records.
   list(APPEND flags -Weverything -Wno-c++98-compat -Wno-c++98-compat-pedantic -Wno-padded
     -Wno-unknown-warning-option -Wno-unsafe-buffer-usage)
 else()
@@ -25,7 +25,7 @@ if(count LESS 20)
 endif()
 set(failures "")
 foreach(header IN LISTS headers)
-  # Included, as by a user: compilers take some things in a main file that they warn of in a header.
+  # Included, as in a user's source: compilers accept some things in a main file that they warn about in a header.
   execute_process(COMMAND ${COMPILER} ${flags} -include ${header} -include ${header} /dev/null
                   ERROR_VARIABLE errors RESULT_VARIABLE result)
   if(NOT result EQUAL 0)

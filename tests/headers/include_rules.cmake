@@ -1,7 +1,7 @@
 cmake_minimum_required(VERSION 3.22)
 
-# The library includes its own headers, the contracts of modules/core and the standard library; nothing
-# outside it includes its detail/ folder, and it never includes anything of the stand-alone core.
+# The library includes only its own headers, the contracts of modules/core and the standard library, so nothing of the
+# stand-alone core. Nothing outside the library includes its detail/ folder.
 set(library ${ROOT}/modules/demuxer/low_level/common)
 set(failures "")
 

@@ -1,6 +1,6 @@
 cmake_minimum_required(VERSION 3.22)
 
-# The undefined symbols of the library are platform functions or the C++ runtime's, nothing more.
+# The library's only undefined symbols are the platform functions and the C++ runtime.
 execute_process(COMMAND ${NM} --undefined-only --extern-only --format=posix ${LIBRARY}
                 OUTPUT_VARIABLE undefined_output RESULT_VARIABLE undefined_result)
 execute_process(COMMAND ${NM} --defined-only --extern-only --format=posix ${LIBRARY}
@@ -22,7 +22,7 @@ set(platform
   _ZN10QVDumpData14dumpActualDataEPKcPKhi
   _ZN19qv_hdr_vivid_parser56fillHDRVividDynamicMetadataFromHevcUserDataRegisteredSeiERK9QVSeiItemP25QVHDRVividDynamicMetadata)
 set(runtime "^(_Z(nw|na|dl|da)|_ZSt|_ZNS[a-zA-Z]*|_ZNKS|_ZTV|_ZTI|__cxa_|__gxx_|_Unwind_|__stack_chk_fail)")
-# __cpu_model is what the compiler's runtime knows of the machine, __libc_single_threaded is shared_ptr's.
+# The compiler's runtime describes the processor in __cpu_model; shared_ptr uses __libc_single_threaded.
 set(c_library __cpu_model __libc_single_threaded __cpu_indicator_init malloc free memchr memcmp memcpy memmove memset snprintf __snprintf_chk abort
   _GLOBAL_OFFSET_TABLE_)
 

@@ -1,6 +1,6 @@
 cmake_minimum_required(VERSION 3.22)
 
-# Every place that has to name the version names VERSION, that of QVNaluVersion.h.
+# Every file that names the version names VERSION, the one in QVNaluVersion.h.
 string(REPLACE "." "\\." pattern "${VERSION}")
 set(debian/changelog "^qvnalu \\(${pattern}-[0-9]+\\) ")
 set(vcpkg/vcpkg.json "\"version-semver\": \"${pattern}\"")

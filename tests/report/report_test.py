@@ -20,18 +20,18 @@ PROGRAM, REPOSITORY = sys.argv[1], pathlib.Path(sys.argv[2])
 HDR10 = REPOSITORY / "samples/hevc_hdr10.h265"
 TIMED = REPOSITORY / "tests/streams/bundled/avc_hrd_picstruct.h264"  # by its VUI
 VIVID = REPOSITORY / "tests/streams/bundled/hevc_vivid_hand.h265"
-WHOLE_VIVID = 10  # of them, those that are not cut short
+WHOLE_VIVID = 10  # HDR Vivid messages that are not truncated
 HOSTILE_NAME = "<script>console.error(1)<!--\"'&\n.h264"
 
 
 def vivid_messages():
-    """Messages with the T.35 header of HDR Vivid, as the stream's expectations have them."""
+    """Number of messages with the T.35 header of HDR Vivid in the stream's expectations."""
     sei = json.loads(VIVID.with_name(VIVID.name + ".expect.json").read_text())["sei"]
     return json.dumps(sei["list"]).count('"2600040005')
 
 
 def listing(stream):
-    """(access units, keys, NAL units) as the listing has them."""
+    """(access units, key pictures, NAL units) of a stream, from the listing."""
     text = subprocess.run(
         [PROGRAM, "--level", "nalus", stream], check=True, capture_output=True, text=True
     ).stdout
@@ -127,7 +127,7 @@ class ReportTest(unittest.TestCase):
         return [float(number) for number in box.split()]
 
     def assert_quiet(self):
-        """No complaint in the console and nothing asked of any network."""
+        """The console has no messages, and nothing was requested from a network."""
         self.assertEqual(self.browser.get_log("browser"), [])
         requests = []
         for entry in self.browser.get_log("performance"):
@@ -266,7 +266,7 @@ class ReportTest(unittest.TestCase):
     def test_keyboard_walks_the_table(self):
         self.open("hdr10")
         self.browser.execute_script("document.querySelector('.units .scroll').focus()")
-        for _ in range(8):  # the heads; that of the time is not shown
+        for _ in range(8):  # the column heads; the time column is hidden
             self.press(Keys.TAB)
         focus = lambda: self.browser.switch_to.active_element
         self.assertEqual((focus().get_attribute("class"), focus().text), ("unit", "1"))
