@@ -1,5 +1,5 @@
-// The H.264 SEI payload parsers on the messages of real streams, against what libavcodec reads in them or,
-// where it reads nothing, against how the message was made.
+// Compares the H.264 SEI payload parsers with libavcodec on the messages of real streams. Messages that
+// libavcodec does not read are compared with the values they were made from.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -24,8 +24,8 @@ namespace {
 using nlohmann::json;
 
 struct Message {
-    Bytes payload;  // without emulation prevention
-    json fields;    // what libavcodec reads in it; empty when it does not know or accept the message
+    Bytes payload;  // without emulation prevention bytes
+    json fields;    // the fields that libavcodec reads; empty if it does not know or accept the message
 };
 
 Bytes bytesOfHex(const std::string& hex) {
@@ -36,7 +36,7 @@ Bytes bytesOfHex(const std::string& hex) {
     return bytes;
 }
 
-// Those that the expectation gives whole.
+// Returns the messages whose whole payload is in the expectation.
 std::vector<Message> messagesOf(const Stream& stream, int payloadType) {
     std::vector<Message> messages;
     for (const json& unit : stream.expectation.at("sei").at("list")) {
@@ -50,8 +50,8 @@ std::vector<Message> messagesOf(const Stream& stream, int payloadType) {
     return messages;
 }
 
-// The HRD and VUI values that the parsers read, as the caller of a player would fill them in. The streams
-// have one parameter set each, or none of these values.
+// Returns an SPS record with the HRD and VUI values that the SEI parsers use. The caller has to fill them in,
+// as the SPS parser does not. Each stream has one sequence parameter set, or none of these values.
 QVAvcSps hrdSps(const Stream& stream) {
     const json& syntax = stream.expectation.at("sps").at(0).at("syntax");
     QVAvcSps sps{};
@@ -66,13 +66,13 @@ QVAvcSps hrdSps(const Stream& stream) {
     return sps;
 }
 
-// A parser that accepts leaves nothing but the bits up to the next byte.
+// Checks that a parser that accepted a payload read all of it, up to fewer than 8 bits.
 void expectConsumed(const QVByteStream& stream) {
     EXPECT_LE(stream.bytePos * 8 + stream.bitOffset, stream.size * 8);
     EXPECT_GT(stream.bytePos * 8 + stream.bitOffset + 8, stream.size * 8);
 }
 
-// --- What libavcodec reads ---
+// --- Messages that libavcodec reads ---
 
 void compareBufferingPeriod(const Message& message, QVAvcSps& sps) {
     PayloadStream stream(message.payload);
@@ -88,7 +88,7 @@ void compareBufferingPeriod(const Message& message, QVAvcSps& sps) {
     expectConsumed(stream);
 }
 
-// None of the streams carries a clock timestamp.
+// None of the streams has clock timestamps.
 void comparePictureTiming(const Message& message, QVAvcSps& sps) {
     PayloadStream stream(message.payload);
     QVAvcSeiPictureTiming record{};
@@ -144,7 +144,7 @@ const std::map<int, std::function<void(const Message&, QVAvcSps&)>> kComparisons
 struct Folder {
     const char* name;
     std::filesystem::path path;
-    std::set<int> payloadTypes;  // of kComparisons, that its streams hold
+    std::set<int> payloadTypes;  // the types of kComparisons that occur in its streams
 };
 
 void PrintTo(const Folder& folder, std::ostream* out) {
@@ -161,7 +161,7 @@ protected:
         }
     }
 
-    // The picture timing parser tells what it found; nothing else is logged.
+    // Only the picture timing parser logs a line, which summarises what it read.
     static void expectOnlySummaries() {
         for (const LogLine& line : core().lines) {
             EXPECT_EQ(line.level, 3) << line.text;
@@ -199,7 +199,7 @@ INSTANTIATE_TEST_SUITE_P(, StreamAvcSei,
                                            Folder{"all", streamsFolder(), {0, 1, 6, 47, 147}}),
                          [](const auto& test) { return std::string(test.param.name); });
 
-// --- What libavcodec does not read: by the making of the stream ---
+// --- Messages that libavcodec does not read: compared with how they were made ---
 
 class NamedAvcSeiStream : public CoreTest {
 protected:
@@ -216,7 +216,7 @@ protected:
         const auto found = std::find_if(streams.begin(), streams.end(),
                                         [&](const Stream& stream) { return stream.name == name; });
         if (found == streams.end()) {
-            throw std::runtime_error("there is no stream " + name);
+            throw std::runtime_error("no stream " + name);
         }
         return *found;
     }
@@ -226,7 +226,7 @@ protected:
     }
 };
 
-// isValid, id, cancel flag, type, period, content interpretation, quincunx, current frame is frame 0
+// Fields: isValid, id, cancel flag, type, period, content interpretation, quincunx, current frame is frame 0.
 using FramePacking = QVAvcSeiFramePacking;
 
 constexpr FramePacking kSideBySide = {1, 0, 0, 3, 1, 1, 0, 0};
@@ -283,7 +283,7 @@ TEST_F(NamedAvcSeiStream, framePacking) {
     expectNoLines();
 }
 
-// The encoder writes one arrangement more into each message: six bytes, twelve, and so on. The syntax has
+// The encoder writes one more arrangement into each message: 6 bytes, then 12, and so on. The syntax allows
 // one.
 TEST_F(NamedAvcSeiStream, framePackingWithMoreBehindIt) {
     const std::vector<Message> messages = messagesOf("avc_jm_sei_vui.h264", 45);
@@ -320,7 +320,7 @@ TEST_F(NamedAvcSeiStream, greenMetadata) {
     expectNoLines();
 }
 
-// libavcodec refuses the message as well.
+// libavcodec rejects the message too.
 TEST_F(NamedAvcSeiStream, recoveryPointOutOfRange) {
     const std::vector<Message> messages = messagesOf("avc_recovery_variants.h264", 6);
     ASSERT_EQ(messages.size(), 6U);
@@ -370,8 +370,8 @@ TEST_F(NamedAvcSeiStream, captionsAreWalkedToTheirEnd) {
 }
 
 TEST_F(NamedAvcSeiStream, D18_captionVariants) {
-    // Twenty constructs; none: no marker_bits are skipped; process_cc_data_flag 0; provider code 0x002F;
-    // country code extension; bar data; two captions and an active format.
+    // Twenty constructs; none, where marker_bits are not skipped; process_cc_data_flag 0; provider code
+    // 0x002F; country code extension; bar data; two captions and an active format.
     const struct {
         size_t size;
         uint64_t bitsConsumed;
@@ -423,7 +423,7 @@ TEST_F(NamedAvcSeiStream, activeFormats) {
     EXPECT_EQ(decoded.at("side_data_first").at("Active format description").at("active_format"), formats[0]);
 }
 
-// The messages that the maker cut behind the identifier and behind active_format_flag.
+// Messages that were truncated by hand after the identifier and after active_format_flag.
 TEST_F(NamedAvcSeiStream, activeFormatsCutShort) {
     const std::vector<Message> messages = messagesOf("avc_afd.h264", 4);
     ASSERT_EQ(messages.size(), 23U);
@@ -449,8 +449,8 @@ TEST_F(NamedAvcSeiStream, userDataOfOtherProvidersIsPassedOver) {
     expectNoLines();
 }
 
-// H.264 D.1.6 allows a payload of any size to another provider; here one without room for an identifier is an
-// error.
+// H.264 D.1.6 lets other providers use payloads of any size. The parser rejects one that is too short for an
+// identifier.
 TEST_F(NamedAvcSeiStream, userDataOfAnotherProviderWithoutRoomForAnIdentifierIsRefused) {
     const std::vector<Message> messages = messagesOf("avc_hdr_sei_hand.h264", 4);
     ASSERT_EQ(messages.size(), 10U);

@@ -1,4 +1,4 @@
-// The framing operations on real streams, against what other tools found in them.
+// Compares the framing operations with the results of other tools on real streams.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -22,13 +22,13 @@ int sizeOf(const Bytes& bytes) {
     return static_cast<int>(bytes.size());
 }
 
-// nal_unit_type as H.264 7.3.1 and H.265 7.3.1.2 lay it out, forbidden_zero_bit or not.
+// Returns nal_unit_type (H.264 7.3.1, H.265 7.3.1.2) whatever forbidden_zero_bit is.
 int typeOf(QVCodecID codec, uint8_t firstByte) {
     return codec == QVCodecIDAvc ? firstByte % 32 : firstByte / 2 % 64;
 }
 
-// What the tools list of a unit: [..., type, nal_ref_idc] of H.264, [..., type, nuh_layer_id, temporal_id]
-// of H.265.
+// row is the tools' row for a unit: [..., type, nal_ref_idc] for H.264, [..., type, nuh_layer_id,
+// temporal_id] for H.265.
 bool isNonReference(QVCodecID codec, const json& row, size_t typeColumn) {
     static const std::set<int> hevcNonReferenceTypes = {0, 2, 4, 6, 8, 10, 12, 14};
     const int type = row[typeColumn];
@@ -42,8 +42,9 @@ bool holdsKeyUnit(const json& types) {
                        [](const json& type) { return keyUnitTypes.count(type.get<int>()) == 1; });
 }
 
-// What is to be found in a sample with 4-byte lengths. A first unit of 1 or of 256 to 511 bytes has a length
-// that reads as a start code, 00 00 00 01 or 00 00 01 xx, and the sample is searched as a byte stream then.
+// Returns the expected result for a sample with 4-byte lengths. If the first unit has 1 or 256 to 511 bytes,
+// its length looks like a start code, 00 00 00 01 or 00 00 01 xx, and the sample is searched as a byte
+// stream.
 bool isKeySample(QVCodecID codec, const Bytes& sample, const json& types) {
     return referenceIsAnnexB(sample) ? referenceIsKeyFrame(codec, sample) : holdsKeyUnit(types);
 }
@@ -51,7 +52,7 @@ bool isKeySample(QVCodecID codec, const Bytes& sample, const json& types) {
 struct Packet {
     const unsigned char* data;
     int size;
-    json types;  // of its units
+    json types;  // the types of its units
 };
 
 std::vector<Packet> packetsOf(const Stream& stream) {
@@ -68,7 +69,7 @@ std::vector<Packet> packetsOf(const Stream& stream) {
 
 class StreamFraming : public StreamFolderTest<CoreTest> {
 protected:
-    // Calls check with each stream of that framing.
+    // Calls check for each stream with that framing.
     template <typename Check>
     static void forEachStream(const std::string& framing, Check check) {
         const std::vector<Stream> streams = streamsIn(GetParam().path, framing);
@@ -151,7 +152,7 @@ TEST_P(StreamFraming, typedUnitsOfAByteStream) {
         size_t next = 0;
         for (size_t i = 0; i < expected.at("total"); ++i) {
             if (std::find(forbidden.begin(), forbidden.end(), i) != forbidden.end()) {
-                continue;  // listed by the tools, left out by the typing
+                continue;  // the tools list it, parserDataToNaluType does not
             }
             ASSERT_LT(next, infos.size());
             const Info& info = infos[next++];
@@ -259,7 +260,7 @@ TEST_P(StreamFraming, lengthPrefixedSamplesReframed) {
     });
 }
 
-// With the lengths that isKeyFrame reads, whatever the container's own.
+// Uses 4-byte lengths, which isKeyFrame reads, whatever the container's length size is.
 TEST_P(StreamFraming, keyFramesOfLengthPrefixedSamples) {
     forEachStream("length-prefixed", [](const Stream& stream) {
         for (const Packet& packet : packetsOf(stream)) {

@@ -1,5 +1,5 @@
-// Real streams, whole and unit by unit, between inaccessible pages: every operation on them, and framing
-// against the slow references. Then what fuzzing begins with of each.
+// Runs every operation on real streams, whole and unit by unit, between inaccessible pages, and compares
+// framing with the slow references. Then does the same with the fuzzing seeds made from each stream.
 #include <gtest/gtest.h>
 
 #include <random>

@@ -1,5 +1,5 @@
-// The stand-alone core's HDR Vivid parser on real streams, against what libavcodec's decoder attaches to
-// frames and against how the messages were made.
+// Compares the stand-alone core's HDR Vivid parser with the side data of libavcodec's decoded frames, and
+// with the values the messages were made from.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -47,7 +47,7 @@ QVHDRVividDynamicMetadata metadataOf(const Bytes& payload) {
     return metadata;
 }
 
-// "numerator/denominator"
+// Converts "numerator/denominator" to a value.
 double fraction(const json& text) {
     const std::string value = text;
     const size_t slash = value.find('/');
@@ -68,8 +68,8 @@ void expectBase(const QVHDRVividToneMapping& mapping, const json& decoded) {
     EXPECT_DOUBLE_EQ(qvHdrVividDelta(mapping), fraction(decoded.at("base_param_Delta")));
 }
 
-// The decoder has room for one spline: it reports the last one, with the TH_enable_MB of the last one that
-// carried it. Its Deltas are codes over 1023, without the factor of 0.25.
+// The decoder stores one spline. It reports the last one, with the last TH_enable_MB that was present. Its
+// deltas are codes over 1023, without the factor 0.25.
 void expectSplines(const QVHDRVividToneMapping& mapping, const json& decoded) {
     EXPECT_EQ(mapping.three_Spline_enable_flag, decoded.at("3Spline_enable_flag"));
     ASSERT_EQ(mapping.numSplines, decoded.at("3Spline_num"));
@@ -98,7 +98,7 @@ void expectDecoded(const QVHDRVividDynamicMetadata& metadata, const json& decode
     EXPECT_EQ(metadata.color_saturation_enable_num, decoded.value("color_saturation_num", 0));
 }
 
-// One set and one gain: of several the printout keeps the last.
+// Compares one tone mapping and one gain. If there are several, the decoder prints only the last.
 void expectDecodedMappings(const QVHDRVividDynamicMetadata& metadata, const json& decoded) {
     ASSERT_EQ(metadata.numToneMappings, 1U);
     EXPECT_DOUBLE_EQ(qvHdrVividPq(metadata.toneMappings[0].targeted_system_display_maximum_luminance_pq),
@@ -136,8 +136,9 @@ TEST_F(StreamHdrVivid, theFirstFrameAsDecoded) {
     EXPECT_EQ(withoutMappings, (std::set<std::string>{"hevc_emulation.h265"}));
 }
 
-// How the pictures of hevc_vivid_hand and hevc_vivid_hdr10plus_a53_hand were marked, by number: the range
-// moves, the splines are there for the first ones, the tone mapping is not for the last ones.
+// Returns the metadata that was written for a picture of hevc_vivid_hand and hevc_vivid_hdr10plus_a53_hand.
+// The range changes with the picture's number. The first pictures have splines, the last ones have no tone
+// mapping.
 HdrVividSyntax markOf(uint32_t picture, bool hasToneMapping, bool hasSplines) {
     HdrVividSyntax syntax;
     syntax.minimum_maxrgb_pq = 10 + picture;
@@ -189,7 +190,7 @@ TEST_F(StreamHdrVivid, everyPictureAmongOtherUserDataAsMarked) {
     }
 }
 
-// Messages of other makes, and Vivid ones that end in their header.
+// Messages of other kinds, and HDR Vivid messages that end within their header.
 TEST_F(StreamHdrVivid, otherMessagesAreRefused) {
     std::set<int> statuses;
     for (const HevcStream& stream : hevcStreamsWith(4)) {

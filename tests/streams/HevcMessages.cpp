@@ -11,7 +11,7 @@ namespace {
 
 using nlohmann::json;
 
-// Up to the dots that stand for the rest of a long payload.
+// Converts hexadecimal digits to bytes. Dots mark the omitted rest of a long payload.
 Bytes bytesOfHex(const std::string& hex) {
     Bytes bytes;
     for (size_t i = 0; i < hex.size() && hex[i] != '.'; i += 2) {

@@ -1,4 +1,4 @@
-// The SEI messages of the H.265 streams, as independent tools found them.
+// The SEI messages of the H.265 streams, as read by independent tools.
 #ifndef QV_TESTS_HEVCMESSAGES_H
 #define QV_TESTS_HEVCMESSAGES_H
 
@@ -12,23 +12,23 @@ namespace qv_test {
 
 struct HevcMessage {
     std::string hex;
-    Bytes payload;          // without emulation prevention; its first 96 bytes when it is longer
+    Bytes payload;          // without emulation prevention bytes; at most the first 96 bytes
     int payloadSize;        // in bytes, as coded
-    nlohmann::json fields;  // what libavcodec reads of it; null when it reads nothing
+    nlohmann::json fields;  // the fields that libavcodec reads; null if it does not read the message
 };
 
 struct HevcStream {
     std::string name;
-    std::vector<HevcMessage> messages;  // those of the type that was asked for
-    nlohmann::json sps;                 // the syntax elements of the first parameter set
-    nlohmann::json sideData;            // what libavcodec's decoder attached to frames, first of each kind
+    std::vector<HevcMessage> messages;  // the messages of the requested type
+    nlohmann::json sps;                 // the syntax elements of the first sequence parameter set
+    nlohmann::json sideData;            // the side data of libavcodec's decoded frames, first of each kind
     nlohmann::json sideDataCounts;
 };
 
-// The streams of the folder that have messages of that type. Throws when there are none.
+// Returns the streams of the folder that have messages of payloadType. Throws if there are none.
 std::vector<HevcStream> hevcStreamsWith(int payloadType);
 
-// One of them. Throws when it is not there.
+// Returns the stream of that name. Throws if it is missing or has no messages of payloadType.
 HevcStream hevcStreamWith(int payloadType, const std::string& name);
 
 }  // namespace qv_test

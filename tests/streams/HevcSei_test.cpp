@@ -1,6 +1,6 @@
-// The H.265 SEI payload parsers on the messages of real streams, against what libavcodec reads of them and
-// attaches to the frames that it decodes. Where a parser keeps other values than the standard's by design,
-// the test says so.
+// Compares the H.265 SEI payload parsers with libavcodec on the messages of real streams: with the fields it
+// reads and with the side data of decoded frames. A test notes where a parser departs from the standard by
+// design.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -31,7 +31,7 @@ protected:
         }
     }
 
-    // Calls check with each message of the type and with its stream.
+    // Calls check for each message of payloadType, with its stream.
     template <typename Check>
     static void forEachMessage(int payloadType, Check check) {
         for (const HevcStream& stream : hevcStreamsWith(payloadType)) {
@@ -47,7 +47,7 @@ uint64_t bitsOf(const HevcMessage& message) {
     return message.payload.size() * 8;
 }
 
-// The numerator of "numerator/denominator".
+// Returns the numerator of "numerator/denominator".
 uint32_t numeratorOver(const std::string& denominator, const json& fraction) {
     const std::string text = fraction;
     const size_t slash = text.find('/');
@@ -80,7 +80,7 @@ Fields withoutIsValid(const QVHevcSeiMasteringDisplay& record) {
     return fields;
 }
 
-// A payload of fewer than 24 bytes is nothing to libavcodec. Here it is one filled up with zero bytes.
+// libavcodec ignores a payload of fewer than 24 bytes. The parser reads it as if zero bytes followed.
 TEST_F(StreamHevcSei, D19_masteringDisplay) {
     size_t shortPayloads = 0;
     forEachMessage(137, [&](const HevcMessage& message, const HevcStream& /*stream*/) {
@@ -99,11 +99,11 @@ TEST_F(StreamHevcSei, D19_masteringDisplay) {
             EXPECT_EQ(value, message.fields.at(name)) << name;
         }
     });
-    EXPECT_EQ(shortPayloads, 1U) << "the half payload of hevc_mdcv_variants";
+    EXPECT_EQ(shortPayloads, 1U) << "the truncated payload of hevc_mdcv_variants";
     expectNoLines();
 }
 
-// The decoder names the primaries by colour: bitstream order is green, blue, red.
+// The decoder names the primaries by colour. Their order in the bitstream is green, blue, red.
 TEST_F(StreamHevcSei, masteringDisplayOfTheDecodedFrames) {
     size_t compared = 0;
     for (const HevcStream& stream : hevcStreamsWith(137)) {
@@ -154,7 +154,7 @@ TEST_F(StreamHevcSei, D19_contentLight) {
         EXPECT_EQ(record.max_content_light_level, message.fields.at("max_content_light_level"));
         EXPECT_EQ(record.max_pic_average_light_level, message.fields.at("max_pic_average_light_level"));
     });
-    EXPECT_EQ(shortPayloads, 1U) << "the half payload of hevc_mdcv_variants";
+    EXPECT_EQ(shortPayloads, 1U) << "the truncated payload of hevc_mdcv_variants";
     expectNoLines();
 }
 
@@ -181,7 +181,7 @@ TEST_F(StreamHevcSei, alternativeTransfer) {
     forEachMessage(147, [&](const HevcMessage& message, const HevcStream& /*stream*/) {
         PayloadStream stream(message.payload);
         const auto parsed = parse(&QVNaluParser::parserHevcAlternativeTransfer, stream, message.payloadSize);
-        // An empty payload is nothing to libavcodec and the code 0 here.
+        // libavcodec ignores an empty payload. The parser reads the code 0.
         EXPECT_EQ(message.fields.is_null(), message.payload.empty());
         const uint32_t code = message.fields.is_null()
                                   ? 0
@@ -237,7 +237,8 @@ void expectHash(const HevcMessage& message) {
         EXPECT_EQ(hash_type, message.fields.at("hash_type"));
     }
     if (hash_type == 0) {
-        // Digest bytes that the payload does not have, as those of a monochrome picture, are zeros.
+        // Digest bytes past the payload are read as zeros. A monochrome picture has only one component's
+        // digest.
         Bytes digests(message.payload.begin() + 1, message.payload.end());
         digests.resize(48);
         for (size_t i = 0; i < 48; ++i) {
@@ -245,7 +246,8 @@ void expectHash(const HevcMessage& message) {
         }
         expected.md5Present = 1;
     }
-    // One message of hevc_emulation has a byte behind its CRC; those of monochrome pictures are short.
+    // One message of hevc_emulation has an extra byte after its CRC. Messages of monochrome pictures are
+    // shorter.
     const std::map<int, uint64_t> sizes = {{0, 49}, {1, 7}, {2, 13}};
     const auto size = sizes.find(hash_type);
     const uint64_t end = size == sizes.end() ? 8 : std::min(size->second * 8, bitsOf(message));
@@ -255,7 +257,7 @@ void expectHash(const HevcMessage& message) {
 }
 
 TEST_F(StreamHevcSei, D20_pictureHash) {
-    std::map<std::pair<int, size_t>, int> kinds;  // by hash_type and payload size
+    std::map<std::pair<int, size_t>, int> kinds;  // number of messages by hash_type and payload size
     forEachMessage(132, [&](const HevcMessage& message, const HevcStream& /*stream*/) {
         expectHash(message);
         ++kinds[{message.payload.at(0), message.payload.size()}];
@@ -322,11 +324,11 @@ HevcFramePackingSyntax withoutGrid(HevcFramePackingSyntax syntax) {
     return syntax;
 }
 
-// libavcodec does not read this message. What it holds is what its encoder was told.
+// libavcodec does not read this message, so it is compared with the settings of its encoder.
 TEST_F(StreamHevcSei, framePacking) {
     HevcFramePackingSyntax cancellation;
     cancellation.frame_packing_arrangement_cancel_flag = 1;
-    const HevcFramePackingSyntax told[] = {
+    const HevcFramePackingSyntax settings[] = {
         arrangement(0, 3, 0, 1, 0),
         arrangement(0, 4, 0, 1, 0),
         arrangement(0, 5, 0, 1, 0),
@@ -339,13 +341,13 @@ TEST_F(StreamHevcSei, framePacking) {
         arrangement(2, 5, 0, 0, 0),
     };
     std::map<Bytes, HevcFramePackingSyntax> byPayload;
-    for (const HevcFramePackingSyntax& syntax : told) {
+    for (const HevcFramePackingSyntax& syntax : settings) {
         BitWriter coded = hevcSei(syntax);
         byPayload[coded.bitCount() % 8 == 0 ? coded.bytes() : coded.trailingBits().bytes()] = syntax;
     }
     std::set<Bytes> seen;
     forEachMessage(45, [&](const HevcMessage& message, const HevcStream& /*stream*/) {
-        ASSERT_EQ(byPayload.count(message.payload), 1U) << "no encoder was told that";
+        ASSERT_EQ(byPayload.count(message.payload), 1U) << "not one of the encoders' settings";
         const HevcFramePackingSyntax& syntax = byPayload[message.payload];
         QVHevcSeiFramePacking expected = patternRecord<QVHevcSeiFramePacking>();
         expected.isValid = 0;
@@ -358,7 +360,7 @@ TEST_F(StreamHevcSei, framePacking) {
                      atBit(hevcSei(syntax).bitCount()));
         seen.insert(message.payload);
     });
-    EXPECT_EQ(seen.size(), std::size(told));
+    EXPECT_EQ(seen.size(), std::size(settings));
     expectNoLines();
 }
 
@@ -426,13 +428,13 @@ void expectUserData(const HevcMessage& message, int result, uint64_t bit,
     }
 }
 
-// Captions and dynamic metadata of two makes: whole payloads. What is too short for a T.35 header with an
-// identifier is refused.
+// Captions and two kinds of dynamic metadata, with whole payloads. A payload too short for a T.35 header and
+// an identifier is rejected.
 TEST_F(StreamHevcSei, registeredUserData) {
     std::set<std::string> kinds;
     for (const HevcStream& stream : hevcStreamsWith(4)) {
         if (stream.name == "hevc_a53_variants.h265") {
-            continue;  // has a test of its own
+            continue;  // has its own test
         }
         for (const HevcMessage& message : stream.messages) {
             SCOPED_TRACE(stream.name + ": " + message.hex);
@@ -448,8 +450,8 @@ TEST_F(StreamHevcSei, registeredUserData) {
     EXPECT_EQ(kinds, (std::set<std::string>{"short", "26000400", "b5003147", "b5003c00"}));
 }
 
-// D18: the decoder attaches captions to two frames alone; another provider, and an extended country code, are
-// captions here too.
+// D18: libavcodec attaches captions to only two frames. The parser also accepts captions of another provider
+// and of an extended country code.
 TEST_F(StreamHevcSei, D18_captionVariants) {
     const HevcStream stream = hevcStreamWith(4, "hevc_a53_variants.h265");
     EXPECT_EQ(stream.sideDataCounts.at("ATSC A53 Part 4 Closed Captions"), 2);
@@ -463,14 +465,14 @@ TEST_F(StreamHevcSei, D18_captionVariants) {
         {"20 constructs", 71, 0, 71 * 8, {}},
         {"no construct", 11, 0, 10 * 8, {}},
         {"not to be processed", 17, 0, 8 * 8 + 2, {}},
-        {"31 constructs, of which 96 bytes are listed", 104, 0, 96 * 8, {}},
+        {"31 constructs, 96 bytes in the expectation", 104, 0, 96 * 8, {}},
         {"another provider", 17, 0, 17 * 8, {}},
         {"an extended country code", 18, 0, 18 * 8, {}},
         {"bar data", 13, 0, 13 * 8, {}},
         {"active format description", 9, 0, 9 * 8, {}},
-        {"nothing behind GA94", 7, 11000001, 7 * 8, {kNoCaptions}},
-        {"nothing behind GA94", 7, 11000001, 7 * 8, {kNoCaptions}},
-        {"two bytes behind GA94", 9, 11000001, 7 * 8, {kNoCaptions}},
+        {"nothing after GA94", 7, 11000001, 7 * 8, {kNoCaptions}},
+        {"nothing after GA94", 7, 11000001, 7 * 8, {kNoCaptions}},
+        {"two bytes after GA94", 9, 11000001, 7 * 8, {kNoCaptions}},
         {"another message of six bytes", 6, 11000001, 0, {kNoHeader}},
     };
     ASSERT_EQ(stream.messages.size(), std::size(rows));

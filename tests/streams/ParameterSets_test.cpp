@@ -1,7 +1,7 @@
-// The sequence parameter sets of real streams, against what independent tools read in them.
+// Compares the sequence parameter sets of real streams with the results of independent tools.
 //
-// Every difference is a registered departure of a stream that is named here. The comparison is left as a
-// table in the build directory.
+// Every difference must be a listed departure in a stream that is named here. The test writes the comparison
+// as a table into the build directory.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -33,7 +33,7 @@ Bytes bytesOf(const std::string& hex) {
     return bytes;
 }
 
-// --- What the tools say, as a record ---
+// --- The tools' results as a record ---
 
 int32_t valueOf(const json& syntax, const std::string& element) {
     return syntax.at(element).get<int32_t>();
@@ -77,7 +77,7 @@ void storePoc(const json& syntax, QVAvcSps& record) {
     }
 }
 
-// Up to and including separate_colour_plane_flag.
+// Returns the record up to and including separate_colour_plane_flag.
 QVAvcSps avcHead(const json& sps) {
     const json& syntax = sps.at("syntax");
     QVAvcSps record = avcSpsBehind(AvcSpsStep::Head);
@@ -156,7 +156,7 @@ QVHevcSps hevcRecord(const json& sps) {
 
 // --- The table ---
 
-// What a player asks of a parameter set.
+// The values of a parameter set that a player uses.
 struct Summary {
     int codedWidth, codedHeight, width, height;
     std::string profileAndLevel;
@@ -227,8 +227,8 @@ public:
 
     void writeTo(const std::string& path) const {
         std::ofstream file(path);
-        file << "stream | as parsed: coded -> displayed size, profile and level, bit depth, POC type | "
-                "as the tools say | difference\n"
+        file << "stream | parsed: coded -> displayed size, profile and level, bit depth, POC type | "
+                "tools | difference\n"
              << lines_ << "\n";
         for (const auto& [verdict, count] : counts_) {
             file << count << " " << verdict << "\n";
@@ -248,7 +248,7 @@ private:
 
 // --- The comparison ---
 
-// The streams whose parameter sets the parser reads differently, by design.
+// The streams whose parameter sets the parser reads differently by design.
 const std::map<std::string, std::string> kDepartures = {
     {"avc_jm_444_sep.h264", "D11"},
 };
@@ -274,7 +274,7 @@ void ParameterSets::checkSeparatePlanes(const json& sps, bool isAccepted, const 
                           "parseAvcCDecoderSps, separate color planes are not supported\n")});
 }
 
-// What a media player's demuxer found, where the file has but one parameter set for it.
+// Compares with ffprobe's values, if the file has only one parameter set.
 void ParameterSets::checkPlayerValues(const Stream& stream, int width, int height, int level) {
     const json& probed = stream.expectation.at("ffprobe_stream");
     const bool isUnknown = probed.at("width") == 0;
@@ -298,7 +298,7 @@ void ParameterSets::checkAvc(const Stream& stream, const json& sps, Table& table
         return;
     }
     EXPECT_TRUE(isAccepted);
-    // Not one of these has an emulation prevention byte ahead of its VUI (D06).
+    // None of these has an emulation prevention byte before its VUI (D06).
     EXPECT_TRUE(sameAvcSps(record, avcRecord(sps)));
     checkPlayerValues(stream, record.width, record.height, record.level_idc);
     const std::string parsed = textOf(summaryOf(record));
@@ -357,12 +357,12 @@ TEST_P(ParameterSets, readAsTheToolsReadThem) {
 
 INSTANTIATE_TEST_SUITE_P(From, ParameterSets, everyStreamFolder(), nameOf);
 
-// --- A few real parameter sets that are always there ---
+// --- Real parameter sets that need no stream folder ---
 
 struct RealSet {
     const char* name;
     const char* hex;
-    const char* line;     // the last one logged
+    const char* line;     // the last line logged
     const char* summary;  // as in the table
 };
 
@@ -445,7 +445,7 @@ TEST_P(RealHevcSet, isReadAsTheToolsReadIt) {
 INSTANTIATE_TEST_SUITE_P(Real, RealHevcSet, ::testing::ValuesIn(kHevcSets),
                          [](const auto& set) { return std::string(set.param.name); });
 
-// Parameter sets of an extension layer, which the tools leave alone: nuh_layer_id makes no difference.
+// Parameter sets of an extension layer, which the tools do not read. nuh_layer_id must not change the result.
 class RealHevcExtension : public HevcSpsTest {
 protected:
     void expectReadAsABaseLayer(const std::string& hex) {
@@ -464,7 +464,7 @@ TEST_F(RealHevcExtension, ofAnAlphaLayer) {
     EXPECT_EQ(textOf(summaryOf(sps, "")), "192x96 -> 192x96, , 10 bit");
 }
 
-// Without a profile_tier_level(): what is read has no meaning, but it is read.
+// This set has no profile_tier_level(). The parser does not know that: the values it reads have no meaning.
 TEST_F(RealHevcExtension, ofASecondView) {
     expectReadAsABaseLayer("42090e85924cae005030");
     EXPECT_EQ(sps.sps_max_sub_layers_minus1, 7);

@@ -1,7 +1,7 @@
-// The SEI items of real streams, against the messages that other tools found in them.
+// Compares the SEI items of real streams with the messages that other tools found.
 //
-// Each SEI unit is walked twice: with no type requested, and with every type that the stream holds. Every
-// difference from the messages of the tools is one that is named here.
+// Each SEI unit is walked twice: with no type requested, and with every type of the stream requested. Every
+// difference from the tools' messages must be listed here.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -37,19 +37,19 @@ constexpr unsigned kPictureHash = 132;
 
 enum class Pass { NothingRequested, AllRequested };
 
-// A walk that ends early, or goes on in the wrong place, and keeps the first few items alone.
+// A walk that ends early, or continues at a wrong position, and keeps only the first itemsKept items.
 struct Difference {
     std::string stream;
     std::vector<int> units;
     std::vector<Pass> passes;
     size_t itemsKept;
     int result;
-    std::string line;  // what the one log line begins with; empty: there is none
+    std::string line;  // the beginning of the only log line; empty: nothing is logged
 };
 
 const std::vector<Pass> kBoth = {Pass::NothingRequested, Pass::AllRequested};
 
-// Hand-made messages that their parser refuses; the walk ends with them.
+// Hand-made messages that their parser rejects. The walk ends there.
 const Difference kRefusedByTheirParser[] = {
     {"avc_afd.h264", {47}, kBoth, 0, 11000001, "parserAvcRegisteredUserData afd: size:-1 error.\n"},
     {"avc_afd.h264", {49}, kBoth, 0, 11000001, "parserAvcRegisteredUserData afd: size:-1 error 2.\n"},
@@ -75,14 +75,14 @@ const Difference kEmptyCaptures[] = {
      ""},
 };
 
-// A message of type 128 behind another one is taken for the trailing bits of H.264.
+// A message of type 128 after another message is treated as the trailing bits of H.264.
 const Difference kType128[] = {
     {"avc_multi_message.h264", {16}, {Pass::NothingRequested}, 0, 0, ""},
     {"avc_multi_message.h264", {16}, {Pass::AllRequested}, 2, 0, ""},
 };
 
-// The size of an H.264 message that is parsed or skipped counts the emulation prevention bytes in it: the
-// next header is looked for too early.
+// The walk skips payloadSize coded bytes of an H.264 message that it parses or skips, although payloadSize
+// does not count emulation prevention bytes. So it looks for the next header too early.
 const Difference kEmulationPrevention[] = {
     {"avc_emulation.h264",
      {17},
@@ -123,7 +123,7 @@ const Difference kEmulationPrevention[] = {
      "parserPayloadParams SEI type 50 size 144 truncated at 27\n"},
 };
 
-// By stream, unit and pass.
+// Key: stream, unit and pass.
 using Differences = std::map<std::tuple<std::string, int, Pass>, const Difference*>;
 
 template <size_t Count>
@@ -146,9 +146,9 @@ Differences allDifferences() {
     return all;
 }
 
-// --- Items and messages as text, so that they compare ---
+// --- Items and messages as comparable text ---
 
-// As the expectations write payloads: the first 96 bytes, and a digest of longer ones.
+// Formats a payload as the expectations do: the first 96 bytes, and a digest if it is longer.
 std::string payloadText(const Bytes& payload) {
     constexpr size_t kShown = 96;
     static const char* const kDigits = "0123456789abcdef";
@@ -172,7 +172,7 @@ std::string itemText(unsigned type, bool isRequested, size_t size, const std::st
 
 using ItemTexts = std::vector<std::string>;
 
-// --- What becomes of the messages of a unit ---
+// --- How the messages of a unit are treated ---
 
 enum class Treatment { Parsed, Captured, OnRequest };
 
@@ -191,7 +191,7 @@ Treatment treatmentOf(int nalType, unsigned payloadType) {
                                                                                        : Treatment::OnRequest;
 }
 
-// The orientation of an H.265 unit reaches the player as text.
+// The display orientation of an H.265 unit is kept as text.
 std::string orientationText(const json& fields) {
     const std::string text =
         "HevcSeiDisplayOrientationInfo: hflip:" + std::to_string(fields.at("hor_flip").get<int>()) +
@@ -201,10 +201,10 @@ std::string orientationText(const json& fields) {
     return itemText(kDisplayOrientation, false, payload.size(), payloadText(payload));
 }
 
-// D15: the hash parser takes three components of whole bytes, emulation prevention or not; the item begins
-// there and is as long as the message, with zero bytes from behind the unit.
+// D15: the hash parser reads the coded bytes of three components, emulation prevention bytes included. The
+// item begins after them and has the size of the message, so its end is zero bytes past the end of the unit.
 Bytes capturedHash(const Bytes& unit, size_t payloadSize) {
-    constexpr size_t kHeaders = 2 + 2;  // of the unit and of the message
+    constexpr size_t kHeaders = 2 + 2;  // unit header and message header
     const std::map<unsigned, size_t> lengths = {{0, 1 + 3 * 16}, {1, 1 + 3 * 2}, {2, 1 + 3 * 4}};
     const auto length = lengths.find(unit.at(kHeaders));
     const size_t from = kHeaders + (length != lengths.end() ? length->second : 1);
@@ -221,7 +221,7 @@ Bytes capturedHash(const Bytes& unit, size_t payloadSize) {
     return captured;
 }
 
-// What is kept of one message; empty: nothing.
+// Returns the item that one message gives, as text; empty if it gives none.
 std::string expectedText(const Bytes& unit, int nalType, const json& message, Pass pass) {
     const unsigned type = message.at("type");
     const Treatment treatment = treatmentOf(nalType, type);
@@ -270,7 +270,7 @@ protected:
     }
 
 private:
-    // What is left of the differences is not of these streams.
+    // Checks that every listed difference of these streams occurred.
     static void expectNoneOf(const Differences& differences, const std::vector<Stream>& streams, Pass pass) {
         for (const auto& entry : differences) {
             const auto& [name, unit, passOfEntry] = entry.first;
@@ -306,7 +306,7 @@ private:
         return requested;
     }
 
-    // The library's units and the tools' are the same ones in the same order.
+    // The library and the tools must find the same SEI units in the same order.
     void checkStream(const Stream& stream, Pass pass, Differences& differences) {
         const json& sei = stream.expectation.at("sei");
         ASSERT_EQ(sei.at("units"), sei.at("listed"));
@@ -337,7 +337,8 @@ private:
             ASSERT_GE(expected.size(), difference->itemsKept);
             expected.resize(difference->itemsKept);
         }
-        // The HRD fields of a parsed SPS are 0 as well: the SPS parser does not fill them.
+        // Empty records suffice: the SPS parser does not fill the HRD fields, so a parsed SPS has 0 there
+        // too.
         QVAvcSps avcSps{};
         QVHevcSps hevcSps{};
         void* const sps = stream.codec() == QVCodecIDAvc ? static_cast<void*>(&avcSps) : &hevcSps;

@@ -1,4 +1,4 @@
-// Real streams and what independent tools say of them: for each media file X a file X.expect.json.
+// Real streams and the results of independent tools: each media file X has an expectation X.expect.json.
 #ifndef QV_TESTS_STREAMEXPECTATION_H
 #define QV_TESTS_STREAMEXPECTATION_H
 
@@ -15,29 +15,30 @@ namespace qv_test {
 
 struct Stream {
     std::string name;
-    Bytes bytes;                 // the media file as it is
+    Bytes bytes;                 // the whole media file
     nlohmann::json expectation;  // by section: nal_units, reframed, packets, sps, sei, ...
 
     QVCodecID codec() const;
 
-    // "annexb": the bytes are a byte stream. "length-prefixed", "annexb in container": they are a
-    // container's.
+    // "annexb": the bytes are a byte stream. "length-prefixed" and "annexb in container": they are a
+    // container file.
     std::string framing() const { return expectation.at("framing").at("type"); }
 };
 
-// The streams that come with the tests. Always there.
+// The folder of the streams in the repository. It always exists.
 std::filesystem::path bundledStreams();
 
-// The folder of many more streams that the build was told of (QVNALU_STREAMS_DIR). May be absent.
+// The folder of additional streams, configured with QVNALU_STREAMS_DIR. It may not exist.
 std::filesystem::path streamsFolder();
 
-// Every stream of the folder that has an expectation, by name. Throws when a file cannot be read.
+// Returns every stream of the folder that has an expectation, sorted by name. Throws if a file cannot be
+// read.
 std::vector<Stream> streamsIn(const std::filesystem::path& folder);
 
-// Those of them with that framing.
+// Returns only the streams with that framing.
 std::vector<Stream> streamsIn(const std::filesystem::path& folder, const std::string& framing);
 
-// SHA-256 in lower-case hexadecimal.
+// Return the SHA-256 in lower-case hexadecimal.
 std::string sha256(const unsigned char* data, size_t size);
 std::string sha256(const Bytes& bytes);
 std::string sha256(const std::string& text);

@@ -1,4 +1,4 @@
-// Tests over folders of streams: the one that comes with the tests, and the larger one that may be absent.
+// Tests on folders of streams: the one in the repository and the larger one, which may not exist.
 #ifndef QV_TESTS_STREAMFOLDER_H
 #define QV_TESTS_STREAMFOLDER_H
 
@@ -30,7 +30,7 @@ inline auto everyStreamFolder() {
                              StreamFolder{"folder", streamsFolder()});
 }
 
-// A fixture on Base, skipped with its reason where the folder is absent.
+// A fixture derived from Base. Its tests are skipped, with a message, if the folder does not exist.
 template <typename Base>
 class StreamFolderTest : public Base, public ::testing::WithParamInterface<StreamFolder> {
 protected:
@@ -38,7 +38,7 @@ protected:
         Base::SetUp();
         if (!std::filesystem::is_directory(this->GetParam().path)) {
             GTEST_SKIP() << "there is no folder " << this->GetParam().path
-                         << "; -DQVNALU_STREAMS_DIR=... names another";
+                         << "; set another with -DQVNALU_STREAMS_DIR=...";
         }
     }
 };
