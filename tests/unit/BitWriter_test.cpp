@@ -1,4 +1,4 @@
-// The writer the other tests rest on, against bytes laid by hand.
+// The bit writer that the other tests use, checked against bytes written by hand.
 #include "BitWriter.h"
 
 #include <gtest/gtest.h>
@@ -24,7 +24,7 @@ TEST(BitWriter, largestUnsignedExpGolomb) {
     BitWriter out;
     out.ue("2^32 - 2", 0xFFFFFFFE);
     EXPECT_EQ(out.bytes(),
-              (Bytes{0, 0, 0, 1, 0xFF, 0xFF, 0xFF, 0xFE}));  // 31 zeros, 1, 31 bits, 1 of padding
+              (Bytes{0, 0, 0, 1, 0xFF, 0xFF, 0xFF, 0xFE}));  // 31 zeros, a 1, 31 bits, one bit of padding
 }
 
 TEST(BitWriter, signedExpGolombOfTable9_3) {

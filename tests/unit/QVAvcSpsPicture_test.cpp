@@ -1,4 +1,4 @@
-// Picture size, frame and field coding and cropping in the H.264 sequence parameter set.
+// Picture size, frame and field coding, and cropping in the H.264 sequence parameter set.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -205,7 +205,7 @@ TEST_F(QVAvcSpsCrop, D10_anOversizeCropIsNotCheckedAndWraps) {
         const char* notice;
         const char* offsets;
     };
-    // 4:2:0 frames of 16x16: units of 2.
+    // A 16x16 frame in 4:2:0, whose crop units are 2.
     const Case cases[] = {
         {7, 0, 0, 7, 2, 2, "l:7 r:0 t:0 b:7", "7/0/0/7"},
         {8, 0, 4, 4, 0, 0, "l:8 r:0 t:4 b:4", "8/0/4/4"},

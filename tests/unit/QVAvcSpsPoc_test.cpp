@@ -1,4 +1,4 @@
-// Frame numbers, picture order count and reference frames in the H.264 sequence parameter set.
+// Frame numbers, picture order count, and reference frames in the H.264 sequence parameter set.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -78,7 +78,7 @@ TEST_F(QVAvcSpsPoc, type0LsbBeyond12IsNotStored) {
     }
 }
 
-// What POC type 1 stores in place of what type 0 stores.
+// Replaces the fields of POC type 0 in record with those of POC type 1.
 QVAvcSps withPocType1(QVAvcSps record, int32_t cycleLength) {
     record.poc_type = 1;
     record.log2_max_poc_lsb = patternAvcSps().log2_max_poc_lsb;

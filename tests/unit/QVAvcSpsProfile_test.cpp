@@ -1,5 +1,5 @@
-// The part of the H.264 sequence parameter set that only some profiles carry: chroma format, bit depths,
-// transform bypass. Its scaling lists have a test of their own.
+// The part of the H.264 sequence parameter set that only some profiles have: chroma format, bit depths,
+// transform bypass. QVAvcSpsScaling_test.cpp tests its scaling lists.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -51,8 +51,9 @@ TEST_F(QVAvcSpsProfileList, all256Profiles) {
     }
 }
 
-// H.264 7.3.2.1.1 lists 134, 135 and 139 among the profiles with chroma syntax: their parameter sets are read
-// as if it were not there, "010 1 1 0 0 1 1 1 1 0 1 1 1 0 0 0 1" from log2_max_frame_num on.
+// H.264 7.3.2.1.1 lists 134, 135 and 139 among the profiles with chroma syntax. The parser reads their
+// parameter sets as if they had none, so "010 1 1 0 0 1 1 1 1 0 1 1 1 0 0 0 1" starts with
+// log2_max_frame_num_minus4.
 TEST_F(QVAvcSpsProfileList, D07_profiles134And135And139AreReadWithoutChromaSyntax) {
     for (const uint32_t profile : {134U, 135U, 139U}) {
         SCOPED_TRACE(profile);
@@ -126,7 +127,7 @@ TEST_F(QVAvcSpsChroma, D11_separateColourPlanesAreRefused) {
 }
 
 TEST_F(QVAvcSpsChroma, aPlaneFlagBehindTheEndIs0) {
-    // An identifier of three bits lets chroma_format_idc end with a byte.
+    // With an identifier of three bits, chroma_format_idc ends at a byte boundary.
     const BitWriter syntax = highAvcSps([](AvcSpsSyntax& s) {
         s.seq_parameter_set_id = 1;
         s.chroma_format_idc = 3;

@@ -1,4 +1,4 @@
-// The references that parseAvcSps takes on its stream, and exceptions from every log line of it.
+// The references that parseAvcSps holds to its stream, and exceptions from each of its log lines.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -17,7 +17,7 @@ using Step = AvcSpsStep;
 
 class QVAvcSpsReferences : public AvcSpsTest {
 protected:
-    // Every log line throws: the first one ends the parse.
+    // Parses while every log line throws, so the first line ends the parse.
     void expectThrow(const BitWriter& syntax, const QVAvcSps& record, const ExpectedLine& line) {
         SCOPED_TRACE(line.text);
         sps = patternAvcSps();
@@ -35,10 +35,10 @@ TEST_F(QVAvcSpsReferences, theStreamIsTakenByValue) {
     auto moved = std::make_shared<QVByteStream>(bytes.data(), bytes.size());
     const std::weak_ptr<QVByteStream> watch = moved;
     EXPECT_TRUE(parseAvcSps(&sps, std::move(moved)));
-    EXPECT_TRUE(watch.expired()) << "no reference outlives the call";
+    EXPECT_TRUE(watch.expired()) << "a reference outlives the call";
 }
 
-// One reference is the caller's, one the parameter's; each sub-step that logs holds one more.
+// The caller and the parameter hold one reference each. Each sub-step that logs holds one more.
 TEST_F(QVAvcSpsReferences, eachSubStepHoldsOne) {
     const Bytes bytes = highAvcSps([](AvcSpsSyntax& s) {
                             s.seq_scaling_matrix_present_flag = 1;
@@ -49,7 +49,7 @@ TEST_F(QVAvcSpsReferences, eachSubStepHoldsOne) {
     std::map<std::string, long> references;
     core().onLog = [&](const LogLine& line) { references[line.function] = stream.use_count(); };
     EXPECT_TRUE(parseAvcSps(&sps, stream));
-    EXPECT_EQ(references, (std::map<std::string, long>{{"parseScalingList", 4},  // inside the profile step
+    EXPECT_EQ(references, (std::map<std::string, long>{{"parseScalingList", 4},  // in the profile step
                                                        {"parseAvcSpsForCrop", 3},
                                                        {"parseAvcSps", 2}}));
     EXPECT_EQ(stream.use_count(), 1);

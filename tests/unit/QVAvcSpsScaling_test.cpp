@@ -1,4 +1,4 @@
-// The scaling lists of the H.264 sequence parameter set: 7.3.2.1.1.1, and the fall-back rules and default
+// The scaling lists of the H.264 sequence parameter set (7.3.2.1.1.1), and the fall-back rules and default
 // lists of 7.4.2.1.1.1.
 #include <gtest/gtest.h>
 
@@ -32,8 +32,8 @@ const Weights kDefault8x8Inter = {9,  13, 13, 15, 13, 15, 17, 17, 17, 17, 19, 19
                                   24, 24, 24, 24, 25, 25, 25, 25, 25, 25, 25, 27, 27, 27, 27, 27,   // 32..47
                                   27, 28, 28, 28, 28, 28, 30, 30, 30, 30, 32, 32, 32, 33, 33, 35};  // 48..63
 
-// The frame scans of 8.5.6 and 8.5.7 as raster indices: one anti-diagonal after the other, the odd ones
-// downwards, the even ones upwards.
+// Returns the frame scan of 8.5.6 or 8.5.7 as raster indices: the anti-diagonals in order, odd ones downwards
+// and even ones upwards.
 std::vector<size_t> zigzag(size_t side) {
     std::vector<size_t> scan;
     for (size_t diagonal = 0; diagonal < 2 * side - 1; ++diagonal) {
@@ -60,7 +60,7 @@ TEST(Zigzag, isTheFrameScan) {
     EXPECT_EQ(std::vector<size_t>(scan.end() - 2, scan.end()), (std::vector<size_t>{62, 63}));
 }
 
-// The twelve lists in bitstream order, Table 7-2, and where the record holds them.
+// The twelve lists in bitstream order (Table 7-2), and their matrices in the record.
 constexpr size_t kLists = 12;
 constexpr size_t kFirst8x8 = 6;
 constexpr size_t kMatrixIndex[kLists] = {0, 1, 2, 3, 4, 5, 0, 3, 1, 4, 2, 5};
@@ -82,7 +82,7 @@ const Weights& defaultOf(size_t list) {
     return kIsInter[list] ? kDefault4x4Inter : kDefault4x4Intra;
 }
 
-// Puts a list, in scan order, into its matrix of the record.
+// Stores a list, given in scan order, in its matrix of the record.
 void store(QVAvcSps& record, size_t list, const Weights& inScanOrder) {
     const std::vector<size_t> scan = zigzag(is8x8(list) ? 8 : 4);
     ASSERT_EQ(inScanOrder.size(), scan.size());
@@ -95,7 +95,7 @@ void store(QVAvcSps& record, size_t list, const Weights& inScanOrder) {
 
 class QVAvcSpsScaling : public AvcSpsTest {
 protected:
-    // A parameter set with lists and, behind them, values that a lost or an extra bit would spoil.
+    // Returns a parameter set with lists. The values after them would change if a bit were lost or added.
     static AvcSpsSyntax syntaxWithLists(uint32_t chroma_format_idc) {
         AvcSpsSyntax s;
         s.profile_idc = 100;
@@ -109,7 +109,7 @@ protected:
         return s;
     }
 
-    // What it leaves in the record when every list is flat.
+    // Returns the record that syntaxWithLists() gives if every list is flat.
     static QVAvcSps recordOf(uint32_t chroma_format_idc) {
         QVAvcSps record = highAvcSpsBehind(AvcSpsStep::Vui);
         record.chroma_format_idc = static_cast<int32_t>(chroma_format_idc);
@@ -127,7 +127,7 @@ protected:
 
     static size_t listsOf(uint32_t chroma_format_idc) { return chroma_format_idc == 3 ? 12 : 8; }
 
-    // Every list a copy of its default: none was sent.
+    // Returns the record if no list is sent: every list is its default.
     static QVAvcSps recordWithDefaults(uint32_t chroma_format_idc) {
         QVAvcSps record = recordOf(chroma_format_idc);
         for (size_t list = 0; list < listsOf(chroma_format_idc); ++list) {
@@ -179,7 +179,7 @@ TEST_F(QVAvcSpsScaling, listsThatAreNotSentFallBackToTheDefaults) {
 
 TEST_F(QVAvcSpsScaling, theDefaultsInRasterOrder) {
     ASSERT_TRUE(parse(writeAvcSps(syntaxWithLists(1))));
-    // Rows of the matrices; Tables 7-3 and 7-4 run along the anti-diagonals.
+    // Rows of the matrices. Tables 7-3 and 7-4 are in scan order, along the anti-diagonals.
     EXPECT_EQ(Weights(sps.scaling_matrix4[0], sps.scaling_matrix4[0] + 8),
               (Weights{6, 13, 20, 28, 13, 20, 28, 32}));
     EXPECT_EQ(Weights(sps.scaling_matrix4[3] + 8, sps.scaling_matrix4[3] + 16),
@@ -196,13 +196,13 @@ TEST_F(QVAvcSpsScaling, entriesFollowTheZigzagScan) {
     for (size_t list = 0; list < kLists; ++list) {
         SCOPED_TRACE(list);
         AvcSpsSyntax s = syntaxWithLists(3);
-        // 9, 10, 11, ...: no two entries alike.
+        // 9, 10, 11, ...: all entries differ.
         s.scalingLists[list] = {1, std::vector<int32_t>(entriesOf(list), 1)};
         Weights rising(entriesOf(list));
         for (size_t i = 0; i < rising.size(); ++i) {
             rising[i] = static_cast<uint8_t>(9 + i);
         }
-        // The later lists of its kind fall back to it.
+        // Later lists of the same kind fall back to this list.
         QVAvcSps record = recordWithDefaults(3);
         for (size_t later = list; later < kLists; ++later) {
             if (is8x8(later) == is8x8(list) && kIsInter[later] == kIsInter[list]) {
@@ -222,7 +222,7 @@ TEST_F(QVAvcSpsScaling, fallBackOfEveryPatternOf4x4Lists) {
         for (size_t list = 0; list < 6; ++list) {
             const bool isSent = (pattern >> list & 1) != 0;
             if (isSent) {
-                // One weight all over, of its own in each list.
+                // Each list has one weight for all entries, different for each list.
                 s.scalingLists[list] = {1, std::vector<int32_t>(16, 0)};
                 s.scalingLists[list].delta_scale[0] = static_cast<int32_t>(list) + 100;
             }
@@ -277,7 +277,7 @@ TEST_F(QVAvcSpsScaling, nextScale0AtTheStartTakesTheDefault) {
     for (size_t list = 0; list < kLists; ++list) {
         SCOPED_TRACE(list);
         AvcSpsSyntax s = syntaxWithLists(3);
-        // Every list of its own but this one, so that a copy of a neighbour would show.
+        // All other lists have explicit weights, so falling back to one of them would be detected.
         for (size_t other = 0; other < kLists; ++other) {
             s.scalingLists[other] = {1, std::vector<int32_t>(entriesOf(other), 0)};
             s.scalingLists[other].delta_scale[0] = 90;
@@ -347,7 +347,8 @@ TEST_F(QVAvcSpsScaling, D09_anInvalidDeltaScaleEndsItsListAlone) {
                 AvcSpsSyntax s = syntaxWithLists(3);
                 s.scalingLists[list] = {1, std::vector<int32_t>(end, 1)};
                 s.scalingLists[list].delta_scale.push_back(delta);
-                // What is not reached stays flat, and the next list falls back to the torso.
+                // The entries that are not read stay flat, and the next list falls back to this incomplete
+                // list.
                 Weights weights(entriesOf(list), 16);
                 for (size_t i = 0; i < end; ++i) {
                     weights[i] = static_cast<uint8_t>(9 + i);

@@ -1,5 +1,5 @@
-// H.264 sequence parameter sets that end early, that stand on no memory, or that still hold emulation
-// prevention bytes.
+// H.264 sequence parameter sets that end early, that have a null buffer, or that contain emulation prevention
+// bytes.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -18,7 +18,7 @@ namespace {
 
 using Step = AvcSpsStep;
 
-// What a parameter set of zero bits leaves: the first of everything, in fields.
+// Returns the record of a parameter set of zero bits: every element is 0, so the picture is coded in fields.
 QVAvcSps recordOfZeroBits() {
     QVAvcSps record = avcSpsBehind(Step::Vui);
     record.profile_idc = 0;
@@ -79,7 +79,7 @@ void everyScalingList(AvcSpsSyntax& s) {
     s.qpprime_y_zero_transform_bypass_flag = 1;
     s.seq_scaling_matrix_present_flag = 1;
     for (size_t list = 0; list < s.scalingLists.size(); ++list) {
-        // No weight reaches 0, whatever is cut from a delta.
+        // No weight becomes 0, wherever a delta is cut.
         s.scalingLists[list] = {1, std::vector<int32_t>(list < 6 ? 16 : 64, 2)};
         s.scalingLists[list].delta_scale[1] = 70;
     }
@@ -104,8 +104,8 @@ std::vector<ExpectedLine> linesOfTheCore() {
 
 class QVAvcSpsTruncation : public AvcSpsTest, public ::testing::WithParamInterface<Shape> {};
 
-// Missing bits are 0 and a code without its 1 bit is 0: the parameter set that has these values in full
-// leaves the same.
+// Missing bits read as 0, and a code without its 1 bit is 0. A complete parameter set with these values must
+// give the same result as the truncated one.
 TEST_P(QVAvcSpsTruncation, cutAtEveryBit) {
     AvcSpsSyntax whole;
     GetParam().change(whole);
@@ -120,7 +120,7 @@ TEST_P(QVAvcSpsTruncation, cutAtEveryBit) {
         EXPECT_EQ(parse(syntax.bytesCutAt(bits)), expectedResult);
         expectOutcome(expected, lines);
         if (HasFailure()) {
-            return;  // one map is enough
+            return;  // one failure prints enough
         }
     }
 }
@@ -136,14 +136,14 @@ const Shape kShapes[] = {
 INSTANTIATE_TEST_SUITE_P(shapes, QVAvcSpsTruncation, ::testing::ValuesIn(kShapes),
                          [](const auto& shape) { return std::string(shape.param.name); });
 
-// --- Cuts with what they leave written down ---
+// --- Cuts with explicit expectations ---
 
 class QVAvcSpsShort : public AvcSpsTest {};
 
 TEST_F(QVAvcSpsShort, theHeaderByteAlone) {
     ASSERT_TRUE(parse(Bytes{0x67}));
     expectOutcome(recordOfZeroBits(), {avcSummary(kSummaryOfZeroBits)});
-    // reserved_zero_2bits, which fit into the offset, and one bit each of the seven Exp-Golomb codes.
+    // The skip of reserved_zero_2bits, which fits, and one bit for each of the seven Exp-Golomb codes.
     EXPECT_EQ(cursor(), 8U + 2 + 7);
 }
 
@@ -151,18 +151,19 @@ TEST_F(QVAvcSpsShort, aStreamThatStandsAtItsEnd) {
     const Bytes bytes = {0xFF, 0xFF};
     stream = std::make_shared<QVByteStream>(bytes.data(), bytes.size());
     stream->skipBytes(2);
-    ASSERT_TRUE(parseAvcSps(&sps, stream)) << "there is data, none of it left";
+    ASSERT_TRUE(parseAvcSps(&sps, stream)) << "a stream at its end must be parsed";
     expectOutcome(recordOfZeroBits(), {avcSummary(kSummaryOfZeroBits)});
-    EXPECT_EQ(cursor(), 16U + 2 + 7) << "the header byte is not passed over";
+    EXPECT_EQ(cursor(), 16U + 2 + 7) << "the header byte must not be skipped";
 }
 
-// From 8 on the offset is a caller's own: a byte and the rest of it for the header that is passed over.
+// Offsets from 8 on occur only if the caller sets them. Such an offset counts as one byte and the remaining
+// bits when the header is skipped.
 TEST_F(QVAvcSpsShort, cutAtEveryByteBehindABitOffset) {
     for (unsigned bitOffset = 1; bitOffset < 16; ++bitOffset) {
         SCOPED_TRACE(bitOffset);
         const BitWriter unit = avcSps();
         BitWriter shifted;
-        shifted.u(bitOffset, "bits ahead", 0xFFFF);
+        shifted.u(bitOffset, "preceding bits", 0xFFFF);
         for (const uint8_t byte : unit.bytes()) {
             shifted.u(8, "byte of the unit", byte);
         }
@@ -189,7 +190,7 @@ TEST_F(QVAvcSpsShort, theHeaderAndTheProfile) {
     record.chroma_format_idc = 0;
     record.transform_bypass = 0;
     expectOutcome(record, {avcSummary("sps:0 profile:100/0 poc:0 ref:0 1x1 PIC-AFF  crop:0/0/0/0  Gray")});
-    // Ten codes: chroma format and the two bit depths come on top.
+    // Ten codes: the seven, chroma_format_idc and the two bit depths.
     EXPECT_EQ(cursor(), 16U + 2 + 10);
 }
 
@@ -209,18 +210,18 @@ TEST_F(QVAvcSpsShort, aCodeOfZerosUpToTheEnd) {
     record.profile_idc = 66;
     record.level_idc = 30;
     expectOutcome(record, {avcSummary("sps:0 profile:66/30 poc:0 ref:0 1x1 PIC-AFF  crop:0/0/0/0  420")});
-    EXPECT_EQ(cursor(), 40U + 6) << "seq_parameter_set_id ate the zeros";
+    EXPECT_EQ(cursor(), 40U + 6) << "seq_parameter_set_id must consume the zeros";
 }
 
 TEST_F(QVAvcSpsShort, aCodeWithoutItsInformationBits) {
-    // 00000001 and seven bits that are missing: 127.
+    // 00000001 and seven missing bits: 127.
     EXPECT_FALSE(parse(Bytes{0x67, 0x42, 0x00, 0x1E, 0x01}));
     expectOutcome(patternAvcSps(),
                   {avcError("parseAvcSps", "parseAvcCDecoderSps, sps_id 127 out of range\n")});
 }
 
 TEST_F(QVAvcSpsShort, theEndInsideAScalingListIsNoInvalidDelta) {
-    // The list's present flag is the last bit: its deltas are 0, its weights 8.
+    // The list's present flag is the last bit, so its deltas are 0 and its weights 8.
     const BitWriter syntax = highAvcSps([](AvcSpsSyntax& s) {
         s.seq_parameter_set_id = 2;
         s.seq_scaling_matrix_present_flag = 1;
@@ -231,7 +232,7 @@ TEST_F(QVAvcSpsShort, theEndInsideAScalingListIsNoInvalidDelta) {
     const size_t end = endOf(syntax, "seq_scaling_list_present_flag[0]");
     ASSERT_EQ(end % 8, 7U);
     ASSERT_TRUE(parse(highAvcSps([](AvcSpsSyntax& s) { s.seq_scaling_matrix_present_flag = 1; })));
-    QVAvcSps record = sps;  // the other lists are as if they had not been sent
+    QVAvcSps record = sps;  // the other lists are not sent
     record.sps_id = 2;
     record.bit_depth_luma = record.bit_depth_chroma = 10;
     record.transform_bypass = 1;
@@ -265,7 +266,7 @@ TEST_F(QVAvcSpsNullData, readsAsZeroBits) {
         const uint64_t cursorOnNull = cursor();
         ASSERT_TRUE(parse(Bytes(static_cast<size_t>(size))));
         expectOutcome(recordOfZeroBits(), {avcSummary(kSummaryOfZeroBits)});
-        EXPECT_EQ(cursorOnNull, cursor()) << "as on zero bytes";
+        EXPECT_EQ(cursorOnNull, cursor()) << "must be the same as for zero bytes";
     }
 }
 
@@ -273,7 +274,7 @@ TEST_F(QVAvcSpsNullData, readsAsZeroBits) {
 
 class QVAvcSpsEmulation : public AvcSpsTest {};
 
-// offset_for_non_ref_pic with 23 leading zero bits, on a byte border: 00 00 01, which is sent as 00 00 03 01.
+// offset_for_non_ref_pic has 23 leading zero bits from a byte boundary on: 00 00 01, sent as 00 00 03 01.
 BitWriter withThreeBytePattern() {
     return avcSps([](AvcSpsSyntax& s) {
         s.seq_parameter_set_id = 1;
@@ -308,9 +309,9 @@ TEST_F(QVAvcSpsEmulation, D06_emulationPreventionByteIsReadAsData) {
               (Bytes{0x00, 0x00, 0x03, 0x01, 0x01, 0x00, 0x01}));
     ASSERT_TRUE(parse(escaped));
     QVAvcSps record = recordOfThreeBytePattern();
-    // 22 zeros, then 1 1 00000001 0000000100000: the magnitude in 22 bits and the sign 0.
+    // 22 zeros, then 1 1 00000001 0000000100000: a magnitude of 22 bits and the sign 0.
     record.offset_for_non_ref_pic = 1 << 21 | 1 << 20 | 1 << 12 | 1 << 4;
-    // Ten zeros are left, then 1110111000 1: the magnitude and the sign.
+    // The ten remaining zeros, then 1110111000 1: a magnitude and the sign 1.
     record.offset_for_top_to_bottom_field = -0b1110111000;
     record.frame_mbs_only_flag = 0;
     record.height = 32;

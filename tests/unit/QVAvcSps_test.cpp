@@ -1,5 +1,5 @@
-// The H.264 sequence parameter set as a whole: the record, what comes before the profile-dependent part, and
-// records that are used again. Its other parts have tests of their own.
+// The whole H.264 sequence parameter set: the record, the elements before the profile-dependent part, and
+// records that are reused. The other QVAvcSps tests cover the other parts.
 #include "QVAvcSps.h"
 
 #include <gtest/gtest.h>
@@ -33,7 +33,7 @@ static_assert(std::is_same<decltype(QVAvcSps::offset_for_ref_frame), int8_t[256]
 static_assert(std::is_same<decltype(QVAvcSps::scaling_matrix4), uint8_t[6][16]>::value);
 static_assert(std::is_same<decltype(QVAvcSps::scaling_matrix8), uint8_t[6][64]>::value);
 
-// Every value differs from its neighbours and, where it can, from every other one.
+// Sets every value so that it differs from its neighbours and, if possible, from all others.
 void everythingDifferent(AvcSpsSyntax& s) {
     s.constraint_set0_flag = 1;
     s.constraint_set4_flag = 1;
@@ -142,8 +142,8 @@ TEST_F(QVAvcSpsWhole, minimalParameterSet) {
 }
 
 TEST_F(QVAvcSpsWhole, goldenBytes) {
-    // Behind level_idc: identifier 1, log2_max_frame_num 1, type 1, lsb 1, reference frames 1, gaps 0, width
-    // 1, height 1; frame_mbs_only 1, direct_8x8 0, cropping 0, VUI 0, stop bit 1.
+    // The codes after level_idc: identifier 1, log2_max_frame_num 1, type 1, lsb 1, reference frames 1, gaps
+    // 0, width 1, height 1; frame_mbs_only 1, direct_8x8 0, cropping 0, VUI 0, stop bit 1.
     ASSERT_TRUE(parse(Bytes{0x67, 0x42, 0x00, 0x0A, 0b11111011, 0b10001000}));
     expectOutcome(avcSpsBehind(Step::Vui), {avcSummary(kMinimalSummary)});
     EXPECT_EQ(cursor(), 44U);
@@ -165,7 +165,7 @@ TEST_F(QVAvcSpsWhole, stopsBehindTheVuiFlag) {
                       {avcSummary(std::string("sps:0 profile:100/10 poc:0 ref:0 120x1 FRM  crop:0/0/0/0 ") +
                                   (flag != 0 ? "VUI" : "") + " 420")});
         EXPECT_EQ(cursor(), endOf(syntax, "vui_parameters_present_flag"));
-        EXPECT_EQ(stream->rbspBitIndex, 7U) << "the RBSP cursor is not used";
+        EXPECT_EQ(stream->rbspBitIndex, 7U) << "the RBSP cursor must not be used";
     }
 }
 

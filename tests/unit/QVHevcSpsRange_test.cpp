@@ -76,7 +76,7 @@ TEST_F(QVHevcSpsRange, identifiersOfFourBits) {
 
 class QVHevcSpsLongCodes : public HevcSpsTest {
 protected:
-    // The parameter set with the code of one element replaced.
+    // Returns the parameter set with the code of one element replaced.
     static BitWriter withCode(const BitWriter& syntax, const std::string& element, const std::string& code) {
         const Bytes bytes = syntax.bytes();
         BitWriter out;
@@ -107,7 +107,7 @@ protected:
 
 const std::string kZeros32(32, '0');
 
-// 2^32 - 1 and the 32 bits, cut to 32 bits.
+// The value is 2^32 - 1 plus the 32 information bits, modulo 2^32.
 TEST_F(QVHevcSpsLongCodes, of32Zeros) {
     const std::pair<uint32_t, int32_t> cases[] = {
         {0, -1}, {1, 0}, {2, 1}, {0x80000000, 0x7FFFFFFF}, {0x80000001, INT32_MIN}, {0xFFFFFFFF, -2}};
@@ -143,7 +143,7 @@ TEST_F(QVHevcSpsLongCodes, aPictureSizeBeyond32Bits) {
     expectParsed(withCode(hevcSps(), "pic_height_in_luma_samples", kZeros32 + "1" + binary32(0)), record);
 }
 
-// One bit more is consumed, whatever it is, and the value is 0.
+// One more bit is consumed, whatever its value, and the result is 0.
 TEST_F(QVHevcSpsLongCodes, D05_of33Zeros) {
     const std::pair<const char*, int32_t QVHevcSps::*> elements[] = {
         {"sps_seq_parameter_set_id", &QVHevcSps::sps_seq_parameter_set_id},
@@ -196,7 +196,7 @@ TEST_F(QVHevcSpsLongCodes, aPictureSizeOf33Zeros) {
 TEST_F(QVHevcSpsLongCodes, aChromaFormatOf33ZerosHasNoPlaneFlag) {
     for (const char* more : {"0", "1"}) {
         const BitWriter syntax = hevcSps([](HevcSpsSyntax& s) {
-            s.chroma_format_idc = 0;  // no flag behind it
+            s.chroma_format_idc = 0;  // no flag follows
             s.pic_width_in_luma_samples = 640;
         });
         QVHevcSps record = defaultHevcSps();

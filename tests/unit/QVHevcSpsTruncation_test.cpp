@@ -1,5 +1,5 @@
-// H.265 sequence parameter sets that end early, that stand on no memory, and emulation prevention bytes in
-// them.
+// H.265 sequence parameter sets that end early, that have a null buffer, or that contain emulation prevention
+// bytes.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -64,8 +64,8 @@ void separatePlanes(HevcSpsSyntax& s) {
 
 class QVHevcSpsTruncation : public HevcSpsTest, public ::testing::WithParamInterface<Shape> {};
 
-// Missing bits are 0 and a code without its 1 bit is 0: the parameter set that has these values in full
-// leaves the same.
+// Missing bits read as 0, and a code without its 1 bit is 0. A complete parameter set with these values must
+// give the same result as the truncated one.
 TEST_P(QVHevcSpsTruncation, cutAtEveryBit) {
     HevcSpsSyntax whole;
     GetParam().change(whole);
@@ -73,7 +73,7 @@ TEST_P(QVHevcSpsTruncation, cutAtEveryBit) {
     for (size_t bits = 1; bits <= syntax.bitCount(); ++bits) {
         SCOPED_TRACE("cut at bit " + std::to_string(bits) + " of\n" + syntax.map());
         HevcSpsSyntax asCut = hevcSpsCutAt(whole, bits);
-        // A header of zero bits could bring an emulation prevention byte to position 2, where it is data.
+        // With a header of zero bits, an emulation prevention byte could be at position 2, where it is data.
         asCut.nal_unit_type = whole.nal_unit_type;
         asCut.nuh_temporal_id_plus1 = whole.nuh_temporal_id_plus1;
         ASSERT_TRUE(parse(writeHevcSps(asCut)));
@@ -83,7 +83,7 @@ TEST_P(QVHevcSpsTruncation, cutAtEveryBit) {
         ASSERT_TRUE(parseBytes(withEmulationPrevention(syntax.bytesCutAt(bits))));
         expectOutcome(expected, {{2, "parseHevcSpsForProfile", profile}});
         if (HasFailure()) {
-            return;  // one map is enough
+            return;  // one failure prints enough
         }
     }
 }
@@ -98,7 +98,7 @@ const Shape kShapes[] = {
 INSTANTIATE_TEST_SUITE_P(shapes, QVHevcSpsTruncation, ::testing::ValuesIn(kShapes),
                          [](const auto& shape) { return std::string(shape.param.name); });
 
-// --- Cuts with what they leave written down ---
+// --- Cuts with explicit expectations ---
 
 class QVHevcSpsShort : public HevcSpsTest {};
 
@@ -106,7 +106,7 @@ TEST_F(QVHevcSpsShort, theHeaderAlone) {
     for (const Bytes& header : {Bytes{0x42}, Bytes{0x42, 0x01}}) {
         ASSERT_TRUE(parseBytes(header));
         expectOutcome(hevcSpsOfZeroBits(), {hevcProfileLine(0, 0, 0, 0)});
-        EXPECT_EQ(cursor(), header.size() * 8) << "nothing moves past the end";
+        EXPECT_EQ(cursor(), header.size() * 8) << "the cursor must not move past the end";
     }
 }
 
@@ -114,7 +114,7 @@ TEST_F(QVHevcSpsShort, aStreamThatStandsAtItsEnd) {
     const Bytes bytes = {0xFF, 0xFF};
     stream = std::make_shared<QVByteStream>(bytes.data(), bytes.size());
     stream->skipBytes(2);
-    ASSERT_TRUE(parseHevcSps(&sps, stream)) << "there is data, none of it left";
+    ASSERT_TRUE(parseHevcSps(&sps, stream)) << "a stream at its end must be parsed";
     expectOutcome(hevcSpsOfZeroBits(), {hevcProfileLine(0, 0, 0, 0)});
     EXPECT_EQ(cursor(), 16U);
 }
@@ -124,7 +124,7 @@ TEST_F(QVHevcSpsShort, aStreamWithABitIndexOfTheCallers) {
     const QVHevcSps expected = sps;
     const uint64_t end = cursor();
 
-    // Indices 9 and 8 stand for two zero bits, which take the place of the first two of the unit.
+    // The bit indices 9 and 8 read as zero bits. They replace the first two bits of the unit, which are zero.
     Bytes bytes = hevcSps().bytes();
     for (size_t i = 0; i < bytes.size(); ++i) {
         const uint32_t next = i + 1 < bytes.size() ? bytes[i + 1] : 0U;
@@ -153,7 +153,7 @@ TEST_F(QVHevcSpsShort, upToTheProfileByte) {
 TEST_F(QVHevcSpsShort, aCodeWithoutItsInformationBits) {
     const Bytes head = hevcSps().bytesCutAt(120);
     Bytes bytes = withEmulationPrevention(head);
-    bytes.push_back(0x01);  // 00000001 and seven bits that are missing: 127
+    bytes.push_back(0x01);  // 00000001 and seven missing bits: 127
     ASSERT_TRUE(parseBytes(bytes));
     QVHevcSps record = hevcSpsOfZeroBits();
     record.sps_temporal_id_nesting_flag = 1;
@@ -179,13 +179,13 @@ TEST_F(QVHevcSpsNullData, readsAsZeroBits) {
 
         ASSERT_TRUE(parseBytes(Bytes(static_cast<size_t>(size))));
         expectOutcome(hevcSpsOfZeroBits(), {hevcProfileLine(0, 0, 0, 0)});
-        EXPECT_EQ(cursorOnNull, cursor()) << "as on zero bytes";
+        EXPECT_EQ(cursorOnNull, cursor()) << "must be the same as for zero bytes";
     }
 }
 
 TEST_F(QVHevcSpsNullData, aCodeOfZeroBitsTakes34OfThem) {
     ASSERT_TRUE(parseBytes(Bytes(100)));
-    // 120 bits up to the level, seven codes, conformance_window_flag and the ordering info flag.
+    // 120 bits up to general_level_idc, seven codes, conformance_window_flag and the ordering info flag.
     EXPECT_EQ(cursor(), 120U + 7 * 34 + 2);
 }
 
@@ -193,7 +193,7 @@ TEST_F(QVHevcSpsNullData, aCodeOfZeroBitsTakes34OfThem) {
 
 class QVHevcSpsEmulation : public HevcSpsTest {
 protected:
-    // The ten bytes between general_profile_idc and general_level_idc.
+    // Sets the ten bytes between general_profile_idc and general_level_idc.
     static void setDroppedBytes(HevcSpsSyntax& s, const std::array<uint8_t, 10>& bytes) {
         uint32_t compatibility = 0;
         for (size_t i = 0; i < 4; ++i) {
@@ -228,7 +228,7 @@ TEST_F(QVHevcSpsEmulation, atEveryPlaceInTheProfileBits) {
                     bytes[place + 2] = third;
                 }
                 setDroppedBytes(s, bytes);
-                s.general_level_idc = third;  // the byte behind them
+                s.general_level_idc = third;  // the byte after them
                 s.sps_seq_parameter_set_id = 3;
             });
             SCOPED_TRACE(syntax.map());
@@ -255,7 +255,7 @@ TEST_F(QVHevcSpsEmulation, severalInTheProfileBits) {
 }
 
 TEST_F(QVHevcSpsEmulation, inTheProfileByteItself) {
-    // general_profile_idc 1 behind two zero bytes: nuh_temporal_id_plus1 0 and the identifiers.
+    // general_profile_idc 1 follows two zero bytes: nuh_temporal_id_plus1 0, and the byte of the identifiers.
     const BitWriter syntax = hevcSps([&](HevcSpsSyntax& s) {
         s.nuh_temporal_id_plus1 = 0;
         s.sps_temporal_id_nesting_flag = 0;
@@ -269,7 +269,8 @@ TEST_F(QVHevcSpsEmulation, inTheProfileByteItself) {
 }
 
 TEST_F(QVHevcSpsEmulation, D03_atPosition2ItIsData) {
-    // 00 00 03: an empty header and the byte 00000011, sub-layers 1 and nesting.
+    // 00 00 03: a header of zeros, then the byte 00000011 with sps_max_sub_layers_minus1 1 and the nesting
+    // flag.
     Bytes bytes = hevcSps([](HevcSpsSyntax& s) {
                       s.general.profile_compatibility_flags = 0xFFFFFFFF;
                       s.general.reserved_zero_43bits = 0x7FFFFFFFFFF;
@@ -284,7 +285,7 @@ TEST_F(QVHevcSpsEmulation, D03_atPosition2ItIsData) {
 }
 
 TEST_F(QVHevcSpsEmulation, D03_theByteBehindItIsNotLookedAt) {
-    // 00 00 03 FF, which no encoder writes.
+    // 00 00 03 FF, which a conforming encoder does not write.
     const BitWriter syntax = hevcSps([&](HevcSpsSyntax& s) {
         setDroppedBytes(s, {0xFF, 0x00, 0x00, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF});
     });
@@ -330,7 +331,7 @@ TEST_F(QVHevcSpsEmulation, inAPictureSize) {
 }
 
 TEST_F(QVHevcSpsEmulation, atTheVeryEnd) {
-    // Past general_level_idc only two zero bytes and 03: zero bits for everything.
+    // Only two zero bytes and 03 follow general_level_idc, so all further elements are zero bits.
     Bytes bytes = hevcSps([](HevcSpsSyntax& s) {
                       s.general.profile_compatibility_flags = 0xFFFFFFFF;
                       s.general.reserved_zero_43bits = 0x7FFFFFFFFFF;

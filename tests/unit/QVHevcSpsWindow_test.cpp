@@ -60,7 +60,7 @@ TEST_F(QVHevcSpsWindow, unitsOfEveryChromaFormat) {
         uint32_t chromaFormat;
         int32_t unitX, unitY;
     };
-    // SubWidthC and SubHeightC, Table 6-1. Formats that it does not know count as 1 and 1 (D12).
+    // SubWidthC and SubHeightC, Table 6-1. For formats that are not in the table both are 1 (D12).
     const Case cases[] = {
         {0, 1, 1}, {1, 2, 2}, {2, 2, 1}, {3, 1, 1}, {4, 1, 1}, {1000, 1, 1}, {kLargestCodeNum, 1, 1}};
     for (const Case& c : cases) {
@@ -132,7 +132,7 @@ TEST_F(QVHevcSpsWindow, D10_anOversizeWindowIsNotCheckedAndWraps) {
         uint32_t left, right, top, bottom;
         int32_t width, height;
     };
-    // 4:2:0, 8x8.
+    // An 8x8 picture in 4:2:0.
     const Case cases[] = {
         {3, 0, 0, 3, 2, 2},
         {4, 0, 2, 2, 0, 0},

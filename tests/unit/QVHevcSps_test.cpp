@@ -1,5 +1,5 @@
-// The head of the H.265 sequence parameter set as a whole: the record, profile and sub-layers, and the
-// references on the stream. Its other parts have tests of their own.
+// The part of the H.265 sequence parameter set that is parsed: the record, profile and sub-layers, and the
+// references to the stream. The other QVHevcSps tests cover the other elements.
 #include "QVHevcSps.h"
 
 #include <gtest/gtest.h>
@@ -25,7 +25,7 @@ const ExpectedLine kDefaultLine = hevcProfileLine(0, 0, 1, 30);
 static_assert(std::is_trivially_copyable<QVHevcSps>::value);
 static_assert(std::is_trivially_default_constructible<QVHevcSps>::value);
 
-// Every value differs from its neighbours and, where it can, from every other one.
+// Sets every value so that it differs from its neighbours and, if possible, from all others.
 void everythingDifferent(HevcSpsSyntax& s) {
     s.sps_video_parameter_set_id = 13;
     s.sps_max_sub_layers_minus1 = 2;
@@ -91,7 +91,7 @@ TEST_F(QVHevcSpsWhole, theRecordAsWords) {
         EXPECT_EQ(words[i], expected[i]) << "word " << i;
     }
     for (size_t i = std::size(expected); i < words.size(); ++i) {
-        EXPECT_EQ(words[i], static_cast<int32_t>(0xA5A5A5A5)) << "word " << i << " is not written";
+        EXPECT_EQ(words[i], static_cast<int32_t>(0xA5A5A5A5)) << "word " << i << " was written";
     }
 }
 
@@ -101,8 +101,8 @@ TEST_F(QVHevcSpsWhole, defaultParameterSet) {
 }
 
 TEST_F(QVHevcSpsWhole, goldenBytes) {
-    // Behind general_level_idc 1E: identifier 1, chroma format 010, width 0001001, height 0001001, window 0,
-    // bit depths 1 1, lsb 1, ordering info 1.
+    // The bits after general_level_idc 1E: identifier 1, chroma format 010, width 0001001, height 0001001,
+    // window 0, bit depths 1 1, lsb 1, ordering info 1.
     ASSERT_TRUE(parseBytes(Bytes{0x42, 0x01, 0x01, 0x01, 0x60, 0xFF, 0xFF, 0xFF, 0x90, 0xFF, 0xFF, 0xFF, 0xFF,
                                  0xFF, 0x1E, 0b10100001, 0b00100010, 0b01011110}));
     expectOutcome(defaultHevcSps(), {kDefaultLine});
@@ -112,7 +112,7 @@ TEST_F(QVHevcSpsWhole, goldenBytes) {
 TEST_F(QVHevcSpsWhole, stopsBehindTheOrderingInfoFlag) {
     for (const uint32_t flag : {0U, 1U}) {
         const BitWriter syntax = hevcSps([&](HevcSpsSyntax& s) {
-            s.general.profile_compatibility_flags = 0xFFFFFFFF;  // no zero bytes: nothing to prevent
+            s.general.profile_compatibility_flags = 0xFFFFFFFF;  // no zero bytes, so no emulation prevention
             s.general.reserved_zero_43bits = ~uint64_t{0};
             s.sps_sub_layer_ordering_info_present_flag = flag;
         });
@@ -122,7 +122,7 @@ TEST_F(QVHevcSpsWhole, stopsBehindTheOrderingInfoFlag) {
         record.sps_sub_layer_ordering_info_present_flag = static_cast<int32_t>(flag);
         expectOutcome(record, {kDefaultLine});
         EXPECT_EQ(cursor(), endOf(syntax, "sps_sub_layer_ordering_info_present_flag"));
-        EXPECT_EQ(stream->bitOffset, 0U) << "the plain cursor is not used";
+        EXPECT_EQ(stream->bitOffset, 0U) << "the plain cursor must not be used";
     }
 }
 
@@ -232,7 +232,7 @@ TEST_F(QVHevcSpsProfile, the80BitsBetweenThemAreDropped) {
 
 class QVHevcSpsSubLayers : public HevcSpsTest {
 protected:
-    // Two flags a sub-layer, that of sub-layer 0 lowest.
+    // profileFlags and levelFlags hold one flag for each sub-layer; bit 0 is sub-layer 0.
     void expectParsed(uint32_t maxSubLayersMinus1, uint32_t profileFlags, uint32_t levelFlags) {
         const BitWriter syntax = hevcSps([&](HevcSpsSyntax& s) {
             everythingDifferent(s);
@@ -254,7 +254,7 @@ protected:
         QVHevcSps record = recordOfEverythingDifferent();
         record.sps_max_sub_layers_minus1 = static_cast<int32_t>(maxSubLayersMinus1);
         expectOutcome(record, {hevcProfileLine(1, 1, 19, 153)});
-        ASSERT_EQ(withEmulationPrevention(syntax.bytes()), syntax.bytes()) << "the cursor would be behind";
+        ASSERT_EQ(withEmulationPrevention(syntax.bytes()), syntax.bytes()) << "positions would differ";
         EXPECT_EQ(cursor(), endOf(syntax, "sps_sub_layer_ordering_info_present_flag"));
     }
 };
@@ -280,7 +280,7 @@ TEST_F(QVHevcSpsSubLayers, mixedFlagsOf5To7) {
 }
 
 TEST_F(QVHevcSpsSubLayers, bitsSkippedForEachCount) {
-    // (8 - count) * 2 reserved bits and 2 flags a sub-layer, but nothing without sub-layers.
+    // (8 - count) * 2 reserved bits and 2 flags for each sub-layer; no bits without sub-layers.
     const size_t bits[] = {0, 16, 16, 16, 16, 16, 16, 16};
     for (uint32_t count = 0; count <= 7; ++count) {
         const BitWriter syntax = hevcSps([&](HevcSpsSyntax& s) { s.sps_max_sub_layers_minus1 = count; });
@@ -303,8 +303,8 @@ TEST_F(QVHevcSpsSubLayers, reservedBitsArePassedOver) {
     expectOutcome(record, {kDefaultLine});
 }
 
-// F.7.3.2.2.1 has no profile_tier_level() behind sps_ext_or_max_sub_layers_minus1 7 in a parameter set of an
-// extension layer. Here it is read like any other.
+// By F.7.3.2.2.1, a parameter set of an extension layer with sps_ext_or_max_sub_layers_minus1 equal to 7 has
+// no profile_tier_level(). The parser reads one anyway.
 TEST_F(QVHevcSpsSubLayers, D30_ofAnExtensionLayer) {
     ASSERT_TRUE(parse(hevcSps([](HevcSpsSyntax& s) {
         s.nuh_layer_id = 1;
@@ -315,7 +315,7 @@ TEST_F(QVHevcSpsSubLayers, D30_ofAnExtensionLayer) {
     expectOutcome(record, {kDefaultLine});
 }
 
-// --- References on the stream, exceptions from the log ---
+// --- References to the stream, exceptions from the log ---
 
 class QVHevcSpsReferences : public HevcSpsTest {};
 
@@ -324,10 +324,10 @@ TEST_F(QVHevcSpsReferences, theStreamIsTakenByValue) {
     auto moved = std::make_shared<QVByteStream>(bytes.data(), bytes.size());
     const std::weak_ptr<QVByteStream> watch = moved;
     EXPECT_TRUE(parseHevcSps(&sps, std::move(moved)));
-    EXPECT_TRUE(watch.expired()) << "no reference outlives the call";
+    EXPECT_TRUE(watch.expired()) << "a reference outlives the call";
 }
 
-// One reference is the caller's, one the parameter's, one the profile step's.
+// The caller, the parameter and the profile step hold one reference each.
 TEST_F(QVHevcSpsReferences, theProfileStepHoldsOne) {
     const Bytes bytes = hevcSps().bytes();
     stream = std::make_shared<QVByteStream>(bytes.data(), bytes.size());

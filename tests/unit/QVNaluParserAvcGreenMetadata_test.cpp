@@ -90,7 +90,7 @@ GreenMetadataSyntax complexityMetrics(uint32_t period_type) {
 
 class AvcGreenMetadata : public AvcSeiTest<Green> {
 protected:
-    // The bytes are consumed and the record is this.
+    // Checks that `consumed` bytes are read and that they give this record.
     static void checkRecord(const Bytes& bytes, const Green& record, size_t consumed) {
         Outcome<Green> expected;
         expected.record = record;

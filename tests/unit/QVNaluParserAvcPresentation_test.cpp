@@ -51,7 +51,7 @@ static_assert(isU32<decltype(FramePacking::current_frame_is_frame0_flag)>());
 static_assert(isPlain<DisplayOrientation>());
 static_assert(sizeof(DisplayOrientation) == 4 * 4);
 static_assert(offsetof(DisplayOrientation, isValid) == 0);
-static_assert(offsetof(DisplayOrientation, anticlockwise_rotation) == 4, "the bitstream has the flips first");
+static_assert(offsetof(DisplayOrientation, anticlockwise_rotation) == 4, "the flips are coded first");
 static_assert(offsetof(DisplayOrientation, hor_flip) == 8);
 static_assert(offsetof(DisplayOrientation, ver_flip) == 12);
 static_assert(isU32<decltype(DisplayOrientation::isValid)>());
@@ -75,7 +75,7 @@ int parseFramePacking(QVByteStream& stream, FramePacking* record) {
     return QVNaluParser::parserAvcFramePackingArrangement(stream, 0, record);
 }
 
-// What is kept of it.
+// Returns the record that the syntax gives.
 FramePacking kept(const FramePackingSyntax& syntax) {
     FramePacking record = patternRecord<FramePacking>();
     record.frame_packing_arrangement_id = syntax.frame_packing_arrangement_id;
@@ -101,7 +101,7 @@ Outcome<FramePacking> framePackingContract(ModelledData& in) {
 
 class AvcFramePacking : public AvcSeiTest<FramePacking> {
 protected:
-    // The whole payload is consumed and kept.
+    // Checks that the whole payload is consumed and that the record holds its values.
     static void checkKept(const FramePackingSyntax& coded) {
         const BitWriter syntax = payload(coded);
         SCOPED_TRACE(syntax.map());
@@ -205,11 +205,12 @@ TEST_F(AvcFramePacking, gridPositionsThatDoNotFitAreNotSkipped) {
     Outcome<FramePacking> expected;
     expected.record = kept(FramePackingSyntax());
     expected.record.frame_packing_arrangement_repetition_period = 0;
-    // Two bits are left, and the grid would end two bytes behind them; the reserved byte still fits, ue(v)
-    // moves one bit, and the last flag would fill the byte behind the data.
+    // Two bits are left. The skip of the grid does not fit, as it would end two bytes after them. The skip of
+    // the reserved byte fits, ue(v) consumes one bit, and the last flag would complete the byte after the
+    // data.
     expected.cursor = atBit(3 * 8 + 7);
     check(syntax.bytesCutAt(24), parseFramePacking, expected);
-    // Ten bits are left. The grid ends inside the byte behind the data, the reserved byte does not fit.
+    // Ten bits are left. The grid ends inside the byte after the data; the reserved byte does not fit.
     expected.cursor = atBit(4 * 8 + 7);
     check(syntax.bytesCutAt(32), parseFramePacking, expected);
 }
@@ -217,10 +218,10 @@ TEST_F(AvcFramePacking, gridPositionsThatDoNotFitAreNotSkipped) {
 TEST_F(AvcFramePacking, noData) {
     Outcome<FramePacking> expected;
     expected.record = {1, 0, 0, 0, 0, 0, 0, 0};
-    // The bit offset is moved by ue(v), the skips of 3 and 2 bits and ue(v) again; one more does not fit.
+    // ue(v), the skips of 3 and 2 bits, and ue(v) again move the bit offset. One more bit does not fit.
     expected.cursor = atBit(7);
     check(Bytes(), parseFramePacking, expected);
-    // By ue(v), the skip of 3 bits, and past the end by ue(v).
+    // ue(v) and the skip of 3 bits move the bit offset; the second ue(v) moves it past the end.
     PayloadStream stream(Bytes(), 3);
     expected.cursor = atBit(1 * 8);
     check(stream, parseFramePacking, expected);
@@ -229,7 +230,7 @@ TEST_F(AvcFramePacking, noData) {
 TEST_F(AvcFramePacking, withoutBufferTheSkipsAreMadeAndFrame0FlagIsStoredAsZero) {
     BufferlessStream stream(10);
     Outcome<FramePacking> expected;
-    // The id takes every zero bit up to the end; what follows is at the end of the data.
+    // The id consumes all zero bits up to the end. The other elements are read at the end of the data.
     expected.record = {1, 0, 0, 0, 0, 0, 0, 0};
     expected.cursor = atBit(10 * 8 + 7);
     check(stream, parseFramePacking, expected);
@@ -370,7 +371,7 @@ TEST_F(AvcDisplayOrientation, withoutBuffer) {
     BufferlessStream stream(4);
     Outcome<DisplayOrientation> expected;
     expected.record = {1, 0, 0, 0};
-    expected.cursor = atBit(4 * 8 + 1);  // the period takes every zero bit up to the end
+    expected.cursor = atBit(4 * 8 + 1);  // the period consumes all zero bits up to the end
     check(stream, parseDisplayOrientation, expected);
     checkWithoutBuffer(displayOrientationContract, parseDisplayOrientation);
 }

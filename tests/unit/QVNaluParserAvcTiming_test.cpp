@@ -53,7 +53,7 @@ static_assert(sizeof(PictureTiming) == 24 * 4);
 static_assert(offsetof(PictureTiming, isValid) == 0);
 static_assert(offsetof(PictureTiming, pic_struct) == 4);
 static_assert(offsetof(PictureTiming, ctTypeMask) == 8);
-static_assert(offsetof(PictureTiming, dpb_output_delay) == 12, "the bitstream has cpb_removal_delay first");
+static_assert(offsetof(PictureTiming, dpb_output_delay) == 12, "cpb_removal_delay is coded first");
 static_assert(offsetof(PictureTiming, cpb_removal_delay) == 16);
 static_assert(offsetof(PictureTiming, clockTimestamps) == 20);
 static_assert(offsetof(PictureTiming, numClockTimestamps) == 92);
@@ -65,7 +65,7 @@ static_assert(std::is_same<decltype(PictureTiming::cpb_removal_delay), uint32_t>
 static_assert(std::is_same<decltype(PictureTiming::clockTimestamps), QVAvcClockTimestamp[3]>::value);
 static_assert(std::is_same<decltype(PictureTiming::numClockTimestamps), uint32_t>::value);
 
-// Sizes that no parser here looks at.
+// Values of payloadSize for parsers that must not use it.
 constexpr int kPayloadSizes[] = {INT_MIN, -1, 0, 1, 1000, INT_MAX};
 
 // --- recovery_point ---
@@ -158,7 +158,7 @@ TEST_F(AvcRecoveryPoint, payloadSizeIsNotUsed) {
 TEST_F(AvcRecoveryPoint, noData) {
     Outcome<RecoveryPoint> expected;
     expected.record.recovery_frame_cnt = 0;
-    expected.cursor = atBit(5);  // ue(v) at the end of the data moves one bit, the skip of four still fits
+    expected.cursor = atBit(5);  // past the data ue(v) consumes one bit; the skip of 4 still fits
     check(Bytes(), parseRecoveryPoint, expected);
 }
 
@@ -166,7 +166,7 @@ TEST_F(AvcRecoveryPoint, noDataBehindTheLastBit) {
     PayloadStream stream(Bytes(), 7);
     Outcome<RecoveryPoint> expected;
     expected.record.recovery_frame_cnt = 0;
-    expected.cursor = atBit(1 * 8);  // ue(v) moves past the end, where no skip fits
+    expected.cursor = atBit(1 * 8);  // ue(v) moves past the end; no skip fits there
     check(stream, parseRecoveryPoint, expected);
 }
 
@@ -181,7 +181,7 @@ TEST_F(AvcRecoveryPoint, aSkipThatDoesNotFitIsNotMade) {
     PayloadStream stream(Bytes(), 3);
     Outcome<RecoveryPoint> expected;
     expected.record.recovery_frame_cnt = 0;
-    expected.cursor = atBit(4);  // ue(v) moved one bit, four more would fill the byte behind the data
+    expected.cursor = atBit(4);  // ue(v) consumed one bit; 4 more would complete the byte after the data
     check(stream, parseRecoveryPoint, expected);
 }
 
@@ -202,7 +202,7 @@ TEST_F(AvcRecoveryPoint, anyBytes) {
 
 // --- buffering_period ---
 
-// A parameter set with a NAL HRD.
+// An SPS with NAL HRD parameters.
 QVAvcSps nalHrdSps(int32_t cpb_cnt = 1) {
     QVAvcSps sps{};
     sps.nal_hrd_parameters_present_flag = 1;
@@ -258,7 +258,7 @@ auto bufferingPeriodContract(const QVAvcSps& sps) {
     };
 }
 
-// Count delays, each different, from first on.
+// Returns count delays with different values, counting up from first.
 std::vector<CpbDelaySyntax> delays(size_t count, uint64_t first) {
     std::vector<CpbDelaySyntax> list(count);
     for (size_t i = 0; i < count; ++i) {
@@ -276,7 +276,7 @@ BufferingPeriodSyntax bufferingPeriod(uint32_t seq_parameter_set_id) {
 
 class AvcBufferingPeriod : public AvcSeiTest<BufferingPeriod> {
 protected:
-    // The whole payload is consumed and exactly the first of these values are stored.
+    // Checks that the whole payload is consumed and that exactly these values are stored, from the first on.
     static void checkStored(const BufferingPeriodSyntax& coded, const QVAvcSps& sps,
                             const std::vector<uint32_t>& stored) {
         const BitWriter syntax = payload(coded, sps);
@@ -299,7 +299,7 @@ protected:
     }
 };
 
-// The text prints a pointer's low 32 bits.
+// Formats a pointer like the log text, which prints its low 32 bits.
 std::string lowHex(const void* pointer) {
     char text[16];
     std::snprintf(text, sizeof text, "0x%x", static_cast<unsigned>(reinterpret_cast<uintptr_t>(pointer)));
@@ -439,11 +439,11 @@ TEST_F(AvcBufferingPeriod, nothingBehindTheRecordIsWritten) {
     const QVAvcSps sps = nalHrdSps(64);
     struct {
         BufferingPeriod record;
-        uint32_t behind[64];
+        uint32_t after[64];
     } guarded = {};
     PayloadStream stream(payload(coded, sps).bytes());
     EXPECT_EQ(parsingBufferingPeriod(sps)(stream, &guarded.record), kOk);
-    for (const uint32_t word : guarded.behind) {
+    for (const uint32_t word : guarded.after) {
         EXPECT_EQ(word, 0U);
     }
 }
@@ -487,8 +487,8 @@ TEST_F(AvcBufferingPeriod, ofALengthAbove32TheLast32BitsAreKept) {
 }
 
 TEST_F(AvcBufferingPeriod, anyCountEndsWithTheData) {
-    // No data is longer than 160 bits: a count and a length of 500 already go as far as any others. From bit
-    // 7 of no data on, the identifier moves past the end.
+    // The data has at most 160 bits, so a count and a length of 500 give the same result as any larger ones.
+    // From bit 7 without data, the identifier moves past the end.
     const int32_t far = 500;
     for (const int32_t cpb_cnt : {33, far, INT_MAX, -1, INT_MIN}) {
         for (const int32_t length : {0, 1, 7, 32, 33, INT_MAX, -1, INT_MIN}) {
@@ -509,8 +509,8 @@ TEST_F(AvcBufferingPeriod, anyCountEndsWithTheData) {
 }
 
 TEST_F(AvcBufferingPeriod, aSkipThatDoesNotFitIsNotMade) {
-    // Behind the identifier and 14 bits one bit is left: no offset of 14 bits, but the next delay's first
-    // bit.
+    // After the identifier and 14 bits one bit is left. The skip of a 14-bit offset does not fit, so the next
+    // delay reads that bit as its first.
     QVAvcSps sps = nalHrdSps(2);
     sps.initial_cpb_removal_delay_length = 14;
     Outcome<BufferingPeriod> expected;
@@ -522,7 +522,7 @@ TEST_F(AvcBufferingPeriod, aSkipThatDoesNotFitIsNotMade) {
 }
 
 TEST_F(AvcBufferingPeriod, aShortSkipStillFitsAtTheEndOfTheData) {
-    // Two delays of 7 bits: of the second one bit is left, and its offset moves the bit offset alone.
+    // Two delays of 7 bits. Only one bit of the second is left, and its offset only moves the bit offset.
     QVAvcSps sps = nalHrdSps(2);
     sps.initial_cpb_removal_delay_length = 7;
     Outcome<BufferingPeriod> expected;
@@ -583,7 +583,7 @@ TEST_F(AvcBufferingPeriod, anyBytes) {
 
 // --- pic_timing ---
 
-// A parameter set without delays, with pic_struct and without time_offset.
+// An SPS with pic_struct and without delays; time_offset has time_offset_length bits.
 QVAvcSps picStructSps(int32_t time_offset_length = 0) {
     QVAvcSps sps{};
     sps.pic_struct_present_flag = 1;
@@ -615,7 +615,7 @@ bool isDropFrame(const ClockTimestampSyntax& syntax) {
     return syntax.cnt_dropped_flag == 1 && syntax.counting_type >= 2 && syntax.counting_type <= 6;
 }
 
-// Values that were not coded are 0 in the syntax.
+// In the syntax, values that are not coded are 0.
 void storeTimestamp(PictureTiming& record, const ClockTimestampSyntax& syntax) {
     QVAvcClockTimestamp& timestamp = record.clockTimestamps[record.numClockTimestamps++];
     record.ctTypeMask |= 1U << syntax.ct_type;
@@ -629,7 +629,7 @@ void storeTimestamp(PictureTiming& record, const ClockTimestampSyntax& syntax) {
     }
 }
 
-// What is stored of syntax when everything was accepted.
+// Returns the record that an accepted message gives.
 PictureTiming stored(const PicTimingSyntax& syntax, const QVAvcSps& sps) {
     PictureTiming record = patternRecord<PictureTiming>();
     if (sps.nal_hrd_parameters_present_flag != 0 || sps.vcl_hrd_parameters_present_flag != 0) {
@@ -660,7 +660,7 @@ Outcome<PictureTiming> acceptedTiming(const PicTimingSyntax& syntax, const QVAvc
     return outcome;
 }
 
-// The delays, pic_struct and the mask stay written.
+// The outcome of a rejected pic_struct. The delays, pic_struct and the mask were already written.
 Outcome<PictureTiming> refusedTiming(const PicTimingSyntax& syntax, const QVAvcSps& sps, Cursor cursor) {
     QVAvcSps untilPicStruct = sps;
     untilPicStruct.pic_struct_present_flag = 0;
@@ -683,7 +683,7 @@ auto pictureTimingContract(const QVAvcSps& sps) {
     };
 }
 
-// A full timestamp; each number gives other values.
+// Returns a full timestamp. Each number gives different values.
 ClockTimestampSyntax fullTimestamp(uint32_t number) {
     ClockTimestampSyntax syntax;
     syntax.clock_timestamp_flag = 1;
@@ -717,7 +717,7 @@ PicTimingSyntax oneTimestamp(const ClockTimestampSyntax& timestamp) {
 
 class AvcPictureTiming : public AvcSeiTest<PictureTiming> {
 protected:
-    // The whole payload is consumed, and the record is this.
+    // Checks that the whole payload is consumed and that it gives this record.
     static void checkRecord(const PicTimingSyntax& coded, const QVAvcSps& sps, const PictureTiming& record) {
         const BitWriter syntax = payload(coded, sps);
         SCOPED_TRACE(syntax.map());
@@ -730,7 +730,7 @@ protected:
         check(syntax.bytes(), parsingPictureTiming(sps), expected);
     }
 
-    // A pattern record with pic_struct and count timestamps counted.
+    // Returns a pattern record with pic_struct, ctTypeMask and the number of timestamps set.
     static PictureTiming timing(uint32_t pic_struct, uint32_t ctTypeMask, uint32_t count) {
         PictureTiming record = patternRecord<PictureTiming>();
         record.isValid = 1;
@@ -740,7 +740,7 @@ protected:
         return record;
     }
 
-    // fullTimestamp(number) as it is kept; isDropFrame is not written.
+    // Returns fullTimestamp(number) as it is stored. isDropFrame is not written.
     static QVAvcClockTimestamp kept(uint32_t number) {
         QVAvcClockTimestamp timestamp = patternRecord<QVAvcClockTimestamp>();
         timestamp.full_timestamp_flag = 1;
@@ -751,7 +751,7 @@ protected:
         return timestamp;
     }
 
-    // Of one timestamp, what stands in the fields of time.
+    // Returns a record with one timestamp with these values.
     static PictureTiming keptTime(uint32_t full, uint32_t seconds, uint32_t minutes, uint32_t hours) {
         PictureTiming record = timing(0, 1, 1);
         record.clockTimestamps[0] = kept(0);
@@ -1129,7 +1129,7 @@ TEST_F(AvcPictureTiming, payloadSizeIsNotUsed) {
     }
 }
 
-// Three timestamps that differ in their form, with every bit that is not kept set.
+// Three timestamps of different forms. Every bit that is not stored is set.
 PicTimingSyntax mixedTimestamps() {
     PicTimingSyntax syntax = picTiming(6);
     syntax.cpb_removal_delay = 0xDEB6DB;
@@ -1184,14 +1184,14 @@ TEST_F(AvcPictureTiming, anyBytes) {
 
 struct Wiring {
     int payloadType;
-    Bytes body;  // from the payload size on
+    Bytes body;  // the bytes from payload_size on
     int result;
-    std::vector<std::string> functions;  // that log
+    std::vector<std::string> functions;  // the functions that log, in order
     std::vector<Bytes> captured;
 };
 
-// Type 5 behind a parser that cannot fail shows that it was called: its message has size 0, it reads on, and
-// it is not pulled back.
+// Some parsers cannot fail and log nothing. Their message has size 0, but they read more, and the walk does
+// not move back. The captured message of type 5 that follows shows that they were called.
 const Wiring kWirings[] = {
     {0, {1, 0x80, 5, 1, 0xAA, 0x80}, kFailed, {"parserAvcBufferingPeriod"}, {}},
     {1, {2, 0xBB, 0xCC, 0x80}, kOk, {}, {{0xBB, 0xCC}}},

@@ -61,7 +61,7 @@ ExpectedLine afdSecondSizeError(int logged) {
                      "parserAvcRegisteredUserData afd: size:" + std::to_string(logged) + " error 2.\n");
 }
 
-// The contract, step by step over the modelled cursor.
+// The contract, written step by step on the modelled cursor.
 class UserDataContract {
 public:
     explicit UserDataContract(ModelledData& in) : in_(in) {}
@@ -136,14 +136,14 @@ private:
         in_.skipBits(8);
     }
 
-    // No data here is longer than 200 bytes, and at its end no byte fits.
+    // The data has at most 200 bytes, and at its end a skip of a byte does not fit.
     void skipEachByte(int count) {
         for (int i = 0; i < count && i < 200; ++i) {
             in_.skipBits(8);
         }
     }
 
-    // One byte less than none is a byte back, unless bits of the current byte are consumed.
+    // A remaining size of -1 moves back one byte, unless bits of the current byte are consumed.
     Outcome<Afd> skipRest(int remaining) {
         if (remaining >= 0) {
             in_.skipBits(8 * static_cast<uint64_t>(remaining));
@@ -192,7 +192,7 @@ T35Syntax t35(uint32_t user_identifier, uint32_t itu_t_t35_country_code = 0xB5) 
     return syntax;
 }
 
-// cc_count constructs, announced and written.
+// cc_data() with cc_count constructs, all of them present.
 CcDataSyntax ccData(uint32_t cc_count) {
     CcDataSyntax syntax;
     syntax.cc_count = cc_count;
@@ -229,7 +229,7 @@ Outcome<Afd> givesFormat(uint8_t active_format, size_t consumed) {
 
 class AvcRegisteredUserData : public AvcSeiTest<Afd> {
 protected:
-    // The bytes as a payload of their size.
+    // Checks bytes with payloadSize set to their number.
     static void checkWhole(const Bytes& bytes, const Outcome<Afd>& expected) {
         check(bytes, parsingUserData(sizeOf(bytes)), expected);
     }
@@ -327,7 +327,7 @@ TEST_F(AvcRegisteredUserData, sevenBytesWithACountryCodeExtensionHandOnMinusOne)
 TEST_F(AvcRegisteredUserData, aByteBackNeedsAWholeByte) {
     for (unsigned firstBit = 1; firstBit < 8; ++firstBit) {
         BitWriter syntax;
-        syntax.u(firstBit, "bits of others", 0);
+        syntax.u(firstBit, "preceding bits", 0);
         write(syntax, t35(kOther, 0xFF));
         PayloadStream stream(syntax.bytes(), firstBit);
         Outcome<Afd> expected;
@@ -358,7 +358,7 @@ TEST_F(AvcRegisteredUserData, theParameterSetIsNotUsed) {
     EXPECT_EQ(std::memcmp(&sps, &before, sizeof sps), 0);
 }
 
-// Sizes on both sides of every border.
+// Sizes on both sides of every limit.
 const int kSizes[] = {INT_MIN, -1, 0,  1,  2,  3,  4,  5,  6,  7,  8,  9,      10,
                       11,      12, 13, 14, 15, 16, 17, 18, 19, 20, 24, INT_MAX};
 
@@ -548,10 +548,11 @@ TEST_F(AvcClosedCaption, flagsThatAreNotKeptChangeNothing) {
 }
 
 TEST_F(AvcClosedCaption, aConstructIsOneSkip) {
-    // Two constructs are announced. Of the second two bytes are there: it is not skipped, the marker is.
+    // cc_count is 2, but only two bytes of the second construct are present. Its skip does not fit, the
+    // marker's does.
     const Bytes bytes = {3, 0xC2, 0xFF, 0xFC, 0x94, 0x2C, 0xFC, 0x94};
     check(bytes, parsingCaption(10), succeeds(7));
-    // A third would not fit either, and a fourth.
+    // The third and fourth constructs do not fit either.
     check({3, 0xC4, 0xFF, 0xFC, 0x94, 0x2C, 0xFC, 0x94}, parsingCaption(20), succeeds(7));
     check({3, 0xC1, 0xFF, 0xFC}, parsingCaption(5), succeeds(4));
     check({3, 0xC1, 0xFF}, parsingCaption(5), succeeds(3));

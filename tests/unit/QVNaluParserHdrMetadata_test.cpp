@@ -1,4 +1,4 @@
-// HDR10 static metadata from a kept mastering display item, and the hand-off to the host's HDR Vivid parser.
+// HDR10 static metadata from a mastering display item, and the call of the host's HDR Vivid parser.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -28,7 +28,7 @@ static_assert(std::is_same<decltype(QVHDR10StaticMetadata::display_primaries_y),
 static_assert(std::is_same<decltype(QVHDR10StaticMetadata::white_point_x), uint16_t>::value);
 static_assert(std::is_same<decltype(QVHDR10StaticMetadata::white_point_y), uint16_t>::value);
 
-// An item over an exact-size copy of the payload.
+// An item with an exact-size copy of the payload.
 class ItemOver {
 public:
     explicit ItemOver(const Bytes& payload, QVCodecID codec = QVCodecIDHevc, uint32_t payloadType = 137)
@@ -103,7 +103,8 @@ TEST_F(Hdr10StaticMetadata, golden) {
     EXPECT_EQ(metadata.min_display_mastering_luminance, 50U);
 }
 
-// The same payload: all x ahead of all y and a 16-bit white point here, pairs and a 32-bit one there.
+// The HDR10 record stores all x before all y and a 16-bit white point. The parsed SEI record stores pairs and
+// a 32-bit white point. The values of one payload are the same in both.
 TEST_F(Hdr10StaticMetadata, liesOtherwiseThanTheParsedRecord) {
     ItemOver kept(kGolden);
     QVHDR10StaticMetadata metadata = patternRecord<QVHDR10StaticMetadata>();
@@ -123,7 +124,7 @@ TEST_F(Hdr10StaticMetadata, liesOtherwiseThanTheParsedRecord) {
 
 TEST_F(Hdr10StaticMetadata, payloadsOfEveryLength) {
     const HevcMasteringDisplaySyntax syntax;
-    const Bytes long25 = hevcSei(syntax).u(8, "behind", 0xEE).bytes();
+    const Bytes long25 = hevcSei(syntax).u(8, "following", 0xEE).bytes();
     for (size_t size = 1; size <= 25; ++size) {
         SCOPED_TRACE(size);
         expectFilled(Bytes(long25.begin(), long25.begin() + static_cast<std::ptrdiff_t>(size)),
@@ -157,7 +158,7 @@ TEST_F(Hdr10StaticMetadata, noValueIsChecked) {
     expectFilled(hevcSei(syntax).bytes(), metadataOf(syntax));
 }
 
-// A kept payload has no emulation prevention bytes any more: 00 00 03 is data.
+// An item's payload has no emulation prevention bytes, so 00 00 03 is data.
 TEST_F(Hdr10StaticMetadata, emulationPreventionIsNotLookedFor) {
     HevcMasteringDisplaySyntax syntax;
     syntax.display_primaries_x[0] = 0x0000;
@@ -235,7 +236,7 @@ protected:
         return QVNaluParser::fillHDRVividDynamicMetadataFromHevcUserDataRegisteredSei(item, metadata);
     }
 
-    // The record belongs to the host; here an address is all there is of it.
+    // Only the host knows the record's layout, so the test uses just an address.
     QVHDRVividDynamicMetadata* metadata() { return reinterpret_cast<QVHDRVividDynamicMetadata*>(&storage_); }
 
 private:

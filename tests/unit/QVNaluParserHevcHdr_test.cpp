@@ -1,4 +1,4 @@
-// The H.265 HDR payloads: mastering display colour volume, content light level, alternative transfer
+// The H.265 HDR payloads: mastering display colour volume, content light level, and alternative transfer
 // characteristics.
 #include <gtest/gtest.h>
 
@@ -50,7 +50,7 @@ TEST(HevcMasteringDisplayRecord, primariesLieAsPairs) {
     record.min_display_mastering_luminance = 0x88888888;
     const uint16_t words[16] = {0x0101, 0x0101, 0x2020, 0x0202, 0x3030, 0x0303, 0x4040, 0x0404,
                                 0x5555, 0x5555, 0x6666, 0x6666, 0x7777, 0x7777, 0x8888, 0x8888};
-    static_assert(sizeof words == sizeof record, "every byte is compared");
+    static_assert(sizeof words == sizeof record, "all bytes must be compared");
     EXPECT_EQ(std::memcmp(&record, words, sizeof record), 0);
 }
 
@@ -100,8 +100,8 @@ QVHevcSeiAlternativeTransfer recordOf(const HevcAlternativeTransferSyntax& synta
 
 class HevcHdrTest : public CoreTest {
 protected:
-    // Cuts the payload behind every bit, from every start in the first byte. The payload is read bit by bit
-    // up to the end of the data, which is the end of the byte that was cut.
+    // Parses the payload from every start in the first byte, cut after every bit. The parser reads it bit by
+    // bit up to the end of the data, which is the end of the byte that was cut.
     template <class Record, class Syntax>
     static void expectCutEverywhere(int (*parser)(QVByteStream&, int, Record*), const Syntax& syntax) {
         for (unsigned lead = 0; lead < 8; ++lead) {
@@ -119,7 +119,7 @@ protected:
         expectNoLines();
     }
 
-    // Whatever payloadSize says, with bytes before and behind the payload.
+    // Parses the payload, with bytes before and after it, with any payloadSize. The size must not matter.
     template <class Record, class Syntax>
     static void expectAnySize(int (*parser)(QVByteStream&, int, Record*), const Syntax& syntax) {
         const Bytes payload = hevcSei(syntax).bytes();
@@ -133,7 +133,7 @@ protected:
         expectNoLines();
     }
 
-    // With nothing to read, in each way: nothing moves.
+    // Parses with no data in several ways. The stream must not move.
     template <class Record>
     static void expectNothingToRead(int (*parser)(QVByteStream&, int, Record*), const Record& record) {
         PayloadStream empty((Bytes()));
@@ -193,7 +193,7 @@ TEST_F(HevcMasteringDisplay, D19_golden) {
 
 TEST_F(HevcMasteringDisplay, eachElementHasItsFieldAndItsWidth) {
     const BitWriter zeros = hevcSei(HevcMasteringDisplaySyntax{{}, {}, 0, 0, 0, 0});
-    ASSERT_EQ(zeros.elements().size(), 11U) << "the lead and ten elements";
+    ASSERT_EQ(zeros.elements().size(), 11U) << "must be the lead and ten elements";
     for (size_t i = 1; i < zeros.elements().size(); ++i) {
         const BitWriter::Element& element = zeros.elements()[i];
         SCOPED_TRACE(element.name);

@@ -33,7 +33,7 @@ static_assert(std::is_same<decltype(QVHevcSeiPictureHash::md5Present), uint8_t>:
 
 class HevcPictureTiming : public CoreTest {
 protected:
-    // The parity that a call on a pattern record leaves, and the parameter set as it was.
+    // Checks the parity that a call writes into a pattern record, and that the SPS is unchanged.
     void expectParity(QVByteStream& stream, int payloadSize, uint32_t fieldParity, const Cursor& cursor) {
         const Bytes before = bytesOf(sps);
         QVHevcSeiPictureTiming record = patternRecord<QVHevcSeiPictureTiming>();
@@ -50,10 +50,10 @@ protected:
 
 constexpr uint32_t kUntouched = 0xA5A5A5A5;
 
-// Table D.2 by pic_struct: 1, 9, 11 are a top field, 2, 10, 12 a bottom field.
+// H.265 Table D.2 by pic_struct: 1, 9 and 11 are a top field; 2, 10 and 12 are a bottom field.
 constexpr uint32_t kFieldParity[16] = {0, 1, 2, 0, 0, 0, 0, 0, 0, 1, 2, 1, 2, 0, 0, 0};
 
-// 5 bytes: the head and what stands behind it.
+// A payload of 5 bytes: the first elements and further bits.
 Bytes picTiming(uint32_t pic_struct, unsigned lead = 0) {
     return hevcSei(HevcPicTimingSyntax{pic_struct, 0, 0}, lead).u(33 + lead, "further elements", 0).bytes();
 }
@@ -103,8 +103,8 @@ TEST_F(HevcPictureTiming, offByteAlignmentTheBitOffsetIsKept) {
     }
 }
 
-// A size of 0 is a distance of -1 byte behind the head: from a byte boundary back to the start, otherwise,
-// truncated towards zero, nowhere.
+// With a size of 0, the rest after the first byte is -1 byte. From a byte boundary the stream moves back to
+// the start; otherwise the distance is truncated towards zero and the stream does not move.
 TEST_F(HevcPictureTiming, D21_payloadSizeZeroStepsBack) {
     setPresent(1);
     PayloadStream aligned(picTiming(2));
@@ -131,7 +131,7 @@ TEST_F(HevcPictureTiming, shortDataLeavesTheStreamBehindTheFirstByte) {
     expectNoLines();
 }
 
-// At the end of the data the reads do not move. The skip of the eighth bit does where a bit offset is left.
+// At the end of the data the reads do not move. The skip of the eighth bit moves if it ends within the byte.
 TEST_F(HevcPictureTiming, nothingToRead) {
     setPresent(1);
     for (int payloadSize = 0; payloadSize <= 5; ++payloadSize) {
@@ -153,11 +153,11 @@ TEST_F(HevcPictureTiming, cutAtEveryBitFromEveryStart) {
         for (unsigned lead = 0; lead < 8; ++lead) {
             const BitWriter payload = hevcSei(syntax, lead);
             for (size_t bits = lead; bits <= payload.bitCount(); ++bits) {
-                SCOPED_TRACE(std::to_string(pic_struct) + " behind " + std::to_string(lead) + " cut at " +
+                SCOPED_TRACE(std::to_string(pic_struct) + " after " + std::to_string(lead) + " cut at " +
                              std::to_string(bits));
                 const Bytes bytes = payload.bytesCutAt(bits);
                 PayloadStream stream(bytes, lead);
-                // One bit behind the reads, which end with the data.
+                // The reads end with the data; the skip moves one bit further.
                 const uint64_t end = std::min<uint64_t>(lead + 7, bytes.size() * 8) + 1;
                 expectParity(stream, 1, kFieldParity[cutAt(syntax, bits - lead).pic_struct], atBit(end));
             }
@@ -197,7 +197,7 @@ TEST_F(HevcPictureTiming, aTargetBeforeTheStartIsNotReached) {
     expectParity(stream, -2, kUntouched, atBit(0));
     PayloadStream inMidByte(Bytes(7, 0x11), 19);
     expectParity(inMidByte, -4, kUntouched, atBit(19));
-    expectParity(inMidByte, -3, kUntouched, atBit(3));  // 3 - 24 bits are -2 bytes, truncated
+    expectParity(inMidByte, -3, kUntouched, atBit(3));  // 3 - 24 bits are -2 bytes after truncation
     setPresent(1);
     PayloadStream withHead(Bytes(7, 0x11), 16);
     expectParity(withHead, INT_MIN, 1, atBit(24));
@@ -242,7 +242,7 @@ TEST_F(HevcPictureTiming, nullRecordOrParameterSet) {
 
 const auto kPictureHash = &QVNaluParser::parserHevcPictureHash;
 
-// Every byte differs from the others and from the pattern.
+// All bytes differ from each other and from the pattern.
 HevcPictureHashSyntax pictureHash(uint32_t hash_type) {
     HevcPictureHashSyntax syntax;
     syntax.hash_type = hash_type;
@@ -273,7 +273,7 @@ class HevcPictureHash : public CoreTest {};
 
 TEST_F(HevcPictureHash, D20_md5OfThreeComponents) {
     const HevcPictureHashSyntax syntax = pictureHash(0);
-    PayloadStream stream(hevcSei(syntax).u(16, "behind", 0xEEEE));
+    PayloadStream stream(hevcSei(syntax).u(16, "following", 0xEEEE));
     const auto parsed = parse(kPictureHash, stream, 49);
     expectParsed(parsed, md5Record(syntax), atBit(49 * 8));
     EXPECT_EQ(parsed.record.picture_md5[0][0], 0x31);
@@ -298,9 +298,9 @@ TEST_F(HevcPictureHash, D20_aMonochromePictureTakesWhatStandsBehind) {
 }
 
 TEST_F(HevcPictureHash, crcAndChecksumAreSkipped) {
-    PayloadStream crc(hevcSei(pictureHash(1)).u(32, "behind", 0));
+    PayloadStream crc(hevcSei(pictureHash(1)).u(32, "following", 0));
     expectParsed(parse(kPictureHash, crc, 7), kNoHash, atBit(7 * 8));
-    PayloadStream checksum(hevcSei(pictureHash(2)).u(32, "behind", 0));
+    PayloadStream checksum(hevcSei(pictureHash(2)).u(32, "following", 0));
     expectParsed(parse(kPictureHash, checksum, 13), kNoHash, atBit(13 * 8));
     expectNoLines();
 }
@@ -308,24 +308,24 @@ TEST_F(HevcPictureHash, crcAndChecksumAreSkipped) {
 TEST_F(HevcPictureHash, otherTypesEndAtOnce) {
     for (uint32_t hash_type = 3; hash_type < 256; ++hash_type) {
         SCOPED_TRACE(hash_type);
-        PayloadStream stream(hevcSei(pictureHash(hash_type)).u(64, "behind", ~uint64_t{0}));
+        PayloadStream stream(hevcSei(pictureHash(hash_type)).u(64, "following", ~uint64_t{0}));
         expectParsed(parse(kPictureHash, stream, 9), kNoHash, atBit(8));
     }
     expectNoLines();
 }
 
-// Bytes behind the type that a payload of each length makes the parser pass.
+// The parser skips as many whole components after the type as the payload has, up to three.
 TEST_F(HevcPictureHash, everyLengthOfEveryType) {
     const struct {
         uint8_t hash_type;
         size_t skipBytes;
     } rows[] = {{1, 2}, {2, 4}, {3, 0}, {255, 0}};
     for (const auto& row : rows) {
-        for (size_t behind = 0; behind <= 20; ++behind) {
-            SCOPED_TRACE(std::to_string(row.hash_type) + ", " + std::to_string(behind) + " bytes behind");
-            PayloadStream stream(Bytes{row.hash_type} + Bytes(behind, 0xFF));
-            const size_t fitting = row.skipBytes == 0 ? 0 : std::min<size_t>(behind / row.skipBytes, 3);
-            expectParsed(parse(kPictureHash, stream, static_cast<int>(1 + behind)), kNoHash,
+        for (size_t length = 0; length <= 20; ++length) {
+            SCOPED_TRACE(std::to_string(row.hash_type) + " and " + std::to_string(length) + " bytes");
+            PayloadStream stream(Bytes{row.hash_type} + Bytes(length, 0xFF));
+            const size_t fitting = row.skipBytes == 0 ? 0 : std::min<size_t>(length / row.skipBytes, 3);
+            expectParsed(parse(kPictureHash, stream, static_cast<int>(1 + length)), kNoHash,
                          atBit((1 + fitting * row.skipBytes) * 8));
         }
     }
@@ -358,7 +358,7 @@ TEST_F(HevcPictureHash, md5CutAtEveryBitFromEveryStart) {
     }
 }
 
-// What a cut leaves of the types: 1, 3 and 255 lose their last bit, and 0 is the MD5 form.
+// A cut replaces the low bits of the type with zeros. Where 0 is left, the payload is read as MD5.
 TEST_F(HevcPictureHash, aTypeCutShort) {
     QVHevcSeiPictureHash zeros{};
     zeros.md5Present = 1;
@@ -374,7 +374,7 @@ TEST_F(HevcPictureHash, aTypeCutShort) {
     }
 }
 
-// 8 + 3 * 16 bits: a skip is made when the byte it ends in begins inside the data or right behind it.
+// The payload has 8 + 3 * 16 bits. A skip is made if it ends in a byte of the data or in the byte after it.
 TEST_F(HevcPictureHash, offByteAlignmentASkipMayEndInsideTheLastByte) {
     for (unsigned lead = 1; lead < 8; ++lead) {
         SCOPED_TRACE(lead);
@@ -431,35 +431,35 @@ protected:
         return QVNaluParser::parserHevcSeiSuffix(stream, payloadType, payloadSize, items, nullptr, requested);
     }
 
-    // A capture reads whole bytes from the byte position, with the RBSP cursor.
+    // The position of the RBSP cursor, with which a capture reads whole bytes.
     static Cursor atByte(uint64_t byte) { return {byte, 0, 7}; }
 };
 
-const Bytes kBehind = {0xC0, 0xC1, 0xC2, 0xC3, 0xC4, 0xC5, 0xC6, 0xC7, 0xC8, 0xC9};
+const Bytes kFollowing = {0xC0, 0xC1, 0xC2, 0xC3, 0xC4, 0xC5, 0xC6, 0xC7, 0xC8, 0xC9};
 
 TEST_F(HevcPictureHashDispatch, D13_prefixType256IsAHash) {
     for (const Requested& requested : {Requested{}, Requested{256}, Requested{132, 256}}) {
-        SeiStream md5(hevcSei(pictureHash(0)).bytes() + kBehind);
+        SeiStream md5(hevcSei(pictureHash(0)).bytes() + kFollowing);
         EXPECT_EQ(prefix(md5, 256, 49, requested), 0);
         EXPECT_EQ(cursorOf(md5), atByte(49));
-        SeiStream crc(hevcSei(pictureHash(1)).bytes() + kBehind);
+        SeiStream crc(hevcSei(pictureHash(1)).bytes() + kFollowing);
         EXPECT_EQ(prefix(crc, 256, 7, requested), 0);
         EXPECT_EQ(cursorOf(crc), atByte(7));
-        SeiStream unknown(Bytes{0x07} + kBehind);
+        SeiStream unknown(Bytes{0x07} + kFollowing);
         EXPECT_EQ(prefix(unknown, 256, 11, requested), 0);
         EXPECT_EQ(cursorOf(unknown), atByte(1));
     }
-    EXPECT_THAT(kept(), IsEmpty()) << "a hash is never captured there, requested or not";
+    EXPECT_THAT(kept(), IsEmpty()) << "a prefix hash must never be captured, even if requested";
     expectNoLines();
 }
 
 TEST_F(HevcPictureHashDispatch, D13_prefixType132IsNoHash) {
     const Bytes crc = hevcSei(pictureHash(1)).bytes();
-    SeiStream skipped(crc + kBehind);
+    SeiStream skipped(crc + kFollowing);
     EXPECT_EQ(prefix(skipped, 132, 9, {256}), 0);
     EXPECT_EQ(cursorOf(skipped), atByte(9));
     EXPECT_THAT(kept(), IsEmpty());
-    SeiStream captured(crc + kBehind);
+    SeiStream captured(crc + kFollowing);
     EXPECT_EQ(prefix(captured, 132, 7, {132}), 0);
     EXPECT_EQ(cursorOf(captured), atByte(7));
     EXPECT_THAT(kept(), ElementsAre(KeptItem{172, 132, true, crc}));
@@ -472,17 +472,17 @@ TEST_F(HevcPictureHashDispatch, D15_suffixHashIsCapturedFromWhereItsParserStoppe
         uint64_t end;
         Bytes payload;
     } rows[] = {
-        {0, 10, 59, kBehind},
-        {0, 12, 59, kBehind + Bytes{0x00, 0x00}},
-        {1, 7, 14, Bytes(kBehind.begin(), kBehind.begin() + 7)},
-        {2, 13, 23, kBehind + Bytes{0x00, 0x00, 0x00}},
-        {3, 4, 5, Bytes(kBehind.begin(), kBehind.begin() + 4)},
-        {255, 1, 2, Bytes(kBehind.begin(), kBehind.begin() + 1)},
+        {0, 10, 59, kFollowing},
+        {0, 12, 59, kFollowing + Bytes{0x00, 0x00}},
+        {1, 7, 14, Bytes(kFollowing.begin(), kFollowing.begin() + 7)},
+        {2, 13, 23, kFollowing + Bytes{0x00, 0x00, 0x00}},
+        {3, 4, 5, Bytes(kFollowing.begin(), kFollowing.begin() + 4)},
+        {255, 1, 2, Bytes(kFollowing.begin(), kFollowing.begin() + 1)},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE("hash type " + std::to_string(row.hash_type) + ", size " +
                      std::to_string(row.payloadSize));
-        SeiStream stream(hevcSei(pictureHash(row.hash_type)).bytes() + kBehind);
+        SeiStream stream(hevcSei(pictureHash(row.hash_type)).bytes() + kFollowing);
         EXPECT_EQ(suffix(stream, 132, row.payloadSize, {7, 132}), 0);
         EXPECT_EQ(cursorOf(stream), atByte(row.end));
         EXPECT_THAT(kept(), ElementsAre(KeptItem{172, 132, true, row.payload}));
@@ -501,13 +501,13 @@ TEST_F(HevcPictureHashDispatch, D15_suffixHashThatEndsItsUnitIsCapturedAsZeros) 
 
 TEST_F(HevcPictureHashDispatch, D15_suffixHashIsSkippedFromWhereItsParserStopped) {
     for (const Requested& requested : {Requested{}, Requested{256, 131}}) {
-        SeiStream fits(hevcSei(pictureHash(1)).bytes() + kBehind);
+        SeiStream fits(hevcSei(pictureHash(1)).bytes() + kFollowing);
         EXPECT_EQ(suffix(fits, 132, 7, requested), 0);
         EXPECT_EQ(cursorOf(fits), atByte(14));
-        SeiStream doesNotFit(hevcSei(pictureHash(2)).bytes() + kBehind);
+        SeiStream doesNotFit(hevcSei(pictureHash(2)).bytes() + kFollowing);
         EXPECT_EQ(suffix(doesNotFit, 132, 13, requested), 0);
         EXPECT_EQ(cursorOf(doesNotFit), atByte(13));
-        SeiStream unknown(Bytes{0xFF} + kBehind);
+        SeiStream unknown(Bytes{0xFF} + kFollowing);
         EXPECT_EQ(suffix(unknown, 132, 10, requested), 0);
         EXPECT_EQ(cursorOf(unknown), atByte(11));
     }
@@ -517,22 +517,22 @@ TEST_F(HevcPictureHashDispatch, D15_suffixHashIsSkippedFromWhereItsParserStopped
 
 TEST_F(HevcPictureHashDispatch, D13_suffixType256IsNoHash) {
     const Bytes crc = hevcSei(pictureHash(1)).bytes();
-    SeiStream skipped(crc + kBehind);
+    SeiStream skipped(crc + kFollowing);
     EXPECT_EQ(suffix(skipped, 256, 9, {}), 0);
     EXPECT_EQ(cursorOf(skipped), atByte(9));
     EXPECT_THAT(kept(), IsEmpty());
-    SeiStream captured(crc + kBehind);
+    SeiStream captured(crc + kFollowing);
     EXPECT_EQ(suffix(captured, 256, 7, {256}), 0);
     EXPECT_EQ(cursorOf(captured), atByte(7));
     EXPECT_THAT(kept(), ElementsAre(KeptItem{172, 256, true, crc}));
 }
 
 TEST_F(HevcPictureHashDispatch, aFailedSuffixCaptureIsNotReported) {
-    SeiStream empty(hevcSei(pictureHash(1)).bytes() + kBehind);
+    SeiStream empty(hevcSei(pictureHash(1)).bytes() + kFollowing);
     EXPECT_EQ(suffix(empty, 132, 0, {132}), 0);
-    EXPECT_EQ(cursorOf(empty), atByte(7)) << "parsed, and nothing captured";
+    EXPECT_EQ(cursorOf(empty), atByte(7)) << "must be parsed but not captured";
     core().failPlayerAllocation = 1;
-    SeiStream refused(hevcSei(pictureHash(1)).bytes() + kBehind);
+    SeiStream refused(hevcSei(pictureHash(1)).bytes() + kFollowing);
     EXPECT_EQ(suffix(refused, 132, 7, {132}), 0);
     EXPECT_EQ(core().playerAllocations, 1);
     EXPECT_THAT(kept(), IsEmpty());
@@ -551,7 +551,7 @@ ExpectedLine idInvalid(const std::string& value) {
             "parserHevcActiveParameterSets: active_seq_parameter_set_id(" + value + ") is invalid!\n"};
 }
 
-// As many identifiers as the syntax has, counting up from the first one.
+// Returns the syntax with all its identifiers, up to 21, counting up from firstId.
 HevcActiveParameterSetsSyntax activeParameterSets(uint32_t num_sps_ids_minus1, uint32_t firstId) {
     HevcActiveParameterSetsSyntax syntax;
     syntax.num_sps_ids_minus1 = num_sps_ids_minus1;
@@ -562,7 +562,7 @@ HevcActiveParameterSetsSyntax activeParameterSets(uint32_t num_sps_ids_minus1, u
 
 class HevcActiveParameterSets : public CoreTest {
 protected:
-    // From each start in the first byte: the status, with the stream behind the named element.
+    // From each start in the first byte, checks the result and that the stream is after the named element.
     static void expectStop(const HevcActiveParameterSetsSyntax& syntax, int result,
                            const std::string& element) {
         for (unsigned lead = 0; lead < 8; ++lead) {
@@ -608,7 +608,7 @@ TEST_F(HevcActiveParameterSets, tooManyIdentifiers) {
                 {255, "255"},
                 {65536, "65536"},
                 {2147483647, "2147483647"},
-                {2147483648, "-2147483648"},  // printed as a signed number
+                {2147483648, "-2147483648"},  // the log prints it as a signed number
                 {4294967294, "-2"}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.num_sps_ids_minus1);
@@ -657,8 +657,8 @@ TEST_F(HevcActiveParameterSets, theElementsAheadAreDiscarded) {
     expectNoLines();
 }
 
-// 0000 0 1 00100 1 010 011 00100 in 0, 1, 2 and 3 bytes. A code without a 1 bit is 0 and ends with the data;
-// each further one at the end of the data still moves a bit.
+// The payload 0000 0 1 00100 1 010 011 00100, cut to 0, 1, 2 and 3 bytes. A code without a 1 bit is 0 and
+// ends at the end of the data. There, each further code consumes one bit.
 TEST_F(HevcActiveParameterSets, shortPayloads) {
     HevcActiveParameterSetsSyntax syntax = activeParameterSets(3, 0);
     syntax.no_parameter_set_update_flag = 1;
@@ -674,7 +674,7 @@ TEST_F(HevcActiveParameterSets, shortPayloads) {
 }
 
 TEST_F(HevcActiveParameterSets, identifiersBehindTheDataMoveTheBitOffsetPastTheEnd) {
-    // 0000 0 1 000010000 1: num_sps_ids_minus1 15, the first identifier, and nothing of the next 14.
+    // 0000 0 1 000010000 1: num_sps_ids_minus1 15 and the first identifier. The next 14 are missing.
     PayloadStream stream(Bytes{0x04, 0x21});
     expectStopAt(stream, 16 + 14);
     expectNoLines();
@@ -687,7 +687,7 @@ TEST_F(HevcActiveParameterSets, cutAtEveryBit) {
         for (unsigned lead = 0; lead < 8; ++lead) {
             const BitWriter payload = hevcSei(syntax, lead);
             for (size_t bits = lead; bits <= payload.bitCount(); ++bits) {
-                SCOPED_TRACE(std::to_string(num) + " behind " + std::to_string(lead) + " cut at " +
+                SCOPED_TRACE(std::to_string(num) + " after " + std::to_string(lead) + " cut at " +
                              std::to_string(bits));
                 PayloadStream stream(payload.bytesCutAt(bits), lead);
                 EXPECT_EQ(QVNaluParser::parserHevcActiveParameterSets(stream, 4), 0);
@@ -705,8 +705,8 @@ TEST_F(HevcActiveParameterSets, nothingToRead) {
     expectNoLines();
 }
 
-// The identifier of the video parameter set is not read; the flags pass two bits, and num_sps_ids_minus1 runs
-// through zero bits to the end. With no bit left for it, it moves one past the end, as the identifier does.
+// The VPS identifier is not read. The flags take two bits, and num_sps_ids_minus1 reads zero bits up to the
+// end. If no bit is left for it, it consumes one bit past the end, and so does the SPS identifier.
 TEST_F(HevcActiveParameterSets, withoutABuffer) {
     for (uint64_t start = 0; start < 24; ++start) {
         SCOPED_TRACE(start);

@@ -1,4 +1,4 @@
-// The H.265 presentation payloads: frame packing arrangement, display orientation.
+// The H.265 presentation payloads: frame packing arrangement and display orientation.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -32,7 +32,7 @@ static_assert(std::is_trivially_default_constructible<QVHevcSeiDisplayOrientatio
 
 const auto kFramePacking = &QVNaluParser::parserHevcFramePacking;
 
-// Of an arrangement that is not a cancellation.
+// Returns the record of an arrangement that is not a cancellation.
 QVHevcSeiFramePacking recordOf(const HevcFramePackingSyntax& syntax) {
     return {1, syntax.frame_packing_arrangement_type, syntax.content_interpretation_type,
             syntax.quincunx_sampling_flag, syntax.current_frame_is_frame0_flag};
@@ -48,7 +48,7 @@ constexpr QVHevcSeiFramePacking kZeroArrangement = {1, 0, 0, 0, 0};
 
 class HevcFramePacking : public CoreTest {
 protected:
-    // From each start in the first byte: the record, with the whole payload consumed.
+    // From each start in the first byte, checks the record and that the whole payload is consumed.
     static void expectWhole(const HevcFramePackingSyntax& syntax, const QVHevcSeiFramePacking& record) {
         for (unsigned lead = 0; lead < 8; ++lead) {
             const BitWriter payload = hevcSei(syntax, lead);
@@ -60,7 +60,7 @@ protected:
 };
 
 TEST_F(HevcFramePacking, golden) {
-    // 1 0 0000011 0 000001 000 1 00, the grid 1 2 3 4, a reserved byte, 1 0
+    // 1 0 0000011 0 000001 000 1 00, the grid 1 2 3 4, a reserved byte, 1 0.
     PayloadStream stream(Bytes{0x81, 0x81, 0x10, 0x48, 0xD0, 0x02, 0xEE});
     expectParsed(parse(kFramePacking, stream, 6), QVHevcSeiFramePacking{1, 3, 1, 0, 1}, atBit(48));
     EXPECT_EQ(hevcSei(HevcFramePackingSyntax()).bytes(), (Bytes{0x81, 0x81, 0x10, 0x48, 0xD0, 0x02}));
@@ -124,16 +124,16 @@ TEST_F(HevcFramePacking, anyIdentifier) {
 TEST_F(HevcFramePacking, aCancellationLeavesTheOtherFields) {
     PayloadStream golden(Bytes{0xD0});  // 1 1 0 and trailing bits
     expectParsed(parse(kFramePacking, golden, 1), cancelled(), atBit(3));
-    // 0001000 1: the flag is the last bit of the data, and the skip behind it still moves.
+    // 0001000 1: the flag is the last bit of the data. The skip after it still moves.
     PayloadStream lastBit(Bytes{0x11});
     expectParsed(parse(kFramePacking, lastBit, 1), cancelled(), atBit(9));
     expectNoLines();
 }
 
-// The identifier ends with the data. Nothing that follows moves but the skips, as long as they end in the
-// byte behind the data: 3, 2, 1 and 1 bits, and not the 16 and the 8.
+// The identifier ends with the data. After it, only skips that end in the byte after the data move: those of
+// 3, 2, 1 and 1 bits, but not those of 16 and 8 bits.
 TEST_F(HevcFramePacking, theDataEndBeforeTheCancelFlag) {
-    PayloadStream stream(Bytes{0x88}, 1);  // 0001000 behind one bit
+    PayloadStream stream(Bytes{0x88}, 1);  // 0001000 after one bit
     expectParsed(parse(kFramePacking, stream, 1), kZeroArrangement, atBit(8 + 3 + 2 + 1 + 1));
     expectNoLines();
 }
@@ -143,14 +143,14 @@ TEST_F(HevcFramePacking, nothingToRead) {
     expectParsed(parse(kFramePacking, empty, 0), kZeroArrangement, atBit(1 + 3 + 2 + 1));
     PayloadStream atEnd(Bytes{0xFF, 0xFF}, 16);
     expectParsed(parse(kFramePacking, atEnd, 0), kZeroArrangement, atBit(16 + 1 + 3 + 2 + 1));
-    // Past the end even of the bits that a skip may reach, only the identifier's one bit moves.
+    // Past the last bit that a skip may reach, only the identifier moves, by one bit.
     PayloadStream pastEnd(Bytes{0xFF, 0xFF}, 24);
     expectParsed(parse(kFramePacking, pastEnd, 0), kZeroArrangement, atBit(25));
     expectNoLines();
 }
 
-// Without a buffer the identifier runs through zero bits to the end, and nothing is read up to
-// content_interpretation_type.
+// Without a buffer the identifier consumes zero bits up to the end, and the elements up to
+// content_interpretation_type are not read.
 TEST_F(HevcFramePacking, withoutABuffer) {
     for (const uint64_t size : {1U, 2U, 8U}) {
         SCOPED_TRACE(size);
@@ -160,7 +160,7 @@ TEST_F(HevcFramePacking, withoutABuffer) {
     expectNoLines();
 }
 
-// Where the stream stands behind each number of bytes, from the start of the first one and from bit 3 of it.
+// The stream's final position for each number of bytes, starting at the first byte and at its bit 3.
 TEST_F(HevcFramePacking, shortPayloads) {
     const uint64_t fromTheStart[] = {7, 15, 23, 31, 39, 47, 48};
     const uint64_t fromBit3[] = {15, 23, 27, 35, 43, 51, 51};
@@ -171,10 +171,10 @@ TEST_F(HevcFramePacking, shortPayloads) {
         const auto parsed = parse(kFramePacking, stream, 6);
         EXPECT_EQ(parsed.cursor, atBit(fromTheStart[size]));
     }
-    const BitWriter behind3 = hevcSei(HevcFramePackingSyntax(), 3);
+    const BitWriter after3 = hevcSei(HevcFramePackingSyntax(), 3);
     for (size_t size = 1; size <= 7; ++size) {
         SCOPED_TRACE(size);
-        PayloadStream stream(behind3.bytesCutAt(size * 8), 3);
+        PayloadStream stream(after3.bytesCutAt(size * 8), 3);
         const auto parsed = parse(kFramePacking, stream, 6);
         EXPECT_EQ(parsed.cursor, atBit(fromBit3[size - 1]));
     }
@@ -237,7 +237,7 @@ HevcDisplayOrientationSyntax orientation(uint32_t hor_flip, uint32_t ver_flip, u
     return syntax;
 }
 
-// The text with its terminating zero byte.
+// Returns the text with its terminating zero byte.
 Bytes withTerminator(const std::string& text) {
     return Bytes(text.c_str(), text.c_str() + text.size() + 1);
 }
@@ -254,7 +254,7 @@ protected:
         return parsed;
     }
 
-    // One item, with that text, in a zeroed block of 200 bytes.
+    // Checks that there is one item with this text, in a zeroed block of 200 bytes.
     void expectText(const std::string& text) {
         EXPECT_THAT(kept(), ElementsAre(KeptItem{172, 47, false, withTerminator(text)}));
         ASSERT_EQ(items.size(), 1U);
@@ -281,7 +281,7 @@ TEST_F(HevcDisplayOrientation, golden) {
     expectText(text);
     EXPECT_EQ(items.at(0).payloadSize, 77U);
     EXPECT_EQ(items.at(0).payloadData[76], 0);
-    EXPECT_EQ(items.at(0).payloadData[77], 0) << "a second zero byte stands behind the terminator";
+    EXPECT_EQ(items.at(0).payloadData[77], 0) << "a zero byte must follow the terminator";
     expectNoLines();
 }
 
@@ -347,7 +347,7 @@ TEST_F(HevcDisplayOrientation, aCancellationAppendsNothing) {
     QVHevcSeiDisplayOrientation record = patternRecord<QVHevcSeiDisplayOrientation>();
     record.isValid = 0;
     for (unsigned lead = 0; lead < 8; ++lead) {
-        PayloadStream stream(hevcSei(syntax, lead).u(20, "behind", 0xFFFFF), lead);
+        PayloadStream stream(hevcSei(syntax, lead).u(20, "following", 0xFFFFF), lead);
         expectParsed(parseOrientation(stream), record, atBit(lead + 1));
     }
     EXPECT_THAT(items, IsEmpty());
@@ -355,7 +355,7 @@ TEST_F(HevcDisplayOrientation, aCancellationAppendsNothing) {
     expectNoLines();
 }
 
-// The reads stop with the data; the last skip moves one bit behind it.
+// The reads stop at the end of the data. The last skip moves one bit further.
 TEST_F(HevcDisplayOrientation, cutAtEveryBitFromEveryStart) {
     for (const HevcDisplayOrientationSyntax& syntax :
          {orientation(1, 1, 0xFFFF), orientation(0, 1, 0x1234)}) {
@@ -429,7 +429,7 @@ TEST_F(HevcDisplayOrientation, aTextThatCannotBeAllocatedLeavesTheItemsBefore) {
     EXPECT_EQ(kept(), before);
 }
 
-// Nothing of the player's memory is left behind an exception: the fixture would tell.
+// The fixture checks that no player memory leaks when the exception passes through.
 TEST_F(HevcDisplayOrientation, aListThatCannotGrowPassesItsExceptionOn) {
     PayloadStream first(hevcSei(orientation(0, 0, 7)));
     EXPECT_EQ(parseOrientation(first).result, 0);
@@ -452,7 +452,7 @@ TEST_F(HevcDisplayOrientation, aListThatCannotGrowPassesItsExceptionOn) {
     EXPECT_EQ(fieldsOf(record), fieldsOf(QVHevcSeiDisplayOrientation{1, 16384, 1, 0}));
     EXPECT_EQ(cursorOf(stream), atBit(20));
     EXPECT_EQ(kept(), before);
-    EXPECT_EQ(core().blocks.size(), 1U) << "the first item's";
+    EXPECT_EQ(core().blocks.size(), 1U) << "only the first item's block must be left";
     expectNoLines();
 }
 

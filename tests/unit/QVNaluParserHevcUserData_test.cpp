@@ -1,4 +1,4 @@
-// H.265 user data registered by ITU-T T.35 with ATSC A/53 captions: walked, never kept.
+// H.265 user data registered by ITU-T T.35 with ATSC A/53 captions. The parsers read it and never store it.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -15,7 +15,7 @@ namespace {
 static_assert(std::is_trivially_copyable<QVHevcSeiA53Caption>::value);
 static_assert(std::is_trivially_default_constructible<QVHevcSeiA53Caption>::value);
 
-// A/53 Part 4 6.2.3: the T.35 header of captions, and what follows it.
+// ATSC A/53 Part 4, 6.2.3: the T.35 header of captions and the fields after it.
 const Bytes kUnitedStates = {0xB5};
 const Bytes kAtscProvider = {0x00, 0x31};
 const Bytes kGa94 = {0x47, 0x41, 0x39, 0x34};
@@ -26,12 +26,12 @@ const Bytes kConstruct = {0xFC, 0x80, 0x80};
 constexpr uint8_t kCcData = 0x03;
 constexpr uint8_t kEmData = 0xFF;
 
-// 1 process_cc_data_flag 0 cc_count
+// The bits 1, process_cc_data_flag, 0, cc_count.
 uint8_t ccFlags(unsigned process_cc_data_flag, unsigned cc_count) {
     return static_cast<uint8_t>(0x80U | process_cc_data_flag << 6 | cc_count);
 }
 
-// cc_data() with its user_data_type_code, of that many constructs.
+// user_data_type_code and cc_data() with cc_count constructs.
 Bytes ccData(unsigned cc_count) {
     Bytes bytes = {kCcData, ccFlags(1, cc_count), kEmData};
     for (unsigned i = 0; i < cc_count; ++i) {
@@ -40,8 +40,8 @@ Bytes ccData(unsigned cc_count) {
     return bytes + Bytes{0xFF};
 }
 
-// The bytes behind that many 1 bits.
-Bytes behindBits(unsigned lead, const Bytes& bytes) {
+// Returns the bytes, shifted by `lead` preceding 1 bits.
+Bytes afterBits(unsigned lead, const Bytes& bytes) {
     BitWriter out;
     out.u(lead, "lead", ~0U);
     for (const uint8_t byte : bytes) {
@@ -63,7 +63,7 @@ class HevcUserData : public CoreTest {
 protected:
     using Operation = int (*)(QVByteStream&, int, QVHevcSeiA53Caption*);
 
-    // The status and the place of the stream; the record stays as it was.
+    // Checks the result and the stream's position, and that the record is unchanged.
     static void expectWalk(Operation operation, QVByteStream& stream, int payloadSize, int result,
                            const Cursor& cursor) {
         const auto parsed = parse(operation, stream, payloadSize);
@@ -114,13 +114,13 @@ TEST_F(HevcRegisteredUserData, sizesBelowSevenAreRefused) {
     expectLines(std::vector<ExpectedLine>(std::size(sizes), kOuterShort));
 }
 
-// The payload's end, and nothing of the captions, for an identifier that is not GA94.
+// If the identifier is not GA94, the payload is skipped to its end and not read as captions.
 TEST_F(HevcRegisteredUserData, anotherIdentifierSkipsThePayload) {
     for (int payloadSize = 7; payloadSize <= 16; ++payloadSize) {
         SCOPED_TRACE(payloadSize);
         const uint64_t end = static_cast<uint64_t>(payloadSize) * 8;
         expectUserData(kUnitedStates + kAtscProvider + kDtg1 + Bytes(12, 0xEE), payloadSize, 0, end);
-        // Size 7 does not even hold this header: the walk goes one byte back.
+        // This header has more than 7 bytes. With size 7 the parser moves back one byte.
         expectUserData(Bytes{0xFF, 0xB5} + kAtscProvider + kDtg1 + Bytes(12, 0xEE), payloadSize, 0, end);
     }
     expectNoLines();
@@ -131,12 +131,12 @@ TEST_F(HevcRegisteredUserData, anotherIdentifierOffByteAlignment) {
         for (int payloadSize = 7; payloadSize <= 16; ++payloadSize) {
             SCOPED_TRACE(std::to_string(lead) + ", size " + std::to_string(payloadSize));
             const uint64_t end = lead + static_cast<uint64_t>(payloadSize) * 8;
-            PayloadStream plain(behindBits(lead, kUnitedStates + kAtscProvider + kDtg1 + Bytes(12, 0xEE)),
+            PayloadStream plain(afterBits(lead, kUnitedStates + kAtscProvider + kDtg1 + Bytes(12, 0xEE)),
                                 lead);
             expectUserData(plain, payloadSize, 0, atBit(end));
-            // One byte back from inside a byte is truncated towards zero: nowhere.
+            // Inside a byte, the distance back is truncated towards zero, so the stream does not move.
             PayloadStream extended(
-                behindBits(lead, Bytes{0xFF, 0xB5} + kAtscProvider + kDtg1 + Bytes(12, 0xEE)), lead);
+                afterBits(lead, Bytes{0xFF, 0xB5} + kAtscProvider + kDtg1 + Bytes(12, 0xEE)), lead);
             expectUserData(extended, payloadSize, 0, atBit(payloadSize == 7 ? end + 8 : end));
         }
     }
@@ -158,7 +158,7 @@ TEST_F(HevcRegisteredUserData, onlyGa94IsCaptions) {
                                  {0x34, 0x39, 0x41, 0x47}, {0x00, 0x00, 0x00, 0x00},
                                  {0xFF, 0xFF, 0xFF, 0xFF}, kDtg1};
     for (const Bytes& identifier : identifiers) {
-        // As captions these would stop behind process_cc_data_flag.
+        // If these were read as captions, the parser would stop after process_cc_data_flag.
         const Bytes payload =
             kUnitedStates + kAtscProvider + identifier + Bytes{kCcData, ccFlags(0, 0), kEmData};
         expectUserData(payload, 10, 0, 10 * 8);
@@ -192,13 +192,13 @@ TEST_F(HevcRegisteredUserData, anyCountryExtension) {
     expectNoLines();
 }
 
-// What remains behind GA94 is the caption's size: 3 is the first that is long enough.
+// The size of the captions is the number of bytes after GA94. It must be at least 3.
 TEST_F(HevcRegisteredUserData, captionsOfEverySize) {
     for (int payloadSize = 7; payloadSize <= 16; ++payloadSize) {
         SCOPED_TRACE(payloadSize);
         core().lines.clear();
         const bool isShort = payloadSize <= 9;
-        // Type 4: the walk passes what remains byte by byte.
+        // With type 4 the parser skips the rest byte by byte.
         expectUserData(kAtscHeader + Bytes(12, 0x04), payloadSize, isShort ? 11000001 : 0,
                        (isShort ? 7 : static_cast<uint64_t>(payloadSize)) * 8);
         expectLines(std::vector<ExpectedLine>(isShort ? 1 : 0, kInnerShort));
@@ -218,8 +218,8 @@ TEST_F(HevcRegisteredUserData, twoBytesOfCaptionsAreTooFew) {
     expectLines({kInnerShort});
 }
 
-// One construct, cut behind every byte. Where an identifier or a byte of captions is missing, nothing moves
-// any more; behind user_data_type_code the reserved bit is still skipped.
+// One construct, cut after every byte. If an identifier or a byte of the captions is missing, the stream does
+// not move any further. After user_data_type_code the reserved bit is still skipped.
 TEST_F(HevcRegisteredUserData, everyTruncation) {
     const Bytes payload = kAtscHeader + ccData(1);
     ASSERT_EQ(payload.size(), 14U);
@@ -242,11 +242,11 @@ TEST_F(HevcRegisteredUserData, everyTruncationWithAnExtension) {
     expectNoLines();
 }
 
-// The bytes of the provider code are skipped, to inside the byte behind the data if need be; the country code
-// and the identifier are read, as far as there are bits.
+// The country code and the identifier are read up to the last bit of the data. The bytes of the provider code
+// are skipped, and such a skip may end inside the byte after the data.
 TEST_F(HevcRegisteredUserData, headerTruncationsOffByteAlignment) {
     for (unsigned lead = 1; lead < 8; ++lead) {
-        const Bytes whole = behindBits(lead, kAtscHeader + ccData(1));
+        const Bytes whole = afterBits(lead, kAtscHeader + ccData(1));
         const uint64_t stops[] = {8, 16 + lead, 24 + lead, 32, 40, 48, 56, 64};
         for (size_t size = 1; size <= 8; ++size) {
             SCOPED_TRACE(std::to_string(lead) + ", " + std::to_string(size) + " bytes");
@@ -258,8 +258,8 @@ TEST_F(HevcRegisteredUserData, headerTruncationsOffByteAlignment) {
     expectNoLines();
 }
 
-// A cut inside a byte leaves its low bits 0. That makes another type of 3, and inside the flags first clears
-// process_cc_data_flag and then the count.
+// A cut inside a byte sets its low bits to 0. Type 3 becomes another type. In the byte of the flags, an early
+// cut clears process_cc_data_flag and the count, a later one only bits of the count.
 TEST_F(HevcRegisteredUserData, cutInsideEveryByte) {
     BitWriter payload;
     for (const uint8_t byte : kAtscHeader + ccData(1)) {
@@ -283,14 +283,14 @@ TEST_F(HevcRegisteredUserData, captionsOffByteAlignment) {
     for (unsigned lead = 1; lead < 8; ++lead) {
         for (const unsigned cc_count : {1U, 2U, 31U}) {
             const Bytes payload = kAtscHeader + ccData(cc_count);
-            PayloadStream stream(behindBits(lead, payload + Bytes{0xEE}), lead);
+            PayloadStream stream(afterBits(lead, payload + Bytes{0xEE}), lead);
             expectUserData(stream, sizeOf(payload), 0, atBit(lead + payload.size() * 8));
         }
     }
     expectNoLines();
 }
 
-// Skips go over the bytes that have no buffer; what would be read is not, so no extension, no identifier.
+// Without a buffer the skips move, but nothing is read, so there is no extension and no identifier.
 TEST_F(HevcRegisteredUserData, withoutABuffer) {
     for (int payloadSize = 7; payloadSize <= 16; ++payloadSize) {
         SCOPED_TRACE(payloadSize);
@@ -312,7 +312,7 @@ TEST_F(HevcRegisteredUserData, nothingToRead) {
     expectNoLines();
 }
 
-// The country code is the last byte there is: one byte back from the end is the start.
+// The country code is the only byte, so one byte back from the end is the start.
 TEST_F(HevcRegisteredUserData, anExtensionBehindTheEndStaysInTheBuffer) {
     expectUserData(Bytes{0xFF}, 7, 0, 0);
     expectUserData(Bytes{0xFF}, 8, 0, 8);
@@ -358,8 +358,8 @@ TEST_F(HevcClosedCaption, noConstructsEndBehindEmData) {
     expectNoLines();
 }
 
-// The size is held against the constructs and two bytes, where there are four more than constructs: a size
-// that is two bytes short still counts as fitting, and the walk then leaves the payload.
+// The parser compares the size with the constructs plus two bytes, but the payload has four bytes besides the
+// constructs. A size that is two bytes too small is accepted, and the parser then reads past the payload.
 TEST_F(HevcClosedCaption, theConstructsHaveToFitIntoTheSizeLessTwo) {
     for (const unsigned cc_count : {1U, 2U, 10U, 30U, 31U}) {
         SCOPED_TRACE(cc_count);
@@ -402,7 +402,7 @@ TEST_F(HevcClosedCaption, everyOtherTypeIsPassedByteByByte) {
         for (const int payloadSize : {3, 4, 9, 10}) {
             expectCaption(payload, payloadSize, 0, static_cast<uint64_t>(payloadSize) * 8);
         }
-        // As many bytes as there are.
+        // The skip ends with the data.
         expectCaption(payload, 11, 0, 10 * 8);
         expectCaption(payload, INT_MAX, 0, 10 * 8);
     }
@@ -411,16 +411,16 @@ TEST_F(HevcClosedCaption, everyOtherTypeIsPassedByteByByte) {
 
 TEST_F(HevcClosedCaption, otherTypesOffByteAlignment) {
     for (unsigned lead = 1; lead < 8; ++lead) {
-        PayloadStream stream(behindBits(lead, Bytes{0x06} + Bytes(4, 0xFF)), lead);
+        PayloadStream stream(afterBits(lead, Bytes{0x06} + Bytes(4, 0xFF)), lead);
         expectCaption(stream, 5, 0, atBit(lead + 5 * 8));
-        // The last byte that a skip may end in is the one behind the data.
-        PayloadStream toTheEnd(behindBits(lead, Bytes{0x06} + Bytes(4, 0xFF)), lead);
+        // A skip may end at the latest in the byte after the data.
+        PayloadStream toTheEnd(afterBits(lead, Bytes{0x06} + Bytes(4, 0xFF)), lead);
         expectCaption(toTheEnd, 100, 0, atBit(6 * 8 + lead));
     }
     expectNoLines();
 }
 
-// Two constructs, cut behind every byte. A skip that does not fit leaves the ones behind it to try.
+// Two constructs, cut after every byte. After a skip that does not fit, the following skips are still tried.
 TEST_F(HevcClosedCaption, everyTruncation) {
     const Bytes payload = ccData(2);
     ASSERT_EQ(payload.size(), 10U);
@@ -434,7 +434,7 @@ TEST_F(HevcClosedCaption, everyTruncation) {
 
 TEST_F(HevcClosedCaption, everyTruncationOffByteAlignment) {
     for (unsigned lead = 1; lead < 8; ++lead) {
-        const Bytes whole = behindBits(lead, ccData(2));
+        const Bytes whole = afterBits(lead, ccData(2));
         ASSERT_EQ(whole.size(), 11U);
         for (size_t size = 3; size <= 11; ++size) {
             SCOPED_TRACE(std::to_string(lead) + ", " + std::to_string(size) + " bytes");
@@ -446,9 +446,9 @@ TEST_F(HevcClosedCaption, everyTruncationOffByteAlignment) {
     expectNoLines();
 }
 
-// The reserved bit is the last one of the data.
+// The reserved bit is the last bit of the data.
 TEST_F(HevcClosedCaption, theDataEndBehindTheReservedBit) {
-    const Bytes bytes = behindBits(7, Bytes{kCcData, 0x80});
+    const Bytes bytes = afterBits(7, Bytes{kCcData, 0x80});
     PayloadStream stream(Bytes(bytes.begin(), bytes.begin() + 2), 7);
     expectCaption(stream, 7, 0, atBit(16));
     expectNoLines();
@@ -463,7 +463,7 @@ TEST_F(HevcClosedCaption, nothingToRead) {
     expectNoLines();
 }
 
-// All but one of the bytes are passed, the one that would have been the type.
+// All bytes are skipped but one, the byte of the type.
 TEST_F(HevcClosedCaption, withoutABuffer) {
     BufferlessStream whole(10);
     expectCaption(whole, 10, 0, atBit(9 * 8));

@@ -30,7 +30,7 @@ const std::set<unsigned> kKeyUnitTypes = {5, 16, 17, 18, 19, 20, 21};
 
 class KeyFrame : public CoreTest {
 protected:
-    // Nothing is ever logged or dumped here.
+    // Key-frame detection must never log or dump anything.
     void TearDown() override {
         expectNoLines();
         EXPECT_THAT(core().dumps, ::testing::IsEmpty());
@@ -43,8 +43,7 @@ protected:
 TEST_F(KeyFrame, D01_oneSetOfTypeNumbersForEveryFirstByteOfAvc) {
     for (unsigned byte = 0; byte < 256; ++byte) {
         const auto b = static_cast<uint8_t>(byte);
-        const bool isKey =
-            kKeyUnitTypes.count(byte % 32) == 1;  // whatever forbidden_zero_bit and nal_ref_idc
+        const bool isKey = kKeyUnitTypes.count(byte % 32) == 1;  // for any forbidden_zero_bit and nal_ref_idc
         EXPECT_EQ(isAvcKeyFrame({0, 0, 1, b}), isKey) << byte;
         EXPECT_EQ(isAvcKeyFrame({0, 0, 0, 1, b}), isKey) << byte;
         EXPECT_EQ(isAvcKeyFrame({0, 0, 0, 2, b, 0}), isKey) << byte;
@@ -54,7 +53,7 @@ TEST_F(KeyFrame, D01_oneSetOfTypeNumbersForEveryFirstByteOfAvc) {
 TEST_F(KeyFrame, D01_oneSetOfTypeNumbersForEveryFirstByteOfHevc) {
     for (unsigned byte = 0; byte < 256; ++byte) {
         const auto b = static_cast<uint8_t>(byte);
-        const bool isKey = kKeyUnitTypes.count(byte / 2 % 64) == 1;  // whatever the other two bits
+        const bool isKey = kKeyUnitTypes.count(byte / 2 % 64) == 1;  // for any values of the other two bits
         EXPECT_EQ(isHevcKeyFrame({0, 0, 1, b, 1}), isKey) << byte;
         EXPECT_EQ(isHevcKeyFrame({0, 0, 0, 1, b, 1}), isKey) << byte;
         EXPECT_EQ(isHevcKeyFrame({0, 0, 0, 2, b, 1}), isKey) << byte;
@@ -138,7 +137,7 @@ TEST_F(KeyFrame, byteBehindAStartCodeBeginsNoOther) {
     EXPECT_FALSE(isAvcKeyFrame({0, 0, 1, 0, 0, 1, 0x65}));
 }
 
-// 00 00 00 01 is a length of 1 as well; the second unit would be a key unit then.
+// 00 00 00 01 could also be a length of 1. Then the second unit would be a key unit.
 TEST_F(KeyFrame, startCodeInFrontMeansAnnexB) {
     EXPECT_FALSE(isAvcKeyFrame({0, 0, 0, 1, 0x41,  //
                                 0, 0, 0, 2, 0x65, 0x88}));
@@ -146,7 +145,7 @@ TEST_F(KeyFrame, startCodeInFrontMeansAnnexB) {
                                0, 0, 0, 2, 0x65, 0x88}));
 }
 
-// So does a length of 256 to 511 in front: 00 00 01 xx reads as a start code and a header byte xx.
+// A first length of 256 to 511 also means Annex B: 00 00 01 xx is read as a start code and a header byte xx.
 TEST_F(KeyFrame, D26_firstUnitOf256To511BytesIsReadAsAByteStream) {
     for (unsigned lowByte = 0; lowByte < 256; ++lowByte) {
         Bytes data = {0, 0, 1, static_cast<uint8_t>(lowByte)};
@@ -179,7 +178,7 @@ TEST_F(KeyFrame, D23_lengthsAreFourBytesWhateverTheStream) {
 }
 
 TEST_F(KeyFrame, lengthsAreBigEndian) {
-    Bytes data = {0, 0, 0, 2, 0x41, 0x9A,  // 00 00 01 02 in front would be a start code
+    Bytes data = {0, 0, 0, 2, 0x41, 0x9A,  // 00 00 01 02 at the start would be a start code
                   0, 0, 1, 2};
     data.resize(data.size() + 0x0102, 0x41);
     data.insert(data.end(), {0, 0, 0, 1, 0x65});
@@ -212,7 +211,7 @@ TEST_F(KeyFrame, unitBehindALengthPastTheEndIsTyped) {
     EXPECT_TRUE(isHevcKeyFrame({0, 0, 0, 0x10, 0x26, 0x01}));
 }
 
-// The next length is 41 9A 00 00, from inside the unit; the byte behind it decides.
+// The next length is read directly after the first, inside the unit: 41 9A 00 00. The byte after it decides.
 TEST_F(KeyFrame, nextLengthStandsRightBehindALengthPastTheEnd) {
     const std::pair<Bytes, const char*> fields[] = {
         {{0x00, 0x00, 0x00, 0x06}, "one byte past the end"},
@@ -239,13 +238,13 @@ TEST_F(KeyFrame, unitUpToTheEndIsStillPassed) {
     EXPECT_FALSE(isAvcKeyFrame({0, 0, 0, 5, 0x41, 0x9A, 0x00, 0x00, 0x65}));
 }
 
-// A length from which the search would never come back if it were followed as a negative number.
+// Following this length as a negative number would be an endless loop.
 TEST_F(KeyFrame, minusFourBehindAUnit) {
     EXPECT_FALSE(isAvcKeyFrame({0, 0, 0, 2, 0x41, 0x9A,  //
                                 0xFF, 0xFF, 0xFF, 0xFC, 0x41}));
 }
 
-// --- Nothing to look at ---
+// --- No data ---
 
 TEST_F(KeyFrame, nullData) {
     for (const int size : {INT_MIN, -1, 0, 3, 4, 5, INT_MAX}) {

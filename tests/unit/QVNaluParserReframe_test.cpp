@@ -35,7 +35,7 @@ protected:
         return out;
     }
 
-    // Fails and leaves out alone, its capacity and block included.
+    // Checks that the conversion fails and leaves `out` unchanged, including its capacity and block.
     static void expectRejected(const unsigned char* data, int size) {
         Bytes out = {0xDE, 0xAD};
         const unsigned char* const block = out.data();
@@ -145,7 +145,8 @@ TEST_F(AnnexBToLengths, capacityDoublesThoughSomeOfItWasLeft) {
                         0, 0, 1, 0x41, 0x9A, 0xBC};
     Bytes out;
     EXPECT_EQ(QVNaluParser::converAnnexBToAvcC(data.data(), sizeOf(data), out), 0);
-    // 15 bytes of three units, 4 of the length, 3 of the unit: the length does not fit the 18 reserved.
+    // 15 bytes of three units, 4 of the length and 3 of the unit. The length does not fit into the 18
+    // reserved bytes.
     EXPECT_EQ(out.size(), 22U);
     EXPECT_EQ(out.capacity(), 36U);
 }
@@ -178,7 +179,7 @@ TEST_F(AnnexBToLengths, noUnits) {
     expectRejected({0, 0, 0, 1});
 }
 
-// Long units are carried piece by piece: wherever a start code stands, no byte of it goes along.
+// Long units are copied in pieces. A start code at any position must not be copied, not even in part.
 TEST_F(AnnexBToLengths, startCodesAroundThePiecesOfALongUnit) {
     for (const Bytes& startCode : {Bytes{0, 0, 1}, Bytes{0, 0, 0, 1}, Bytes{0, 0, 0, 0, 1}}) {
         for (size_t piece = 8192; piece <= 65536; piece += 8192) {
@@ -240,7 +241,7 @@ protected:
         return bytes;
     }
 
-    // Fails behind the checks of the arguments.
+    // Checks that the conversion fails after it has checked its arguments.
     static void expectRejected(const Bytes& data, int lengthSize, int result = 11000012) {
         unsigned char* out = nullptr;
         int outSize = kUntouched;
@@ -413,7 +414,7 @@ TEST_F(LengthsToAnnexB, failedWorkingCopyMeansNoUnits) {
 }
 
 TEST_F(LengthsToAnnexB, failedScratchArray) {
-    // The unit counts as empty; what stands in it is read as the next length.
+    // The unit counts as empty, and its bytes are read as the next length.
     const AllocationFault fault(Allocator::NothrowNewArray, 1);
     EXPECT_EQ(convert({2, 1, 0x41}, 1), (Bytes{0, 0, 0, 1, 0, 0, 0, 1, 0x41}));
     EXPECT_TRUE(fault.triggered());

@@ -21,7 +21,7 @@ using ::testing::IsEmpty;
 using ::testing::Pair;
 using Info = QVNaluParser::NaluInfo;
 
-// naluType, offset, length, isNonReference.
+// The fields naluType, offset, length and isNonReference.
 using Typed = std::tuple<uint32_t, int, int, bool>;
 
 std::vector<Typed> typed(const std::vector<Info>& infos) {
@@ -48,7 +48,7 @@ Bytes operator+(const Bytes& a, const Bytes& b) {
 
 const Info kStale = {99, 98, 97, true};
 
-// Sizes that leave nothing to read.
+// Sizes that mean no data.
 constexpr int kNoSizes[] = {0, -1, -4, INT_MIN};
 
 // --- isAnnexBData ---
@@ -188,7 +188,7 @@ TEST_F(AnnexBScan, everyMixtureOfStartCodes) {
     }
 }
 
-// As close as start codes can stand, and more of them than one search lists.
+// Start codes as close as possible, and more of them than one search finds.
 TEST_F(AnnexBScan, manyUnitsOfOneByte) {
     for (const int count : {31, 32, 33, 64, 65, 1000}) {
         Bytes data;
@@ -229,7 +229,7 @@ TEST_F(AnnexBScan, startCodeAtTheEndOpensNoUnit) {
     EXPECT_THAT(scan({0, 0, 1, 0x65, 0, 0, 0, 1, 0x41}), ElementsAre(Pair(3, 1), Pair(8, 1)));
 }
 
-// 00 00 00 01 with nothing behind it is no 4-byte start code, nor a 3-byte one one byte further on.
+// 00 00 00 01 at the end of the data is neither a 4-byte start code nor a 3-byte one at its second byte.
 TEST_F(AnnexBScan, nothingButAStartCode) {
     EXPECT_THAT(scan({0, 0, 0, 1}), IsEmpty());
 }
@@ -275,7 +275,7 @@ TEST_F(AnnexBScan, startCodeAtEveryPlaceOfLongData) {
     }
 }
 
-// Folded byte by byte, vectors show a pair that none of them holds.
+// When several vectors are combined byte by byte, zeros of different vectors look like a pair.
 TEST_F(AnnexBScan, zerosApartAreNoStartCode) {
     for (size_t place = 400; place < 800; ++place) {
         Bytes data = Bytes{0, 0, 1} + filled(1500, 0x55);
@@ -561,8 +561,8 @@ TEST_F(LengthScan, lengthCountsAsZeroWithoutTheScratchArray) {
     const Bytes data = {0, 2, 0x00, 0x01, 0x41,  //
                         0, 1, 0x41};
     const NalIndexList expected[] = {
-        {{2, 0}, {4, 1}, {7, 1}},  // the first unit's: the unit's own bytes are the next length
-        {{2, 2}, {6, 0}},          // the second's, at 4: the two bytes left are too few for another
+        {{2, 0}, {4, 1}, {7, 1}},  // first array: the first unit's bytes are read as the next length
+        {{2, 2}, {6, 0}},          // second array: the two bytes left are too few for another length
     };
     for (int nth = 1; nth <= 2; ++nth) {
         NalIndexList nalus;
@@ -574,7 +574,7 @@ TEST_F(LengthScan, lengthCountsAsZeroWithoutTheScratchArray) {
     expectSilence();
 }
 
-// The copy is released on this path too, or the leak checker speaks up.
+// The leak checker verifies that the copy is released on this path too.
 TEST_F(LengthScan, failedListGrowthPassesThrough) {
     const Bytes data = {1, 0x67, 1, 0x68, 1, 0x65, 1, 0x41};
     const NalIndexList expected = {{7, 70}, {1, 1}, {3, 1}, {5, 1}, {7, 1}};
@@ -607,7 +607,7 @@ TEST_F(LengthScan, exceptionOfTheHostsLogPassesThrough) {
 
 // --- parseNalusToNaluType ---
 
-// Table 7-1 of H.265: the sub-layer non-reference pictures *_N and the reserved types RSV_VCL_N*.
+// H.265 Table 7-1: the sub-layer non-reference pictures *_N and the reserved types RSV_VCL_N*.
 const std::set<unsigned> kHevcNonReferenceTypes = {0, 2, 4, 6, 8, 10, 12, 14};
 
 constexpr unsigned kUnsupportedCodecs[] = {0, 1, 25, 27, 171, 173, 0x1A00, 0x8000001A, 0xFFFFFFFF};
@@ -707,7 +707,7 @@ TEST_F(Typing, emptyUnitBehindTheLastByteIsNotRead) {
 
 TEST_F(Typing, emptyUnitsOnly) {
     EXPECT_THAT(type({0x67, 0x68}, {{0, 0}}, QVCodecIDAvc), IsEmpty());
-    // (1, 0) ends at 1, which is beyond offset 0.
+    // (1, 0) ends at 1, which is after offset 0.
     EXPECT_THAT(type({0x67, 0x68}, {{0, 0}, {1, 0}}, QVCodecIDAvc), ElementsAre(Typed{7, 0, 0, false}));
 }
 
@@ -819,7 +819,7 @@ TEST_F(DataTyping, lengthSizePlaysNoPartInAnnexB) {
 }
 
 TEST_F(DataTyping, everyLengthSize) {
-    // One unit to 4-byte lengths, two to 2-byte ones, four to 1-byte ones.
+    // The data is one unit with 4-byte lengths, two with 2-byte lengths and four with 1-byte lengths.
     const Bytes data = {0, 0, 0, 1, 0x65};
     for (unsigned lengthSize = 0; lengthSize < 256; ++lengthSize) {
         const QVCodecParameters params = {QVCodecIDAvc, 0, static_cast<uint8_t>(lengthSize)};
@@ -906,7 +906,7 @@ TEST_F(DataTyping, noUnitsWithoutTheWorkingCopy) {
 TEST_F(DataTyping, failedListGrowthPassesThrough) {
     const Bytes data = {0, 0, 0, 1, 0x65};
     for (const QVCodecParameters& params : {kAvcAnnexB, kAvcLength4}) {
-        for (const int nth : {1, 2}) {  // the index list, infos
+        for (const int nth : {1, 2}) {  // the list of pairs, then infos
             std::vector<Info> infos;
             const AllocationFault fault(Allocator::New, nth);
             EXPECT_THROW(QVNaluParser::parserDataToNaluType(data.data(), sizeOf(data), infos, &params),

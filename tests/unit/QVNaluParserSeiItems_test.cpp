@@ -1,4 +1,4 @@
-// Raw capture into SEI items, and the side-data buffer of an access unit.
+// Raw capture of SEI payloads into items, and the side-data buffer of an access unit.
 #include "QVSeiItem.h"
 
 #include <gmock/gmock.h>
@@ -42,7 +42,7 @@ static_assert(std::is_standard_layout<QVSeiInfo>::value, "a plain record");
 static_assert(std::is_same<decltype(QVSeiInfo::itemCount), uint32_t>::value, "itemCount");
 static_assert(std::is_same<decltype(QVSeiInfo::items), QVSeiItem*>::value, "entries are items");
 static_assert(offsetof(QVSeiInfo, itemCount) == 0, "itemCount is the first field");
-static_assert(offsetof(QVSeiInfo, items) > offsetof(QVSeiInfo, itemCount), "items is behind it");
+static_assert(offsetof(QVSeiInfo, items) > offsetof(QVSeiInfo, itemCount), "items follows it");
 
 // --- fillSeiDataWithoutParsing ---
 
@@ -69,20 +69,20 @@ TEST_F(SeiCapture, bytesAndPosition) {
         {"emulation prevention", {0xEE, 0, 0, 3, 1}, {1, 0, 7}, 3, {0, 0, 1}, {5, 0, 7}},
         {"up to emulation prevention", {0xEE, 0, 0, 3, 1}, {1, 0, 7}, 2, {0, 0}, {4, 0, 7}},
         {"emulation prevention at the end", {0xEE, 0, 0, 3}, {1, 0, 7}, 2, {0, 0}, {4, 0, 7}},
-        {"a zero pair begun ahead of it", {0xEE, 0, 0, 3, 1}, {2, 0, 7}, 2, {0, 1}, {5, 0, 7}},
+        {"a zero pair from before the start", {0xEE, 0, 0, 3, 1}, {2, 0, 7}, 2, {0, 1}, {5, 0, 7}},
         {"from an emulation prevention byte", {0xEE, 0, 0, 3, 1}, {3, 0, 7}, 2, {3, 1}, {5, 0, 7}},
         {"emulation prevention twice", {0xEE, 0, 0, 3, 0, 0, 3, 2}, {1, 0, 7}, 5, {0, 0, 0, 0, 2}, {8, 0, 7}},
         {"a 03 that is data", {0xEE, 0, 3, 0, 3}, {0, 0, 7}, 5, {0xEE, 0, 3, 0, 3}, {5, 0, 7}},
         {"a zero pair at the start", {0, 0, 3, 1}, {0, 0, 7}, 4, {0, 0, 3, 1}, {4, 0, 7}},
         {"past the end", {0x11, 0x22}, {1, 0, 7}, 4, {0x22, 0, 0, 0}, {2, 0, 7}},
-        {"past the end, by emulation prevention",
+        {"past the end because of emulation prevention",
          {0xEE, 0, 0, 3, 1},
          {0, 0, 7},
          5,
          {0xEE, 0, 0, 1, 0},
          {5, 0, 7}},
         {"at the end", {0x11}, {1, 0, 7}, 2, {0, 0}, {1, 0, 7}},
-        {"behind the end", {0x11}, {9, 0, 7}, 2, {0, 0}, {9, 0, 7}},
+        {"from past the end", {0x11}, {9, 0, 7}, 2, {0, 0}, {9, 0, 7}},
         {"from nothing", {}, {0, 0, 7}, 2, {0, 0}, {0, 0, 7}},
         {"the plain bit offset stays", {0x11, 0x22}, {0, 5, 7}, 1, {0x11}, {1, 5, 7}},
         {"from inside a byte", {0xA5, 0x5A, 0xF0}, {0, 0, 3}, 2, {0x55, 0xAF}, {2, 0, 3}},
@@ -110,7 +110,7 @@ TEST_F(SeiCapture, whatThePlainCursorReadIsNotCapturedAgain) {
     SeiStream stream({0x11, 0x22, 0x33});
     EXPECT_EQ(stream.readBits(11), 0x11U << 3 | 0x1U);
     EXPECT_EQ(capture(stream, 2), 0);
-    EXPECT_THAT(kept(), ElementsAre(KeptItem{172, 137, false, {0x22, 0x33}})) << "by whole bytes";
+    EXPECT_THAT(kept(), ElementsAre(KeptItem{172, 137, false, {0x22, 0x33}})) << "must read whole bytes";
     EXPECT_EQ(cursorOf(stream), (Cursor{3, 3, 7}));
 }
 
@@ -152,7 +152,7 @@ TEST_F(SeiCapture, theItemIsDescribedAsTold) {
         EXPECT_EQ(keptItem(items[0]),
                   (KeptItem{c.codec, static_cast<uint32_t>(c.payloadType), c.requested, {0x11, 0x22}}));
         EXPECT_EQ(items[0].payloadSize, 2U);
-        EXPECT_EQ(core().blocks.at(items[0].payloadData), 2U) << "allocated to size";
+        EXPECT_EQ(core().blocks.at(items[0].payloadData), 2U) << "must have the exact size";
         clearItems();
     }
 }
@@ -202,7 +202,7 @@ TEST_F(SeiCapture, aListThatCannotGrowThrows) {
         EXPECT_TRUE(fault.triggered());
     }
     EXPECT_THAT(kept(), ElementsAre(KeptItem{172, 137, false, {0x11}}));
-    EXPECT_EQ(core().blocks.size(), 1U) << "no payload was left behind";
+    EXPECT_EQ(core().blocks.size(), 1U) << "a payload leaked";
     EXPECT_EQ(capture(stream, 1), 0);
     EXPECT_THAT(kept(), ElementsAre(KeptItem{172, 137, false, {0x11}}, KeptItem{172, 137, false, {0x22}}));
 }
@@ -217,7 +217,7 @@ TEST_F(SeiCapture, aLargePayloadIsPadded) {
 
 class SeiSideData : public SeiTest {
 protected:
-    // Payloads that the items only point at.
+    // Payloads of the items, which only point at them.
     uint8_t payloads[4] = {0xA0, 0xB0, 0xC0, 0xD0};
     std::vector<QVSeiItem> list = {
         {QVCodecIDAvc, 5, 1, false, payloads},
@@ -241,7 +241,7 @@ protected:
             EXPECT_EQ(described.payloadType, expected[i].payloadType);
             EXPECT_EQ(described.payloadSize, expected[i].payloadSize);
             EXPECT_EQ(described.isRequested, expected[i].isRequested);
-            EXPECT_EQ(described.payloadData, expected[i].payloadData) << "the pointer, not the bytes";
+            EXPECT_EQ(described.payloadData, expected[i].payloadData) << "must be the same pointer";
         }
     }
 
@@ -249,7 +249,7 @@ protected:
         int size = -1;
         const int result = QVNaluParser::assembleSeiSideDataBuffer(list, &out, size);
         EXPECT_EQ(size, 42);
-        EXPECT_EQ(core().liveSeiInfos, 0) << "the description is released";
+        EXPECT_EQ(core().liveSeiInfos, 0) << "the description must be released";
         return result;
     }
 };
@@ -347,7 +347,7 @@ TEST_F(SeiSideData, nullOutIsRejected) {
     expectNoLines();
 }
 
-// Whatever the host made of the description is passed on.
+// The operation returns whatever the host made from the description.
 TEST_F(SeiSideData, aBufferThatCannotBeMadeIsNull) {
     core().sideData = nullptr;
     unsigned char before = 0;
@@ -365,7 +365,7 @@ TEST_F(SeiSideData, ofCapturedItems) {
     EXPECT_EQ(assembleOk(out), 0);
     expectDescribed(items);
     EXPECT_THAT(kept(), ElementsAre(KeptItem{26, 1, false, {0x11}}, KeptItem{26, 200, true, {0x22, 0x33}}))
-        << "the payloads stay the caller's";
+        << "the caller must still own the payloads";
 }
 
 }  // namespace

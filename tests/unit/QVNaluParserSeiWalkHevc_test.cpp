@@ -1,4 +1,5 @@
-// The first message of an H.265 SEI unit, and the two dispatchers.
+// The first message of an H.265 SEI unit, parserHevcDataToSei, and its two dispatchers, parserHevcSeiPrefix
+// and parserHevcSeiSuffix.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -29,7 +30,7 @@ const Bytes kPayload = {0x80, 0x00, 0xFF};
 
 class SeiWalkHevc : public SeiTest {
 protected:
-    // unit is what stands behind the NAL unit header.
+    // unit is the SEI unit without its NAL unit header.
     int walk(int naluType, const Bytes& unit, const Requested& requested = {}) {
         return QVNaluParser::parserHevcDataToSei(naluType, unit.data(), sizeOf(unit), items, nullptr,
                                                  requested);
@@ -44,7 +45,7 @@ protected:
     }
 };
 
-// --- The first message alone ---
+// --- Only the first message ---
 
 TEST_F(SeiWalkHevc, D14_theSecondMessageIsNeverRead) {
     const SeiMessage first[] = {seiMessage(5, kPayload), seiMessage(200, kPayload), seiMessage(147, {0x12}),
@@ -63,7 +64,7 @@ TEST_F(SeiWalkHevc, D14_theSecondMessageIsNeverRead) {
                       0);
             EXPECT_EQ(kept(), expected);
             clearItems();
-            // Nor does it matter that the second one is broken.
+            // The second message may even be broken.
             EXPECT_EQ(walk(naluType, seiMessages({message, {5, 99, {0xAA}}}), {200}), 0);
             EXPECT_EQ(kept(), expected);
             clearItems();
@@ -73,12 +74,12 @@ TEST_F(SeiWalkHevc, D14_theSecondMessageIsNeverRead) {
 }
 
 TEST_F(SeiWalkHevc, noTrailingBitsAreLookedFor) {
-    EXPECT_EQ(walk(kPrefix, {0x80, 0x01, 0xAA}, {128}), 0) << "trailing bits of H.264";
+    EXPECT_EQ(walk(kPrefix, {0x80, 0x01, 0xAA}, {128}), 0) << "unlike in H.264, 80 is no trailing bits";
     EXPECT_EQ(walk(kPrefix, {0x00, 0x01, 0xAA}, {0}), 0);
     EXPECT_EQ(walk(kSuffix, {0x80, 0x01, 0xAB}, {128}), 0);
     EXPECT_THAT(kept(), ElementsAre(KeptItem{172, 128, true, {0xAA}}, KeptItem{172, 0, true, {0xAA}},
                                     KeptItem{172, 128, true, {0xAB}}));
-    EXPECT_EQ(walk(kPrefix, {0x00, 0x00, 0xAA}, {0}), 11000001) << "two zero bytes are type 0, size 0";
+    EXPECT_EQ(walk(kPrefix, {0x00, 0x00, 0xAA}, {0}), 11000001) << "two zero bytes must be type 0, size 0";
     EXPECT_EQ(walk(kPrefix, {0x80}, {128}), 11000001) << "type 128, size 0";
     EXPECT_EQ(walk(kPrefix, {0x80}), 0);
     EXPECT_EQ(items.size(), 3U);
@@ -89,14 +90,14 @@ TEST_F(SeiWalkHevc, theSmallestMessages) {
     EXPECT_EQ(walk(kPrefix, {0x05, 0x01, 0xAA}), 0);
     EXPECT_THAT(kept(), ElementsAre(KeptItem{172, 5, false, {0xAA}}));
     EXPECT_EQ(walk(kPrefix, {0x05, 0x00}), 11000001);
-    EXPECT_EQ(walk(kPrefix, {0x05}), 11000001) << "no size is size 0";
+    EXPECT_EQ(walk(kPrefix, {0x05}), 11000001) << "a missing size must be size 0";
     EXPECT_EQ(walk(kPrefix, {0xC8, 0x00}), 0);
     EXPECT_EQ(walk(kPrefix, {0xC8}), 0);
     EXPECT_EQ(items.size(), 1U);
     expectNoLines();
 }
 
-// No unit is type 0 and size 0.
+// An empty unit is read as type 0 and size 0.
 TEST_F(SeiWalkHevc, anEmptyUnit) {
     const Bytes unit = seiUnit({seiMessage(5, kPayload)});
     for (const int size : {0, -1, -1000, INT_MIN}) {
@@ -145,7 +146,7 @@ TEST_F(SeiWalkHevc, aPayloadBeyondTheUnit) {
     expectLines(lines);
 }
 
-// The header is read before the unit's type is looked at.
+// The message header is read before the unit's type is checked.
 TEST_F(SeiWalkHevc, unitsThatAreNoSei) {
     std::vector<ExpectedLine> lines;
     for (const int naluType : {0, 1, 6, 19, 32, 38, 41, 63, -1, 295, INT_MAX, INT_MIN}) {
@@ -172,7 +173,7 @@ const SeiMessage kPrefixParsedMessages[] = {
     {256, 7, {0x01, 1, 2, 3, 4, 5, 6}},  // three CRCs
 };
 
-// No parser in prefix units, whatever there is elsewhere.
+// Types that are not parsed in prefix units, although some are in other units.
 const int kPrefixOtherTypes[] = {0,   2,   3,   6,   44,  46,  48,  56,  127, 128, 130, 132, 136,  138,
                                  143, 145, 146, 148, 200, 254, 255, 257, 260, 383, 510, 512, 70000};
 
@@ -183,7 +184,7 @@ TEST_F(SeiWalkHevc, prefixCapturedTypes) {
             EXPECT_EQ(walk(kPrefix, seiUnit({seiMessage(static_cast<unsigned>(type), kPayload)}), requested),
                       0);
             EXPECT_THAT(kept(), ElementsAre(KeptItem{172, static_cast<uint32_t>(type), false, kPayload}))
-                << "also when requested";
+                << "must be the same if requested";
             clearItems();
         }
     }
@@ -262,9 +263,9 @@ TEST_F(SeiWalkHevc, requestedListsOfEveryShape) {
     }
 }
 
-// --- Where the prefix dispatcher leaves the stream ---
+// --- The stream's position after the prefix dispatcher ---
 
-// Bytes that a parser of any width can tell apart, long enough for every one of them.
+// Bytes with different values, enough for every parser.
 Bytes countingBytes(uint8_t first, size_t size = 80) {
     Bytes bytes(size);
     for (size_t i = 0; i < size; ++i) {
@@ -297,17 +298,17 @@ TEST_F(SeiWalkHevc, prefixPositions) {
         {"147 at the end", 147, 1, {0xFF, 0xFF}, {2, 0, 7}, {2, 0, 7}},
         {"147 past the end", 147, 1, {0xFF, 0xFF}, {4, 3, 7}, {4, 3, 7}},
         {"132 is skipped by its size", 132, 5, countingBytes(1), {0, 0, 7}, {5, 0, 7}},
-        {"a skip clears the bit offset alone", 200, 2, countingBytes(1), {1, 3, 2}, {3, 0, 2}},
-        {"a skip of nothing", 200, 0, countingBytes(1), {1, 3, 2}, {1, 0, 2}},
+        {"a skip clears only the bit offset", 200, 2, countingBytes(1), {1, 3, 2}, {3, 0, 2}},
+        {"a skip of 0 bytes", 200, 0, countingBytes(1), {1, 3, 2}, {1, 0, 2}},
         {"a skip to the end", 200, 4, Bytes(4, 0xFF), {0, 0, 7}, {4, 0, 7}},
         {"a skip past the end", 200, 5, Bytes(4, 0xFF), {0, 3, 7}, {0, 3, 7}},
         {"a skip in an empty stream", 200, 0, {}, {0, 3, 7}, {0, 3, 7}},
-        {"a skip takes emulation prevention for payload", 200, 4, {0xAA, 0, 0, 3, 1}, {0, 0, 7}, {4, 0, 7}},
-        // The sum of position and size wraps at 64 bits.
+        {"a skip counts emulation prevention bytes", 200, 4, {0xAA, 0, 0, 3, 1}, {0, 0, 7}, {4, 0, 7}},
+        // The sum of position and size wraps around in 64 bits.
         {"a size below 0", 200, -3, Bytes(8, 0xFF), {5, 3, 7}, {2, 0, 7}},
         {"a size below 0 to the start", 200, -5, Bytes(8, 0xFF), {5, 3, 7}, {0, 0, 7}},
-        {"a size below 0 ahead of the start", 200, -6, Bytes(8, 0xFF), {5, 3, 7}, {5, 3, 7}},
-        {"the least size", 200, INT_MIN, Bytes(8, 0xFF), {5, 3, 7}, {5, 3, 7}},
+        {"a size below 0 to before the start", 200, -6, Bytes(8, 0xFF), {5, 3, 7}, {5, 3, 7}},
+        {"the smallest size", 200, INT_MIN, Bytes(8, 0xFF), {5, 3, 7}, {5, 3, 7}},
         {"a size below 0 back from past the end", 200, -3, Bytes(8, 0xFF), {11, 0, 7}, {8, 0, 7}},
         {"a negative type", -200, 3, Bytes(8, 0xFF), {1, 0, 7}, {4, 0, 7}},
     };
@@ -321,14 +322,14 @@ TEST_F(SeiWalkHevc, prefixPositions) {
     expectNoLines();
 }
 
-// A captured payload takes its emulation prevention bytes along.
+// A capture reads payloadSize RBSP bytes, so the stream also moves over their emulation prevention bytes.
 TEST_F(SeiWalkHevc, prefixCapturePositions) {
     const Bytes bytes = {0xAA, 0x00, 0x00, 0x03, 0x01, 0xBB, 0xCC};
     for (const int type : {1, 4, 5, 137, 200, 132}) {
         SCOPED_TRACE(type);
         SeiStream stream(bytes, {0, 5, 7});
         EXPECT_EQ(prefix(stream, type, 4, {200, 132}), 0);
-        EXPECT_EQ(cursorOf(stream), (Cursor{5, 5, 7})) << "the bit offset is not the capture's";
+        EXPECT_EQ(cursorOf(stream), (Cursor{5, 5, 7})) << "a capture must not change the bit offset";
         ASSERT_EQ(items.size(), 1U);
         EXPECT_EQ(kept()[0].payload, (Bytes{0xAA, 0x00, 0x00, 0x01}));
         clearItems();
@@ -355,7 +356,8 @@ TEST_F(SeiWalkHevc, aNegativeTypeIsCapturedWhenRequested) {
 
 // --- The picture hash ---
 
-// hash_type and the bytes that each form takes: MD5, CRC and checksum of three components, reserved.
+// hash_type, and the number of bytes that its parser reads: MD5, CRC and checksum of three components,
+// reserved values.
 struct HashForm {
     uint8_t hash_type;
     uint64_t length;
@@ -374,7 +376,7 @@ TEST_F(SeiWalkHevc, D13_aPrefixPictureHashIsType256) {
             }
         }
     }
-    EXPECT_THAT(kept(), IsEmpty()) << "also when requested";
+    EXPECT_THAT(kept(), IsEmpty()) << "must not be captured, even if requested";
     expectNoLines();
 }
 
@@ -419,7 +421,7 @@ TEST_F(SeiWalkHevc, D15_aSuffixHashIsCapturedFromWhereItsParserStopped) {
     }
 }
 
-// Of a whole unit that leaves the trailing bits, and zero bytes from behind the unit.
+// In a whole unit, the bytes after the hash are the trailing bits and zero bytes past the end of the unit.
 TEST_F(SeiWalkHevc, D15_aSuffixHashOfAUnit) {
     const struct {
         const char* name;
@@ -430,7 +432,7 @@ TEST_F(SeiWalkHevc, D15_aSuffixHashOfAUnit) {
         {"three checksums", countingBytes(2, 13), Bytes{0x80} + Bytes(12, 0)},
         {"three MD5s", countingBytes(0, 49), Bytes{0x80} + Bytes(48, 0)},
         {"one MD5", countingBytes(0, 17), Bytes(17, 0)},
-        // The second skip does not fit any more, the third neither.
+        // The second and third skips do not fit.
         {"one CRC", {0x01, 0x41, 0x42}, {0x80, 0x00, 0x00}},
         {"one checksum", {0x02, 0x41, 0x42, 0x43, 0x44}, {0x80, 0x00, 0x00, 0x00, 0x00}},
         {"reserved", {0x07, 0x41, 0x42}, {0x41, 0x42, 0x80}},
@@ -450,7 +452,7 @@ TEST_F(SeiWalkHevc, D15_aSuffixHashOfAUnit) {
     expectNoLines();
 }
 
-// The hash parser counts emulation prevention bytes, the capture does not.
+// The hash parser counts emulation prevention bytes as payload, the capture does not.
 TEST_F(SeiWalkHevc, D15_emulationPreventionInASuffixHash) {
     const Bytes unit = seiUnit({seiMessage(132, {0x01, 0xAA, 0x00, 0x00, 0x01, 0xBB, 0xCC})});
     ASSERT_EQ(unit, (Bytes{0x84, 0x07, 0x01, 0xAA, 0x00, 0x00, 0x03, 0x01, 0xBB, 0xCC, 0x80}));
@@ -477,21 +479,21 @@ TEST_F(SeiWalkHevc, suffixTypesAreSkippedOrCaptured) {
 TEST_F(SeiWalkHevc, suffixPositions) {
     const PositionCase cases[] = {
         {"a skip", 5, 3, countingBytes(1), {1, 3, 2}, {4, 0, 2}},
-        {"a skip of nothing", 5, 0, countingBytes(1), {1, 3, 2}, {1, 0, 2}},
+        {"a skip of 0 bytes", 5, 0, countingBytes(1), {1, 3, 2}, {1, 0, 2}},
         {"a skip past the end", 5, 5, Bytes(4, 0xFF), {0, 3, 7}, {0, 3, 7}},
         {"a skip in an empty stream", 5, 0, {}, {0, 3, 7}, {0, 3, 7}},
-        {"a skip takes emulation prevention for payload", 5, 4, {0xAA, 0, 0, 3, 1}, {0, 0, 7}, {4, 0, 7}},
-        {"no parser of prefix types", 144, 9, countingBytes(1), {0, 0, 7}, {9, 0, 7}},
-        {"nor the inline one", 147, 9, countingBytes(1), {0, 0, 7}, {9, 0, 7}},
-        {"CRC and its size again", 132, 7, countingBytes(1), {0, 0, 7}, {14, 0, 7}},
-        {"checksum and its size again", 132, 13, countingBytes(2), {0, 0, 7}, {26, 0, 7}},
-        {"MD5 and its size again", 132, 31, countingBytes(0), {0, 0, 7}, {80, 0, 7}},
-        {"MD5 and a size that does not fit", 132, 32, countingBytes(0), {0, 0, 7}, {49, 0, 7}},
-        {"a reserved hash and its size again", 132, 4, countingBytes(9), {0, 0, 7}, {5, 0, 7}},
-        {"a hash inside a byte keeps its offset", 132, 99, Bytes(20, 0x10), {1, 4, 7}, {8, 4, 7}},
+        {"a skip counts emulation prevention bytes", 5, 4, {0xAA, 0, 0, 3, 1}, {0, 0, 7}, {4, 0, 7}},
+        {"a type parsed in prefix units is skipped", 144, 9, countingBytes(1), {0, 0, 7}, {9, 0, 7}},
+        {"so is the type parsed inline", 147, 9, countingBytes(1), {0, 0, 7}, {9, 0, 7}},
+        {"CRC, then its size is skipped", 132, 7, countingBytes(1), {0, 0, 7}, {14, 0, 7}},
+        {"checksum, then its size is skipped", 132, 13, countingBytes(2), {0, 0, 7}, {26, 0, 7}},
+        {"MD5, then its size is skipped", 132, 31, countingBytes(0), {0, 0, 7}, {80, 0, 7}},
+        {"MD5, then a skip that does not fit", 132, 32, countingBytes(0), {0, 0, 7}, {49, 0, 7}},
+        {"reserved hash, then its size is skipped", 132, 4, countingBytes(9), {0, 0, 7}, {5, 0, 7}},
+        {"a hash inside a byte keeps the bit offset", 132, 99, Bytes(20, 0x10), {1, 4, 7}, {8, 4, 7}},
         {"a size below 0", 132, -3, countingBytes(1), {0, 0, 7}, {4, 0, 7}},
-        {"a size below 0 ahead of the start", 132, -8, countingBytes(1), {0, 0, 7}, {7, 0, 7}},
-        {"the least size", 5, INT_MIN, Bytes(8, 0xFF), {5, 3, 7}, {5, 3, 7}},
+        {"a size below 0 to before the start", 132, -8, countingBytes(1), {0, 0, 7}, {7, 0, 7}},
+        {"the smallest size", 5, INT_MIN, Bytes(8, 0xFF), {5, 3, 7}, {5, 3, 7}},
     };
     for (const PositionCase& c : cases) {
         SCOPED_TRACE(c.name);
@@ -529,7 +531,7 @@ TEST_F(SeiWalkHevc, aSuffixCaptureThatFailsIsNotReported) {
 // --- Allocations and exceptions ---
 
 TEST_F(SeiWalkHevc, withoutAWorkingCopyItIsTypeZeroAndSizeZero) {
-    // A message to capture, and one that is truncated.
+    // A message that is captured, and a truncated one.
     for (const Bytes& unit : {seiUnit({seiMessage(5, kPayload)}), Bytes{0x05, 0x09, 0xAA}}) {
         const auto walkWithoutCopy = [&](int naluType, const Requested& requested) {
             const AllocationFault fault(Allocator::Malloc, 1);
@@ -538,7 +540,7 @@ TEST_F(SeiWalkHevc, withoutAWorkingCopyItIsTypeZeroAndSizeZero) {
             return result;
         };
         EXPECT_EQ(walkWithoutCopy(kPrefix, {5}), 0);
-        EXPECT_EQ(walkWithoutCopy(kPrefix, {0}), 11000001) << "an empty capture";
+        EXPECT_EQ(walkWithoutCopy(kPrefix, {0}), 11000001) << "the empty capture must fail";
         EXPECT_EQ(walkWithoutCopy(kSuffix, {0, 5}), 0);
         EXPECT_EQ(walkWithoutCopy(1, {0, 5}), 0);
     }
@@ -569,7 +571,7 @@ TEST_F(SeiWalkHevc, aListThatCannotGrowThrows) {
         EXPECT_TRUE(fault.triggered());
     }
     EXPECT_THAT(kept(), IsEmpty());
-    EXPECT_TRUE(core().blocks.empty()) << "no payload was left behind";
+    EXPECT_TRUE(core().blocks.empty()) << "a payload leaked";
 }
 
 TEST_F(SeiWalkHevc, anExceptionOfTheLogPassesThrough) {

@@ -1,4 +1,5 @@
-// The message header reader and the entry point. The two walks have files of their own.
+// The message header reader, parserPayloadParams, and the entry point, parserDataToSei. The walks have their
+// own files.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -40,7 +41,7 @@ protected:
     }
 };
 
-// Around each further ff_byte.
+// Values around each additional ff_byte.
 constexpr unsigned kSums[] = {0, 1, 127, 128, 254, 255, 256, 509, 510, 511, 764, 765, 1000};
 
 TEST_F(SeiHeader, sumsOfEveryLength) {
@@ -70,7 +71,7 @@ TEST_F(SeiHeader, oneByteLessThanThePayloadIsTruncated) {
         EXPECT_EQ(header.result, 11000001);
         EXPECT_EQ(header.payloadType, 200);
         EXPECT_EQ(header.payloadSize, static_cast<int>(size));
-        EXPECT_EQ(stream.bytePos, seiHeader(200, size).size()) << "the header is consumed";
+        EXPECT_EQ(stream.bytePos, seiHeader(200, size).size()) << "the header must be consumed";
         lines.push_back(truncation(200, static_cast<int>(size), static_cast<int>(size) - 1));
     }
     expectLines(lines);
@@ -131,7 +132,7 @@ TEST_F(SeiHeader, sumsWrapAt32Bits) {
         {{0x00, 0x01}, 0, -1, 0, 0, 0, 0},
         {{0x00, 0x03, 0xAA, 0xAA}, 0, -1, 0, 0, 2, 0},
         {{0x00, 0x03, 0xAA}, 0, -1, 11000001, 0, 2, 1},
-        // Above 2147483647 the size is negative and always too large.
+        // A size above 2147483647 is negative as a number and always too large.
         {{0x00, 0x01, 0xAA}, 0, INT_MAX, 11000001, 0, INT_MIN, 1},
         {{0x00, 0xFF, 0x00}, 0, INT_MAX, 11000001, 0, INT_MIN + 254, 0},
         {{0x00, 0x00, 0xAA}, 0, -1, 11000001, 0, -1, 1},
@@ -154,7 +155,7 @@ TEST_F(SeiHeader, sumsWrapAt32Bits) {
     expectLines(lines);
 }
 
-// size - bytePos is unsigned: past the end there are as good as 2^64 bytes left.
+// size - bytePos is unsigned. Past the end it wraps to almost 2^64 bytes left.
 TEST_F(SeiHeader, pastTheEndTheBytesLeftWrap) {
     const struct {
         uint64_t past;
@@ -173,7 +174,7 @@ TEST_F(SeiHeader, pastTheEndTheBytesLeftWrap) {
         SeiStream stream({0x05, 0x02, 0xAA}, cursor);
         const Header header = read(stream, 7, c.startSize);
         EXPECT_EQ(header.result, c.result);
-        EXPECT_EQ(header.payloadType, 7) << "nothing is read";
+        EXPECT_EQ(header.payloadType, 7) << "nothing must be read";
         EXPECT_EQ(header.payloadSize, c.startSize);
         EXPECT_EQ(cursorOf(stream), cursor);
         if (c.result != 0) {
@@ -192,7 +193,7 @@ TEST_F(SeiHeader, readsWholeBytesWhateverTheBitCountersSay) {
     EXPECT_EQ(cursorOf(stream), (Cursor{4, 3, 2}));
 }
 
-// The 00 00 03 of type 255, size 0 and the next message's low type.
+// The bytes 00 00 03 are the end of type 255, size 0, and the type of the next message.
 TEST_F(SeiHeader, D27_emulationPreventionIsData) {
     SeiStream stream({0xFF, 0x00, 0x00, 0x03, 0x01, 0x01, 0xAA});
     Header header = read(stream);
@@ -250,7 +251,7 @@ TEST_F(SeiEntry, hevcSkipsTwoHeaderBytes) {
 
 TEST_F(SeiEntry, theLengthBoundsTheUnit) {
     const Bytes avc = Bytes{0x06} + seiUnit({seiMessage(5, kUserData)});
-    EXPECT_EQ(parse(26, avc, {6, 0, 5, false}), 11000001) << "header, type, size and two bytes";
+    EXPECT_EQ(parse(26, avc, {6, 0, 5, false}), 11000001) << "the unit has only two payload bytes";
     const Bytes hevc = Bytes{0x4E, 0x01} + seiUnit({seiMessage(5, kUserData)});
     EXPECT_EQ(parse(172, hevc, {39, 0, 6, false}), 11000001);
     EXPECT_THAT(kept(), IsEmpty());
@@ -265,11 +266,11 @@ TEST_F(SeiEntry, avcUnitTypeIsNotTested) {
     EXPECT_EQ(items.size(), 7U);
 }
 
-// The unit's type is the entry's, not the one in the bytes.
+// The unit's type comes from the NaluInfo, not from the header bytes.
 TEST_F(SeiEntry, hevcUnitTypeIsThatOfTheEntry) {
     const Bytes data = Bytes{0x4E, 0x01} + seiUnit({seiMessage(5, kUserData)});
     EXPECT_EQ(parse(172, data, {40, 0, sizeOf(data), false}, {5}), 0);
-    EXPECT_THAT(kept(), ElementsAre(KeptItem{172, 5, true, kUserData})) << "a suffix unit captures no type 5";
+    EXPECT_THAT(kept(), ElementsAre(KeptItem{172, 5, true, kUserData})) << "must be walked as a suffix unit";
     EXPECT_EQ(parse(172, data, {1, 0, sizeOf(data), false}, {5}), 0);
     EXPECT_EQ(items.size(), 1U);
 }
@@ -297,7 +298,7 @@ TEST_F(SeiEntry, nullDataHoldsNoSei) {
     expectNoLines();
 }
 
-// Nothing behind the header: the pointer is not even moved there.
+// Units without bytes after the header. The pointer to them must not even be computed.
 TEST_F(SeiEntry, lengthsWithoutABody) {
     const Bytes data = {0x4E};
     for (const int length : {2, 1, 0, -1, -2, -1000, INT_MIN, INT_MIN + 1}) {
@@ -308,7 +309,7 @@ TEST_F(SeiEntry, lengthsWithoutABody) {
         EXPECT_EQ(parse(172, data, {39, 0, length, false}), 0);
         EXPECT_EQ(parse(172, data, {40, 0, length, false}, {0}), 0);
         EXPECT_EQ(parse(172, data, {39, 0, length, false}, {0}), 11000001)
-            << "type 0 and size 0 of an empty stream, a capture that cannot be made";
+            << "an empty stream must be type 0, size 0, whose capture fails";
     }
     EXPECT_THAT(kept(), IsEmpty());
     expectNoLines();
@@ -317,9 +318,9 @@ TEST_F(SeiEntry, lengthsWithoutABody) {
 TEST_F(SeiEntry, lengthsWithLessThanAMessage) {
     const Bytes avc = {0x06, 0x05, 0x00};
     EXPECT_EQ(parse(26, avc, {6, 0, 2, false}), 0);
-    EXPECT_EQ(parse(26, avc, {6, 0, 3, false}), 0) << "two bytes hold no message, not even a failing one";
+    EXPECT_EQ(parse(26, avc, {6, 0, 3, false}), 0) << "two bytes must not be read as a message";
     const Bytes hevc = {0x4E, 0x01, 0x05, 0x00};
-    EXPECT_EQ(parse(172, hevc, {39, 0, 3, false}), 11000001) << "type 5, size 0 for want of a byte";
+    EXPECT_EQ(parse(172, hevc, {39, 0, 3, false}), 11000001) << "type 5 with a missing size must be size 0";
     EXPECT_EQ(parse(172, hevc, {39, 0, 4, false}), 11000001) << "type 5, size 0";
     EXPECT_THAT(kept(), IsEmpty());
     expectNoLines();

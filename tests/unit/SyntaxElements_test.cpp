@@ -16,7 +16,7 @@ TEST(ElementCutter, fixedLengthBitsGoFromTheEnd) {
 }
 
 TEST(ElementCutter, aCodeNeedsIts1Bit) {
-    // 00111: 6
+    // The code of 6 is 00111.
     const uint32_t expected[] = {0, 0, 0, 3, 5, 6, 6};
     for (size_t bits = 0; bits < std::size(expected); ++bits) {
         uint32_t value = 6;
@@ -26,7 +26,7 @@ TEST(ElementCutter, aCodeNeedsIts1Bit) {
 }
 
 TEST(ElementCutter, signedCodesLoseTheirSignFirst) {
-    // 00111: -3; 00110 is 3, 00100 is 2.
+    // The code of -3 is 00111. 00110 is 3, and 00100 is 2.
     const int32_t expected[] = {0, 0, 0, 2, 3, -3, -3};
     for (size_t bits = 0; bits < std::size(expected); ++bits) {
         int32_t value = -3;
@@ -39,16 +39,16 @@ TEST(ElementCutter, nothingIsLeftBehindTheCut) {
     ElementCutter cutter(4);
     uint32_t whole = 2;
     uint32_t cut = 7;
-    uint32_t behind = 1;
-    int32_t signedBehind = -1;
+    uint32_t following = 1;
+    int32_t signedFollowing = -1;
     cutter.ue("whole", whole);  // 011
-    cutter.u(3, "cut", cut);    // 111, one bit of it
-    cutter.u(1, "behind", behind);
-    cutter.se("behind", signedBehind);
+    cutter.u(3, "cut", cut);    // 111, of which one bit is left
+    cutter.u(1, "following", following);
+    cutter.se("following", signedFollowing);
     EXPECT_EQ(whole, 2U);
     EXPECT_EQ(cut, 4U);
-    EXPECT_EQ(behind, 0U);
-    EXPECT_EQ(signedBehind, 0);
+    EXPECT_EQ(following, 0U);
+    EXPECT_EQ(signedFollowing, 0);
 }
 
 TEST(SyntaxElements, positionsOfElements) {

@@ -1,6 +1,6 @@
-// The layout of every public record: programs that were compiled with earlier headers of the same major
-// version read and write these bytes. Where this does not compile, the record needs another way to grow, or
-// the library another major version.
+// The layout of every public record. Programs compiled with earlier headers of the same major version depend
+// on it. If this file does not compile, extend the record in another way or change the library's major
+// version.
 #include <cstddef>
 #include <type_traits>
 
@@ -10,8 +10,8 @@
 
 namespace {
 
-// Pointers, and the alignment of 64-bit numbers, differ on 32-bit machines: there the records that have any
-// are laid out otherwise.
+// On 32-bit machines, pointers and the alignment of 64-bit integers differ, and so does the layout of records
+// that contain them.
 constexpr bool k64Bit = sizeof(void*) == 8;
 
 static_assert(std::is_standard_layout<QVCodecParameters>::value);
