@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <climits>
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
 
+#include "AvcPayloadTest.h"
 #include "AvcSeiRecord.h"
 #include "AvcSeiSyntax.h"
 #include "QVNaluParser.h"
@@ -18,11 +18,6 @@ using DisplayOrientation = QVAvcSeiDisplayOrientation;
 using AlternativeTransfer = QVAvcSeiAlternativeTransfer;
 
 // --- Layout of the records ---
-
-template <class Record>
-constexpr bool isPlain() {
-    return std::is_standard_layout<Record>::value && std::is_trivial<Record>::value;
-}
 
 template <class Field>
 constexpr bool isU32() {
@@ -65,9 +60,6 @@ static_assert(offsetof(AlternativeTransfer, isValid) == 0);
 static_assert(offsetof(AlternativeTransfer, preferred_transfer_characteristics) == 4);
 static_assert(isU32<decltype(AlternativeTransfer::isValid)>());
 static_assert(isU32<decltype(AlternativeTransfer::preferred_transfer_characteristics)>());
-
-// Sizes that no parser here looks at.
-constexpr int kPayloadSizes[] = {INT_MIN, -1, 0, 1, 1000, INT_MAX};
 
 // --- frame_packing_arrangement ---
 
