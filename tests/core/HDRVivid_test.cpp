@@ -322,9 +322,9 @@ TEST(HdrVividRead, publicTrace) {
 
 TEST(HdrVividRead, bytesBehindTheMessageAreLeft) {
     const Bytes whole = hdrVivid(everything()).bytes();
-    for (const uint8_t behind : Bytes{0x00, 0x80, 0xFF}) {
+    for (const uint8_t extra : Bytes{0x00, 0x80, 0xFF}) {
         Bytes longer = whole;
-        longer.insert(longer.end(), 5, behind);
+        longer.insert(longer.end(), 5, extra);
         expectRead(parse(longer), everything());
     }
 }

@@ -190,7 +190,7 @@ TEST_F(QVAvcSpsScaling, theDefaultsInRasterOrder) {
               (Weights{24, 25, 27, 28, 30, 32, 33, 35}));
 }
 
-// --- Where a list lands ---
+// --- The matrix of each list ---
 
 TEST_F(QVAvcSpsScaling, entriesFollowTheZigzagScan) {
     for (size_t list = 0; list < kLists; ++list) {
