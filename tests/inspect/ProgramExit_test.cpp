@@ -41,7 +41,7 @@ protected:
         words.insert(words.begin(), QVINSPECT_PROGRAM);
         const std::string errPath = folder() + "/err";
         const int errFile = openForWriting(errPath);
-        const int exitCode = runProgram(words, out, errFile, folder());
+        const int exitCode = runProgram(words, {kNoInput, out, errFile}, folder());
         close(errFile);
         err = textOf(errPath);
         return exitCode;

@@ -367,7 +367,8 @@ TEST_F(ProgramInput, noProgressForAShortWork) {
     const Terminal terminal;
     write("x", rawStream());
     const int out = openForWriting(folder() + "/out");
-    EXPECT_EQ(run({"--level", "summary", "--limit", "1", "x"}, {-1, out, terminal.file()}, folder()), 0);
+    EXPECT_EQ(run({"--level", "summary", "--limit", "1", "x"}, {kNoInput, out, terminal.file()}, folder()),
+              0);
     close(out);
     EXPECT_EQ(terminal.written(), "");
 }

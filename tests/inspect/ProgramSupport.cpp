@@ -16,18 +16,6 @@ using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-namespace {
-
-int openForReading(const std::string& path) {
-    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (file < 0) {
-        throw std::runtime_error("cannot read " + path);
-    }
-    return file;
-}
-
-}  // namespace
-
 void feed(int pipe, const Bytes& bytes) {
     sigset_t brokenPipe;
     sigemptyset(&brokenPipe);
@@ -49,26 +37,7 @@ RunningProgram::RunningProgram(const std::vector<std::string>& arguments, const 
         words.insert(words.end(), {"--level", "nalus"});
     }
     words.insert(words.end(), arguments.begin(), arguments.end());
-    std::vector<char*> argv;
-    std::transform(words.begin(), words.end(), std::back_inserter(argv),
-                   [](std::string& word) { return word.data(); });
-    argv.push_back(nullptr);
-
-    const int in = streams.in >= 0 ? streams.in : openForReading("/dev/null");
-    process_ = fork();
-    if (process_ == 0) {
-        if (dup2(in, STDIN_FILENO) >= 0 && dup2(streams.out, STDOUT_FILENO) >= 0 &&
-            dup2(streams.err, STDERR_FILENO) >= 0 && chdir(folder.c_str()) == 0) {
-            execv(argv[0], argv.data());
-        }
-        _exit(127);
-    }
-    if (in != streams.in) {
-        close(in);
-    }
-    if (process_ < 0) {
-        throw std::runtime_error("cannot run the program");
-    }
+    process_ = startProgram(words, streams, folder);
 }
 
 RunningProgram::~RunningProgram() {
@@ -88,21 +57,25 @@ bool RunningProgram::isRunning() const {
            ended.si_pid == 0;
 }
 
-bool RunningProgram::catches(int signal) const {
+// One of the sets of signals in /proc/PID/status.
+bool RunningProgram::hasInStatus(const std::string& field, int signal) const {
     const std::string status = textOf("/proc/" + std::to_string(process_) + "/status");
-    const std::string field = "SigCgt:";
     const size_t at = status.find(field);
     return at != std::string::npos &&
            (std::stoull(status.substr(at + field.size()), nullptr, 16) >> (signal - 1) & 1) != 0;
 }
 
+bool RunningProgram::catches(int signal) const {
+    return hasInStatus("SigCgt:", signal);
+}
+
+bool RunningProgram::isPending(int signal) const {
+    return hasInStatus("ShdPnd:", signal);
+}
+
 int RunningProgram::wait() {
-    int status = 0;
-    if (waitpid(process_, &status, 0) != process_) {
-        throw std::runtime_error("cannot wait for the program");
-    }
     isWaitedFor_ = true;
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return exitCodeOf(process_);
 }
 
 int run(const std::vector<std::string>& arguments, const Streams& streams, const std::string& folder) {
@@ -121,7 +94,7 @@ Outcome Program::inspectFrom(int in, const std::vector<std::string>& arguments) 
 }
 
 Outcome Program::inspect(const std::vector<std::string>& arguments) const {
-    return inspectFrom(-1, arguments);
+    return inspectFrom(kNoInput, arguments);
 }
 
 Outcome Program::inspectPiped(const Bytes& input, const std::vector<std::string>& arguments) const {

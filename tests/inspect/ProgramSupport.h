@@ -16,13 +16,6 @@ namespace qv_test {
 // Writes the bytes to a pipe, as far as they are taken. The thread gets no SIGPIPE from there on.
 void feed(int pipe, const Bytes& bytes);
 
-// File descriptors.
-struct Streams {
-    int in;  // -1 for an empty one
-    int out;
-    int err;
-};
-
 // The program at work in a folder, at --level nalus unless the arguments say otherwise.
 class RunningProgram {
 public:
@@ -38,10 +31,15 @@ public:
     // It has a handler for the signal.
     bool catches(int signal) const;
 
+    // The signal was sent and has not reached it yet.
+    bool isPending(int signal) const;
+
     // The exit code, -1 when a signal ended the program.
     int wait();
 
 private:
+    bool hasInStatus(const std::string& field, int signal) const;
+
     pid_t process_;
     bool isWaitedFor_ = false;
 };

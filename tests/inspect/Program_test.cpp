@@ -163,7 +163,7 @@ TEST_F(Program, readerThatGoesAway) {
         const std::string errPath = folder() + "/err";
         const int err = openForWriting(errPath);
         const auto before = signal(SIGPIPE, handler);
-        EXPECT_EQ(run({"long.h265"}, {-1, ends[1], err}, folder()), 0);
+        EXPECT_EQ(run({"long.h265"}, {kNoInput, ends[1], err}, folder()), 0);
         signal(SIGPIPE, before);
         close(ends[1]);
         close(err);
@@ -179,7 +179,7 @@ TEST_F(Program, outputThatIsFull) {
     write("x", rawStream());
     const std::string errPath = folder() + "/err";
     const int err = openForWriting(errPath);
-    EXPECT_EQ(run({"x"}, {-1, full, err}, folder()), 5);
+    EXPECT_EQ(run({"x"}, {kNoInput, full, err}, folder()), 5);
     close(full);
     close(err);
     EXPECT_EQ(

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <iterator>
 #include <stdexcept>
 
@@ -25,24 +26,58 @@ int openForWriting(const std::string& path) {
     return file;
 }
 
-int runProgram(std::vector<std::string> words, int out, int err, const std::string& folder) {
+int openForReading(const std::string& path) {
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0) {
+        throw std::runtime_error("cannot read " + path);
+    }
+    return file;
+}
+
+namespace {
+
+bool give(int file, int stream) {
+    return file == kClosed ? close(stream) == 0 || errno == EBADF : dup2(file, stream) >= 0;
+}
+
+}  // namespace
+
+pid_t startProgram(std::vector<std::string> words, const Streams& streams, const std::string& folder) {
+    constexpr unsigned kMostSeconds = 600;
     std::vector<char*> argv;
     std::transform(words.begin(), words.end(), std::back_inserter(argv),
                    [](std::string& word) { return word.data(); });
     argv.push_back(nullptr);
 
-    const pid_t child = fork();
-    if (child == 0) {
-        if (dup2(out, STDOUT_FILENO) >= 0 && dup2(err, STDERR_FILENO) >= 0 && chdir(folder.c_str()) == 0) {
+    const int in = streams.in == kNoInput ? openForReading("/dev/null") : streams.in;
+    const pid_t program = fork();
+    if (program == 0) {
+        alarm(kMostSeconds);
+        if (give(in, STDIN_FILENO) && give(streams.out, STDOUT_FILENO) && give(streams.err, STDERR_FILENO) &&
+            chdir(folder.c_str()) == 0) {
             execvp(argv[0], argv.data());
         }
         _exit(127);
     }
-    int status = 0;
-    if (child < 0 || waitpid(child, &status, 0) != child) {
+    if (in != streams.in) {
+        close(in);
+    }
+    if (program < 0) {
         throw std::runtime_error("cannot run the program");
     }
+    return program;
+}
+
+int exitCodeOf(pid_t program) {
+    int status = 0;
+    if (waitpid(program, &status, 0) != program) {
+        throw std::runtime_error("cannot wait for the program");
+    }
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+int runProgram(const std::vector<std::string>& words, const Streams& streams, const std::string& folder) {
+    return exitCodeOf(startProgram(words, streams, folder));
 }
 
 Outcome runProgram(const std::vector<std::string>& words, const std::string& folder) {
@@ -51,7 +86,7 @@ Outcome runProgram(const std::vector<std::string>& words, const std::string& fol
     const std::string errPath = outputs.path() / "err";
     const int out = openForWriting(outPath);
     const int err = openForWriting(errPath);
-    const int exitCode = runProgram(words, out, err, folder);
+    const int exitCode = runProgram(words, {kNoInput, out, err}, folder);
     close(out);
     close(err);
     return {exitCode, textOf(outPath), textOf(errPath)};
