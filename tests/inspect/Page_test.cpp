@@ -72,7 +72,8 @@ TEST(Page, escapeCodesTakeNoWidth) {
 TEST(Page, noControlCharacterGetsThrough) {
     EXPECT_EQ(lineOf({}, std::string("a\x1b[31m\n\t\x7F\xFF\0z", 12)),
               "a\\x1B[31m\\x0A\\x09\\x7F\\xFF\\x00z\n");
-    EXPECT_EQ(lineOf({}, "\xC2\x9B"), "\\xC2\\x9B\n");  // CSI in one character
+    EXPECT_EQ(lineOf({}, "\xC2\x9B"), "\\xC2\\x9B\n");           // CSI in one character
+    EXPECT_EQ(lineOf({}, "\xE2\x80\xAE"), "\\xE2\\x80\\xAE\n");  // RIGHT-TO-LEFT OVERRIDE
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 #include "report/Csv.h"
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <optional>
 
 #include "analysis/NalUnitNames.h"
@@ -10,9 +12,21 @@ namespace qvinspect {
 
 namespace {
 
-// RFC 4180 section 2: a field with a comma, a quote or an end of line stands in quotes, its quotes doubled.
-std::string csvField(const std::string& text) {
-    if (text.find_first_of(",\"\r\n") == std::string::npos) {
+// Spreadsheets read such a cell as a formula, which may run programs: the characters themselves and, in
+// UTF-8, their full-width forms.
+bool beginsLikeFormula(const std::string& text) {
+    static constexpr const char* kBegins[] = {
+        "=", "+", "-", "@", "\t", "\r", "\n", "\xEF\xBC\x9D", "\xEF\xBC\x8B", "\xEF\xBC\x8D", "\xEF\xBC\xA0"};
+    return std::any_of(std::begin(kBegins), std::end(kBegins),
+                       [&](const char* begin) { return text.rfind(begin, 0) == 0; });
+}
+
+// RFC 4180 section 2: a field with a comma, a quote or an end of line is put in quotes, its quotes doubled.
+// So is one with a semicolon or a tab, which separate cells for some programs. Not for numbers, which may be
+// negative.
+std::string csvField(const std::string& cell) {
+    const std::string text = beginsLikeFormula(cell) ? "'" + cell : cell;
+    if (text.find_first_of(",;\t\"\r\n") == std::string::npos) {
         return text;
     }
     std::string field = "\"";

@@ -3,13 +3,28 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstddef>
+#include <iterator>
 
 namespace qvinspect {
 
 namespace {
 
-constexpr unsigned kFirstPrintableBeyondAscii = 0xA0;  // U+0080 to U+009F are control characters
+// Characters that are not shown: control characters, and those that change the order or the lines in which
+// other characters are shown.
+struct CodeRange {
+    unsigned first;
+    unsigned last;
+};
+constexpr CodeRange kUnprintable[] = {
+    {0x0000, 0x001F},  // C0
+    {0x007F, 0x009F},  // DEL, C1
+    {0x061C, 0x061C},  // ARABIC LETTER MARK
+    {0x200E, 0x200F},  // LEFT-TO-RIGHT MARK, RIGHT-TO-LEFT MARK
+    {0x2028, 0x202E},  // LINE and PARAGRAPH SEPARATOR; bidirectional embeddings and overrides
+    {0x2066, 0x2069},  // bidirectional isolates
+};
 
 unsigned byteAt(const std::string& name, size_t at) {
     return at < name.size() ? static_cast<unsigned char>(name[at]) : 0;
@@ -36,13 +51,8 @@ bool isSecondByteOf(unsigned lead, unsigned second) {
     return second >= low && second <= high;
 }
 
-bool isPrintable(const std::string& name, size_t at, size_t length) {
-    const unsigned lead = byteAt(name, at);
-    if (length == 1) {
-        return lead >= 0x20 && lead != 0x7F;
-    }
-    const unsigned second = byteAt(name, at + 1);
-    if (length == 0 || !isSecondByteOf(lead, second)) {
+bool isCharacter(const std::string& name, size_t at, size_t length) {
+    if (length == 0 || (length > 1 && !isSecondByteOf(byteAt(name, at), byteAt(name, at + 1)))) {
         return false;
     }
     for (size_t i = 2; i < length; ++i) {
@@ -50,7 +60,25 @@ bool isPrintable(const std::string& name, size_t at, size_t length) {
             return false;
         }
     }
-    return length > 2 || ((lead & 0x1F) << 6 | (second & 0x3F)) >= kFirstPrintableBeyondAscii;
+    return true;
+}
+
+unsigned codeOf(const std::string& name, size_t at, size_t length) {
+    constexpr unsigned kLeadBits[] = {0, 0x7F, 0x1F, 0x0F, 0x07};
+    unsigned code = byteAt(name, at) & kLeadBits[length];
+    for (size_t i = 1; i < length; ++i) {
+        code = code << 6 | (byteAt(name, at + i) & 0x3F);
+    }
+    return code;
+}
+
+bool isPrintable(const std::string& name, size_t at, size_t length) {
+    if (!isCharacter(name, at, length)) {
+        return false;
+    }
+    const unsigned code = codeOf(name, at, length);
+    return std::none_of(std::begin(kUnprintable), std::end(kUnprintable),
+                        [&](const CodeRange& range) { return code >= range.first && code <= range.last; });
 }
 
 }  // namespace

@@ -6,7 +6,9 @@
 
 namespace qvinspect {
 
-// The name with every control character, and every byte that is not part of a UTF-8 character, as \xNN.
+// The name with every byte of a control character, of a line separator or of a bidirectional control (U+061C,
+// U+200E, U+200F, U+202A to U+202E, U+2066 to U+2069) as \xNN, and every byte that is not part of a UTF-8
+// character.
 std::string printableName(const std::string& name);
 
 }  // namespace qvinspect
