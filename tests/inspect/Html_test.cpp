@@ -2,7 +2,9 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <openssl/evp.h>
 
+#include <array>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -349,6 +351,53 @@ TEST_F(HtmlReport, hostileStreamTextIsText) {
     EXPECT_FALSE(holds(report, "<img")) << "<img";
     EXPECT_THAT(unitsIn(report).dump(), HasSubstr(text));
 }
+
+// RIGHT-TO-LEFT OVERRIDE, in a name and in a text of the stream, which the script shows.
+TEST_F(HtmlReport, noTextTurnsAround) {
+    const std::string text =
+        "a\xE2\x80\xAE"
+        "b";
+    Bytes sei = hex("06 05") + Bytes{static_cast<uint8_t>(16 + text.size())} + Bytes(16, 0x41);
+    sei = sei + Bytes(text.begin(), text.end()) + hex("80");
+    const std::string report = reportOf({pathOf(text + ".h264", byteStream({sei}) + smallStream())});
+    EXPECT_FALSE(holds(report, "\xE2\x80\xAE")) << "as a character";
+    EXPECT_FALSE(holds(report, "\\u202e")) << "as JSON writes it";
+    EXPECT_TRUE(holds(report, "a\\xE2\\x80\\xAEb.h264")) << "the name";
+    EXPECT_THAT(unitsIn(report).dump(), HasSubstr("\"a...b\"")) << "the stream's text";
+}
+
+// --- The page's policy ---
+
+// The source of a policy that allows this text.
+std::string hashSource(const std::string& text) {
+    std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
+    unsigned length = 0;
+    EXPECT_EQ(EVP_Digest(text.data(), text.size(), digest.data(), &length, EVP_sha256(), nullptr), 1);
+    std::array<unsigned char, 2 * EVP_MAX_MD_SIZE> base64{};
+    const int size = EVP_EncodeBlock(base64.data(), digest.data(), static_cast<int>(length));
+    return "'sha256-" + std::string(base64.begin(), base64.begin() + size) + "'";
+}
+
+// What is between the only tags of that name without attributes.
+std::string contentOf(const std::string& tag, const std::string& page) {
+    EXPECT_EQ(countOf("<" + tag + ">", page), 1U);
+    const size_t begin = page.find("<" + tag + ">") + tag.size() + 2;
+    return page.substr(begin, page.find("</" + tag + ">", begin) - begin);
+}
+
+TEST_F(HtmlReport, onlyItsOwnScriptAndStyleAreAllowed) {
+    const std::string report = reportOf({pathOf("a.h265", sample())});
+    const std::string policy = "default-src 'none'; style-src " + hashSource(contentOf("style", report)) +
+                               "; script-src " + hashSource(contentOf("script", report)) +
+                               "; img-src data:; base-uri 'none'; form-action 'none'";
+    EXPECT_TRUE(holds(report, "<meta http-equiv=\"Content-Security-Policy\" content=\"" + policy + "\">"))
+        << policy;
+    EXPECT_FALSE(holds(report, " style=")) << "a policy of hashes blocks style attributes";
+    EXPECT_FALSE(holds(report, " onclick="));
+    EXPECT_LT(report.find("Content-Security-Policy"), report.find("<style>"));
+}
+
+// --- What went wrong ---
 
 qvinspect::StreamHead head() {
     qvinspect::StreamInfo info;

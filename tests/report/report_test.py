@@ -354,6 +354,40 @@ class ReportTest(unittest.TestCase):
         self.assertIn("</script><script>console.error(2)", self.one("#drawer").text)
         self.assert_quiet_after_click()
 
+    def test_injected_code_is_blocked(self):
+        """Code that somebody adds to the page does not run; the page's own does, under the same policy."""
+        page = pathlib.Path(self.folder.name) / "hdr10.html"
+        text = page.read_text()
+        self.assertNotIn("unsafe-inline", text)
+        injected = (
+            '<script>document.title = "script"</script>'
+            '<script src="data:text/javascript,document.title=%22source%22"></script>'
+            '<img src="http://192.0.2.1/x" onerror="document.title = \'handler\'">'
+            '<a id="link" href="javascript:void(document.title = \'link\')">link</a>'
+            '<button id="handler" onclick="document.title = \'click\'">button</button>'
+            '<base href="http://192.0.2.1/"><style>h1 { color: rgb(1, 2, 3) }</style>'
+            '<p id="styled" style="color: rgb(1, 2, 3)">text</p></main>'
+        )
+        self.assertEqual(text.count("</main>"), 1)
+        changed = page.with_name("injected.html")
+        changed.write_text(text.replace("</main>", injected))
+        self.pages["injected"] = changed.as_uri()
+        self.addCleanup(self.pages.pop, "injected")
+        self.open("injected")
+        title = self.browser.title
+        self.assertIn("hevc_hdr10.h265", title)
+        self.browser.execute_script("document.getElementById('link').click();document.getElementById('handler').click()")
+        self.assertEqual(self.browser.title, title)
+        for selector in ("h1", "#styled"):
+            self.assertNotIn("1, 2, 3", self.one(selector).value_of_css_property("color"))
+        self.assertEqual(self.browser.execute_script("return document.baseURI"), self.pages["injected"])
+        refused = [entry["message"] for entry in self.browser.get_log("browser")]
+        for directive in ("script-src", "style-src", "img-src", "base-uri"):
+            self.assertTrue(any(directive in message for message in refused), (directive, refused))
+        self.assertEqual(self.count(".no-script"), 0)
+        self.all("button.unit")[4].click()
+        self.assertTrue(self.one("#drawer").is_displayed())
+
     def assert_quiet_after_click(self):
         self.assertEqual(self.browser.get_log("browser"), [])
 

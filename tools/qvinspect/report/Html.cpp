@@ -29,10 +29,10 @@ void Html::writeHead() {
         "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
         "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
         "<meta name=\"color-scheme\" content=\"light dark\">\n"
-        "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; style-src "
-        "'unsafe-inline'; script-src 'unsafe-inline'; img-src data:\">\n"
-        "<link rel=\"icon\" href=\"data:,\">\n<title>{} - qvinspect</title>\n<style>\n",
-        title);
+        "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; style-src '{}'; "
+        "script-src '{}'; img-src data:; base-uri 'none'; form-action 'none'\">\n"
+        "<link rel=\"icon\" href=\"data:,\">\n<title>{} - qvinspect</title>\n<style>",
+        kHtmlStyleHash, kHtmlScriptHash, title);
     output_.write(kHtmlStyle);
     output_.print("</style>\n</head>\n<body class=\"no-script\">\n<main>\n<h1>Video stream report</h1>\n");
     if (inputs.size() > 1) {
@@ -77,7 +77,7 @@ void Html::finish() {
     }
     output_.print("</main>\n");
     output_.write(kHtmlDrawer);
-    output_.print("<footer><p>qvinspect " QVINSPECT_VERSION "{}</p></footer>\n<script>\n",
+    output_.print("<footer><p>qvinspect " QVINSPECT_VERSION "{}</p></footer>\n<script>",
                   options_.stamp.empty() ? std::string() : ", " + htmlText(options_.stamp));
     output_.write(kHtmlScript);
     output_.print("</script>\n</body>\n</html>\n");
