@@ -47,6 +47,16 @@ protected:
         return exitCode;
     }
 
+    // Under another name, until it is whole.
+    bool isBeingWritten() const {
+        const std::filesystem::directory_iterator files(folder());
+        return std::any_of(begin(files), end(files), [](const auto& file) {
+            std::error_code isGone;
+            return file.path().filename().string().rfind(".qvinspect-", 0) == 0 &&
+                   file.file_size(isGone) > 0 && !isGone;
+        });
+    }
+
     void write(const std::string& name, const Bytes& content) const { files_.write(name, content); }
     std::string folder() const { return files_.path(); }
 
@@ -308,9 +318,8 @@ TEST_F(ProgramExit, interruption) {
         _exit(127);
     }
     // Once a little of the output is there, nearly all of the input is still to come.
-    std::error_code isMissing;
     int status = 0;
-    while (std::filesystem::file_size(cut, isMissing) == 0 || isMissing) {
+    while (!isBeingWritten()) {
         ASSERT_EQ(waitpid(child, &status, WNOHANG), 0) << "it ended by itself";
         usleep(1000);
     }

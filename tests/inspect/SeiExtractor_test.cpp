@@ -142,6 +142,16 @@ TEST_F(SeiExtraction, inputThatCannotBeInspected) {
     EXPECT_EQ(indexOf(out()), json::parse(R"({"input": "stream", "error": "is \"empty\""})"));
 }
 
+TEST_F(SeiExtraction, theIndexComesLast) {
+    {
+        SeiExtractor extractor(out());
+        present(extractor, annexB(QVCodecIDAvc), kAccessUnits);
+        EXPECT_TRUE(fs::exists(out() + "/00000001_au00000001_sei5.bin"));
+        EXPECT_FALSE(fs::exists(out() + "/index.json"));
+    }
+    EXPECT_THAT(namesIn(out()), ElementsAre("00000001_au00000001_sei5.bin", "00000002_au00000001_sei1.bin"));
+}
+
 TEST_F(SeiExtraction, emptyFolderIsTaken) {
     fs::create_directory(out());
     EXPECT_EQ(refusal(out()), "");

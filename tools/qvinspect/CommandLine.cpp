@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "ExitCode.h"
+#include "report/Diagnostics.h"
 #include "report/JsonSchema.h"
 #include "report/Output.h"
 #include "report/PrintableName.h"
@@ -363,7 +364,7 @@ void show(const std::string& text) {
 }
 
 int refuse(const std::string& reason) {
-    fmt::print(stderr, "qvinspect: {}\nqvinspect --help shows all options.\n", printableName(reason));
+    complain(printableName(reason), "\nqvinspect --help shows all options.");
     return kExitUsage;
 }
 

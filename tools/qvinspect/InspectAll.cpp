@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <cstdio>
 #include <memory>
 #include <string>
 #include <utility>
@@ -12,6 +11,7 @@
 #include "Interrupt.h"
 #include "Presenters.h"
 #include "input/InputError.h"
+#include "report/Diagnostics.h"
 #include "report/GuardedPresenter.h"
 #include "report/Output.h"
 #include "report/PrintableName.h"
@@ -72,10 +72,6 @@ Presenters guarded(Presenters presenters, Totals& totals) {
 }
 
 }  // namespace
-
-void complain(const std::string& text) {
-    fmt::print(stderr, "qvinspect: {}\n", text);
-}
 
 int inspectAll(const CommandLine& line) {
     Totals totals;

@@ -2,8 +2,6 @@
 #ifndef QVINSPECT_INSPECTALL_H
 #define QVINSPECT_INSPECTALL_H
 
-#include <string>
-
 #include "CommandLine.h"
 
 namespace qvinspect {
@@ -11,9 +9,6 @@ namespace qvinspect {
 // Inspects the inputs one after the other and returns one of the codes of ExitCode.h. Throws OutputError when
 // an output cannot be opened.
 int inspectAll(const CommandLine& line);
-
-// One line on standard error.
-void complain(const std::string& text);
 
 }  // namespace qvinspect
 

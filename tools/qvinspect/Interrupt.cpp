@@ -4,6 +4,8 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <array>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 
@@ -18,12 +20,32 @@ volatile std::sig_atomic_t interrupted = 0;
 int wakeRead = -1;
 volatile std::sig_atomic_t wakeWrite = -1;
 
-extern "C" void noteInterrupt(int) {
+// Paths of files to remove; null where there is none.
+std::array<std::atomic<const char*>, 16> removed = {};
+static_assert(std::atomic<const char*>::is_always_lock_free, "a signal handler may read it");
+
+extern "C" void noteInterrupt(int number) {
     const int error = errno;
+    if (interrupted != 0) {
+        for (const std::atomic<const char*>& path : removed) {
+            if (const char* const file = path.load(); file != nullptr) {
+                unlink(file);
+            }
+        }
+        // Blocked until this handler returns.
+        std::signal(number, SIG_DFL);
+        raise(number);
+        return;
+    }
     interrupted = 1;
     const char byte = 0;
     [[maybe_unused]] const ssize_t written = write(wakeWrite, &byte, 1);
     errno = error;
+}
+
+bool isIgnored(int number) {
+    struct sigaction action = {};
+    return sigaction(number, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
 void openWakePipe() {
@@ -41,10 +63,12 @@ void noteInterrupts() {
     struct sigaction action = {};
     action.sa_handler = noteInterrupt;
     sigemptyset(&action.sa_mask);
-    // Without SA_RESTART: a wait for input comes back.
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    action.sa_flags = 0;  // without SA_RESTART: a wait for input comes back
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
+    if (!isIgnored(SIGHUP)) {  // nohup
+        sigaction(SIGHUP, &action, nullptr);
+    }
 }
 
 bool isInterrupted() {
@@ -56,6 +80,23 @@ bool waitForInput(int file) {
     while (!isInterrupted() && poll(files, 2, -1) < 0 && errno == EINTR) {
     }
     return !isInterrupted();
+}
+
+void removeWhenKilled(const char* path) {
+    for (std::atomic<const char*>& place : removed) {
+        if (place.load() == nullptr) {
+            place.store(path);
+            return;
+        }
+    }
+}
+
+void keepWhenKilled(const char* path) {
+    for (std::atomic<const char*>& place : removed) {
+        if (place.load() == path) {
+            place.store(nullptr);
+        }
+    }
 }
 
 }  // namespace qvinspect

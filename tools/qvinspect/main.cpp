@@ -1,6 +1,4 @@
 // qvinspect: shows what H.264 and H.265 files hold.
-#include <fmt/format.h>
-
 #include <csignal>
 #include <exception>
 
@@ -8,13 +6,19 @@
 #include "ExitCode.h"
 #include "InspectAll.h"
 #include "Interrupt.h"
+#include "StandardStreams.h"
+#include "report/Diagnostics.h"
 #include "report/Output.h"
 
 using namespace qvinspect;
 
 int main(int argc, char** argv) {
-    // A reader that has seen enough shows as a failed write, wherever the signal is blocked or not.
+    if (!openStandardStreams()) {
+        return kExitOutput;
+    }
+    // A reader that has seen enough, and a file that may not grow, are failed writes.
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
     noteInterrupts();
     try {
         const CommandLine line = parseCommandLine(argc, argv);
@@ -24,9 +28,9 @@ int main(int argc, char** argv) {
             return kExitOk;
         }
         complain(error.what());
-        return kExitOutput;
+        return isInterrupted() ? kExitInterrupted : kExitOutput;
     } catch (const std::exception& error) {
-        complain(fmt::format("cannot go on: {}", error.what()));
+        complain("cannot go on: ", error.what());
     }
     return kExitInput;
 }

@@ -9,15 +9,33 @@
 #include <cerrno>
 #include <cstring>
 
+#include "FilePlace.h"
 #include "Interrupt.h"
+#include "StandardStreams.h"
 #include "input/InputError.h"
 
 namespace qvinspect {
 
 namespace {
 
+// A stream that is closed, or one of the program's own descriptors, would be waited for in vain.
+void refuseUnlessReadable(int file) {
+    if (!isInherited(file) || !isReadable(file)) {
+        throw InputError(
+            "cannot be opened: it is not open for reading; name a file, or send a stream through a pipe");
+    }
+}
+
+int standardInput() {
+    refuseUnlessReadable(STDIN_FILENO);
+    return STDIN_FILENO;
+}
+
 // Opening a named pipe waits for the other end.
 int openFile(const std::string& path) {
+    if (const auto descriptor = descriptorNamedBy(followLinks(path))) {
+        refuseUnlessReadable(*descriptor);
+    }
     for (;;) {
         const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
         if (file >= 0) {
@@ -36,7 +54,7 @@ int openFile(const std::string& path) {
 }  // namespace
 
 FileSource::FileSource(const std::string& path)
-    : file_(path == "-" ? STDIN_FILENO : openFile(path)), isOwned_(path != "-") {
+    : file_(path == "-" ? standardInput() : openFile(path)), isOwned_(path != "-") {
     try {
         examine();
     } catch (...) {

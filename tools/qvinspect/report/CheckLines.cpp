@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include <cstdio>
+#include "report/Diagnostics.h"
 
 namespace qvinspect {
 
@@ -20,7 +20,7 @@ void CheckLines::add(const AccessUnitView&) {}
 
 void CheckLines::end(const StreamEnd& end) {
     for (const CheckResult& check : end.checks) {
-        fmt::print(stderr, "{}: {}\n", name_, checkLine(check));
+        printDiagnostic(fmt::format("{}: {}", name_, checkLine(check)));
     }
 }
 

@@ -1,8 +1,5 @@
 #include "report/Output.h"
 
-#include <unistd.h>
-
-#include <cerrno>
 #include <system_error>
 
 #include "report/PrintableName.h"
@@ -21,28 +18,26 @@ std::string outputName(const std::string& path) {
     return path == "-" ? "standard output" : printableName(path);
 }
 
-Output::Output(const std::string& path) : name_(outputName(path)), isOwned_(path != "-") {
-    file_ = isOwned_ ? std::fopen(path.c_str(), "wb") : stdout;
-    if (file_ == nullptr) {
-        const int error = errno;
+Output::Output(const std::string& path) : name_(outputName(path)) {
+    if (const int error = file_.open(path); error != 0) {
         throw OutputError(fmt::format("{} cannot be opened for writing: {}", name_, reasonOf(error)), error);
     }
 }
 
 Output::~Output() {
-    if (file_ != nullptr) {
-        std::fwrite(text_.data(), 1, text_.size(), file_);
-        if (isOwned_) {
-            std::fclose(file_);
-        }
+    if (!isClosed_ && !file_.isUntouched()) {
+        file_.write(text_.data(), text_.size());
     }
 }
 
-void Output::fail(int error) {
-    text_.clear();  // what stands in it would follow a gap
-    throw OutputError(
-        fmt::format("{} cannot be written: {}; what was written of it is not whole", name_, reasonOf(error)),
-        error);
+void Output::check(int error) {
+    if (error != 0) {
+        text_.clear();  // it would follow a gap
+        throw OutputError(
+            fmt::format("{} cannot be written: {}; {}", name_, reasonOf(error),
+                        file_.isUntouched() ? "it is left as it was" : "what was written of it is not whole"),
+            error);
+    }
 }
 
 void Output::write(const void* bytes, size_t size) {
@@ -52,22 +47,14 @@ void Output::write(const void* bytes, size_t size) {
 }
 
 void Output::flush() {
-    const size_t size = text_.size();
-    if (std::fwrite(text_.data(), 1, size, file_) != size || std::fflush(file_) != 0) {
-        fail(errno);
-    }
+    check(file_.write(text_.data(), text_.size()));
     text_.clear();
 }
 
 void Output::close() {
     flush();
-    if (isOwned_ && std::fclose(std::exchange(file_, nullptr)) != 0) {
-        fail(errno);
-    }
-}
-
-bool Output::isTerminal() const {
-    return isatty(fileno(file_)) != 0;
+    isClosed_ = true;
+    check(file_.close());
 }
 
 }  // namespace qvinspect

@@ -5,11 +5,12 @@
 #include <fmt/format.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <iterator>
 #include <stdexcept>
 #include <string>
 #include <utility>
+
+#include "report/OutputFile.h"
 
 namespace qvinspect {
 
@@ -30,13 +31,14 @@ private:
 // An output, "-" among them, as messages name it.
 std::string outputName(const std::string& path);
 
-// Collects text and writes it out in large pieces. Every member may throw OutputError.
+// Collects text and writes it in large pieces. Every member may throw OutputError.
 class Output {
 public:
-    // "-" is standard output. Any other file is made anew.
+    // path as for OutputFile.
     explicit Output(const std::string& path);
 
-    // Writes what is left, as far as that is possible, without a word about it: close() tells.
+    // Without close(), an output that is written to directly gets what is left, as far as possible and
+    // without a message; a file is left as it was.
     ~Output();
     Output(const Output&) = delete;
     Output& operator=(const Output&) = delete;
@@ -53,10 +55,8 @@ public:
 
     void flush();
 
-    // Writes what is left. An error of the disk may show here only.
+    // Writes what is left and puts a file in its place. Some errors of a disk are reported only here.
     void close();
-
-    bool isTerminal() const;
 
 private:
     static constexpr size_t kPiece = size_t{64} * 1024;
@@ -66,11 +66,11 @@ private:
             flush();
         }
     }
-    [[noreturn]] void fail(int error);
+    void check(int error);
 
     std::string name_;
-    std::FILE* file_ = nullptr;
-    bool isOwned_;
+    OutputFile file_;
+    bool isClosed_ = false;
     fmt::memory_buffer text_;
 };
 

@@ -12,7 +12,7 @@ namespace qvinspect {
 
 // Writes each item that is shown as the library hands it over, without emulation prevention bytes, into a
 // file of its own: 00000123_au00000045_sei137.bin is item 123, of access unit 45 and payloadType 137. The
-// order of the names is that of the stream. index.json lists the files, one a line:
+// order of the names is that of the stream. index.json lists the files, one a line, and is put there last:
 //
 //   input     name of the input           codec     "h264" or "h265"
 //   items     for each file in order:

@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <memory>
 #include <utility>
 
@@ -13,6 +12,7 @@
 #include "input/AvcUnitTypes.h"
 #include "input/ConfigurationRecord.h"
 #include "input/HevcUnitTypes.h"
+#include "report/Diagnostics.h"
 
 namespace qvinspect {
 
@@ -142,7 +142,9 @@ size_t countUnits(const AnnexB& stream) {
 StreamWriter::StreamWriter(const std::string& path, Framing framing)
     : output_(path), outputName_(outputName(path)), framing_(framing) {}
 
-void StreamWriter::fail(const std::string&, const std::string&) {}
+void StreamWriter::fail(const std::string&, const std::string&) {
+    hasFailed_ = true;
+}
 
 void StreamWriter::begin(const StreamHead& head) {
     streamName_ = head.name;
@@ -273,14 +275,16 @@ std::string StreamWriter::convert(const unsigned char* data, size_t size, const 
 void StreamWriter::lose(uint64_t accessUnit, const std::string& what) {
     constexpr uint64_t kMostTold = 10;
     if (++losses_ <= kMostTold) {
-        fmt::print(stderr, "qvinspect: {}: access unit {} of {}: {}\n", outputName_, accessUnit, streamName_,
-                   what);
+        complain(fmt::format("{}: access unit {} of {}: {}", outputName_, accessUnit, streamName_, what));
     }
 }
 
 void StreamWriter::end(const StreamEnd&) {}
 
 void StreamWriter::finish() {
+    if (hasFailed_) {
+        return;
+    }
     output_.close();
     if (losses_ > 0) {
         throw OutputError(fmt::format(

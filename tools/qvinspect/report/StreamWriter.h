@@ -24,7 +24,8 @@ enum class Framing {
 // message already activates its sequence parameter set (H.264 7.4.1.2.1, H.265 C.3.2).
 //
 // Empty units, which only lengths can express, are left out. What else does not go into the output is told
-// on standard error, and finish() throws OutputError then, with all the rest written.
+// on standard error, and finish() throws OutputError then, with all the rest written. An input that cannot be
+// inspected leaves a file as it was.
 class StreamWriter : public Presenter {
 public:
     StreamWriter(const std::string& path, Framing framing);
@@ -60,6 +61,7 @@ private:
     std::string streamName_;
     std::vector<ConfigurationUnit> configuration_;
     bool isFirst_ = true;
+    bool hasFailed_ = false;
     uint64_t losses_ = 0;
 };
 
