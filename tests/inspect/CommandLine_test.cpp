@@ -160,8 +160,10 @@ TEST(CommandLine, wrongLines) {
          "only one output can go to standard output; name a file for the others"},
         {{"--to-annexb", "a", "x", "y"},
          "--to-annexb, --to-lengths and --extract-sei take one FILE at a time"},
-        {{"--to-annexb", same, file}, "--to-annexb " + same + " would overwrite an input; name another file"},
-        {{"--json", made, "--csv", made, "x"}, "--json and --csv both name " + made + "; name another file"},
+        {{"--to-annexb", same, file},
+         "--to-annexb " + same + " and the input " + file + " are the same file; name another file"},
+        {{"--json", made, "--csv", made, "x"},
+         "--json " + made + " and --csv " + made + " are the same file; name another file"},
     };
     for (const WrongLine& line : lines) {
         ::testing::internal::CaptureStderr();

@@ -225,5 +225,100 @@ TEST_F(InterruptedOutputs, hangupIsIgnoredWhenItWasBefore) {
     signal(SIGHUP, before);
 }
 
+// --- Its own input ---
+
+struct Clash {
+    std::string command;
+    std::vector<std::string> arguments;
+    std::string reason;
+};
+
+TEST_F(ProgramOutputs, inputsAreNotWrittenOver) {
+    fs::create_symlink("good.h265", folder() + "/link");
+    fs::create_hard_link(folder() + "/good.h265", folder() + "/hard");
+    fs::create_directory(folder() + "/sub");
+    const std::vector<Clash> clashes = {
+        {"exec \"$@\" <good.h265",
+         {"--to-annexb", "good.h265", "-"},
+         "--to-annexb good.h265 and standard input"},
+        {"exec \"$@\" <good.h265", {"--to-annexb", "link", "-"}, "--to-annexb link and standard input"},
+        {"exec \"$@\" <good.h265", {"--csv", "sub/../hard", "-"}, "--csv sub/../hard and standard input"},
+        {"exec \"$@\" <good.h265",
+         {"--csv", "good.h265", "/dev/stdin"},
+         "--csv good.h265 and the input /dev/stdin"},
+        {"exec \"$@\" >>good.h265",
+         {"--to-annexb", "-", "good.h265"},
+         "standard output and the input good.h265"},
+        {"exec \"$@\" >>good.h265", {"good.h265"}, "standard output and the input good.h265"},
+        {"exec \"$@\" >>good.h265", {"--json", "x", "former", "link"}, "standard output and the input link"},
+        {"exec \"$@\" <good.h265 >>good.h265", {"-"}, "standard output and standard input"},
+        {"exec \"$@\" <>good.h265 >&0", {"--ndjson", "-", "-"}, "standard output and standard input"},
+        {"exec \"$@\" 3<>good.h265",
+         {"--json", "/dev/fd/3", "good.h265"},
+         "--json /dev/fd/3 and the input good.h265"},
+        {"exec \"$@\"", {"--html", "hard", "former", "good.h265"}, "--html hard and the input good.h265"},
+    };
+    const std::vector<std::string> before = filesThere();
+    for (const Clash& clash : clashes) {
+        const Outcome outcome = runBy(clash.command, clash.arguments);
+        EXPECT_EQ(outcome.exitCode, 1) << clash.reason;
+        EXPECT_EQ(outcome.err, "qvinspect: " + clash.reason +
+                                   " are the same file; name another file\n"
+                                   "qvinspect --help shows all options.\n");
+        EXPECT_TRUE(fileContent(folder() + "/good.h265") == rawStream()) << clash.reason;
+        EXPECT_EQ(filesThere(), before);
+    }
+}
+
+TEST_F(ProgramOutputs, outputsAreNotWrittenOverEachOther) {
+    fs::create_symlink("made", folder() + "/dangling");
+    fs::create_symlink("dangling", folder() + "/again");
+    fs::create_symlink(".", folder() + "/here");
+    const std::vector<Clash> clashes = {
+        {"exec \"$@\"",
+         {"--json", "made", "--csv", "dangling", "good.h265"},
+         "--json made and --csv dangling"},
+        {"exec \"$@\"",
+         {"--json", "again", "--csv", "dangling", "good.h265"},
+         "--json again and --csv dangling"},
+        {"exec \"$@\"",
+         {"--json", "made", "--csv", "here/made", "good.h265"},
+         "--json made and --csv here/made"},
+        {"exec \"$@\"",
+         {"--json", "former", "--html", "here/former", "good.h265"},
+         "--json former and --html here/former"},
+        {"exec \"$@\" >>former", {"--json", "former", "good.h265"}, "standard output and --json former"},
+        {"exec \"$@\" >>former",
+         {"--json", "/dev/stdout", "good.h265"},
+         "standard output and --json /dev/stdout"},
+        {"exec \"$@\" >>former",
+         {"--json", "here/former", "--csv", "-", "good.h265"},
+         "standard output and --json here/former"},
+    };
+    const std::vector<std::string> before = filesThere();
+    for (const Clash& clash : clashes) {
+        const Outcome outcome = runBy(clash.command, clash.arguments);
+        EXPECT_EQ(outcome.exitCode, 1) << clash.reason;
+        EXPECT_THAT(outcome.err, StartsWith("qvinspect: " + clash.reason + " are the same file;"));
+        EXPECT_EQ(text("former"), "old") << clash.reason;
+        EXPECT_EQ(filesThere(), before);
+    }
+}
+
+// The end of it that waits for the other would wait for ever.
+TEST_F(ProgramOutputs, pipeForBoth) {
+    ASSERT_EQ(mkfifo((folder() + "/pipe").c_str(), 0600), 0);
+    const Outcome outcome = inspect({"--to-annexb", "pipe", "pipe"});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.err, StartsWith("qvinspect: --to-annexb pipe and the input pipe are the same file;"));
+}
+
+TEST_F(ProgramOutputs, differentFilesOfTheSameName) {
+    fs::create_directory(folder() + "/sub");
+    EXPECT_EQ(inspect({"--csv", "sub/good.h265", "--json", "sub/former", "good.h265"}).exitCode, 0);
+    EXPECT_EQ(text("former"), "old");
+    EXPECT_EQ(inspect({"--csv", "/dev/null", "--json", "/dev/null", "good.h265"}).exitCode, 0);
+}
+
 }  // namespace
 }  // namespace qv_test

@@ -1,18 +1,19 @@
 #include "CommandLine.h"
 
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
 #include <climits>
 #include <cmath>
-#include <filesystem>
 #include <memory>
 #include <stdexcept>
 #include <utility>
 
 #include "ExitCode.h"
+#include "FilePlace.h"
 #include "report/Diagnostics.h"
 #include "report/JsonSchema.h"
 #include "report/Output.h"
@@ -283,32 +284,50 @@ NamedOutputs outputsOf(const CommandLine& line) {
     return outputs;
 }
 
-// Only regular files: terminals and pipes stand any number of users.
-bool isSameFile(const std::string& a, const std::string& b) {
-    std::error_code ignored;
-    return (std::filesystem::is_regular_file(a, ignored) && std::filesystem::equivalent(a, b, ignored)) ||
-           (!std::filesystem::exists(a, ignored) &&
-            std::filesystem::path(a).lexically_normal() == std::filesystem::path(b).lexically_normal());
+// A file as messages name it, and which one it is.
+struct NamedPlace {
+    std::string name;
+    FilePlace place;
+};
+
+NamedPlace placeOfInput(const std::string& path) {
+    return path == "-" ? NamedPlace{"standard input", placeOf(STDIN_FILENO)}
+                       : NamedPlace{"the input " + printableName(path), placeOf(path)};
+}
+
+// With standard output, which the listing goes to when no output is named "-".
+std::vector<NamedPlace> placesOf(const NamedOutputs& outputs) {
+    std::vector<NamedPlace> places = {{"standard output", placeOf(STDOUT_FILENO)}};
+    for (const auto& [option, path] : outputs) {
+        if (path != "-") {
+            places.push_back({fmt::format("{} {}", option, printableName(path)), placeOf(path)});
+        }
+    }
+    return places;
+}
+
+[[noreturn]] void refuseSame(const NamedPlace& a, const NamedPlace& b) {
+    throw std::invalid_argument(
+        fmt::format("{} and {} are the same file; name another file", a.name, b.name));
 }
 
 void refuseClashes(const CommandLine& line) {
     const NamedOutputs outputs = outputsOf(line);
-    for (auto output = outputs.begin(); output != outputs.end(); ++output) {
-        const auto& [name, path] = *output;
+    const auto isStdout = [](const auto& output) { return output.second == "-"; };
+    if (std::count_if(outputs.begin(), outputs.end(), isStdout) > 1) {
+        throw std::invalid_argument("only one output can go to standard output; name a file for the others");
+    }
+    const std::vector<NamedPlace> places = placesOf(outputs);
+    for (auto output = places.begin(); output != places.end(); ++output) {
         for (const std::string& file : line.files) {
-            if (path != "-" && file != "-" && isSameFile(path, file)) {
-                throw std::invalid_argument(fmt::format("{} {} would overwrite an input; name another file",
-                                                        name, printableName(path)));
+            const NamedPlace input = placeOfInput(file);
+            if (canWriteOver(output->place, input.place)) {
+                refuseSame(*output, input);
             }
         }
-        for (auto other = outputs.begin(); other != output; ++other) {
-            if (path == "-" && other->second == "-") {
-                throw std::invalid_argument(
-                    "only one output can go to standard output; name a file for the others");
-            }
-            if (path != "-" && other->second != "-" && isSameFile(path, other->second)) {
-                throw std::invalid_argument(fmt::format("{} and {} both name {}; name another file",
-                                                        other->first, name, printableName(path)));
+        for (auto other = places.begin(); other != output; ++other) {
+            if (canWriteOverEachOther(output->place, other->place)) {
+                refuseSame(*other, *output);
             }
         }
     }
