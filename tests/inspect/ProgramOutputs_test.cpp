@@ -196,11 +196,13 @@ TEST_F(InterruptedOutputs, secondSignalLeavesFilesAsTheyWere) {
         const int exitCode =
             runUntilStuck([&, first = first, second = second](const RunningProgram& program) {
                 EXPECT_FALSE(unfinished().empty());
-                program.signal(first);
-                while (program.isPending(first)) {
-                    usleep(1000);
+                for (int i = 0; i < 2; ++i) {  // at once: as one
+                    program.signal(first);
+                    while (program.isPending(first)) {
+                        usleep(1000);
+                    }
                 }
-                usleep(50000);
+                usleep(400000);
                 EXPECT_TRUE(program.isRunning());
                 program.signal(second);
             });
@@ -208,6 +210,22 @@ TEST_F(InterruptedOutputs, secondSignalLeavesFilesAsTheyWere) {
         EXPECT_EQ(text("former"), "old");
         EXPECT_EQ(filesThere(), before);
     }
+}
+
+TEST_F(InterruptedOutputs, pipeThatNobodyReads) {
+    ASSERT_EQ(mkfifo((folder() + "/pipe").c_str(), 0600), 0);
+    const int err = openForWriting(folder() + "/err");
+    RunningProgram program({"--csv", "pipe", "--json", "former", "good.h265"}, {kNoInput, err, err},
+                           folder());
+    // It sleeps when it waits for a reader.
+    for (int asleep = 0; asleep < 10;
+         asleep = program.catches(SIGINT) && program.isAsleep() ? asleep + 1 : 0) {
+        usleep(10000);
+    }
+    program.signal(SIGINT);
+    EXPECT_EQ(program.wait(), 130);
+    close(err);
+    EXPECT_EQ(text("former"), "old");
 }
 
 TEST_F(InterruptedOutputs, killedProgramLeavesTheFormerContent) {

@@ -57,6 +57,10 @@ bool RunningProgram::isRunning() const {
            ended.si_pid == 0;
 }
 
+bool RunningProgram::isAsleep() const {
+    return textOf("/proc/" + std::to_string(process_) + "/status").find("\nState:\tS") != std::string::npos;
+}
+
 // One of the sets of signals in /proc/PID/status.
 bool RunningProgram::hasInStatus(const std::string& field, int signal) const {
     const std::string status = textOf("/proc/" + std::to_string(process_) + "/status");

@@ -28,6 +28,9 @@ public:
     void signal(int number) const;
     bool isRunning() const;
 
+    // It waits for something.
+    bool isAsleep() const;
+
     // It has a handler for the signal.
     bool catches(int signal) const;
 

@@ -8,12 +8,18 @@
 #include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <cstdint>
+#include <ctime>
 
 namespace qvinspect {
 
 namespace {
 
 volatile std::sig_atomic_t interrupted = 0;
+std::atomic<int64_t> interruptedAt = 0;  // milliseconds
+
+// timeout(1) sends its signal twice, to the program and to its process group: that is one request.
+constexpr int64_t kSameRequest = 250;  // milliseconds
 
 // Written to when the program is interrupted: a signal between a look at the flag and a wait would be missed
 // by the wait. -1, which poll passes over, until interrupts are noted.
@@ -22,20 +28,32 @@ volatile std::sig_atomic_t wakeWrite = -1;
 
 // Paths of files to remove; null where there is none.
 std::array<std::atomic<const char*>, 16> removed = {};
-static_assert(std::atomic<const char*>::is_always_lock_free, "a signal handler may read it");
+static_assert(std::atomic<const char*>::is_always_lock_free && std::atomic<int64_t>::is_always_lock_free,
+              "a signal handler may use them");
 
-extern "C" void noteInterrupt(int number) {
-    const int error = errno;
-    if (interrupted != 0) {
-        for (const std::atomic<const char*>& path : removed) {
-            if (const char* const file = path.load(); file != nullptr) {
-                unlink(file);
-            }
+int64_t now() {
+    timespec time = {};
+    clock_gettime(CLOCK_MONOTONIC, &time);
+    return int64_t{1000} * time.tv_sec + time.tv_nsec / 1'000'000;
+}
+
+void endProgram(int signal) {
+    for (const std::atomic<const char*>& path : removed) {
+        if (const char* const file = path.load(); file != nullptr) {
+            unlink(file);
         }
-        // Blocked until this handler returns.
-        std::signal(number, SIG_DFL);
-        raise(number);
-        return;
+    }
+    std::signal(signal, SIG_DFL);
+    raise(signal);  // blocked until the handler returns
+}
+
+extern "C" void noteInterrupt(int signal) {
+    const int error = errno;
+    if (interrupted != 0 && now() - interruptedAt.load() >= kSameRequest) {
+        endProgram(signal);
+    }
+    if (interrupted == 0) {
+        interruptedAt.store(now());
     }
     interrupted = 1;
     const char byte = 0;

@@ -4,8 +4,8 @@
 
 namespace qvinspect {
 
-// SIGINT, SIGTERM and, unless it is ignored, SIGHUP are noted from here on. A second signal ends the program
-// at once.
+// SIGINT, SIGTERM and, unless it is ignored, SIGHUP are noted from here on. A second signal, a quarter of a
+// second later or more, ends the program at once.
 void noteInterrupts();
 
 bool isInterrupted();
