@@ -30,7 +30,7 @@ int compareCounts(const InstructionCounts& counts, const char* path) {
     if (report.isKept) {
         return EXIT_SUCCESS;
     }
-    std::puts("\nThe budget is not kept. If the change is intended, run scripts/instructions --renew");
+    std::puts("\nThe budget is not kept. If the change is intended, run scripts/dev/instructions --renew");
     return EXIT_FAILURE;
 }
 
@@ -38,7 +38,7 @@ int renew(const InstructionCounts& counts, const char* path) {
     std::ofstream file(path);
     file << "# Instructions of each operation: callgrind, " QV_BENCH_COMPILER
             ", vectors of every machine.\n"
-            "# scripts/instructions compares them, scripts/instructions --renew writes this file.\n"
+            "# scripts/dev/instructions compares them, scripts/dev/instructions --renew writes this file.\n"
          << budgetText(counts) << std::flush;
     std::printf("%zu operations written to %s\n", counts.size(), path);
     return file.good() ? EXIT_SUCCESS : EXIT_FAILURE;

@@ -9,7 +9,7 @@ REPOSITORY = pathlib.Path(sys.argv[1])
 DOCUMENTS = [path for pattern in ("*.md", "docs/*.md", "samples/*.md") for path in REPOSITORY.glob(pattern)]
 FENCE = re.compile(r"^```.*?^```\n", re.M | re.S)
 LINK = re.compile(r"\]\(([^)\s]+)\)")
-# `scripts/fuzz`, `tests/support`, `detail/Log.h`; TARGET stands for a name.
+# `scripts/dev/fuzz`, `tests/support`, `detail/Log.h`; TARGET stands for a name.
 NAMED = re.compile(r"`((?:cmake|detail|docs|examples|fuzz|modules|samples|scripts|tests|tools|bench)/[\w./-]+)")
 LIBRARY = REPOSITORY / "modules/demuxer/low_level/common"
 

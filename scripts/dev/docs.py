@@ -1,7 +1,7 @@
-"""What doxygen leaves to be done: docs.py BUILD_FOLDER, run by scripts/docs in the root of the repository.
+"""Checks what doxygen does not: docs.py BUILD_FOLDER, which scripts/dev/docs runs in the root of the repository.
 
-Values of enumerations and members of unnamed unions have to be documented too; links of the documents to
-sources get the sources; no link of a page may lead to nothing.
+Values of enumerations and members of unnamed unions must be documented too. Sources that documents link to are copied
+to the pages. Every link of a page must lead to a file.
 """
 
 import html
@@ -20,7 +20,7 @@ def has_text(element):
     return any("".join(part.itertext()).strip() for part in parts)
 
 
-def says_all_itself(member):
+def needs_no_text(member):
     """Deleted operations, and unions without a name."""
     arguments, declared_type = member.findtext("argsstring") or "", member.find("type")
     is_union = declared_type is not None and "".join(declared_type.itertext()).startswith("union ")
@@ -36,7 +36,7 @@ def members(folder):
     for path in sorted(folder.glob("*.xml")):
         for compound in filter(is_public, xml.parse(path).iter("compounddef")):
             for member in filter(is_public, compound.iter("memberdef")):
-                if says_all_itself(member):
+                if needs_no_text(member):
                     continue
                 name = "%s: %s" % (compound.findtext("compoundname"), member.findtext("name"))
                 yield name, member
@@ -44,15 +44,14 @@ def members(folder):
                     yield "%s: %s" % (name, value.findtext("name")), value
 
 
-def undocumented(folder):
-    found = list(members(folder))
+def undocumented(found):
     if len(found) < FEWEST_MEMBERS:
-        return ["only %d members found in %s" % (len(found), folder)]
+        return ["only %d members found" % len(found)]
     return ["not documented: " + name for name, element in found if not has_text(element)]
 
 
-def carry_sources(pages):
-    """Puts sources that documents link to where the pages look for them."""
+def copy_sources(pages):
+    """Copies the sources that documents link to to where the pages look for them."""
     for document in (path for pattern in DOCUMENTS for path in pathlib.Path().glob(pattern)):
         for link in re.findall(r"\]\(([\w./-]+)\)", document.read_text()):
             source, target = document.parent / link, pages / link
@@ -65,13 +64,15 @@ def dead_links(pages):
     for page in sorted(pages.glob("*.html")):
         for link in re.findall(r'(?:href|src)="([^"#:]+)(?:#[^"]*)?"', page.read_text()):
             if not (pages / html.unescape(link)).exists():
-                yield "%s: a link to nothing: %s" % (page.name, link)
+                yield "%s: dead link: %s" % (page.name, link)
 
 
 def main(folder):
-    carry_sources(folder / "html")
-    wrong = undocumented(folder / "xml") + sorted(set(dead_links(folder / "html")))
+    copy_sources(folder / "html")
+    found, pages = list(members(folder / "xml")), list((folder / "html").glob("*.html"))
+    wrong = undocumented(found) + sorted(set(dead_links(folder / "html")))
     print("".join(line + "\n" for line in wrong), end="", file=sys.stderr)
+    print("%d symbols on %d pages" % (len(found), len(pages)))
     return 1 if wrong else 0
 
 
