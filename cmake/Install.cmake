@@ -1,7 +1,9 @@
 # Installation. Components: runtime (the shared library), development (headers, libraries to link with, package
-# files) and tools (qvinspect).
+# files) and tools (qvinspect and its manuals).
 #
-# One prefix may hold the static and the shared library, installed from two builds; qvnaluConfig.cmake chooses.
+# One prefix may hold both the static and the shared library, from two builds; qvnaluConfig.cmake chooses between them.
+#
+# Programs include "QVNaluParser.h" or <qvnalu/QVNaluParser.h>: both folders are on their include path.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
@@ -13,12 +15,7 @@ else()
   set(kind static)
 endif()
 
-file(GLOB public_headers CONFIGURE_DEPENDS
-  ${PROJECT_SOURCE_DIR}/modules/core/*.h
-  ${PROJECT_SOURCE_DIR}/modules/core/standalone/*.h
-  ${PROJECT_SOURCE_DIR}/modules/demuxer/low_level/common/*.h)
-list(FILTER public_headers EXCLUDE REGEX "/QVSideDataLayout\\.h$")
-install(FILES ${public_headers} DESTINATION ${headers} COMPONENT development)
+install(FILES ${qvnalu_public_headers} DESTINATION ${headers} COMPONENT development)
 
 install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md
   DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
@@ -26,10 +23,10 @@ install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md
 install(TARGETS qvnalu EXPORT qvnalu_${kind}
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
-  INCLUDES DESTINATION ${headers})
+  INCLUDES DESTINATION ${headers} ${CMAKE_INSTALL_INCLUDEDIR})
 install(TARGETS qvcore_standalone EXPORT qvnalu_core
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
-  INCLUDES DESTINATION ${headers})
+  INCLUDES DESTINATION ${headers} ${CMAKE_INSTALL_INCLUDEDIR})
 set_target_properties(qvnalu PROPERTIES EXPORT_NAME nalu)
 set_target_properties(qvcore_standalone PROPERTIES EXPORT_NAME core_standalone)
 foreach(targets ${kind} core)
@@ -44,10 +41,10 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/qvnaluConfigVersion.cmake
 install(FILES ${PROJECT_BINARY_DIR}/qvnaluConfig.cmake ${PROJECT_BINARY_DIR}/qvnaluConfigVersion.cmake
   DESTINATION ${package_files} COMPONENT development)
 
-# The package files say where things are from where they stand, so that an installation can be moved.
+# Paths in the package files are relative to the files, so that an installation can be moved.
 set(from_here ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig)
 file(RELATIVE_PATH QVNALU_PC_PREFIX ${from_here} ${CMAKE_INSTALL_PREFIX})
-file(RELATIVE_PATH QVNALU_PC_INCLUDEDIR ${from_here} ${CMAKE_INSTALL_FULL_INCLUDEDIR}/qvnalu)
+file(RELATIVE_PATH QVNALU_PC_INCLUDEDIR ${from_here} ${CMAKE_INSTALL_FULL_INCLUDEDIR})
 foreach(name qvnalu qvcore_standalone)
   configure_file(${PROJECT_SOURCE_DIR}/cmake/${name}.pc.in ${PROJECT_BINARY_DIR}/${name}.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/${name}.pc
@@ -58,6 +55,8 @@ if(QVNALU_BUILD_TOOLS)
   install(TARGETS qvinspect RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
   install(FILES ${PROJECT_SOURCE_DIR}/docs/qvinspect.1
     DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+  install(FILES ${PROJECT_SOURCE_DIR}/docs/inspector.md ${PROJECT_SOURCE_DIR}/docs/inspector-output.md
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/qvinspect COMPONENT tools)
   install(FILES ${PROJECT_SOURCE_DIR}/tools/qvinspect/qvinspect.bash
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME qvinspect COMPONENT tools)
 endif()

@@ -1,7 +1,22 @@
 # Debian packages of the three components: libqvnaluN (the shared library), libqvnalu-dev (headers, libraries to
-# link with, package files) and qvinspect. scripts/packages builds them.
+# link with, package files) and qvinspect. scripts/dev/packages builds them.
 #
-# QVNALU_STATIC_BUILD is a build with the static library, for libqvnalu-dev.
+# libqvnalu-dev has the static library too. It comes from a build of its own: QVNALU_STATIC_BUILD is that build's folder.
+if(NOT BUILD_SHARED_LIBS)
+  message(FATAL_ERROR "QVNALU_PACKAGES packages the shared library: configure with -DBUILD_SHARED_LIBS=ON")
+endif()
+if(NOT QVNALU_STATIC_BUILD)
+  message(FATAL_ERROR "QVNALU_PACKAGES packages the static library too: build it in a folder of its own with "
+    "-DBUILD_SHARED_LIBS=OFF and name the folder with -DQVNALU_STATIC_BUILD=FOLDER; scripts/dev/packages does both")
+endif()
+get_filename_component(static_build ${QVNALU_STATIC_BUILD} ABSOLUTE BASE_DIR ${CMAKE_SOURCE_DIR})
+if(NOT EXISTS ${static_build}/cmake_install.cmake)
+  message(FATAL_ERROR "QVNALU_STATIC_BUILD is ${QVNALU_STATIC_BUILD}, which is no build folder with installation")
+endif()
+if(NOT QVNALU_INSTALL OR NOT QVNALU_BUILD_TOOLS)
+  message(FATAL_ERROR "QVNALU_PACKAGES packages what is installed, qvinspect included: "
+    "configure with -DQVNALU_INSTALL=ON -DQVNALU_BUILD_TOOLS=ON")
+endif()
 set(library libqvnalu${PROJECT_VERSION_MAJOR})
 set(debian ${PROJECT_SOURCE_DIR}/packaging/debian)
 
@@ -24,7 +39,7 @@ foreach(component runtime development tools)
   string(TOUPPER ${component} upper)
   set(CPACK_DEBIAN_${upper}_PACKAGE_NAME ${package_of_${component}})
 endforeach()
-install(SCRIPT ${QVNALU_STATIC_BUILD}/cmake_install.cmake COMPONENT development)
+install(SCRIPT ${static_build}/cmake_install.cmake COMPONENT development)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION share/doc/libqvnalu-dev COMPONENT development)
 
 set(CPACK_PACKAGE_NAME qvnalu)
@@ -46,9 +61,9 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/modules/de
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${debian}/triggers)
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "low-level analysis of H.264 and H.265 streams
-Finds and types NAL units, tells key pictures, reframes between start codes
+Finds and types NAL units, detects key pictures, reframes between start codes
 and length fields, parses sequence parameter sets, walks SEI messages and
-delivers HDR metadata. Programs bring the functions of a player's core.")
+delivers HDR metadata. Programs provide the functions of a player's core.")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SHLIBDEPS OFF)
@@ -61,6 +76,6 @@ set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION video)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${library} (= ${PROJECT_VERSION}-${release})")
 set(CPACK_DEBIAN_TOOLS_DESCRIPTION "inspector of H.264 and H.265 streams
 Shows what raw byte streams and containers hold: access units, NAL units,
-parameter sets, SEI messages, HDR metadata, and what is broken in them; as a
-summary, as listings, for programs and for the browser.")
+parameter sets, SEI messages, HDR metadata and errors. Prints a summary or a
+listing, and writes JSON, CSV and a report for the browser.")
 include(CPack)

@@ -59,11 +59,11 @@ class QvnaluConan(ConanFile):
 
     def package_info(self):
         self.cpp_info.set_property("cmake_file_name", "qvnalu")
-        # A program that links both needs the core behind the library, but the core may be the program's own:
-        # neither requires the other.
+        # Neither requires the other: the core may be the program's own. A program that links both names the
+        # library first.
         for component, library in (("nalu", "qvnalu"), ("core_standalone", "qvcore_standalone")):
             info = self.cpp_info.components[component]
             info.libs = [library]
-            info.includedirs = [os.path.join("include", "qvnalu")]
+            info.includedirs = [os.path.join("include", "qvnalu"), "include"]
             info.set_property("cmake_target_name", f"qv::{component}")
             info.set_property("pkg_config_name", library)

@@ -1,7 +1,7 @@
-# What Debian's policy asks of installed files: documents compressed, programs and libraries without what only
-# compilers and debuggers read. CPack runs this on its copies.
+# Prepares installed files as Debian's policy requires: compresses documents, and strips programs and libraries. CPack
+# runs this on its copies.
 
-# staged(RESULT NAME...): files of these names.
+# staged(RESULT NAME...): the files with these names.
 function(staged result)
   set(files "")
   foreach(name IN LISTS ARGN)

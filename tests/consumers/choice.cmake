@@ -1,5 +1,5 @@
-# What find_package finds where the static and the shared library share a prefix, and where one is alone. STATIC
-# and SHARED are prefixes with one of them.
+# What find_package finds where a prefix has both the static and the shared library, and where it has one. STATIC and
+# SHARED are prefixes with one of them.
 include(${CMAKE_CURRENT_LIST_DIR}/common.cmake)
 
 set(both ${WORK}/both)

@@ -1,4 +1,5 @@
-# Builds and runs the examples on the library of one KIND that is installed at PREFIX, found by find_package.
+# Builds and runs the examples with the library of one KIND that is installed at PREFIX, found by find_package; then the
+# program with prefixed headers.
 include(${CMAKE_CURRENT_LIST_DIR}/common.cmake)
 
 write_readme_program(${WORK}/readme.cpp)
@@ -9,3 +10,8 @@ foreach(program units player)
   expect_kind(${KIND} ${WORK}/build/${program})
 endforeach()
 run_examples(${WORK}/build)
+
+write_prefixed_program(${WORK}/prefixed.cpp)
+configure(${SOURCE}/examples ${WORK}/build -DUNITS_SOURCE=${WORK}/prefixed.cpp)
+run(${CMAKE_COMMAND} --build ${WORK}/build --target units)
+expect_output(units.txt ${WORK}/build/units ${SOURCE}/samples/hevc_hdr10.h265)

@@ -1,8 +1,8 @@
-# What the scripts of this folder share. Each is given SOURCE, the tree of qvnalu, WORK, a folder of its own, and
-# the tools of the build around it.
+# Functions that the scripts of this folder share. Each script is given SOURCE, the tree of qvnalu, WORK, a folder for
+# its files, and the tools of the build that runs it.
 cmake_minimum_required(VERSION 3.22)
 
-# run(COMMAND...): its output goes into the variable "output", and is shown when the command fails.
+# run(COMMAND...): sets the variable "output" to the command's output, which is shown when the command fails.
 function(run)
   execute_process(COMMAND ${ARGN} OUTPUT_VARIABLE output ERROR_VARIABLE errors RESULT_VARIABLE result)
   if(NOT result EQUAL 0)
@@ -19,7 +19,7 @@ function(configure source binary)
     -DCMAKE_EXPORT_COMPILE_COMMANDS=ON ${ARGN})
 endfunction()
 
-# expect_output(EXPECTED COMMAND...): what the command prints is the text of tests/consumers/expected.
+# expect_output(EXPECTED COMMAND...): the command prints the text of the file EXPECTED in tests/consumers/expected.
 function(expect_output expected)
   run(${ARGN})
   file(READ ${SOURCE}/tests/consumers/expected/${expected} text)
@@ -43,7 +43,21 @@ function(write_readme_program file)
   file(WRITE ${file} "${program}")
 endfunction()
 
-# run_examples(FOLDER): both programs, by what they print.
+# write_prefixed_program(FILE): the same program with the headers as <qvnalu/...>, followed by the plain form: both may
+# occur in one source.
+function(write_prefixed_program file)
+  write_readme_program(${file})
+  file(READ ${file} program)
+  string(REPLACE "#include \"QVNaluParser.h\"\n"
+    "#include <qvnalu/QVCoreStandalone.h>\n#include <qvnalu/QVNaluParser.h>\n#include \"QVNaluParser.h\"\n"
+    prefixed "${program}")
+  if(prefixed STREQUAL program)
+    message(FATAL_ERROR "the program of README.md does not include QVNaluParser.h")
+  endif()
+  file(WRITE ${file} "${prefixed}")
+endfunction()
+
+# run_examples(FOLDER): both programs print what is expected.
 function(run_examples folder)
   expect_output(units.txt ${folder}/units ${SOURCE}/samples/hevc_hdr10.h265)
   foreach(sample avc_avc1 hevc_hdr_vivid)

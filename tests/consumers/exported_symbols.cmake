@@ -1,4 +1,4 @@
-# What the shared LIBRARY shows is the list of exported_symbols.txt, whichever compiler built it.
+# The symbols that the shared LIBRARY exports are those of exported_symbols.txt, with any compiler.
 include(${CMAKE_CURRENT_LIST_DIR}/common.cmake)
 
 run(${NM} --dynamic --defined-only --demangle ${LIBRARY})
@@ -7,7 +7,7 @@ file(WRITE ${WORK}/nm.txt "${output}")
 file(STRINGS ${WORK}/nm.txt lines)
 set(symbols "")
 foreach(line IN LISTS lines)
-  # Each constructor is there twice, for complete objects and for bases.
+  # Each constructor has two symbols, for complete objects and for bases.
   string(REGEX REPLACE "^[0-9a-f]+ " "" symbol "${line}")
   list(APPEND symbols "${symbol}")
 endforeach()
@@ -18,6 +18,6 @@ file(WRITE ${WORK}/exported_symbols.txt "${symbols}\n")
 
 file(READ ${SOURCE}/tests/consumers/exported_symbols.txt expected)
 if(NOT "${symbols}\n" STREQUAL expected)
-  message(FATAL_ERROR "the exported symbols are those of ${WORK}/exported_symbols.txt, not the listed ones: "
-                      "functions may be added to the list, and with a new major version leave it")
+  message(FATAL_ERROR "the exported symbols are those of ${WORK}/exported_symbols.txt, not those of the list: "
+                      "functions may be added to the list; only a new major version may remove one")
 endif()

@@ -1,4 +1,4 @@
-# Builds the library of one KIND, static or shared, installs it, and moves what was installed to PREFIX.
+# Builds the library of one KIND, static or shared, installs it, and moves the installation to PREFIX.
 include(${CMAKE_CURRENT_LIST_DIR}/common.cmake)
 
 set(shared OFF)
@@ -14,7 +14,7 @@ configure(${SOURCE} ${WORK}/build
 run(${CMAKE_COMMAND} --build ${WORK}/build --parallel 2)
 run(${CMAKE_COMMAND} --install ${WORK}/build)
 
-# Nothing that was installed knows where it was.
+# No installed file contains the path where it was installed.
 file(GLOB_RECURSE package_files ${installed}/lib/cmake/* ${installed}/lib/pkgconfig/*)
 list(LENGTH package_files count)
 if(count LESS 8)
@@ -30,7 +30,7 @@ foreach(file IN LISTS package_files)
   endforeach()
 endforeach()
 
-# The headers are the public ones, in a folder of their own.
+# The headers are the public ones, in a folder for them alone.
 file(GLOB folders LIST_DIRECTORIES TRUE RELATIVE ${installed}/include ${installed}/include/*)
 file(GLOB_RECURSE headers RELATIVE ${installed}/include/qvnalu ${installed}/include/qvnalu/*)
 if(NOT folders STREQUAL "qvnalu" OR NOT "QVNaluParser.h" IN_LIST headers OR NOT "QVCoreStandalone.h" IN_LIST headers)

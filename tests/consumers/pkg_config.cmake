@@ -1,5 +1,5 @@
-# Builds and runs the examples on the library of one KIND that is installed at PREFIX, with the flags that
-# pkg-config tells.
+# Builds and runs the examples, and the program with prefixed headers, with the library of one KIND that is installed at
+# PREFIX, using the flags from pkg-config.
 include(${CMAKE_CURRENT_LIST_DIR}/common.cmake)
 
 set(ENV{PKG_CONFIG_PATH} ${PREFIX}/lib/pkgconfig)
@@ -13,6 +13,8 @@ endfunction()
 file(MAKE_DIRECTORY ${WORK})
 write_readme_program(${WORK}/readme.cpp)
 build(units ${WORK}/readme.cpp "qvnalu;qvcore_standalone")
+write_prefixed_program(${WORK}/prefixed.cpp)
+build(prefixed ${WORK}/prefixed.cpp "qvnalu;qvcore_standalone")
 build(player "${SOURCE}/examples/player/player.cpp;${SOURCE}/examples/player/core.cpp"
   "qvnalu;libavformat;libavcodec;libavutil")
 run(${PKG_CONFIG} --modversion qvnalu)
@@ -23,3 +25,4 @@ endif()
 
 set(ENV{LD_LIBRARY_PATH} ${PREFIX}/lib)
 run_examples(${WORK})
+expect_output(units.txt ${WORK}/prefixed ${SOURCE}/samples/hevc_hdr10.h265)

@@ -1,5 +1,5 @@
-# Builds and runs the examples with qvnalu in their own build, FROM a subdirectory or fetched. What qvnalu is
-# developed with stays away from them.
+# Builds and runs the examples with qvnalu in their build, FROM a subdirectory or fetched. The options for developing
+# qvnalu have no effect there.
 include(${CMAKE_CURRENT_LIST_DIR}/common.cmake)
 
 write_readme_program(${WORK}/readme.cpp)
@@ -33,7 +33,14 @@ if(NOT own EQUAL 3)
   message(FATAL_ERROR "${own} of 3 files of the examples found in compile_commands.json")
 endif()
 
-# Nor is it installed with them.
+# The same with prefixed headers.
+write_prefixed_program(${WORK}/prefixed.cpp)
+configure(${SOURCE}/examples ${WORK}/build -DUNITS_SOURCE=${WORK}/prefixed.cpp)
+run(${CMAKE_COMMAND} --build ${WORK}/build --target units)
+expect_output(units.txt ${WORK}/build/units ${SOURCE}/samples/hevc_hdr10.h265)
+
+# qvnalu is not installed with the user's programs.
+run(${CMAKE_COMMAND} --build ${WORK}/build)
 run(${CMAKE_COMMAND} --install ${WORK}/build)
 if(EXISTS ${WORK}/prefix/include OR EXISTS ${WORK}/prefix/lib)
   message(FATAL_ERROR "the user's installation holds qvnalu")

@@ -1,4 +1,4 @@
-# Builds and runs the examples, qvnalu with them, without one feature of the language: FLAG turns it off.
+# Builds and runs the examples, with qvnalu in their build, without one feature of the language, which FLAG turns off.
 include(${CMAKE_CURRENT_LIST_DIR}/common.cmake)
 
 configure(${SOURCE}/examples ${WORK}/build -DCMAKE_BUILD_TYPE=Debug -DQVNALU_FROM=subdirectory -DCMAKE_CXX_FLAGS=${FLAG})
@@ -9,7 +9,7 @@ if(NOT commands MATCHES " ${FLAG} [^\n]*QVNaluParserScan\\.cpp")
 endif()
 run_examples(${WORK}/build)
 
-# Memory that runs out ends a program without exceptions.
+# Without exceptions, an allocation that fails ends the program.
 if(FLAG STREQUAL "-fno-exceptions")
   file(GLOB_RECURSE libraries ${WORK}/build/qvnalu/libqvnalu.a)
   file(GLOB_RECURSE core ${WORK}/build/qvnalu/libqvcore_standalone.a)
