@@ -153,7 +153,7 @@ constexpr int kValues = 1000;
 
 // kValues reads of a stream, compared with the model of the reader.
 template <class Reader>
-Operation reads(const std::string& name, const Bytes& bytes, double nanoseconds, const Reader& read) {
+Operation reads(const std::string& name, const Bytes& bytes, const Reader& read) {
     const auto stream = streamOver(bytes);
     const auto readAll = [=] {
         QVByteStream& reader = *stream;
@@ -170,18 +170,15 @@ Operation reads(const std::string& name, const Bytes& bytes, double nanoseconds,
         expected += read(model);
     }
     require(readAll() == expected, name.c_str());
-    return {name,
-            [readAll] { benchmark::DoNotOptimize(readAll()); },
-            {},
-            {{"value", kValues, atMost(nanoseconds)}}};
+    return {name, [readAll] { benchmark::DoNotOptimize(readAll()); }, {}, {{"value", kValues}}};
 }
 
 Rows golomb() {
     Rows rows;
     for (const int leadingZeroBits : {0, 3, 10, 20, 28, 31}) {
-        rows.operations.push_back(reads(
-            "readGolombUe, " + std::to_string(leadingZeroBits) + " leading zero bits",
-            golombCodes(kValues, leadingZeroBits), 2.5, [](auto& reader) { return reader.readGolombUe(); }));
+        rows.operations.push_back(
+            reads("readGolombUe, " + std::to_string(leadingZeroBits) + " leading zero bits",
+                  golombCodes(kValues, leadingZeroBits), [](auto& reader) { return reader.readGolombUe(); }));
     }
     return rows;
 }
@@ -190,7 +187,7 @@ Rows plainReads() {
     Rows rows;
     const Bytes bytes(kValues * 4 + 8, 0x5A);
     for (const uint32_t width : {1U, 5U, 8U, 16U, 32U}) {
-        rows.operations.push_back(reads("u(" + std::to_string(width) + ")", bytes, 1.2,
+        rows.operations.push_back(reads("u(" + std::to_string(width) + ")", bytes,
                                         [width](auto& reader) { return reader.readBits(width); }));
     }
     return rows;

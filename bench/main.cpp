@@ -17,17 +17,20 @@ namespace {
 using namespace qv_bench;
 
 constexpr const char* kUsage =
-    "usage: qvnalu_bench --streams=FOLDER [--only=GROUP] [--docs=FILE] [--curves=FOLDER] [GOOGLE BENCHMARK "
+    "usage: qvnalu_bench --streams=FOLDER [--only=GROUP] [--docs=FILE] [--commit=TEXT] [--curves=FOLDER] "
+    "[GOOGLE BENCHMARK "
     "OPTION...]\n"
     "  --streams=FOLDER  read x264.h264 and x265.h265 from FOLDER; scripts/dev/bench makes them\n"
     "  --only=GROUP      run only scan, lengths, key, reframe, sps, sei, reader, allocations or streams\n"
     "  --docs=FILE       write the table into FILE, between its markers\n"
+    "  --commit=TEXT     name the commit in the head of the table\n"
     "  --curves=FOLDER   also measure cost against size and density, and write it to FOLDER for gnuplot\n";
 
 struct Options {
     std::string streams;
     std::string only;
     std::string docs;
+    std::string commit;
     std::string curves;
     std::vector<char*> others;  // for Google Benchmark
 };
@@ -47,7 +50,8 @@ Options readOptions(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         const bool isOurs =
             take(argv[i], "--streams=", options.streams) || take(argv[i], "--only=", options.only) ||
-            take(argv[i], "--docs=", options.docs) || take(argv[i], "--curves=", options.curves);
+            take(argv[i], "--docs=", options.docs) || take(argv[i], "--commit=", options.commit) ||
+            take(argv[i], "--curves=", options.curves);
         if (!isOurs) {
             options.others.push_back(argv[i]);
         }
@@ -108,11 +112,11 @@ std::string additionLine() {
     return text;
 }
 
-std::string heading(Vectors vectors) {
+std::string heading(const Options& options, Vectors vectors) {
     const auto orNone = [](const std::string& name) { return name.empty() ? "none" : name; };
-    return std::string("vectors     ") + nameOf(vectors) + "\nprocessor   " + processorName() + "\n" +
-           additionLine() + "\ncompiler    " QV_BENCH_COMPILER "\npeers       " + orNone(gstreamerName()) +
-           ", " + orNone(libavcodecName()) + "\n\n" + tableHeading();
+    return "commit      " + orNone(options.commit) + "\nvectors     " + nameOf(vectors) + "\nprocessor   " +
+           processorName() + "\n" + additionLine() + "\ncompiler    " QV_BENCH_COMPILER "\npeers       " +
+           orNone(gstreamerName()) + ", " + orNone(libavcodecName()) + "\n\n" + tableHeading();
 }
 
 std::vector<Group> groups(const Options& options) {
@@ -133,7 +137,7 @@ void show(const std::string& text, std::string& report) {
 
 std::string reportTable(const Options& options, Vectors vectors) {
     std::string report;
-    show(heading(vectors), report);
+    show(heading(options, vectors), report);
     std::vector<TableRow> table;
     for (const Group& group : groups(options)) {
         if (!options.only.empty() && group.name != options.only) {

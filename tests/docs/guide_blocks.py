@@ -1,4 +1,4 @@
-"""The fenced blocks of docs/guide.md; as a program: guide_blocks.py GUIDE OUTPUT writes the C++ of them."""
+"""The fenced blocks of docs/guide.md. guide_blocks.py GUIDE OUTPUT writes the C++ blocks to OUTPUT."""
 
 import pathlib
 import re

@@ -1,4 +1,4 @@
-"""docs/log-catalogue.md against the log calls of the library: log_catalogue_test.py REPOSITORY."""
+"""Compares docs/log-catalogue.md with the log calls of the library: log_catalogue_test.py REPOSITORY."""
 
 import collections
 import pathlib
@@ -10,7 +10,7 @@ REPOSITORY = pathlib.Path(sys.argv[1])
 LIBRARY = REPOSITORY / "modules/demuxer/low_level/common"
 MACROS = LIBRARY / "detail/Log.h"  # the one file that may call qvTraceLog
 CATALOGUE = REPOSITORY / "docs/log-catalogue.md"
-FEWEST_CALLS = 40  # fewer found means that the way of logging has changed
+FEWEST_CALLS = 40  # finding fewer means that the calls look different now
 
 CALL = re.compile(r"\bQV_LOG(?:_UNCHECKED)?\(")
 TEXT = re.compile(r'"(?:[^"\\]|\\.)*"')
@@ -18,7 +18,7 @@ Line = collections.namedtuple("Line", "level function text")
 
 
 def without_comments(code):
-    """Blanks comments and keeps texts and positions."""
+    """Replaces comments by blanks; texts and positions stay."""
 
     def blank(match):
         found = match.group()
@@ -28,7 +28,7 @@ def without_comments(code):
 
 
 def arguments(code, start):
-    """The arguments of the call whose parenthesis opens ahead of start, and where the call ends."""
+    """The arguments of the call whose parenthesis opens before start, and where the call ends."""
     found, depth, at, begin = [], 0, start, start
     while True:
         text = TEXT.match(code, at)
@@ -46,7 +46,7 @@ def arguments(code, start):
 
 
 def literal(argument):
-    """The text that adjacent literals make, escapes as written; None for anything else."""
+    """The text of adjacent literals, with escapes as written; None for anything else."""
     parts = TEXT.findall(argument)
     if not parts or TEXT.sub("", argument).strip():
         return None
@@ -58,13 +58,13 @@ def enclosing_function(code, at):
 
 
 def function_name(code, argument, at):
-    """The name that a function argument at this place of the code stands for."""
+    """The function name that an argument at this place of the code denotes."""
     name = literal(argument)
     if name is not None:
         return name
     if argument == "kFunction":
         return re.findall(r'kFunction = "(\w+)";', code[:at])[-1]
-    # Handed down: as the one caller of this function says.
+    # A parameter: the only caller of this function passes the name.
     callers = [
         (call.start(), arguments(code, call.end())[0][-1])
         for call in re.finditer(r"\b%s\(" % enclosing_function(code, at), code)
@@ -88,7 +88,7 @@ def sources():
 
 
 def logged(code):
-    """The lines that one source logs."""
+    """The lines that a source logs."""
     numbers = levels()
     lines = []
     for call in CALL.finditer(code):
@@ -105,14 +105,14 @@ def catalogued():
 def differences(lines, rows):
     lines, rows = collections.Counter(lines), collections.Counter(rows)
     return [("not in the catalogue", line) for line in (lines - rows).elements()] + [
-        ("logged nowhere", row) for row in (rows - lines).elements()
+        ("not logged", row) for row in (rows - lines).elements()
     ]
 
 
 class LogCatalogueTest(unittest.TestCase):
     maxDiff = None
 
-    def test_holds_every_call_and_no_other(self):
+    def test_has_every_call_and_no_other(self):
         lines = [line for code in sources().values() for line in logged(code)]
         self.assertGreaterEqual(len(lines), FEWEST_CALLS)
         self.assertNotIn(None, [line.text for line in lines])
@@ -122,7 +122,7 @@ class LogCatalogueTest(unittest.TestCase):
         rows = [row for row in CATALOGUE.read_text().splitlines() if row.startswith("|")]
         self.assertEqual(len(rows), len(catalogued()) + 2)
 
-    def test_nothing_is_logged_but_by_the_macros(self):
+    def test_only_the_macros_log(self):
         for path, code in sources().items():
             self.assertNotRegex(code, r"qvTraceLog|kUncheckedTraceLog|#\s*define\s+\w*LOG", path)
 
@@ -148,9 +148,9 @@ class LogCatalogueTest(unittest.TestCase):
         self.assertEqual(dumps, ["parserDataToNaluType fail"])
         self.assertIn('dumps the buffer under the label "%s"' % dumps[0], CATALOGUE.read_text())
 
-    def test_sees_every_change_of_a_call(self):
+    def test_notices_every_change_of_a_call(self):
         everything = {path: logged(code) for path, code in sources().items()}
-        total = [line for lines in everything.values() for line in lines]  # what the rows are, by the first test
+        total = [line for lines in everything.values() for line in lines]  # equal to the rows, by the first test
         for path, code in sources().items():
             others = list((collections.Counter(total) - collections.Counter(everything[path])).elements())
             for call in CALL.finditer(code):
