@@ -95,7 +95,7 @@ need() {
     fi
     echo "Missing packages: ${missing[*]}" >&2
     phase 'Updating the list of packages' "${as_root[@]}" apt-get -q update
-    phase "Installing ${#missing[@]} packages" "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+    phase "Installing packages (${#missing[@]})" "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
         apt-get -q -o DPkg::Lock::Timeout=300 install -y --no-install-recommends "${missing[@]}"
 }
 
