@@ -11,7 +11,7 @@ if(NOT QVNALU_STATIC_BUILD)
 endif()
 get_filename_component(static_build ${QVNALU_STATIC_BUILD} ABSOLUTE BASE_DIR ${CMAKE_SOURCE_DIR})
 if(NOT EXISTS ${static_build}/cmake_install.cmake)
-  message(FATAL_ERROR "QVNALU_STATIC_BUILD is ${QVNALU_STATIC_BUILD}, which is no build folder with installation")
+  message(FATAL_ERROR "QVNALU_STATIC_BUILD is ${QVNALU_STATIC_BUILD}, which is not a build folder that can be installed")
 endif()
 if(NOT QVNALU_INSTALL OR NOT QVNALU_BUILD_TOOLS)
   message(FATAL_ERROR "QVNALU_PACKAGES packages what is installed, qvinspect included: "
