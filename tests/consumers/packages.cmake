@@ -19,5 +19,5 @@ expect_refusal("configure with -DBUILD_SHARED_LIBS=ON")
 expect_refusal("name the folder with -DQVNALU_STATIC_BUILD=FOLDER" -DBUILD_SHARED_LIBS=ON)
 expect_refusal("QVNALU_STATIC_BUILD is ${WORK}, which is not a build folder"
   -DBUILD_SHARED_LIBS=ON -DQVNALU_STATIC_BUILD=${WORK})
-file(TOUCH ${WORK}/static/cmake_install.cmake)
+file(WRITE ${WORK}/static/cmake_install.cmake "")
 expect_refusal("qvinspect included" -DBUILD_SHARED_LIBS=ON -DQVNALU_STATIC_BUILD=${WORK}/static)
