@@ -18,8 +18,7 @@ using namespace qv_bench;
 
 constexpr const char* kUsage =
     "usage: qvnalu_bench --streams=FOLDER [--only=GROUP] [--docs=FILE] [--commit=TEXT] [--curves=FOLDER] "
-    "[GOOGLE BENCHMARK "
-    "OPTION...]\n"
+    "[GOOGLE BENCHMARK OPTION...]\n"
     "  --streams=FOLDER  read x264.h264 and x265.h265 from FOLDER; scripts/dev/bench makes them\n"
     "  --only=GROUP      run only scan, lengths, key, reframe, sps, sei, reader, allocations or streams\n"
     "  --docs=FILE       write the table into FILE, between its markers\n"
