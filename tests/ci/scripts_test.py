@@ -51,6 +51,11 @@ class ScriptsTest(unittest.TestCase):
     def build(self, **options):
         return self.shell("build_preset dev", **options)
 
+    def assert_is_made_anew(self, reason, **options):
+        code, _, progress = self.build(**options)
+        self.assertIn("Configuring build/dev anew: " + reason, progress)
+        self.assertEqual(code, 0)
+
     def test_builds_once_and_says_how_much(self):
         code, out, progress = self.build()
         self.assertEqual((code, out), (0, ""))
@@ -68,23 +73,19 @@ class ScriptsTest(unittest.TestCase):
         self.build()
         copy = self.root.parent / "copy"
         shutil.copytree(self.root, copy)
-        code, _, progress = self.build(root=copy)
-        self.assertEqual(code, 0)
-        self.assertIn("Configuring build/dev anew: it was made for %s" % self.root, progress)
+        self.assert_is_made_anew("it was made for %s" % self.root, root=copy)
         self.assertTrue((copy / "build/dev/program").exists())
 
     def test_a_folder_of_another_compiler_is_configured_anew(self):
         self.build()
-        code, _, progress = self.build(CXX="clang++")
-        self.assertEqual(code, 0)
-        self.assertIn("Configuring build/dev anew: it was made with another compiler", progress)
+        self.assert_is_made_anew("it was made with another compiler", CXX="clang++")
         self.assertIn("clang++", (self.root / "build/dev/CMakeCache.txt").read_text())
 
     def test_a_folder_whose_compiler_changed_is_configured_anew(self):
         self.build()
         stamp = self.root / "build/dev/compiler.txt"
         stamp.write_text(re.sub(r"\d+\.\d+", "1.0", stamp.read_text()))
-        self.assertIn("with another compiler", self.build()[2])
+        self.assert_is_made_anew("it was made with another compiler")
 
     def change_cache(self, old, new):
         cache = self.root / "build/dev/CMakeCache.txt"
@@ -95,9 +96,7 @@ class ScriptsTest(unittest.TestCase):
         self.build()
         self.change_cache("CMAKE_GENERATOR:INTERNAL=Ninja", "CMAKE_GENERATOR:INTERNAL=Unix Makefiles")
         (self.root / "CMakeLists.txt").touch()
-        code, _, progress = self.build()
-        self.assertIn("Configuring build/dev anew: CMake fails in the folder as it is", progress)
-        self.assertEqual(code, 0)
+        self.assert_is_made_anew("CMake fails in the folder as it is")
 
     def test_a_folder_that_cmake_refuses_is_configured_anew(self):
         check = 'set(STATE good CACHE STRING "")\nif(STATE STREQUAL bad)\n  message(FATAL_ERROR bad)\nendif()\n'
@@ -105,9 +104,7 @@ class ScriptsTest(unittest.TestCase):
         self.build()
         self.change_cache("STATE:STRING=good", "STATE:STRING=bad")
         (self.root / "CMakeLists.txt").touch()
-        code, _, progress = self.build()
-        self.assertIn("Configuring build/dev anew: CMake fails in the folder as it is", progress)
-        self.assertEqual(code, 0)
+        self.assert_is_made_anew("CMake fails in the folder as it is")
 
     def test_a_folder_that_needs_a_library_that_is_gone_is_configured_anew(self):
         library = self.root.parent / "first.so"
@@ -117,9 +114,7 @@ class ScriptsTest(unittest.TestCase):
         (self.root / "CMakeLists.txt").write_text(PROJECT + find + use)
         self.assertEqual(self.build()[0], 0)
         library.rename(library.with_name("second.so"))
-        code, _, progress = self.build()
-        self.assertIn("Configuring build/dev anew: '%s', needed by" % library, progress)
-        self.assertEqual(code, 0)
+        self.assert_is_made_anew("'%s', needed by" % library)
 
     def test_a_broken_project_keeps_its_folder(self):
         self.build()
