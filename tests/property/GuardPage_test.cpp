@@ -92,7 +92,7 @@ void expectSameCursor(const QVByteStream& stream, const CursorModel& model) {
 
 void readOnce(Random& random, QVByteStream& stream, CursorModel& model) {
     const auto n = static_cast<uint32_t>(below(random, 34));
-    switch (below(random, 7)) {
+    switch (below(random, 9)) {
         case 0:
             ASSERT_EQ(stream.readRbspBits(n), model.readRbspBits(n));
             break;
@@ -108,6 +108,13 @@ void readOnce(Random& random, QVByteStream& stream, CursorModel& model) {
             break;
         case 5:
             ASSERT_EQ(stream.readGolombSe(), model.readGolombSe());
+            break;
+        case 6:
+            ASSERT_EQ(stream.readByte(), model.readByte());
+            break;
+        case 7:
+            stream.seekBytes(int64_t{n} - 17);
+            model.seekBytes(int64_t{n} - 17);
             break;
         default:
             stream.skipBits(n);

@@ -28,7 +28,7 @@ uint32_t CursorModel::readRbspBits(uint64_t n) {
     return value;
 }
 
-// 03 behind two zero bytes of which neither is the first byte of the buffer.
+// 03 after two zero bytes, neither of which is the first byte of the buffer.
 bool CursorModel::isEmulationPreventionByte(uint64_t position) const {
     if (position < 3 || position >= bytes_.size()) {
         return false;
@@ -60,7 +60,7 @@ uint32_t CursorModel::readBits(uint32_t n) {
     return value;
 }
 
-// The 1 bit and the bits behind it, zeros where the data ended; isValid is false for the value 0.
+// The 1 bit and the bits after it, zeros where the data ended; isValid is false for the value 0.
 std::vector<bool> CursorModel::takeGolombCode(bool& isValid) {
     isValid = false;
     if (!hasData()) {
@@ -126,6 +126,19 @@ void CursorModel::skipBytes(uint64_t n) {
     if (!bytes_.empty() && bytePos_ + n <= bytes_.size()) {
         bytePos_ += n;
         plainBitsUsed_ = 0;
+    }
+}
+
+uint32_t CursorModel::readByte() {
+    return hasData() ? bytes_[static_cast<size_t>(bytePos_++)] : 0U;
+}
+
+// For distances whose bits an int64_t holds.
+void CursorModel::seekBytes(int64_t n) {
+    const int64_t bits = int64_t{plainBitsUsed_} + 8 * n;
+    const int64_t target = static_cast<int64_t>(bytePos_) + bits / 8;
+    if (target >= 0 && target <= static_cast<int64_t>(bytes_.size())) {
+        bytePos_ = static_cast<uint64_t>(target);
     }
 }
 

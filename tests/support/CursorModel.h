@@ -20,6 +20,8 @@ public:
     int32_t readGolombSe();
     void skipBits(uint64_t n);
     void skipBytes(uint64_t n);
+    uint32_t readByte();
+    void seekBytes(int64_t n);
 
     uint64_t bytePos() const { return bytePos_; }
     unsigned plainBitsUsed() const { return plainBitsUsed_; }

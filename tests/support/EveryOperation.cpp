@@ -110,7 +110,7 @@ int scanLengths(unsigned char* data, size_t size, const Parameters& parameters, 
     return Parser::parserDataToNalus(data, sizeOf(size), caller.nalus, parameters.lengthSize);
 }
 
-// Units everywhere in the bytes, and one that stands behind them and must not be looked at.
+// Units everywhere in the bytes, and one after them, which must not be read.
 int typeUnits(unsigned char* data, size_t size, const Parameters& parameters, Caller& caller) {
     static thread_local NalIndexList nalus;
     nalus.clear();
@@ -213,7 +213,56 @@ int hdrVivid(unsigned char* data, size_t size, const Parameters&, Caller&) {
     return Parser::fillHDRVividDynamicMetadataFromHevcUserDataRegisteredSei(itemOf(data, size, 4), nullptr);
 }
 
-// The reader's own copy, read through.
+// One operation of the reader, with the count of the parameters.
+template <class Call>
+int readWith(unsigned char* data, size_t size, const Parameters& parameters, Caller& caller, Call call) {
+    uint32_t value = 0;
+    withReader(data, size, parameters, caller, [&](QVByteStream& stream) {
+        value = call(stream, parameters.count);
+        return 0;
+    });
+    caller.record.resize(sizeof value);
+    std::memcpy(caller.record.data(), &value, sizeof value);
+    return 0;
+}
+
+template <uint32_t (QVByteStream::*kRead)()>
+int readOne(unsigned char* data, size_t size, const Parameters& parameters, Caller& caller) {
+    return readWith(data, size, parameters, caller,
+                    [](QVByteStream& stream, int64_t) { return (stream.*kRead)(); });
+}
+
+template <class Count, uint32_t (QVByteStream::*kRead)(Count)>
+int readCount(unsigned char* data, size_t size, const Parameters& parameters, Caller& caller) {
+    return readWith(data, size, parameters, caller, [](QVByteStream& stream, int64_t count) {
+        return (stream.*kRead)(static_cast<Count>(count));
+    });
+}
+
+template <class Count, void (QVByteStream::*kMove)(Count)>
+int moveCount(unsigned char* data, size_t size, const Parameters& parameters, Caller& caller) {
+    return readWith(data, size, parameters, caller, [](QVByteStream& stream, int64_t count) {
+        (stream.*kMove)(static_cast<Count>(count));
+        return 0U;
+    });
+}
+
+int readGolombSe(unsigned char* data, size_t size, const Parameters& parameters, Caller& caller) {
+    return readWith(data, size, parameters, caller, [](QVByteStream& stream, int64_t) {
+        return static_cast<uint32_t>(stream.readGolombSe());
+    });
+}
+
+// Raw capture of as many bytes as the caller has, from the caller's cursor.
+int readRbspBytes(unsigned char* data, size_t size, const Parameters& parameters, Caller& caller) {
+    caller.record.resize(size);
+    return withReader(data, size, parameters, caller, [&](QVByteStream& stream) {
+        stream.readRbspBytes(caller.record.data(), size);
+        return 0;
+    });
+}
+
+// The reader's own copy, read to the end.
 int copyOfBytes(unsigned char* data, size_t size, const Parameters&, Caller& caller) {
     QVByteStream stream(data, size);
     caller.record.resize(size);
@@ -279,6 +328,16 @@ const std::vector<Operation>& everyOperation() {
         {"parseAvcSps", parameterSet<QVAvcSps, parseAvc>},
         {"parseHevcSps", parameterSet<QVHevcSps, parseHevc>},
         {"QVByteStream", copyOfBytes},
+        {"QVByteStream::readRbspBits", readCount<unsigned long, &QVByteStream::readRbspBits>},
+        {"QVByteStream::readRbspBytes", readRbspBytes},
+        {"QVByteStream::readBit", readOne<&QVByteStream::readBit>},
+        {"QVByteStream::readBits", readCount<uint32_t, &QVByteStream::readBits>},
+        {"QVByteStream::readGolombUe", readOne<&QVByteStream::readGolombUe>},
+        {"QVByteStream::readGolombSe", readGolombSe},
+        {"QVByteStream::skipBits", moveCount<uint64_t, &QVByteStream::skipBits>},
+        {"QVByteStream::skipBytes", moveCount<uint64_t, &QVByteStream::skipBytes>},
+        {"QVByteStream::readByte", readOne<&QVByteStream::readByte>},
+        {"QVByteStream::seekBytes", moveCount<int64_t, &QVByteStream::seekBytes>},
     };
     return operations;
 }
@@ -293,10 +352,14 @@ Parameters randomParameters(std::mt19937& random, size_t size) {
     parameters.naluType = below(4) == 0 ? 40 : 39;
     parameters.payloadType = anyType();
     parameters.payloadSize = static_cast<int>(below(2) == 0 ? below(size + 8) : below(64));
+    parameters.count = static_cast<int64_t>(below(80)) - 40;
+    if (below(16) == 0) {
+        parameters.count = below(2) == 0 ? INT64_MAX : INT64_MIN;
+    }
     parameters.requested.resize(below(3));
     std::generate(parameters.requested.begin(), parameters.requested.end(), anyType);
     if (below(2) == 0) {
-        parameters.cursor = {below(size + 1), static_cast<unsigned>(below(8)),
+        parameters.cursor = {below(size + 3), static_cast<unsigned>(below(8)),
                              static_cast<unsigned>(below(8))};
     }
     QVAvcSps& sps = parameters.avcSps;

@@ -1,4 +1,4 @@
-// Every public operation of the library as a call on bytes that the caller chooses the place of.
+// Every public operation of the library as a call on bytes at a place that the caller chooses.
 #ifndef QV_TESTS_EVERYOPERATION_H
 #define QV_TESTS_EVERYOPERATION_H
 
@@ -15,7 +15,7 @@
 
 namespace qv_test {
 
-// A reader on the caller's own bytes, where they stand.
+// A reader on the caller's bytes, in place.
 class PlacedReader : public QVByteStream {
 public:
     PlacedReader(unsigned char* bytes, size_t count) {
@@ -25,23 +25,24 @@ public:
     }
 };
 
-// What an operation is told besides the bytes. Each takes what it needs.
+// The parameters of an operation besides the bytes. Each takes what it needs.
 struct Parameters {
     QVCodecID codec = QVCodecIDAvc;
     int lengthSize = 4;
     int naluType = 39;
     int payloadType = 5;
     int payloadSize = 20;
+    int64_t count = 1;  // of bits or bytes that a reader reads, skips or seeks
     Requested requested;
     Cursor cursor{0, 0, 7};
     QVAvcSps avcSps{};
     QVHevcSps hevcSps{};
 };
 
-// Anything a caller may say of size bytes.
+// Any parameters that a caller may pass with size bytes.
 Parameters randomParameters(std::mt19937& random, size_t size);
 
-// What an operation leaves with its caller. Releases what is the caller's to release.
+// What an operation leaves with its caller. Releases what the caller owns.
 class Caller {
 public:
     Caller();
@@ -57,8 +58,8 @@ public:
     std::vector<QVSeiItem> items;
     unsigned char* buffer = nullptr;
     int bufferSize = -7;
-    Bytes record;            // the record that a parser filled, as it lies in memory
-    Cursor cursor{0, 0, 7};  // where the reader stands afterwards
+    Bytes record;            // the record that a parser filled or the values that were read, as bytes
+    Cursor cursor{0, 0, 7};  // of the reader afterwards
 };
 
 // All of it as a value.

@@ -378,8 +378,13 @@ TEST(QVByteStreamSeek, movesWholeBytesAndKeepsTheBitOffset) {
         {"back to the start", -3, {3, 0, 5}, {0, 0, 5}},
         {"before the start nothing moves", -4, {3, 0, 5}, {3, 0, 5}},
         {"before the start, truncated to it", -4, {3, 2, 5}, {0, 2, 5}},
-        {"none from behind the end", 0, {5, 0, 5}, {5, 0, 5}},
-        {"back from behind the end", -1, {5, 0, 5}, {4, 0, 5}},
+        {"none from past the end", 0, {5, 0, 5}, {5, 0, 5}},
+        {"back from past the end", -1, {5, 0, 5}, {4, 0, 5}},
+        {"back to a target that is still past the end", -1, {6, 0, 5}, {6, 0, 5}},
+        {"back far enough to reach the end", -2, {6, 0, 5}, {4, 0, 5}},
+        {"back to past the end, truncated", -2, {6, 1, 5}, {6, 1, 5}},
+        {"forward from past the end", 1, {5, 0, 5}, {5, 0, 5}},
+        {"forward over the end of the numbers", 3, {UINT64_MAX, 0, 5}, {UINT64_MAX, 0, 5}},
         {"the least distance", INT64_MIN, {3, 0, 5}, {3, 0, 5}},
         {"the greatest distance", INT64_MAX, {3, 7, 5}, {3, 7, 5}},
     };
@@ -392,6 +397,16 @@ TEST(QVByteStreamSeek, movesWholeBytesAndKeepsTheBitOffset) {
         stream.seekBytes(c.n);
         EXPECT_EQ(cursorOf(stream), c.expected);
     }
+}
+
+TEST(QVByteStreamSeek, beforeTheStartOfAnyNumberOfBytes) {
+    QVByteStream stream;
+    stream.size = UINT64_MAX;  // null data: zero bytes without end
+    stream.bytePos = 1;
+    stream.seekBytes(-2);
+    EXPECT_EQ(stream.bytePos, 1U);
+    stream.seekBytes(-1);
+    EXPECT_EQ(stream.bytePos, 0U);
 }
 
 TEST(QVByteStreamPlain, wholeBytesDoNotLookAtTheBitOffset) {
@@ -600,7 +615,7 @@ TEST_P(QVByteStreamModel, randomOperations) {
         CursorModel model(bytes);
         for (int step = 0; step < 40; ++step) {
             const auto n = static_cast<uint32_t>(random() % 5 == 0 ? random() % 200 : random() % 34);
-            const auto operation = static_cast<unsigned>(random() % 9);
+            const auto operation = static_cast<unsigned>(random() % 11);
             SCOPED_TRACE("round " + std::to_string(round) + " step " + std::to_string(step) + " operation " +
                          std::to_string(operation) + " n " + std::to_string(n));
             switch (operation) {
@@ -633,6 +648,13 @@ TEST_P(QVByteStreamModel, randomOperations) {
                 case 7:
                     stream.skipBits(n);
                     model.skipBits(n);
+                    break;
+                case 8:
+                    ASSERT_EQ(stream.readByte(), model.readByte());
+                    break;
+                case 9:
+                    stream.seekBytes(int64_t{n} - 20);
+                    model.seekBytes(int64_t{n} - 20);
                     break;
                 default:
                     stream.skipBytes(n % 8);

@@ -103,6 +103,19 @@ TEST_F(HevcPictureTiming, D21_payloadSizeZeroStepsBack) {
     }
 }
 
+// Each Exp-Golomb code at the end of the data moves the bit offset, so sixteen of them move the byte position
+// two bytes past the end. One byte back from there is still past the end.
+TEST_F(HevcPictureTiming, payloadSizeZeroPastTheEndDoesNotMove) {
+    setPresent(1);
+    PayloadStream stream(Bytes{0xFF});
+    stream.readBits(8);
+    for (int i = 0; i < 16; ++i) {
+        EXPECT_EQ(stream.readGolombUe(), 0U);
+    }
+    ASSERT_EQ(cursorOf(stream), atBit(24));
+    expectParity(stream, 0, 0, atBit(24));
+}
+
 TEST_F(HevcPictureTiming, shortDataLeavesTheStreamBehindTheFirstByte) {
     setPresent(1);
     for (int size = 1; size <= 5; ++size) {

@@ -279,11 +279,11 @@ QVByteStream::PlainRead QVByteStream::readAnyGolombSe(const uint8_t* data, uint6
 }
 
 void QVByteStream::seekBytes(int64_t n) {
-    // Whole bytes and the truncation of what the bit offset adds to a negative distance.
+    // (bitOffset + 8 * n) / 8, truncated towards zero.
     const int64_t distance = n < 0 && bitOffset > 0 ? n + 1 : n;
-    if (distance < 0 ? 0U - static_cast<uint64_t>(distance) > bytePos
-                     : bytePos > size || static_cast<uint64_t>(distance) > size - bytePos) {
-        return;
+    const uint64_t target = bytePos + static_cast<uint64_t>(distance);
+    const bool isWrapped = (target > bytePos) != (distance > 0);
+    if (!isWrapped && target <= size) {
+        bytePos = target;
     }
-    bytePos += static_cast<uint64_t>(distance);
 }

@@ -98,8 +98,9 @@ public:
     /// \return the byte; at the end of the data 0, and nothing moves
     uint32_t readByte();
 
-    /// Moves whole bytes and keeps the bit offset: the byte position changes by (bitOffset + 8 * n) / 8,
-    /// truncated towards zero. A target before the start or past the end moves nothing.
+    /// Moves whole bytes and keeps the bit offset: adds (bitOffset + 8 * n) / 8, truncated towards zero, to
+    /// the byte position. Has no effect if the target is before the start or past the end, in either
+    /// direction.
     ///
     /// \param n  bytes, forward, or backward when negative
     QV_NALU_API void seekBytes(int64_t n);
