@@ -1,8 +1,9 @@
-// The cursors of a reader in registers, with the bits that come next: for parsers that read many syntax
-// elements in a row. They read exactly as the reader does: what is not whole in the window, the reader reads.
+// The bit cursors of a reader. A window holds the bits that come next in registers. Parsers of long syntax
+// tables keep a window for many elements; a single read of QVByteStream uses one for itself. What is not
+// whole in a window, the reads in BitWindow.cpp take bit by bit.
 //
-// A window has the reader's cursor from its construction or take() until its end or giveBack(); in between
-// the reader's own cursor is out of date, and nobody else may move it.
+// From its construction or take() until its destruction or giveBack() a window has the reader's cursor. The
+// reader's own cursor is out of date in between, and nothing else may move it.
 #ifndef QV_DEMUXER_DETAIL_BITWINDOW_H
 #define QV_DEMUXER_DETAIL_BITWINDOW_H
 
@@ -12,16 +13,84 @@
 
 namespace qv_detail {
 
-// Bits of the data, the next one on top and zero bits behind the last. Small enough to be returned in
+// True when the byte at a position is an emulation_prevention_three_byte: 03 after two zero bytes. D03: not
+// when the zero bytes are the first two of the buffer. The byte after the 03 is not examined.
+inline bool isEmulationPrevention(const uint8_t* data, uint64_t position) {
+    return data[position] == 0x03 && position >= 3 && data[position - 1] == 0x00 &&
+           data[position - 2] == 0x00;
+}
+
+// Eight bytes as a number, the first one most significant. Compilers make one load of it.
+inline uint64_t readBigEndian64(const uint8_t* bytes) {
+    return uint64_t{bytes[0]} << 56 | uint64_t{bytes[1]} << 48 | uint64_t{bytes[2]} << 40 |
+           uint64_t{bytes[3]} << 32 | uint64_t{bytes[4]} << 24 | uint64_t{bytes[5]} << 16 |
+           uint64_t{bytes[6]} << 8 | uint64_t{bytes[7]};
+}
+
+// The number of zero bits before the first 1 bit. bits is not 0.
+inline uint32_t leadingZeroBits(uint64_t bits) {
+#if defined(__GNUC__) && !defined(QV_WITHOUT_VECTORS)
+    return static_cast<uint32_t>(__builtin_clzll(bits));
+#else
+    uint32_t count = 0;
+    for (; bits >> 63 == 0; bits <<= 1) {
+        ++count;
+    }
+    return count;
+#endif
+}
+
+// ue(v) of H.264 9.1 and H.265 9.2 from the bits of a code of at most 31 leading zero bits.
+inline uint32_t ueOf(uint64_t code) {
+    return static_cast<uint32_t>(code) - 1;
+}
+
+// se(v) of H.264 9.1.1 and H.265 9.2.2: the last bit of the code is the sign.
+inline int32_t seOf(uint64_t code) {
+    const auto magnitude = static_cast<uint32_t>(code >> 1);
+    return static_cast<int32_t>((code & 1) != 0 ? 0U - magnitude : magnitude);
+}
+
+// Moves the plain cursor by n bits that are there.
+inline void movePlain(QVByteStream& stream, uint32_t n) {
+    const uint32_t bits = (stream.bitOffset & 7U) + n;
+    stream.bytePos += bits / 8;
+    stream.bitOffset = static_cast<uint8_t>(bits % 8);
+}
+
+// Inlined always, and no function outside is passed the address of a window: otherwise it would not stay in
 // registers.
+#define QV_WINDOW_INLINE [[gnu::always_inline]] inline
+
+// Bits of the data: the next bit is the most significant one, zero bits follow the last. Small enough to be
+// returned in registers.
 struct WindowBits {
     uint64_t bits;
-    uint32_t count;  // of bits that are left; none where there is no window
-    uint32_t taken;  // of bits that there were when the reader's cursor stood where it stands
+    uint32_t count;  // bits left; 0 where there is no window
+    uint32_t taken;  // bits left when the reader's cursor was last brought up to date
+
+    // Bits that the reader's cursor has to move to be up to date.
+    QV_WINDOW_INLINE uint32_t moved() const { return taken - count; }
+
+    // Length of the Exp-Golomb code that comes next; more than a window holds when its 1 bit is not here.
+    QV_WINDOW_INLINE uint32_t codeLength() const {
+        constexpr uint32_t kTooLong = 65;
+        return bits != 0 ? 2 * leadingZeroBits(bits) + 1 : kTooLong;
+    }
+
+    // Takes the next n bits, 1 to 63 of them, which the window holds.
+    QV_WINDOW_INLINE uint64_t shift(uint32_t n) {
+        // The analyser does not know that there are 64 bits at most.
+        // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult)
+        const uint64_t value = bits >> (64 - n);
+        bits <<= n;
+        count -= n;
+        return value;
+    }
 };
 
-// The two cursors: what a window holds at each, how the reader's cursor moves behind the bits that were read
-// from the window, and the reads of the reader.
+// The two cursors. take() makes a window at the reader's cursor, move() moves that past the bits that were
+// read from a window, refill() does both. The reads work on the reader itself, at any position.
 struct PlainSide {
     static WindowBits take(const QVByteStream& stream);
     static void move(QVByteStream& stream, uint32_t moved);
@@ -40,9 +109,6 @@ struct RbspSide {
     static uint32_t ue(QVByteStream& stream);
 };
 
-// Always inline, and the rest never handed the address of a window: or it would not stay in registers.
-#define QV_WINDOW_INLINE [[gnu::always_inline]] inline
-
 // What both windows have in common. A read leaves kKept bits in the window at least.
 template <class Side, uint32_t kKept>
 class BitWindow {
@@ -59,16 +125,16 @@ public:
             take();
             return value;
         }
-        return static_cast<uint32_t>(shift(n));
+        return static_cast<uint32_t>(window_.shift(n));
     }
 
     // A flag as the records hold it.
     QV_WINDOW_INLINE int32_t flag() { return static_cast<int32_t>(u(1)); }
 
     QV_WINDOW_INLINE uint32_t ue() {
-        // Most elements are 0. Told by a branch, the next one need not wait for the length of this one.
+        // Most elements are 0. After a branch the next element need not wait for the length of this one.
         if (window_.bits >> 63 != 0 && holds(1)) {
-            shift(1);
+            window_.shift(1);
             return 0;
         }
         if (!canHoldCode()) {
@@ -76,49 +142,31 @@ public:
             take();
             return value;
         }
-        return static_cast<uint32_t>(shift(codeLength())) - 1;
+        return ueOf(window_.shift(window_.codeLength()));
     }
 
     QV_WINDOW_INLINE void take() { window_ = Side::take(stream_); }
 
     QV_WINDOW_INLINE void giveBack() {
-        Side::move(stream_, moved());
+        Side::move(stream_, window_.moved());
         window_ = {0, 0, 0};
     }
 
 protected:
-    bool holds(uint32_t n) const { return n + kKept <= window_.count; }
+    QV_WINDOW_INLINE bool holds(uint32_t n) const { return n + kKept <= window_.count; }
 
-    // True when the next n bits are whole in the window, if need be in a new one. After false the reader's
-    // cursor stands where the window's does.
+    // True when the next n bits are whole in the window, if necessary in a new one. When false, the reader's
+    // cursor is up to date.
     QV_WINDOW_INLINE bool canHold(uint32_t n) { return holds(n) || refilled().holds(n); }
 
     // canHold() of the Exp-Golomb code that comes next.
     QV_WINDOW_INLINE bool canHoldCode() { return holdsCode() || refilled().holdsCode(); }
 
-    QV_WINDOW_INLINE bool holdsCode() const { return holds(codeLength()); }
+    QV_WINDOW_INLINE bool holdsCode() const { return holds(window_.codeLength()); }
 
     QV_WINDOW_INLINE BitWindow& refilled() {
-        window_ = Side::refill(stream_, moved());
+        window_ = Side::refill(stream_, window_.moved());
         return *this;
-    }
-
-    uint32_t moved() const { return window_.taken - window_.count; }
-
-    // Of the Exp-Golomb code that comes next; more than a window holds when its 1 bit is not in sight.
-    uint32_t codeLength() const {
-        constexpr uint32_t kTooLong = 65;
-        return window_.bits != 0 ? 2 * static_cast<uint32_t>(__builtin_clzll(window_.bits)) + 1 : kTooLong;
-    }
-
-    // The next n bits, 1 to 63 of them, which the window holds.
-    QV_WINDOW_INLINE uint64_t shift(uint32_t n) {
-        // The analyser does not know that there are 64 bits at most.
-        // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult)
-        const uint64_t value = window_.bits >> (64 - n);
-        window_.bits <<= n;
-        window_.count -= n;
-        return value;
     }
 
     QVByteStream& stream_;
@@ -136,16 +184,14 @@ public:
             take();
             return value;
         }
-        const auto code = static_cast<uint32_t>(shift(codeLength()));
-        const auto magnitude = static_cast<int32_t>(code >> 1);
-        return (code & 1U) != 0 ? -magnitude : magnitude;
+        return seOf(window_.shift(window_.codeLength()));
     }
 
     // Skips n bits, 63 at most, whole or not at all. Two skips are not one: at the end of the data they
     // differ.
     QV_WINDOW_INLINE void skip(uint32_t n) {
         if (canHold(n)) {
-            shift(n);
+            window_.shift(n);
         } else {
             PlainSide::skip(stream_, n);
             take();
@@ -153,16 +199,16 @@ public:
     }
 };
 
-// The RBSP cursor. The last bit of a window is always the reader's to read: with it a byte is left that an
+// The RBSP cursor. The last bit of a window is left to the reader: after it comes a byte boundary, where an
 // emulation prevention byte may follow.
 class RbspWindow : public BitWindow<RbspSide, 1> {
 public:
     using BitWindow::BitWindow;
 
-    // Reads n bits, as far as there are any, and forgets them.
+    // Reads n bits, as far as there are any, and drops them.
     QV_WINDOW_INLINE void drop(uint32_t n) {
         if (canHold(n)) {
-            shift(n);
+            window_.shift(n);
         } else {
             RbspSide::u(stream_, n);
             take();
