@@ -1,10 +1,5 @@
 // The H.264 sequence parameter set: seq_parameter_set_data() and scaling_list(), ITU-T H.264 (08/2021)
-// 7.3.2.1.1, 7.3.2.1.1.1 and 7.4.2.1.1.
-//
-// Each sub-step holds a reference of its own on the stream and logs under its own name. Nobody can see the
-// reference but the core, from its log; so it is taken where there is something to log: two locked
-// instructions for each sub-step took longer than the syntax elements. Emulation prevention bytes are read as
-// data (D06).
+// 7.3.2.1.1, 7.3.2.1.1.1 and 7.4.2.1.1. Emulation prevention bytes are read as data (D06).
 #include "QVAvcSps.h"
 
 #include <cstddef>
@@ -12,12 +7,15 @@
 
 #include "detail/BitWindow.h"
 #include "detail/Log.h"
+#include "detail/RecordField.h"
 
 using namespace qv_detail;
 
 namespace {
 
 using SharedStream = std::shared_ptr<QVByteStream>;
+
+constexpr const char* kFunction = "parseAvcSps";
 
 constexpr uint32_t kSpsIdEnd = 32;
 constexpr uint32_t kChromaFormatEnd = 4;
@@ -57,7 +55,7 @@ constexpr uint8_t kZigzagDirect[kEntries8x8] = {
     41, 34, 27, 20, 13, 6,  7,  14, 21, 28, 35, 42, 49, 56, 57, 50, 43, 36, 29, 22, 15, 23,
     30, 37, 44, 51, 58, 59, 52, 45, 38, 31, 39, 46, 53, 60, 61, 54, 47, 55, 62, 63};
 
-// The lists of one kind and size: where they stand, how they are scanned, what they fall back to.
+// The lists of one size: their number of entries and their scan.
 struct ScalingListShape {
     size_t entries;
     const uint8_t* scan;
@@ -65,6 +63,26 @@ struct ScalingListShape {
 
 constexpr ScalingListShape k4x4 = {kEntries4x4, kZigzagScan};
 constexpr ScalingListShape k8x8 = {kEntries8x8, kZigzagDirect};
+
+// A sub-step that logs under its own name and holds its own reference on the stream. Only the host can
+// observe the reference, from its log. So held() takes it for one log call: QV_LOG(level,
+// step.held().function, ...). Taking it for the whole of every sub-step would cost more than reading the
+// syntax elements.
+class Step {
+public:
+    struct Held {
+        SharedStream stream;
+        const char* function;
+    };
+
+    Step(const char* function, const SharedStream& stream) : function_(function), stream_(stream) {}
+
+    Held held() const { return {stream_, function_}; }
+
+private:
+    const char* function_;
+    const SharedStream& stream_;
+};
 
 // D07: profiles 134, 135 and 139 carry the chroma syntax too; here they do not.
 bool hasChromaSyntax(uint32_t profile_idc) {
@@ -92,23 +110,22 @@ bool fitsInt8(int32_t value) {
 
 // scaling_list(): delta_scale by delta_scale in scan order. An invalid one ends the list, not the parameter
 // set (D09).
-void decodeScalingList(PlainWindow& in, const SharedStream& stream, uint8_t* list,
-                       const ScalingListShape& shape, const uint8_t* fallback) {
+void decodeScalingList(PlainWindow& in, const Step& step, uint8_t* list, const ScalingListShape& shape,
+                       const uint8_t* defaults) {
     uint32_t lastScale = 8;
     uint32_t nextScale = 8;
     for (size_t i = 0; i < shape.entries; ++i) {
         if (nextScale != 0) {
             const int32_t delta_scale = in.se();
             if (!fitsInt8(delta_scale)) {
-                const SharedStream held = stream;
-                QV_LOG(QVTraceError, "parseScalingList", "parse_scaling_list, delta scale %d is invalid\n",
+                QV_LOG(QVTraceError, step.held().function, "parse_scaling_list, delta scale %d is invalid\n",
                        delta_scale);
                 return;
             }
-            nextScale = (lastScale + static_cast<uint32_t>(delta_scale)) % 256;
+            nextScale = (lastScale + asElement(delta_scale)) % 256;
         }
         if (i == 0 && nextScale == 0) {
-            std::memcpy(list, fallback, shape.entries);
+            std::memcpy(list, defaults, shape.entries);
             return;
         }
         lastScale = nextScale != 0 ? nextScale : lastScale;
@@ -116,29 +133,28 @@ void decodeScalingList(PlainWindow& in, const SharedStream& stream, uint8_t* lis
     }
 }
 
-// One list behind its seq_scaling_list_present_flag. A list that is not sent is a copy of inherited; one that
-// asks for the default is a copy of defaults.
-void parseScalingList(PlainWindow& in, const SharedStream& stream, uint8_t* list,
-                      const ScalingListShape& shape, const uint8_t* inherited, const uint8_t* defaults) {
+// One list after its seq_scaling_list_present_flag. A list that is not present is a copy of inherited; one
+// that asks for the default is a copy of defaults.
+void parseScalingList(PlainWindow& in, const Step& step, uint8_t* list, const ScalingListShape& shape,
+                      const uint8_t* inherited, const uint8_t* defaults) {
     const uint32_t seq_scaling_list_present_flag = in.u(1);
     if (seq_scaling_list_present_flag == 0) {
         std::memcpy(list, inherited, shape.entries);
         return;
     }
-    decodeScalingList(in, stream, list, shape, defaults);
+    decodeScalingList(in, step, list, shape, defaults);
 }
 
 // Table 7-2, fall-back rule set A: the first list of a kind falls back to the default, each other one to the
 // list before it.
-void parseScalingMatrices(QVAvcSps* sps, SharedStream profileStep) {
-    PlainWindow in(*profileStep);
+void parseScalingMatrices(QVAvcSps* sps, const SharedStream& stream) {
+    const Step step("parseScalingList", stream);
+    PlainWindow in(*stream);
     const auto parse4x4 = [&](int index, int kind, const uint8_t* inherited) {
-        parseScalingList(in, profileStep, sps->scaling_matrix4[index], k4x4, inherited,
-                         kDefaultScaling4[kind]);
+        parseScalingList(in, step, sps->scaling_matrix4[index], k4x4, inherited, kDefaultScaling4[kind]);
     };
     const auto parse8x8 = [&](int index, int kind, const uint8_t* inherited) {
-        parseScalingList(in, profileStep, sps->scaling_matrix8[index], k8x8, inherited,
-                         kDefaultScaling8[kind]);
+        parseScalingList(in, step, sps->scaling_matrix8[index], k8x8, inherited, kDefaultScaling8[kind]);
     };
     parse4x4(0, kIntra, kDefaultScaling4[kIntra]);
     parse4x4(1, kIntra, sps->scaling_matrix4[0]);
@@ -148,7 +164,7 @@ void parseScalingMatrices(QVAvcSps* sps, SharedStream profileStep) {
     parse4x4(5, kInter, sps->scaling_matrix4[4]);
     parse8x8(0, kIntra, kDefaultScaling8[kIntra]);
     parse8x8(3, kInter, kDefaultScaling8[kInter]);
-    if (sps->chroma_format_idc == static_cast<int32_t>(kChromaFormat444)) {
+    if (sps->chroma_format_idc == kChromaFormat444) {
         parse8x8(1, kIntra, sps->scaling_matrix8[0]);
         parse8x8(4, kInter, sps->scaling_matrix8[3]);
         parse8x8(2, kIntra, sps->scaling_matrix8[1]);
@@ -156,76 +172,87 @@ void parseScalingMatrices(QVAvcSps* sps, SharedStream profileStep) {
     }
 }
 
+bool parseChromaFormat(QVAvcSps* sps, const Step& step, PlainWindow& in) {
+    const uint32_t chroma_format_idc = in.ue();
+    sps->chroma_format_idc = asField(chroma_format_idc);
+    if (chroma_format_idc >= kChromaFormatEnd) {
+        QV_LOG(QVTraceError, step.held().function, "parseAvcCDecoderSps, chroma_format_idc : %u",
+               chroma_format_idc);
+        return false;
+    }
+    if (chroma_format_idc != kChromaFormat444) {
+        return true;
+    }
+    sps->residual_color_transform_flag = in.flag();
+    if (sps->residual_color_transform_flag != 0) {  // D11
+        QV_LOG(QVTraceError, step.held().function,
+               "parseAvcCDecoderSps, separate color planes are not supported\n");
+        return false;
+    }
+    return true;
+}
+
+bool parseBitDepth(QVAvcSps* sps, const Step& step, PlainWindow& in) {
+    const uint32_t bitDepthLuma = in.ue() + 8;
+    const uint32_t bitDepthChroma = in.ue() + 8;
+    sps->bit_depth_luma = asField(bitDepthLuma);
+    sps->bit_depth_chroma = asField(bitDepthChroma);
+    if (bitDepthLuma != bitDepthChroma) {  // D31
+        QV_LOG(QVTraceError, step.held().function,
+               "parseAvcCDecoderSps, Different chroma and luma bit depth");
+        return false;
+    }
+    if (bitDepthLuma >= kBitDepthEnd) {
+        QV_LOG(QVTraceError, step.held().function,
+               "parseAvcCDecoderSps, illegal bit depth value : (%d, %d)\n", sps->bit_depth_luma,
+               sps->bit_depth_luma);
+        return false;
+    }
+    return true;
+}
+
 // What the profile carries: chroma format, bit depths, scaling matrices.
 bool parseAvcSpsForProfile(QVAvcSps* sps, const SharedStream& stream, PlainWindow& in) {
-    constexpr const char* kFunction = "parseAvcSpsForProfile";
-    if (!hasChromaSyntax(static_cast<uint32_t>(sps->profile_idc))) {
+    const Step step("parseAvcSpsForProfile", stream);
+    if (!hasChromaSyntax(asElement(sps->profile_idc))) {
         sps->chroma_format_idc = 1;
         sps->bit_depth_luma = 8;
         sps->bit_depth_chroma = 8;
         return true;
     }
-    const uint32_t chroma_format_idc = in.ue();
-    sps->chroma_format_idc = static_cast<int32_t>(chroma_format_idc);
-    if (chroma_format_idc >= kChromaFormatEnd) {
-        const SharedStream held = stream;
-        QV_LOG(QVTraceError, kFunction, "parseAvcCDecoderSps, chroma_format_idc : %u", chroma_format_idc);
-        return false;
-    }
-    if (chroma_format_idc == kChromaFormat444) {
-        sps->residual_color_transform_flag = in.flag();
-        if (sps->residual_color_transform_flag != 0) {  // D11
-            const SharedStream held = stream;
-            QV_LOG(QVTraceError, kFunction, "parseAvcCDecoderSps, separate color planes are not supported\n");
-            return false;
-        }
-    }
-    const uint32_t bitDepthLuma = in.ue() + 8;
-    const uint32_t bitDepthChroma = in.ue() + 8;
-    sps->bit_depth_luma = static_cast<int32_t>(bitDepthLuma);
-    sps->bit_depth_chroma = static_cast<int32_t>(bitDepthChroma);
-    if (bitDepthLuma != bitDepthChroma) {  // D31
-        const SharedStream held = stream;
-        QV_LOG(QVTraceError, kFunction, "parseAvcCDecoderSps, Different chroma and luma bit depth");
-        return false;
-    }
-    if (bitDepthLuma >= kBitDepthEnd) {
-        const SharedStream held = stream;
-        QV_LOG(QVTraceError, kFunction, "parseAvcCDecoderSps, illegal bit depth value : (%d, %d)\n",
-               sps->bit_depth_luma, sps->bit_depth_luma);
+    if (!parseChromaFormat(sps, step, in) || !parseBitDepth(sps, step, in)) {
         return false;
     }
     sps->transform_bypass = in.flag();
     const uint32_t seq_scaling_matrix_present_flag = in.u(1);
     if (seq_scaling_matrix_present_flag != 0) {
         in.giveBack();
-        parseScalingMatrices(sps, stream);
+        parseScalingMatrices(sps, step.held().stream);
         in.take();
     }
     return true;
 }
 
-bool parsePocType0(QVAvcSps* sps, const SharedStream& stream, PlainWindow& in, const char* function) {
+bool parsePocType0(QVAvcSps* sps, const Step& step, PlainWindow& in) {
     const uint32_t log2_max_pic_order_cnt_lsb_minus4 = in.ue();
     if (log2_max_pic_order_cnt_lsb_minus4 >= kLog2Minus4End) {
-        const SharedStream held = stream;
-        QV_LOG(QVTraceError, function, "parseAvcCDecoderSps, logMmaxPocLsb is out of range : %d \n",
-               static_cast<int>(log2_max_pic_order_cnt_lsb_minus4));
+        QV_LOG(QVTraceError, step.held().function,
+               "parseAvcCDecoderSps, logMmaxPocLsb is out of range : %d \n",
+               asField(log2_max_pic_order_cnt_lsb_minus4));
         return false;
     }
-    sps->log2_max_poc_lsb = static_cast<int32_t>(log2_max_pic_order_cnt_lsb_minus4 + 4);
+    sps->log2_max_poc_lsb = asField(log2_max_pic_order_cnt_lsb_minus4 + 4);
     return true;
 }
 
-bool parsePocType1(QVAvcSps* sps, const SharedStream& stream, PlainWindow& in, const char* function) {
+bool parsePocType1(QVAvcSps* sps, const Step& step, PlainWindow& in) {
     sps->delta_pic_order_always_zero_flag = in.flag();
     sps->offset_for_non_ref_pic = in.se();
     sps->offset_for_top_to_bottom_field = in.se();
     const uint32_t num_ref_frames_in_pic_order_cnt_cycle = in.ue();
-    sps->poc_cycle_length = static_cast<int32_t>(num_ref_frames_in_pic_order_cnt_cycle);
+    sps->poc_cycle_length = asField(num_ref_frames_in_pic_order_cnt_cycle);
     if (num_ref_frames_in_pic_order_cnt_cycle >= kPocCycleEnd) {
-        const SharedStream held = stream;
-        QV_LOG(QVTraceError, function, "parseAvcCDecoderSps, pocCycleLength overflow : %d\n",
+        QV_LOG(QVTraceError, step.held().function, "parseAvcCDecoderSps, pocCycleLength overflow : %d\n",
                sps->poc_cycle_length);
         return false;
     }
@@ -237,32 +264,43 @@ bool parsePocType1(QVAvcSps* sps, const SharedStream& stream, PlainWindow& in, c
 
 // Picture order count.
 bool parseAvcSpsForPoc(QVAvcSps* sps, const SharedStream& stream, PlainWindow& in) {
-    constexpr const char* kFunction = "parseAvcSpsForPoc";
+    const Step step("parseAvcSpsForPoc", stream);
     const uint32_t pic_order_cnt_type = in.ue();
-    sps->poc_type = static_cast<int32_t>(pic_order_cnt_type);
+    sps->poc_type = asField(pic_order_cnt_type);
     switch (pic_order_cnt_type) {
         case 0:
-            return parsePocType0(sps, stream, in, kFunction);
+            return parsePocType0(sps, step, in);
         case 1:
-            return parsePocType1(sps, stream, in, kFunction);
+            return parsePocType1(sps, step, in);
         case 2:
             return true;
-        default: {
-            const SharedStream held = stream;
-            QV_LOG(QVTraceError, kFunction, "parseAvcCDecoderSps, illegal POC type : %d\n", sps->poc_type);
+        default:
+            QV_LOG(QVTraceError, step.held().function, "parseAvcCDecoderSps, illegal POC type : %d\n",
+                   sps->poc_type);
             return false;
-        }
     }
+}
+
+bool parseReferenceFrames(QVAvcSps* sps, PlainWindow& in) {
+    const uint32_t max_num_ref_frames = in.ue();
+    sps->ref_frame_count = asField(max_num_ref_frames);
+    if (max_num_ref_frames >= kRefFrameEnd) {
+        QV_LOG(QVTraceError, kFunction, "parseAvcCDecoderSps, too many reference frames : %d\n",
+               sps->ref_frame_count);
+        return false;
+    }
+    sps->gaps_in_frame_num_allowed_flag = in.flag();
+    return true;
 }
 
 // Picture size in macroblocks and map units.
 bool parseMbSize(QVAvcSps* sps, PlainWindow& in) {
     const uint32_t mbWidth = in.ue() + 1;
     const uint32_t mbHeight = in.ue() + 1;
-    sps->mb_width = static_cast<int32_t>(mbWidth);
-    sps->mb_height = static_cast<int32_t>(mbHeight);
+    sps->mb_width = asField(mbWidth);
+    sps->mb_height = asField(mbHeight);
     if (mbHeight >= kMbSizeEnd || mbWidth >= kMbSizeEnd) {
-        QV_LOG(QVTraceError, "parseAvcSps", "parseAvcCDecoderSps, mb_width/height overflow\n");
+        QV_LOG(QVTraceError, kFunction, "parseAvcCDecoderSps, mb_width/height overflow\n");
         return false;
     }
     return true;
@@ -273,44 +311,40 @@ void parseFrameCoding(QVAvcSps* sps, PlainWindow& in) {
     sps->mb_aff = sps->frame_mbs_only_flag == 0 ? in.flag() : 0;
     sps->direct_8x8_inference_flag = in.flag();
     if (sps->mb_aff != 0) {
-        QV_LOG(QVTraceError, "parseAvcSps",
+        QV_LOG(QVTraceError, kFunction,
                "parseAvcCDecoderSps, MBAFF support not included, enable it at compile-time.\n");
     }
 }
 
-// CropUnitX and CropUnitY of equations 7-19 to 7-22, and the picture size behind the crop. Nothing is
-// compared with the picture: an oversize crop wraps (D10).
-void deriveCroppedSize(QVAvcSps* sps, uint32_t width, uint32_t height) {
-    const uint32_t frameHeightFactor = 2 - static_cast<uint32_t>(sps->frame_mbs_only_flag);
+// The picture size without and with the crop, with CropUnitX and CropUnitY of equations 7-19 to 7-22. The
+// crop is not compared with the picture: an oversize one wraps (D10).
+void deriveSize(QVAvcSps* sps) {
+    const uint32_t frameHeightFactor = 2 - asElement(sps->frame_mbs_only_flag);
     const uint32_t cropUnitX = sps->chroma_format_idc == 1 || sps->chroma_format_idc == 2 ? 2 : 1;
     const uint32_t cropUnitY = frameHeightFactor * (sps->chroma_format_idc == 1 ? 2 : 1);
-    const uint32_t columns = static_cast<uint32_t>(sps->crop_left) + static_cast<uint32_t>(sps->crop_right);
-    const uint32_t rows = static_cast<uint32_t>(sps->crop_top) + static_cast<uint32_t>(sps->crop_bottom);
-    sps->width = static_cast<int32_t>(width - cropUnitX * columns);
-    sps->height = static_cast<int32_t>(height - cropUnitY * rows);
+    const uint32_t columns = asElement(sps->crop_left) + asElement(sps->crop_right);
+    const uint32_t rows = asElement(sps->crop_top) + asElement(sps->crop_bottom);
+    sps->width = asField(16 * asElement(sps->mb_width) - cropUnitX * columns);
+    sps->height = asField(16 * asElement(sps->mb_height) * frameHeightFactor - cropUnitY * rows);
 }
 
 // Frame cropping.
 void parseAvcSpsForCrop(QVAvcSps* sps, const SharedStream& stream, PlainWindow& in) {
-    const uint32_t width = 16 * static_cast<uint32_t>(sps->mb_width);
-    const uint32_t height =
-        16 * static_cast<uint32_t>(sps->mb_height) * (2 - static_cast<uint32_t>(sps->frame_mbs_only_flag));
+    const Step step("parseAvcSpsForCrop", stream);
     sps->crop = in.flag();
     if (sps->crop == 0) {
         sps->crop_left = sps->crop_right = sps->crop_top = sps->crop_bottom = 0;
-        sps->width = static_cast<int32_t>(width);
-        sps->height = static_cast<int32_t>(height);
+        deriveSize(sps);
         return;
     }
-    sps->crop_left = static_cast<int32_t>(in.ue());
-    sps->crop_right = static_cast<int32_t>(in.ue());
-    sps->crop_top = static_cast<int32_t>(in.ue());
-    sps->crop_bottom = static_cast<int32_t>(in.ue());
-    const SharedStream held = stream;
-    QV_LOG(QVTraceDebug, "parseAvcSpsForCrop",
+    sps->crop_left = asField(in.ue());
+    sps->crop_right = asField(in.ue());
+    sps->crop_top = asField(in.ue());
+    sps->crop_bottom = asField(in.ue());
+    QV_LOG(QVTraceDebug, step.held().function,
            "parseAvcCDecoderSps, discarding sps cropping, original values are l:%d r:%d t:%d b:%d\n",
            sps->crop_left, sps->crop_right, sps->crop_top, sps->crop_bottom);
-    deriveCroppedSize(sps, width, height);
+    deriveSize(sps);
 }
 
 const char* frameCodingWord(const QVAvcSps& sps) {
@@ -322,24 +356,23 @@ const char* frameCodingWord(const QVAvcSps& sps) {
 
 void logSummary(const QVAvcSps& sps) {
     static constexpr char csp[4][5] = {"Gray", "420", "422", "444"};
-    QV_LOG(QVTraceDebug, "parseAvcSps",
+    QV_LOG(QVTraceDebug, kFunction,
            "parseAvcCDecoderSps, sps:%u profile:%d/%d poc:%d ref:%d %dx%d %s %s crop:%u/%u/%u/%u %s %s \n",
-           static_cast<unsigned>(sps.sps_id), sps.profile_idc, sps.level_idc, sps.poc_type,
-           sps.ref_frame_count, sps.mb_width, sps.mb_height, frameCodingWord(sps),
-           sps.direct_8x8_inference_flag != 0 ? "8B8" : "", static_cast<unsigned>(sps.crop_left),
-           static_cast<unsigned>(sps.crop_right), static_cast<unsigned>(sps.crop_top),
-           static_cast<unsigned>(sps.crop_bottom), sps.vui_parameters_present_flag != 0 ? "VUI" : "",
+           asElement(sps.sps_id), sps.profile_idc, sps.level_idc, sps.poc_type, sps.ref_frame_count,
+           sps.mb_width, sps.mb_height, frameCodingWord(sps), sps.direct_8x8_inference_flag != 0 ? "8B8" : "",
+           asElement(sps.crop_left), asElement(sps.crop_right), asElement(sps.crop_top),
+           asElement(sps.crop_bottom), sps.vui_parameters_present_flag != 0 ? "VUI" : "",
            csp[sps.chroma_format_idc]);
 }
 
-// Six flags, the first one sent in bit 0.
+// Six flags, the first coded one in bit 0.
 int32_t lowestFirst(uint32_t flags) {
-    return static_cast<int32_t>((flags & 0x01) << 5 | (flags & 0x02) << 3 | (flags & 0x04) << 1 |
-                                (flags & 0x08) >> 1 | (flags & 0x10) >> 3 | (flags & 0x20) >> 5);
+    return asField((flags & 0x01) << 5 | (flags & 0x02) << 3 | (flags & 0x04) << 1 | (flags & 0x08) >> 1 |
+                   (flags & 0x10) >> 3 | (flags & 0x20) >> 5);
 }
 
-// List by list: a fill of all of them is done with a string instruction, which takes longer to start than
-// this takes altogether.
+// List by list: compilers fill all of them at once with a string instruction, whose start takes longer than
+// this does altogether.
 void makeScalingFlat(QVAvcSps* sps) {
     for (auto& list : sps->scaling_matrix4) {
         std::memset(list, kFlatWeight, sizeof sps->scaling_matrix4[0]);
@@ -358,15 +391,15 @@ bool parseHead(QVAvcSps* sps, PlainWindow& in) {
     const uint32_t level_idc = in.u(8);
     const uint32_t seq_parameter_set_id = in.ue();
     if (seq_parameter_set_id >= kSpsIdEnd) {
-        QV_LOG(QVTraceError, "parseAvcSps", "parseAvcCDecoderSps, sps_id %u out of range\n",
+        QV_LOG(QVTraceError, kFunction, "parseAvcCDecoderSps, sps_id %u out of range\n",
                seq_parameter_set_id);
         return false;
     }
-    sps->sps_id = static_cast<int32_t>(seq_parameter_set_id);
+    sps->sps_id = asField(seq_parameter_set_id);
     sps->time_offset_length = 24;
-    sps->profile_idc = static_cast<int32_t>(profile_idc);
+    sps->profile_idc = asField(profile_idc);
     sps->constraint_set_flags = lowestFirst(constraint_set_flags);
-    sps->level_idc = static_cast<int32_t>(level_idc);
+    sps->level_idc = asField(level_idc);
     sps->full_range = -1;
     makeScalingFlat(sps);
     sps->scaling_matrix_present = 0;  // D33
@@ -377,23 +410,12 @@ bool parseHead(QVAvcSps* sps, PlainWindow& in) {
 bool parseLog2MaxFrameNum(QVAvcSps* sps, PlainWindow& in) {
     const uint32_t log2_max_frame_num_minus4 = in.ue();
     if (log2_max_frame_num_minus4 >= kLog2Minus4End) {
-        QV_LOG(QVTraceError, "parseAvcSps",
+        QV_LOG(QVTraceError, kFunction,
                "parseAvcCDecoderSps, log2MaxFrameNumMinus4 out of range (0-12): %d\n",
-               static_cast<int>(log2_max_frame_num_minus4));
+               asField(log2_max_frame_num_minus4));
         return false;
     }
-    sps->log2_max_frame_num = static_cast<int32_t>(log2_max_frame_num_minus4 + 4);
-    return true;
-}
-
-bool parseRefFrameCount(QVAvcSps* sps, PlainWindow& in) {
-    const uint32_t max_num_ref_frames = in.ue();
-    sps->ref_frame_count = static_cast<int32_t>(max_num_ref_frames);
-    if (max_num_ref_frames >= kRefFrameEnd) {
-        QV_LOG(QVTraceError, "parseAvcSps", "parseAvcCDecoderSps, too many reference frames : %d\n",
-               sps->ref_frame_count);
-        return false;
-    }
+    sps->log2_max_frame_num = asField(log2_max_frame_num_minus4 + 4);
     return true;
 }
 
@@ -404,24 +426,10 @@ bool parseAvcSps(QVAvcSps* sps, std::shared_ptr<QVByteStream> stream) {
         return false;
     }
     PlainWindow in(*stream);
-    // One statement for each sub-step: its reference on the stream ends with the statement.
-    if (!parseHead(sps, in)) {
-        return false;
-    }
-    if (!parseAvcSpsForProfile(sps, stream, in)) {
-        return false;
-    }
-    if (!parseLog2MaxFrameNum(sps, in)) {
-        return false;
-    }
-    if (!parseAvcSpsForPoc(sps, stream, in)) {
-        return false;
-    }
-    if (!parseRefFrameCount(sps, in)) {
-        return false;
-    }
-    sps->gaps_in_frame_num_allowed_flag = in.flag();
-    if (!parseMbSize(sps, in)) {
+    const bool isAccepted = parseHead(sps, in) && parseAvcSpsForProfile(sps, stream, in) &&
+                            parseLog2MaxFrameNum(sps, in) && parseAvcSpsForPoc(sps, stream, in) &&
+                            parseReferenceFrames(sps, in) && parseMbSize(sps, in);
+    if (!isAccepted) {
         return false;
     }
     parseFrameCoding(sps, in);

@@ -1,10 +1,11 @@
 // The head of the H.265 sequence parameter set: seq_parameter_set_rbsp() and profile_tier_level(),
 // ITU-T H.265 (08/2021) 7.3.2.2.1 and 7.3.3. No value is checked against its range (D12), and
-// nuh_layer_id is not looked at (D30).
+// nuh_layer_id is not examined (D30).
 #include "QVHevcSps.h"
 
 #include "detail/BitWindow.h"
 #include "detail/Log.h"
+#include "detail/RecordField.h"
 
 using namespace qv_detail;
 
@@ -12,8 +13,8 @@ namespace {
 
 constexpr int kMostSubLayers = 8;
 
-// The general part of profile_tier_level(), with profilePresentFlag 1. Holds a reference of its own on the
-// stream while it runs.
+// The general part of profile_tier_level(), with profilePresentFlag 1. Holds its own reference on the stream
+// while it runs.
 void parseHevcSpsForProfile(std::shared_ptr<QVByteStream> /*held*/, RbspWindow& in) {
     const uint32_t general_profile_space = in.u(2);
     const uint32_t general_tier_flag = in.u(1);
@@ -23,8 +24,8 @@ void parseHevcSpsForProfile(std::shared_ptr<QVByteStream> /*held*/, RbspWindow& 
     in.drop(43 + 1);         // general constraint flags of the profile, inbld or reserved bit
     const uint32_t general_level_idc = in.u(8);
     QV_LOG(QVTraceInformation, "parseHevcSpsForProfile", "parseHevcSpsForProfile, profile:%d/%d/%d/%d \n",
-           static_cast<int>(general_profile_space), static_cast<int>(general_tier_flag),
-           static_cast<int>(general_profile_idc), static_cast<int>(general_level_idc));
+           asField(general_profile_space), asField(general_tier_flag), asField(general_profile_idc),
+           asField(general_level_idc));
 }
 
 // The sub-layer part of profile_tier_level().
@@ -52,39 +53,38 @@ void skipSubLayers(RbspWindow& in, int maxNumSubLayersMinus1) {
 
 void parseChromaFormat(QVHevcSps* sps, RbspWindow& in) {
     constexpr int32_t kChromaFormat444 = 3;
-    sps->chroma_format_idc = static_cast<int32_t>(in.ue());
+    sps->chroma_format_idc = asField(in.ue());
     sps->separate_colour_plane_flag = sps->chroma_format_idc == kChromaFormat444 ? in.flag() : 0;
 }
 
-// The size inside the conformance window, with SubWidthC and SubHeightC of Table 6-1 and 1 for what is not in
-// it. Nothing is compared with the picture: an oversize window wraps (D10).
+// The size inside the conformance window, with SubWidthC and SubHeightC of Table 6-1, and 1 for a
+// chroma_format_idc that is not in it. The window is not compared with the picture: an oversize one wraps
+// (D10).
 void deriveDisplaySize(QVHevcSps* sps, uint32_t width, uint32_t height) {
     const uint32_t SubWidthC = sps->chroma_format_idc == 1 || sps->chroma_format_idc == 2 ? 2 : 1;
     const uint32_t SubHeightC = sps->chroma_format_idc == 1 ? 2 : 1;
-    const uint32_t columns =
-        static_cast<uint32_t>(sps->conf_win_left_offset) + static_cast<uint32_t>(sps->conf_win_right_offset);
-    const uint32_t rows =
-        static_cast<uint32_t>(sps->conf_win_top_offset) + static_cast<uint32_t>(sps->conf_win_bottom_offset);
-    sps->display_width = static_cast<int32_t>(width - SubWidthC * columns);
-    sps->display_height = static_cast<int32_t>(height - SubHeightC * rows);
+    const uint32_t columns = asElement(sps->conf_win_left_offset) + asElement(sps->conf_win_right_offset);
+    const uint32_t rows = asElement(sps->conf_win_top_offset) + asElement(sps->conf_win_bottom_offset);
+    sps->display_width = asField(width - SubWidthC * columns);
+    sps->display_height = asField(height - SubHeightC * rows);
 }
 
-// Picture size and conformance window. The offsets of an earlier parameter set stay when there is no window.
+// Picture size and conformance window. Without a window, the offsets of an earlier parameter set stay.
 void parsePictureSize(QVHevcSps* sps, RbspWindow& in) {
     const uint32_t pic_width_in_luma_samples = in.ue();
     const uint32_t pic_height_in_luma_samples = in.ue();
-    sps->pic_width_in_luma_samples = static_cast<int32_t>(pic_width_in_luma_samples);
-    sps->pic_height_in_luma_samples = static_cast<int32_t>(pic_height_in_luma_samples);
+    sps->pic_width_in_luma_samples = asField(pic_width_in_luma_samples);
+    sps->pic_height_in_luma_samples = asField(pic_height_in_luma_samples);
     sps->conformance_window_flag = in.flag();
     if (sps->conformance_window_flag == 0) {
         sps->display_width = sps->pic_width_in_luma_samples;
         sps->display_height = sps->pic_height_in_luma_samples;
         return;
     }
-    sps->conf_win_left_offset = static_cast<int32_t>(in.ue());
-    sps->conf_win_right_offset = static_cast<int32_t>(in.ue());
-    sps->conf_win_top_offset = static_cast<int32_t>(in.ue());
-    sps->conf_win_bottom_offset = static_cast<int32_t>(in.ue());
+    sps->conf_win_left_offset = asField(in.ue());
+    sps->conf_win_right_offset = asField(in.ue());
+    sps->conf_win_top_offset = asField(in.ue());
+    sps->conf_win_bottom_offset = asField(in.ue());
     deriveDisplaySize(sps, pic_width_in_luma_samples, pic_height_in_luma_samples);
 }
 
@@ -96,17 +96,17 @@ bool parseHevcSps(QVHevcSps* sps, std::shared_ptr<QVByteStream> stream) {
     }
     RbspWindow in(*stream);
     in.drop(16);  // nal_unit_header()
-    sps->sps_video_parameter_set_id = static_cast<int32_t>(in.u(4));
-    sps->sps_max_sub_layers_minus1 = static_cast<int32_t>(in.u(3));
+    sps->sps_video_parameter_set_id = asField(in.u(4));
+    sps->sps_max_sub_layers_minus1 = asField(in.u(3));
     sps->sps_temporal_id_nesting_flag = in.flag();
     parseHevcSpsForProfile(stream, in);
     skipSubLayers(in, sps->sps_max_sub_layers_minus1);
-    sps->sps_seq_parameter_set_id = static_cast<int32_t>(in.ue());
+    sps->sps_seq_parameter_set_id = asField(in.ue());
     parseChromaFormat(sps, in);
     parsePictureSize(sps, in);
-    sps->bit_depth_luma_minus8 = static_cast<int32_t>(in.ue());
-    sps->bit_depth_chroma_minus8 = static_cast<int32_t>(in.ue());
-    sps->log2_max_pic_order_cnt_lsb_minus4 = static_cast<int32_t>(in.ue());
+    sps->bit_depth_luma_minus8 = asField(in.ue());
+    sps->bit_depth_chroma_minus8 = asField(in.ue());
+    sps->log2_max_pic_order_cnt_lsb_minus4 = asField(in.ue());
     sps->sps_sub_layer_ordering_info_present_flag = in.flag();
     return true;
 }
