@@ -11,6 +11,7 @@ namespace {
 struct Counter {
     bool isActive = false;
     int seen = 0;
+    size_t bytes = 0;
     int failAt = 0;
 };
 
@@ -22,9 +23,13 @@ Counter& counterOf(qv_test::Allocator allocator) {
     return counters[static_cast<int>(allocator)];
 }
 
-bool isRefused(qv_test::Allocator allocator) {
+bool isRefused(qv_test::Allocator allocator, size_t size) {
     Counter& counter = counterOf(allocator);
-    return exemptions == 0 && counter.isActive && ++counter.seen == counter.failAt;
+    if (exemptions > 0 || !counter.isActive) {
+        return false;
+    }
+    counter.bytes += size;
+    return ++counter.seen == counter.failAt;
 }
 
 }  // namespace
@@ -44,7 +49,7 @@ void* counted(void* memory) {
 }  // namespace
 
 extern "C" void* __wrap_malloc(size_t size) {
-    if (isRefused(qv_test::Allocator::Malloc)) {
+    if (isRefused(qv_test::Allocator::Malloc, size)) {
         return nullptr;
     }
     void* const guarded = qv_test::GuardedHeap::allocate(size);
@@ -60,7 +65,7 @@ extern "C" void __wrap_free(void* memory) {
 
 void* operator new(size_t size) {
     void* const memory =
-        isRefused(qv_test::Allocator::New) ? nullptr : counted(__real_malloc(size > 0 ? size : 1));
+        isRefused(qv_test::Allocator::New, size) ? nullptr : counted(__real_malloc(size > 0 ? size : 1));
     if (memory == nullptr) {
         throw std::bad_alloc();
     }
@@ -72,8 +77,8 @@ void* operator new[](size_t size) {
 }
 
 void* operator new[](size_t size, const std::nothrow_t&) noexcept {
-    return isRefused(qv_test::Allocator::NothrowNewArray) ? nullptr
-                                                          : counted(__real_malloc(size > 0 ? size : 1));
+    return isRefused(qv_test::Allocator::NothrowNewArray, size) ? nullptr
+                                                                : counted(__real_malloc(size > 0 ? size : 1));
 }
 
 void operator delete(void* memory) noexcept {
@@ -95,7 +100,7 @@ void operator delete[](void* memory, size_t) noexcept {
 namespace qv_test {
 
 AllocationFault::AllocationFault(Allocator allocator, int nth) : allocator_(allocator) {
-    counterOf(allocator) = {true, 0, nth};
+    counterOf(allocator) = {true, 0, 0, nth};
 }
 
 AllocationFault::~AllocationFault() {
@@ -104,6 +109,10 @@ AllocationFault::~AllocationFault() {
 
 int AllocationFault::seen() const {
     return counterOf(allocator_).seen;
+}
+
+size_t AllocationFault::bytes() const {
+    return counterOf(allocator_).bytes;
 }
 
 bool AllocationFault::triggered() const {

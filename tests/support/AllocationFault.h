@@ -5,6 +5,8 @@
 #ifndef QV_TESTS_ALLOCATIONFAULT_H
 #define QV_TESTS_ALLOCATIONFAULT_H
 
+#include <cstddef>
+
 namespace qv_test {
 
 enum class Allocator { Malloc, New, NothrowNewArray };
@@ -17,10 +19,11 @@ public:
     AllocationFault(const AllocationFault&) = delete;
     AllocationFault& operator=(const AllocationFault&) = delete;
 
-    // Allocations of the kind since construction.
+    // Allocations of the kind since construction, and the bytes they asked for.
     int seen() const;
+    size_t bytes() const;
 
-    // True once the n-th allocation was asked for and refused.
+    // True once the n-th allocation was refused.
     bool triggered() const;
 
 private:

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "AllocationFault.h"
+
 namespace qv_test {
 
 namespace {
@@ -81,12 +83,14 @@ void GuardedOperations::call(const Bytes& bytes, const Parameters& parameters) {
         std::vector<Outcome> outcomes;
         atBothEnds(bytes, [&](unsigned char* data) {
             Caller caller;
+            const AllocationFault copies(Allocator::Malloc, 0);
             const int result = operation.call(data, bytes.size(), parameters, caller);
+            EXPECT_LE(copies.bytes(), bytes.size());
             outcomes.push_back(outcomeOf(result, caller));
         });
         ASSERT_EQ(outcomes[0], outcomes[1]);
     }
-    // Only ever added to.
+    // These lists only grow.
     core().createdSeiInfos.clear();
     core().vividCalls.clear();
 }

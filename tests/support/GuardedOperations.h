@@ -1,5 +1,6 @@
-// Operations on bytes that end right ahead of an inaccessible page and on the same bytes right behind one,
-// the library's working copies of them likewise. Both calls have to come to the same.
+// Operations on bytes that end right before an inaccessible page and on the same bytes right after one. The
+// library's working copies of them are placed likewise, and none may be larger than the bytes. Both calls
+// must have the same outcome.
 #ifndef QV_TESTS_GUARDEDOPERATIONS_H
 #define QV_TESTS_GUARDEDOPERATIONS_H
 

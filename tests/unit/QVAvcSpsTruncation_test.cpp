@@ -183,6 +183,18 @@ TEST_F(QVAvcSpsShort, cutAtEveryByteBehindABitOffset) {
     }
 }
 
+// The header does not fit after such an offset and is not skipped; reads take the offset modulo 8.
+TEST_F(QVAvcSpsShort, aBitOffsetAboveSevenInTheOnlyByte) {
+    const Bytes bytes = {0xF4};
+    stream = std::make_shared<QVByteStream>(bytes.data(), bytes.size());
+    stream->bitOffset = 12;
+    ASSERT_TRUE(parseAvcSps(&sps, stream));
+    QVAvcSps record = recordOfZeroBits();
+    record.profile_idc = 0x40;
+    expectOutcome(record, {avcSummary("sps:0 profile:64/0 poc:0 ref:0 1x1 PIC-AFF  crop:0/0/0/0  420")});
+    EXPECT_EQ(cursor(), 8U + 2 + 7);
+}
+
 TEST_F(QVAvcSpsShort, theHeaderAndTheProfile) {
     ASSERT_TRUE(parse(Bytes{0x67, 0x64}));
     QVAvcSps record = recordOfZeroBits();

@@ -213,6 +213,7 @@ TEST_F(LengthScan, worksOnOneCopyOfTheBuffer) {
     const AllocationFault count(Allocator::Malloc, 0);
     QVNaluParser::parserDataToNalus(data.data(), sizeOf(data), nalus, 1);
     EXPECT_EQ(count.seen(), 1);
+    EXPECT_EQ(count.bytes(), data.size());
     EXPECT_EQ(nalus.size(), 2U);
 }
 
@@ -226,12 +227,23 @@ TEST_F(LengthScan, noUnitsWithoutTheCopy) {
     expectSilence();
 }
 
+// Of the size of the length field: hosts can replace the non-throwing operator new[] and see each of them.
 TEST_F(LengthScan, oneScratchArrayForEachUnit) {
-    const Bytes data = {1, 0x65, 1, 0x41, 1, 0x41};
-    NalIndexList nalus;
-    const AllocationFault count(Allocator::NothrowNewArray, 0);
-    QVNaluParser::parserDataToNalus(data.data(), sizeOf(data), nalus, 1);
-    EXPECT_EQ(count.seen(), 3);
+    const std::pair<int, Bytes> rows[] = {
+        {1, {1, 0x65, 1, 0x41, 1, 0x41}},
+        {2, {0, 1, 0x65, 0, 1, 0x41, 0, 1, 0x41}},
+        {3, {0, 0, 0, 1, 0x65, 0, 0, 0, 1, 0x41, 0, 0, 0, 1, 0x41}},
+        {4, {0, 0, 0, 1, 0x65, 0, 0, 0, 1, 0x41, 0, 0, 0, 1, 0x41}},
+    };
+    for (const auto& [lengthSize, data] : rows) {
+        SCOPED_TRACE(lengthSize);
+        NalIndexList nalus;
+        const AllocationFault count(Allocator::NothrowNewArray, 0);
+        QVNaluParser::parserDataToNalus(data.data(), sizeOf(data), nalus, lengthSize);
+        EXPECT_EQ(nalus.size(), 3U);
+        EXPECT_EQ(count.seen(), 3);
+        EXPECT_EQ(count.bytes(), data.size() - 3);
+    }
 }
 
 TEST_F(LengthScan, lengthCountsAsZeroWithoutTheScratchArray) {
