@@ -1,4 +1,4 @@
-"""docs/policies.md: each statement is held by tests, and each of them is there: policies_test.py REPOSITORY."""
+"""docs/policies.md: each rule is enforced by tests, and each of these exists: policies_test.py REPOSITORY."""
 
 import pathlib
 import re
@@ -14,7 +14,7 @@ FEWEST_STATEMENTS = 40
 def statements():
     """(statement, the last column) of each row of the tables but their heads."""
     rows = [line.strip("|").split(" | ") for line in PAGE.splitlines() if line.startswith("| ")]
-    return [(" | ".join(row[:-1]), row[-1]) for row in rows if row[-1].strip() != "held by"]
+    return [(" | ".join(row[:-1]), row[-1]) for row in rows if row[-1].strip() != "enforced by"]
 
 
 def tests_of_the_tree():
@@ -41,7 +41,7 @@ class PoliciesTest(unittest.TestCase):
             self.assertRegex(held.strip(), r"^`\w+\.\w+`(, `\w+\.\w+`)*$", statement)
 
     def test_every_table_has_the_column(self):
-        self.assertEqual(len(re.findall(r"^\|[-|]+\|$", PAGE, re.M)), PAGE.count("| held by |"))
+        self.assertEqual(len(re.findall(r"^\|[-|]+\|$", PAGE, re.M)), PAGE.count("| enforced by |"))
 
 
 if __name__ == "__main__":

@@ -1,5 +1,5 @@
-// Every operation with every single allocation of it failing in turn: the result is the stated one, the
-// caller's lists hold what was found before, nothing is left behind, and the next call is as good as new.
+// Every operation with each of its allocations failing in turn: the result is the documented one, the
+// caller's lists hold what was found before, nothing leaks, and the next call succeeds.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -21,8 +21,8 @@ constexpr int kFailed = QVResultFailed;
 constexpr int kInvalidData = QVResultInvalidData;
 constexpr int kNoMemory = QVResultNoMemory;
 
-// Each operation on input of which it makes the most. A result is that of a call in which an allocation of
-// the kind fails; without one the operation has no such allocation.
+// Each operation with input that makes it allocate everything it can. A result is that of a call in which an
+// allocation of the kind fails; without a result the operation has no such allocation.
 struct Case {
     Bytes input;
     Parameters parameters;
@@ -60,7 +60,7 @@ std::map<std::string, Case> casesWithAllocations() {
         {"parserDataToNaluType, lengths", {kLengths, {}, kOk, kOk, {}, true}},
         {"isKeyFrame", {kLengths, {}, 0, {}, {}}},
         {"converAnnexBToAvcC", {kByteStream, {}, {}, {}, {}, true}},
-        // A length that counts as 0 leaves the last unit ending ahead of the end.
+        // With a length that counts as 0 the last unit does not end at the end of the buffer.
         {"connvertAvcCToAnnexB", {kLengths, {}, kInvalidData, kInvalidData, kNoMemory, true}},
         {"parserDataToSei", {Bytes{0x06} + avcSei(), told(0, 0), kOk, {}, kFailed, true}},
         {"parserAvcDataToSei", {avcSei(), told(0, 0), kOk, {}, kFailed, true}},
@@ -74,14 +74,14 @@ std::map<std::string, Case> casesWithAllocations() {
     };
 }
 
-// Lists that an operation of the table keeps for its next call are there before anything is counted.
+// Allocates the lists that an operation of the table keeps between calls, before anything is counted.
 void warmUp(const Operation& operation, const Case& what) {
     Bytes input = what.input;
     Caller caller;
     operation.call(input.data(), input.size(), what.parameters, caller);
 }
 
-// The payload parsers and whatever else keeps to its caller's memory.
+// The payload parsers and other operations that allocate nothing.
 Case caseWithoutAllocations() {
     return {Bytes(400, 0x44), told(5, 40), {}, {}, {}};
 }
@@ -103,7 +103,7 @@ Allocator allocatorOf(Fault::Kind kind) {
                                           : Allocator::Malloc;
 }
 
-// Lists that hold something already, as a caller may bring them.
+// Lists that are not empty, as a caller may pass them.
 void fill(Caller& caller) {
     caller.nalus = {{0, 0}};
     caller.items.push_back({QVCodecIDAvc, 5, 1, false, static_cast<uint8_t*>(qvMallocz(1))});
@@ -119,7 +119,7 @@ protected:
         bool isThrown;
     };
 
-    // In a static program the first exception has the runtime sort its tables, in memory that it keeps.
+    // In a static program the runtime sorts its tables at the first exception, in memory that it keeps.
     static void SetUpTestSuite() {
         try {
             throw std::bad_alloc();
@@ -127,13 +127,13 @@ protected:
         }
     }
 
-    // One call, with all that it leaves released again.
+    // One call. Everything that it leaves is released again.
     static Run run(const Operation& operation, const Case& what, const Fault& fault, bool isFilled) {
         freshCore();
         Bytes input = what.input;
         Run done{};
         const long before = liveBlocks();
-        long kept = 0;  // the outcome's own
+        long kept = 0;  // blocks of the outcome
         {
             Caller caller;
             if (isFilled) {
@@ -160,16 +160,16 @@ protected:
         ASSERT_LE(some.nalus.size(), whole.nalus.size());
         for (size_t i = 0; i < some.nalus.size(); ++i) {
             EXPECT_EQ(some.nalus[i].first, whole.nalus[i].first);
-            if (i + 1 < some.nalus.size()) {  // the last is closed by what comes behind it
+            if (i + 1 < some.nalus.size()) {  // what follows the last one determines its length
                 EXPECT_EQ(some.nalus[i].second, whole.nalus[i].second);
             }
         }
     }
 
-    // The length that could not be read counts as 0, those before it are as they are.
+    // The length that could not be read counts as 0; those before it are unchanged.
     static void expectZeroLength(const Outcome& some, const Outcome& whole, size_t nth, size_t filled) {
         if (whole.nalus.size() == filled) {
-            return;  // an operation that keeps its list to itself
+            return;  // an operation whose list is local
         }
         const size_t at = filled + nth - 1;
         ASSERT_GT(some.nalus.size(), at);
@@ -178,7 +178,7 @@ protected:
         EXPECT_EQ(some.nalus[at], std::make_pair(whole.nalus[at].first, 0));
     }
 
-    // Lets the first, the second and each further allocation of the kind fail. Returns how many there are.
+    // Lets each allocation of the kind fail in turn. Returns their number.
     static int failEach(const Operation& operation, const Case& what, Fault::Kind kind,
                         const std::optional<int>& stated, bool isFilled) {
         const Outcome whole = run(operation, what, {Fault::Kind::None, 0}, isFilled).outcome;

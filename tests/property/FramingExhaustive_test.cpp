@@ -19,7 +19,7 @@ const Bytes kAlphabet = {0x00, 0x01, 0x03, 0x65, 0x80};
 constexpr size_t kLongest = 9;
 constexpr int kLengthSizes[] = {1, 2, 4, 3};
 
-// Moves buffer on to the next one with the same first prefixLength bytes. False after the last.
+// Changes buffer to the next one with the same first prefixLength bytes. False after the last.
 bool nextBuffer(Bytes& buffer, size_t prefixLength) {
     for (size_t i = buffer.size(); i > prefixLength; --i) {
         const auto letter = std::find(kAlphabet.begin(), kAlphabet.end(), buffer[i - 1]) + 1;

@@ -78,7 +78,7 @@ TEST_F(FramingHuge, keyFrameInAByteStreamOfIntMaxBytes) {
     EXPECT_FALSE(QVNaluParser::isKeyFrame(QVCodecIDAvc, buffer.data(), INT_MAX));
 }
 
-// Units of 0x7FFE bytes behind 2-byte lengths: each grows by two bytes, which takes the result past INT_MAX.
+// Units of 0x7FFE bytes after 2-byte lengths: each grows by two bytes, so that the result exceeds INT_MAX.
 // Takes 2 GiB for the library's working copy.
 TEST_F(FramingHuge, byteStreamAboveIntMaxBytesIsNotAskedFor) {
     const RepeatedBlock buffer(patternOf({0x7F, 0xFE, 0x41}, 0x8000));

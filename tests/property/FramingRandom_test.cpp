@@ -29,7 +29,7 @@ private:
     size_t begin_;
 };
 
-// Zeros and ones for the most part, or anything at all.
+// Mostly zeros and ones, or random bytes.
 uint8_t randomByte(Random& random, bool isDense) {
     static const Bytes dense = {0x00, 0x00, 0x00, 0x00, 0x01, 0x01, 0x02, 0x03, 0x65, 0xFF};
     return isDense ? dense[below(random, dense.size())] : static_cast<uint8_t>(below(random, 256));
@@ -43,7 +43,7 @@ Bytes randomBytes(Random& random, size_t size, bool isDense) {
     return bytes;
 }
 
-// A unit as a byte stream carries it: no 00 00 00, 00 00 01 or 00 00 02 inside, no zero byte at the end
+// A unit as it occurs in a byte stream: no 00 00 00, 00 00 01 or 00 00 02 inside, no zero byte at the end
 // (H.264/H.265 7.4.1).
 Bytes randomUnit(Random& random, size_t size) {
     Bytes unit = withEmulationPrevention(randomBytes(random, size, true));
@@ -146,7 +146,7 @@ TEST_P(FramingRandomAligned, scansOfEverySize) {
             SCOPED_TRACE("size " + std::to_string(size));
             Bytes bytes = randomBytes(random, size, isDense);
             expectScansAsTheReference(bytes, GetParam());
-            // The same with a start code in front, or hardly any would be a byte stream.
+            // The same with a start code first; few random buffers are byte streams.
             std::copy_n(Bytes{0x00, 0x00, 0x01}.begin(), std::min<size_t>(size, 3), bytes.begin());
             expectScansAsTheReference(bytes, GetParam());
             ASSERT_FALSE(HasFatalFailure());
@@ -195,7 +195,7 @@ TEST_F(FramingRandom, oneByteLengthsComeBackWithFourByteLengths) {
     expectNoLines();
 }
 
-// Of the zero bytes ahead of a 01 the start code takes up to three; the others are the unit's before it.
+// Up to three of the zero bytes before a 01 belong to the start code; the others belong to the previous unit.
 TEST_F(FramingRandom, mixedStartCodesAndTrailingZeros) {
     Random random(4);
     for (int i = 0; i < 500; ++i) {

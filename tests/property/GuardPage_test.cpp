@@ -1,6 +1,6 @@
-// The fast paths on adversarial buffers that end right ahead of an inaccessible page, or begin right behind
-// one, against the slow references, and every operation on such buffers. QVNALU_TEST_ROUNDS sets how many
-// buffers each test takes.
+// The fast paths on adversarial buffers that end right before an inaccessible page, or begin right after one,
+// against the slow references, and every operation on such buffers. QVNALU_TEST_ROUNDS sets the number of
+// buffers of each test.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -22,7 +22,7 @@ namespace {
 
 constexpr size_t kLongest = 1500;
 
-// Runs of one density after the other: start codes and what nearly is one, or long stretches without.
+// A sequence of runs: dense start codes and near misses, random bytes, or long stretches without any.
 Bytes adversarialBytes(Random& random, size_t size) {
     static const Bytes dense = {0x00, 0x00, 0x00, 0x00, 0x01, 0x01, 0x02, 0x03, 0x65, 0xFF};
     Bytes bytes;
@@ -59,7 +59,7 @@ protected:
         core().onlyCounts = true;
     }
 
-    // Calls check(bytes, data) with as many buffers as the test takes, each at both ends of the memory.
+    // Calls check(bytes, data) with rounds() buffers, each at both ends of the memory.
     template <class Check>
     void onBuffers(Check check) {
         Random random(2024);

@@ -80,7 +80,7 @@ void storePoc(const json& syntax, QVAvcSps& record) {
 // Returns the record up to and including separate_colour_plane_flag.
 QVAvcSps avcHead(const json& sps) {
     const json& syntax = sps.at("syntax");
-    QVAvcSps record = avcSpsBehind(AvcSpsStep::Head);
+    QVAvcSps record = avcSpsAfter(AvcSpsStep::Head);
     record.sps_id = valueOf(syntax, "seq_parameter_set_id");
     record.profile_idc = valueOf(syntax, "profile_idc");
     record.level_idc = valueOf(syntax, "level_idc");
@@ -409,7 +409,7 @@ class RealAvcSetRefused : public AvcSpsTest {};
 
 TEST_F(RealAvcSetRefused, D11_separateColourPlanes) {
     EXPECT_FALSE(parse(bytesOf("67f40028939cc16272")));
-    QVAvcSps record = avcSpsBehind(AvcSpsStep::Head);
+    QVAvcSps record = avcSpsAfter(AvcSpsStep::Head);
     record.profile_idc = 244;
     record.level_idc = 40;
     record.chroma_format_idc = 3;

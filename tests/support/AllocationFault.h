@@ -1,4 +1,4 @@
-// Makes the n-th allocation of one kind fail while it lives.
+// Makes the n-th allocation of one kind fail while it exists.
 //
 // malloc and free are reached through the linker (--wrap), so only calls from objects of the test program
 // count; operator new and the non-throwing operator new[] are replaced.
@@ -30,7 +30,7 @@ private:
     Allocator allocator_;
 };
 
-// While one lives, nothing fails and nothing is counted as seen: what the tests' own core allocates is no
+// While one exists, nothing fails and nothing is counted: what the core of the tests allocates is not an
 // allocation of the operation under test.
 class AllocationExemption {
 public:
@@ -40,7 +40,7 @@ public:
     AllocationExemption& operator=(const AllocationExemption&) = delete;
 };
 
-// Blocks handed out and not yet released, of all kinds.
+// Blocks of all kinds that are allocated and not yet released.
 long liveBlocks();
 
 }  // namespace qv_test

@@ -36,7 +36,7 @@ Fields fieldsOf(const QVAvcSeiGreenMetaData& record);
 // Names the fields that differ.
 ::testing::AssertionResult sameFields(const Fields& actual, const Fields& expected);
 
-// The modelled cursor, and what there is to read. Without a buffer everything reads as over zero bytes.
+// The modelled cursor and its data. Without a buffer every byte reads as zero.
 class ModelledData : public CursorModel {
 public:
     enum class Buffer { Present, Missing };
@@ -52,7 +52,7 @@ private:
     Buffer buffer_;
 };
 
-// What a parser did or is to do, on a pattern record.
+// The actual or expected outcome of a parser on a pattern record.
 template <class Record>
 struct Outcome {
     int result = kOk;
@@ -61,7 +61,7 @@ struct Outcome {
     Cursor cursor = atBit(0);
 };
 
-// The error line of a refusal.
+// The error line of a rejected call.
 ExpectedLine errorLine(const std::string& function, const std::string& text);
 
 template <class Record>
@@ -84,7 +84,7 @@ protected:
         check(stream, parse, expected);
     }
 
-    // Refused before anything is read, with one line.
+    // Rejected before anything is read, with one line.
     template <class Parse>
     static void checkRefused(Parse parse, const ExpectedLine& line) {
         core().lines.clear();
@@ -94,7 +94,7 @@ protected:
         expectLines({line});
     }
 
-    // Like check, with the outcome that contract(data) tells from what the modelled cursor reads.
+    // Like check, with the outcome that contract(data) derives from what the modelled cursor reads.
     template <class Contract, class Parse>
     static void checkAgainst(Contract contract, Parse parse, const Bytes& bytes, unsigned firstBit) {
         ModelledData data(bytes, firstBit);
@@ -102,7 +102,7 @@ protected:
         check(stream, parse, contract(data));
     }
 
-    // Every cut of what writePayload(BitWriter&) writes behind 0 to 7 other bits.
+    // Every cut of what writePayload(BitWriter&) writes after 0 to 7 other bits.
     template <class Contract, class Parse, class WritePayload>
     static void checkEveryCut(Contract contract, Parse parse, WritePayload writePayload) {
         for (unsigned firstBit = 0; firstBit < 8; ++firstBit) {
@@ -130,7 +130,7 @@ protected:
         }
     }
 
-    // Any bytes at all, many of them small.
+    // Random bytes, many of them small.
     template <class Contract, class Parse>
     static void checkAnyBytes(Contract contract, Parse parse) {
         std::mt19937 random(264);

@@ -9,7 +9,7 @@ namespace qv_test {
 
 namespace {
 
-// An element that is written and that nobody keeps.
+// An element that is written but not kept by the parser.
 struct Passed {
     unsigned width;
     std::string name;

@@ -163,9 +163,9 @@ BitWriter payload(const Syntax& syntax, const Context&... context) {
     return out;
 }
 
-// The values that stand at the cursor, read element by element, zero bits where the data has ended. What
-// nobody keeps is skipped, in one skip where several such elements stand together, and a skip that does not
-// fit is not made. A value out of range ends the reading.
+// The values at the cursor, read element by element, with zero bits after the end of the data. Elements that
+// nobody keeps are skipped, adjacent ones in one skip, and a skip that does not fit has no effect. A value
+// out of range ends the reading.
 RecoveryPointSyntax readRecoveryPoint(CursorModel& in);
 BufferingPeriodSyntax readBufferingPeriod(CursorModel& in, const QVAvcSps& sps);
 PicTimingSyntax readPicTiming(CursorModel& in, const QVAvcSps& sps);

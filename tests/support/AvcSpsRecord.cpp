@@ -150,7 +150,7 @@ QVAvcSps patternAvcSps() {
     return ::testing::AssertionSuccess();
 }
 
-QVAvcSps avcSpsBehind(AvcSpsStep last) {
+QVAvcSps avcSpsAfter(AvcSpsStep last) {
     QVAvcSps sps = patternAvcSps();
     const auto reaches = [&](AvcSpsStep step) { return last >= step; };
     if (reaches(AvcSpsStep::Head)) {
@@ -183,8 +183,8 @@ QVAvcSps avcSpsBehind(AvcSpsStep last) {
     return sps;
 }
 
-QVAvcSps highAvcSpsBehind(AvcSpsStep last) {
-    QVAvcSps sps = avcSpsBehind(last);
+QVAvcSps highAvcSpsAfter(AvcSpsStep last) {
+    QVAvcSps sps = avcSpsAfter(last);
     if (last >= AvcSpsStep::Head) {
         sps.profile_idc = 100;
     }

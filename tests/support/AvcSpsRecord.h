@@ -15,7 +15,7 @@
 
 namespace qv_test {
 
-// A record of bytes A5: what is not written stays recognisable.
+// A record of bytes A5: unwritten fields are recognisable.
 QVAvcSps patternAvcSps();
 
 // Every field, by name.
@@ -24,9 +24,9 @@ QVAvcSps patternAvcSps();
 // The steps of the parser that write to the record, in order.
 enum class AvcSpsStep { None, Head, Profile, FrameNum, Poc, RefFrames, MbSize, FrameCoding, Crop, Vui };
 
-// A pattern record behind the given step of avcSps(), or of highAvcSps().
-QVAvcSps avcSpsBehind(AvcSpsStep last);
-QVAvcSps highAvcSpsBehind(AvcSpsStep last);
+// The record after the given step of avcSps(), or of highAvcSps(), parsed into a pattern record.
+QVAvcSps avcSpsAfter(AvcSpsStep last);
+QVAvcSps highAvcSpsAfter(AvcSpsStep last);
 
 // The debug lines of an accepted parameter set.
 ExpectedLine avcSummary(const std::string& text);
@@ -41,7 +41,7 @@ protected:
     bool parse(const Bytes& bytes);
     bool parse(const BitWriter& syntax) { return parse(syntax.bytes()); }
 
-    // The same, into the record as it stands.
+    // The same, into the current record.
     bool parseOver(const Bytes& bytes);
     bool parseOver(const BitWriter& syntax) { return parseOver(syntax.bytes()); }
 

@@ -19,7 +19,7 @@ void nalUnitHeader(Elements& out, Syntax& s) {
     out.u(5, "nal_unit_type", s.nal_unit_type);
 }
 
-// scaling_list(), 7.3.2.1.1.1, behind its present flag
+// scaling_list(), 7.3.2.1.1.1, after its present flag
 template <class Elements, class List>
 void scalingList(Elements& out, List& list, const std::string& name) {
     out.u(1, "seq_scaling_list_present_flag" + name, list.seq_scaling_list_present_flag);

@@ -15,7 +15,7 @@ namespace qv_test {
 
 struct ScalingListSyntax {
     uint32_t seq_scaling_list_present_flag = 0;
-    std::vector<int32_t> delta_scale;  // those that are sent, when the flag is 1
+    std::vector<int32_t> delta_scale;  // those that are coded, when the flag is 1
 };
 
 // The defaults are a Baseline parameter set of one macroblock. Flags are 0 or 1.
@@ -35,7 +35,7 @@ struct AvcSpsSyntax {
     uint32_t level_idc = 10;
     uint32_t seq_parameter_set_id = 0;
 
-    // What the standard hangs on profile_idc. Here a test says whether these are written.
+    // In the standard profile_idc determines whether these are present. Here the test does.
     bool writesChromaSyntax = false;
     uint32_t chroma_format_idc = 1;
     uint32_t separate_colour_plane_flag = 0;  // written with chroma_format_idc 3

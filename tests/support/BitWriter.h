@@ -1,4 +1,4 @@
-// Writes syntax elements as coded and remembers where each stands.
+// Writes syntax elements as coded and remembers the position of each.
 #ifndef QV_TESTS_BITWRITER_H
 #define QV_TESTS_BITWRITER_H
 

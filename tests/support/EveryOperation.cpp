@@ -79,7 +79,7 @@ template <class Sps, bool (*kParse)(Sps*, const std::shared_ptr<QVByteStream>&)>
 int parameterSet(unsigned char* data, size_t size, const Parameters& parameters, Caller& caller) {
     PlacedReader stream(data, size);
     moveTo(stream, parameters.cursor);
-    // Shared with nobody: a control block would be an allocation of the test's own.
+    // Without a control block, which would be an allocation of the test itself.
     const std::shared_ptr<QVByteStream> shared(std::shared_ptr<QVByteStream>(), &stream);
     Sps sps;
     std::memset(&sps, 0, sizeof sps);

@@ -17,8 +17,8 @@ public:
     GuardedBuffer(const GuardedBuffer&) = delete;
     GuardedBuffer& operator=(const GuardedBuffer&) = delete;
 
-    // Copies bytes, at most capacity of them, to where they end right ahead of the inaccessible page, or to
-    // where they begin right behind one. Valid until the next call.
+    // Copies bytes, at most capacity of them, so that they end right before the inaccessible page, or begin
+    // right after one. Valid until the next call.
     unsigned char* placeAtEnd(const Bytes& bytes);
     unsigned char* placeAtBegin(const Bytes& bytes);
 

@@ -1,5 +1,5 @@
-// While one lives, blocks that malloc gives the test program end right ahead of an inaccessible page, or
-// begin right behind one: so do the working copies that the library reads from.
+// While one exists, blocks that malloc returns to the test program end right before an inaccessible page, or
+// begin right after one: so do the working copies that the library reads from.
 #ifndef QV_TESTS_GUARDEDHEAP_H
 #define QV_TESTS_GUARDEDHEAP_H
 
@@ -15,7 +15,7 @@ class GuardedHeap {
 public:
     enum class Place { End, Begin };
 
-    // Blocks of at most capacity bytes; a few at a time. One heap lives at a time, in one thread.
+    // Blocks of at most capacity bytes; a few at a time. One heap exists at a time, in one thread.
     explicit GuardedHeap(size_t capacity);
     ~GuardedHeap();
     GuardedHeap(const GuardedHeap&) = delete;
@@ -23,17 +23,17 @@ public:
 
     void place(Place place) { place_ = place; }
 
-    // Blocks given so far.
+    // Blocks allocated so far.
     size_t served() const { return served_; }
 
-    // For malloc and free. Null: this block is not the heap's to give; false: nor to take back.
+    // For malloc and free. Null or false: the heap does not allocate or did not allocate this block.
     static void* allocate(size_t size);
     static bool release(const void* memory);
 
 private:
     struct Slot {
         std::unique_ptr<GuardedBuffer> memory;
-        const void* block = nullptr;  // what of it is given out
+        const void* block = nullptr;  // the block in use, or null
     };
 
     std::vector<Slot> slots_;

@@ -88,7 +88,7 @@ struct HevcDisplayOrientationSyntax {
     uint32_t display_orientation_persistence_flag = 1;
 };
 
-// The payload behind lead 1 bits.
+// The payload after lead 1 bits.
 BitWriter hevcSei(const HevcMasteringDisplaySyntax& syntax, unsigned lead = 0);
 BitWriter hevcSei(const HevcContentLightSyntax& syntax, unsigned lead = 0);
 BitWriter hevcSei(const HevcAlternativeTransferSyntax& syntax, unsigned lead = 0);

@@ -37,7 +37,7 @@ protected:
     // Parses an exact-size copy of the bytes into a pattern record, with an empty log.
     bool parseBytes(const Bytes& bytes);
 
-    // The same, into the record as it stands.
+    // The same, into the current record.
     bool parseOver(const Bytes& bytes);
 
     // The log was expected, and the record holds exactly this.

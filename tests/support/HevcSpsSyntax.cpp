@@ -70,7 +70,7 @@ void pictureSize(Elements& out, Syntax& s) {
     }
 }
 
-// What stands behind sps_sub_layer_ordering_info_present_flag, with the least that it can hold.
+// The elements after sps_sub_layer_ordering_info_present_flag, in their shortest form.
 template <class Elements, class Syntax>
 void rest(Elements& out, Syntax& s) {
     uint32_t zero = 0;

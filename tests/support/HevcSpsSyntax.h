@@ -30,8 +30,8 @@ struct HevcProfileSyntax {
 struct HevcSubLayerSyntax {
     uint32_t sub_layer_profile_present_flag = 0;
     uint32_t sub_layer_level_present_flag = 0;
-    HevcProfileSyntax profile;          // written behind a set profile flag
-    uint32_t sub_layer_level_idc = 30;  // written behind a set level flag
+    HevcProfileSyntax profile;          // written after a set profile flag
+    uint32_t sub_layer_level_idc = 30;  // written after a set level flag
 };
 
 // The defaults are a Main parameter set of 8x8 samples. Flags are 0 or 1.

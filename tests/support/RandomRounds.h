@@ -10,7 +10,7 @@ namespace qv_test {
 
 using Random = std::mt19937;
 
-// How many buffers a test takes: QVNALU_TEST_ROUNDS, or a number that goes along with every run of the tests.
+// The number of buffers of a test: QVNALU_TEST_ROUNDS, or a default that suits every run of the tests.
 inline int rounds() {
     const char* const text = std::getenv("QVNALU_TEST_ROUNDS");
     return text != nullptr ? std::atoi(text) : 4000;

@@ -22,8 +22,7 @@ std::string formatted(const char* format, va_list arguments) {
     return text;
 }
 
-// The one text that comes without a value for its "%d". Formatting it would read an argument that was never
-// passed.
+// The one text that has no argument for its "%d". Formatting it would read an argument that was not passed.
 constexpr const char* kPlainText =
     "parserAvcBufferingPeriod: non-existing SPS %d referenced in buffering period.\n";
 
@@ -134,7 +133,7 @@ extern "C" QVSeiInfo* createQVSeiInfo(uint32_t itemCount) {
     }
     const int64_t reported = core().reportedItemCount;
     const uint32_t count = reported >= 0 ? static_cast<uint32_t>(reported) : itemCount;
-    // Room for the entries that the description reports and no more: a write beyond is for the sanitizer.
+    // Room for exactly the entries that the description reports: the sanitizer finds a write beyond them.
     auto* const info = new QVSeiInfo{count, new QVSeiItem[count]()};
     ++core().liveSeiInfos;
     return info;

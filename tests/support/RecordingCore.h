@@ -58,25 +58,25 @@ struct RecordingCore {
     // Side data.
     bool failCreateSeiInfo = false;
     std::vector<uint32_t> createdSeiInfos;  // the counts asked for
-    int64_t reportedItemCount = -1;         // what the description says instead, when not negative
-    std::vector<QVSeiItem> describedItems;  // the entries as they were handed to the serialiser
+    int64_t reportedItemCount = -1;         // the count in the description instead, when not negative
+    std::vector<QVSeiItem> describedItems;  // the entries as passed to the serialiser
     unsigned char* sideData = nullptr;      // what the serialiser returns
     int sideDataSize = 0;                   // and the size it stores
     int liveSeiInfos = 0;
 
-    // HDR Vivid hand-off.
+    // Calls of the HDR Vivid parser.
     int vividStatus = 0;
     std::vector<std::pair<const QVSeiItem*, QVHDRVividDynamicMetadata*>> vividCalls;
 
     bool throwFromLog = false;
-    std::function<void(const LogLine&)> onLog;  // looks on while a line is logged
+    std::function<void(const LogLine&)> onLog;  // called for each line that is logged
 };
 
 struct LogFailure {};
 
 RecordingCore& core();
 
-// Releases a block that qvMalloc or qvMallocz handed out and forgets it.
+// Releases a block of qvMalloc or qvMallocz.
 void releaseBlock(void* block);
 
 // Starts each test with an empty core and fails it when player memory or a description is left over.

@@ -10,7 +10,7 @@ constexpr int kInvalidData = 11000012;
 constexpr uint32_t kAvc = 26;
 constexpr uint32_t kHevc = 172;
 
-// True when data holds pattern at position and at least one byte behind it.
+// True when data holds pattern at position and at least one byte after it.
 bool startCodeAt(const Bytes& data, size_t position, const Bytes& pattern) {
     if (position + pattern.size() >= data.size()) {
         return false;

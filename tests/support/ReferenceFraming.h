@@ -1,5 +1,5 @@
-// NAL unit framing, written down step by step as the contract tells it: slow, obvious, on copies, and sharing
-// no code with the library.
+// NAL unit framing, written step by step as documented: slow, obvious, on copies, and sharing no code with
+// the library.
 #ifndef QV_TESTS_REFERENCEFRAMING_H
 #define QV_TESTS_REFERENCEFRAMING_H
 
@@ -18,13 +18,13 @@ using NalIndexList = std::vector<std::pair<int, int>>;
 
 bool referenceIsAnnexB(const Bytes& data);
 
-// Appends to nalus and closes what stood last in it, as the library's scan does. Returns the result code.
+// Appends to nalus and closes its last pair first, as the library's scan does. Returns the result code.
 int referenceAnnexBScan(const Bytes& data, NalIndexList& nalus);
 
 struct ReferenceLengthScan {
     NalIndexList nalus;
     bool isTruncated = false;    // a length ran past the end: one line, one dump
-    int32_t badLength = 0;       // and what the line tells about it
+    int32_t badLength = 0;       // and what the log line reports
     int64_t avaliableBytes = 0;  // likewise
 };
 
@@ -36,10 +36,10 @@ std::vector<QVNaluParser::NaluInfo> referenceTyping(const Bytes& data, const Nal
 
 bool referenceIsKeyFrame(uint32_t codec, const Bytes& data);
 
-// The offsets of the first bytes that key-frame detection looks at until the data ends.
+// The offsets of the first bytes that key-frame detection types until the data ends.
 std::vector<size_t> referenceKeyFrameOffsets(const Bytes& data);
 
-// out is left alone on failure.
+// out is unchanged on failure.
 int referenceAnnexBToLengths(const Bytes& data, Bytes& out);
 
 // out is emptied on failure.

@@ -1,4 +1,4 @@
-// What fuzzing begins with: inputs for each target, from the builders of the tests and from real streams.
+// The seeds of fuzzing: inputs for each target, from the builders of the tests and from real streams.
 #ifndef QV_TESTS_SEEDCORPUS_H
 #define QV_TESTS_SEEDCORPUS_H
 
@@ -14,7 +14,7 @@ struct Seed {
     Bytes bytes;
 };
 
-// Parameter sets, messages and small samples as the builders make them.
+// Parameter sets, messages and small samples from the builders.
 std::vector<Seed> builtSeeds();
 
 // A byte stream as a whole, and its units.

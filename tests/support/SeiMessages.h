@@ -20,11 +20,11 @@ SeiMessage seiMessage(unsigned payloadType, const Bytes& payload);
 // payloadType and payloadSize as ff_bytes and a last byte each.
 Bytes seiHeader(unsigned payloadType, unsigned payloadSize);
 
-// The messages, one behind the other, without trailing bits and without emulation prevention.
+// The messages in sequence, without trailing bits and without emulation prevention.
 Bytes seiMessages(const std::vector<SeiMessage>& messages);
 
-// What stands behind the NAL unit header of an SEI unit: the messages and rbsp_trailing_bits(), with
-// emulation prevention.
+// The bytes of an SEI unit after the NAL unit header: the messages and rbsp_trailing_bits(), with emulation
+// prevention.
 Bytes seiUnit(const std::vector<SeiMessage>& messages);
 
 Bytes operator+(const Bytes& a, const Bytes& b);

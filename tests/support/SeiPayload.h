@@ -1,5 +1,5 @@
-// What the tests of the SEI payload parsers have in common: streams over payloads, and records whose
-// untouched fields stay recognisable.
+// The common part of the tests of the SEI payload parsers: streams over payloads, and records in which
+// unwritten fields are recognisable.
 #ifndef QV_TESTS_SEIPAYLOAD_H
 #define QV_TESTS_SEIPAYLOAD_H
 
@@ -27,7 +27,7 @@ Bytes bytesOf(const Record& record) {
     return bytes;
 }
 
-// A record of bytes A5: what is not written stays recognisable.
+// A record of bytes A5: unwritten fields are recognisable.
 template <class Record>
 Record patternRecord() {
     static_assert(std::is_trivially_copyable<Record>::value, "filled as bytes");
@@ -36,13 +36,13 @@ Record patternRecord() {
     return record;
 }
 
-// Where the RBSP cursor stands in these tests, in mid-byte: none of the parsers moves it.
+// The RBSP cursor of these tests, inside a byte: none of the parsers moves it.
 constexpr unsigned kRbspMark = 3;
 
-// The plain cursor that many bits behind the start of the data.
+// The plain cursor after that many bits of the data.
 Cursor atBit(uint64_t bits);
 
-// A reader over an exact-size copy of bytes, standing startBit bits behind the start.
+// A reader over an exact-size copy of bytes, startBit bits after the start.
 class PayloadStream : public SeiStream {
 public:
     explicit PayloadStream(const Bytes& bytes, uint64_t startBit = 0) : SeiStream(bytes, atBit(startBit)) {}
@@ -50,7 +50,7 @@ public:
         : PayloadStream(payload.bytes(), startBit) {}
 };
 
-// A reader of so many bytes that has no buffer for them.
+// A reader of size bytes without a buffer.
 class BufferlessStream : public QVByteStream {
 public:
     explicit BufferlessStream(uint64_t byteCount) {

@@ -25,12 +25,12 @@ struct KeptItem {
 bool operator==(const KeptItem& a, const KeptItem& b);
 std::ostream& operator<<(std::ostream& out, const KeptItem& item);
 
-// Reads payloadSize bytes of the payload, all of them the item's own.
+// Reads payloadSize bytes of the payload, all of which must be inside the item's block.
 KeptItem keptItem(const QVSeiItem& item);
 
 int sizeOf(const Bytes& bytes);
 
-// Where a reader stands.
+// The cursors of a reader.
 struct Cursor {
     uint64_t bytePos;
     unsigned bitOffset;

@@ -1,5 +1,5 @@
-// The two things that are done with the elements of a syntax table, in the table's order: write them, or find
-// the values that are left of them when the data ends early.
+// The two uses of the elements of a syntax table, in the table's order: write them, or find the values that
+// remain of them when the data ends early.
 #ifndef QV_TESTS_SYNTAXELEMENTS_H
 #define QV_TESTS_SYNTAXELEMENTS_H
 
@@ -14,7 +14,7 @@ namespace qv_test {
 // "name[index]"
 std::string indexed(const std::string& name, size_t index);
 
-// The position of the element, which is in the writer, and of the one behind it.
+// The position of the element, which is in the writer, and of the one after it.
 size_t startOf(const BitWriter& syntax, const std::string& element);
 size_t endOf(const BitWriter& syntax, const std::string& element);
 
@@ -34,8 +34,8 @@ private:
     BitWriter out_;
 };
 
-// Leaves the first bitCount bits alone. Behind them every bit is 0, and an Exp-Golomb code whose 1 bit stands
-// there is the value 0.
+// Keeps the first bitCount bits. Every later bit is 0, and an Exp-Golomb code whose 1 bit is later has the
+// value 0.
 class ElementCutter {
 public:
     explicit ElementCutter(size_t bitCount) : bitsLeft_(bitCount) {}

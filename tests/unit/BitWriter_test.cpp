@@ -50,7 +50,7 @@ TEST(BitWriter, cutsAtAnyBit) {
     EXPECT_EQ(out.bytesCutAt(9), (Bytes{0xFF, 0x80}));
 }
 
-TEST(BitWriter, namesWhereEachElementStands) {
+TEST(BitWriter, namesThePositionOfEachElement) {
     BitWriter out;
     out.u(8, "profile_idc", 100).ue("seq_parameter_set_id", 1);
     EXPECT_EQ(out.map(), "0 +8 profile_idc = 100\n8 +3 seq_parameter_set_id = 1\n");

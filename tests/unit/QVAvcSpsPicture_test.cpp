@@ -26,7 +26,7 @@ const char* const kMbOverflow = "parseAvcCDecoderSps, mb_width/height overflow\n
 
 TEST_F(QVAvcSpsMbSize, lastAcceptedWidth) {
     ASSERT_TRUE(parse(avcSps([](AvcSpsSyntax& s) { s.pic_width_in_mbs_minus1 = 134217725; })));
-    QVAvcSps record = avcSpsBehind(Step::Vui);
+    QVAvcSps record = avcSpsAfter(Step::Vui);
     record.mb_width = 134217726;
     record.width = 2147483616;
     expectOutcome(record, {avcSummary("sps:0 profile:66/10 poc:0 ref:0 134217726x1 FRM  crop:0/0/0/0  420")});
@@ -34,7 +34,7 @@ TEST_F(QVAvcSpsMbSize, lastAcceptedWidth) {
 
 TEST_F(QVAvcSpsMbSize, lastAcceptedHeight) {
     ASSERT_TRUE(parse(avcSps([](AvcSpsSyntax& s) { s.pic_height_in_map_units_minus1 = 134217725; })));
-    QVAvcSps record = avcSpsBehind(Step::Vui);
+    QVAvcSps record = avcSpsAfter(Step::Vui);
     record.mb_height = 134217726;
     record.height = 2147483616;
     expectOutcome(record, {avcSummary("sps:0 profile:66/10 poc:0 ref:0 1x134217726 FRM  crop:0/0/0/0  420")});
@@ -45,7 +45,7 @@ TEST_F(QVAvcSpsMbSize, fieldHeightWraps) {
         s.pic_height_in_map_units_minus1 = 134217725;
         s.frame_mbs_only_flag = 0;
     })));
-    QVAvcSps record = avcSpsBehind(Step::Vui);
+    QVAvcSps record = avcSpsAfter(Step::Vui);
     record.mb_height = 134217726;
     record.frame_mbs_only_flag = 0;
     record.height = -64;  // 2^32 - 64
@@ -77,7 +77,7 @@ TEST_F(QVAvcSpsMbSize, firstRejectedAndBeyondAreStoredAndFail) {
         });
         SCOPED_TRACE(syntax.map());
         EXPECT_FALSE(parse(syntax));
-        QVAvcSps record = avcSpsBehind(Step::RefFrames);
+        QVAvcSps record = avcSpsAfter(Step::RefFrames);
         record.gaps_in_frame_num_allowed_flag = 1;
         record.mb_width = c.width;
         record.mb_height = c.height;
@@ -109,7 +109,7 @@ TEST_F(QVAvcSpsFrameCoding, everyCombination) {
             s.mb_adaptive_frame_field_flag = c.mbaff;
             s.direct_8x8_inference_flag = c.direct8x8;
         })));
-        QVAvcSps record = avcSpsBehind(Step::Vui);
+        QVAvcSps record = avcSpsAfter(Step::Vui);
         record.frame_mbs_only_flag = static_cast<int32_t>(c.frameMbsOnly);
         record.mb_aff = static_cast<int32_t>(c.mbaff);
         record.direct_8x8_inference_flag = static_cast<int32_t>(c.direct8x8);
@@ -135,7 +135,7 @@ TEST_F(QVAvcSpsCrop, fullHdCarriesACropOfEightLines) {
         s.frame_cropping_flag = 1;
         s.frame_crop_bottom_offset = 4;
     })));
-    QVAvcSps record = avcSpsBehind(Step::Vui);
+    QVAvcSps record = avcSpsAfter(Step::Vui);
     record.mb_width = 120;
     record.mb_height = 68;
     record.crop = 1;
@@ -171,7 +171,7 @@ TEST_F(QVAvcSpsCrop, unitsOfEveryChromaFormatAndFrameCoding) {
             s.frame_crop_top_offset = 3;
             s.frame_crop_bottom_offset = 4;
         })));
-        QVAvcSps record = highAvcSpsBehind(Step::Vui);
+        QVAvcSps record = highAvcSpsAfter(Step::Vui);
         record.chroma_format_idc = static_cast<int32_t>(c.chromaFormat);
         if (c.chromaFormat == 3) {
             record.residual_color_transform_flag = 0;
@@ -193,7 +193,7 @@ TEST_F(QVAvcSpsCrop, unitsOfEveryChromaFormatAndFrameCoding) {
 
 TEST_F(QVAvcSpsCrop, aCropOfNothingIsStillNoticed) {
     ASSERT_TRUE(parse(avcSps([](AvcSpsSyntax& s) { s.frame_cropping_flag = 1; })));
-    QVAvcSps record = avcSpsBehind(Step::Vui);
+    QVAvcSps record = avcSpsAfter(Step::Vui);
     record.crop = 1;
     expectOutcome(record, {avcCropNotice("l:0 r:0 t:0 b:0"), avcSummary(kMinimalSummary)});
 }
@@ -226,7 +226,7 @@ TEST_F(QVAvcSpsCrop, D10_anOversizeCropIsNotCheckedAndWraps) {
             s.frame_crop_top_offset = c.top;
             s.frame_crop_bottom_offset = c.bottom;
         })));
-        QVAvcSps record = avcSpsBehind(Step::Vui);
+        QVAvcSps record = avcSpsAfter(Step::Vui);
         record.crop = 1;
         record.crop_left = static_cast<int32_t>(c.left);
         record.crop_right = static_cast<int32_t>(c.right);

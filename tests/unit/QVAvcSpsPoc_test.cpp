@@ -26,7 +26,7 @@ TEST_F(QVAvcSpsFrameNum, upTo12) {
     for (uint32_t minus4 = 0; minus4 <= 12; ++minus4) {
         SCOPED_TRACE(minus4);
         ASSERT_TRUE(parse(avcSps([&](AvcSpsSyntax& s) { s.log2_max_frame_num_minus4 = minus4; })));
-        QVAvcSps record = avcSpsBehind(Step::Vui);
+        QVAvcSps record = avcSpsAfter(Step::Vui);
         record.log2_max_frame_num = static_cast<int32_t>(minus4) + 4;
         expectOutcome(record, {avcSummary(kMinimalSummary)});
     }
@@ -41,7 +41,7 @@ TEST_F(QVAvcSpsFrameNum, beyond12IsNotStored) {
             avcSps([&, v = minus4](AvcSpsSyntax& s) { s.log2_max_frame_num_minus4 = v; });
         EXPECT_FALSE(parse(syntax));
         expectOutcome(
-            avcSpsBehind(Step::Profile),
+            avcSpsAfter(Step::Profile),
             {avcError("parseAvcSps",
                       std::string("parseAvcCDecoderSps, log2MaxFrameNumMinus4 out of range (0-12): ") +
                           printed + "\n")});
@@ -57,7 +57,7 @@ TEST_F(QVAvcSpsPoc, type0LsbUpTo12) {
     for (uint32_t minus4 = 0; minus4 <= 12; ++minus4) {
         SCOPED_TRACE(minus4);
         ASSERT_TRUE(parse(avcSps([&](AvcSpsSyntax& s) { s.log2_max_pic_order_cnt_lsb_minus4 = minus4; })));
-        QVAvcSps record = avcSpsBehind(Step::Vui);
+        QVAvcSps record = avcSpsAfter(Step::Vui);
         record.log2_max_poc_lsb = static_cast<int32_t>(minus4) + 4;
         expectOutcome(record, {avcSummary(kMinimalSummary)});
     }
@@ -70,7 +70,7 @@ TEST_F(QVAvcSpsPoc, type0LsbBeyond12IsNotStored) {
         SCOPED_TRACE(minus4);
         EXPECT_FALSE(
             parse(avcSps([v = minus4](AvcSpsSyntax& s) { s.log2_max_pic_order_cnt_lsb_minus4 = v; })));
-        QVAvcSps record = avcSpsBehind(Step::FrameNum);
+        QVAvcSps record = avcSpsAfter(Step::FrameNum);
         record.poc_type = 0;
         expectOutcome(record, {avcError("parseAvcSpsForPoc",
                                         std::string("parseAvcCDecoderSps, logMmaxPocLsb is out of range : ") +
@@ -93,7 +93,7 @@ const char* const kPocType1Summary = "sps:0 profile:66/10 poc:1 ref:0 1x1 FRM  c
 
 TEST_F(QVAvcSpsPoc, type1WithoutACycle) {
     ASSERT_TRUE(parse(avcSps([](AvcSpsSyntax& s) { s.pic_order_cnt_type = 1; })));
-    expectOutcome(withPocType1(avcSpsBehind(Step::Vui), 0), {avcSummary(kPocType1Summary)});
+    expectOutcome(withPocType1(avcSpsAfter(Step::Vui), 0), {avcSummary(kPocType1Summary)});
 }
 
 TEST_F(QVAvcSpsPoc, type1OffsetsAreSigned32Bits) {
@@ -105,7 +105,7 @@ TEST_F(QVAvcSpsPoc, type1OffsetsAreSigned32Bits) {
             s.offset_for_non_ref_pic = offset;
             s.offset_for_top_to_bottom_field = -offset;
         })));
-        QVAvcSps record = withPocType1(avcSpsBehind(Step::Vui), 0);
+        QVAvcSps record = withPocType1(avcSpsAfter(Step::Vui), 0);
         record.delta_pic_order_always_zero_flag = 1;
         record.offset_for_non_ref_pic = offset;
         record.offset_for_top_to_bottom_field = -offset;
@@ -121,7 +121,7 @@ TEST_F(QVAvcSpsPoc, type1CycleOf255) {
             s.offset_for_ref_frame.push_back(i - 127);
         }
     })));
-    QVAvcSps record = withPocType1(avcSpsBehind(Step::Vui), 255);
+    QVAvcSps record = withPocType1(avcSpsAfter(Step::Vui), 255);
     for (int i = 0; i < 255; ++i) {
         record.offset_for_ref_frame[i] = static_cast<int8_t>(i - 127);
     }
@@ -138,7 +138,7 @@ TEST_F(QVAvcSpsPoc, type1CycleBeyond255IsStoredAndFails) {
             s.num_ref_frames_in_pic_order_cnt_cycle = v;
         });
         EXPECT_FALSE(parse(syntax));
-        expectOutcome(withPocType1(avcSpsBehind(Step::FrameNum), stored),
+        expectOutcome(withPocType1(avcSpsAfter(Step::FrameNum), stored),
                       {avcError("parseAvcSpsForPoc", "parseAvcCDecoderSps, pocCycleLength overflow : " +
                                                          std::to_string(stored) + "\n")});
         EXPECT_EQ(cursor(), endOf(syntax, "num_ref_frames_in_pic_order_cnt_cycle"));
@@ -156,7 +156,7 @@ TEST_F(QVAvcSpsPoc, D08_offsetForRefFrameKeepsEightBits) {
             s.offset_for_ref_frame.push_back(offset.first);
         }
     })));
-    QVAvcSps record = withPocType1(avcSpsBehind(Step::Vui), std::size(cases));
+    QVAvcSps record = withPocType1(avcSpsAfter(Step::Vui), std::size(cases));
     for (size_t i = 0; i < std::size(cases); ++i) {
         record.offset_for_ref_frame[i] = cases[i].second;
     }
@@ -165,7 +165,7 @@ TEST_F(QVAvcSpsPoc, D08_offsetForRefFrameKeepsEightBits) {
 
 TEST_F(QVAvcSpsPoc, type2HasNothingMore) {
     ASSERT_TRUE(parse(avcSps([](AvcSpsSyntax& s) { s.pic_order_cnt_type = 2; })));
-    QVAvcSps record = avcSpsBehind(Step::Vui);
+    QVAvcSps record = avcSpsAfter(Step::Vui);
     record.poc_type = 2;
     record.log2_max_poc_lsb = patternAvcSps().log2_max_poc_lsb;
     expectOutcome(record, {avcSummary("sps:0 profile:66/10 poc:2 ref:0 1x1 FRM  crop:0/0/0/0  420")});
@@ -177,7 +177,7 @@ TEST_F(QVAvcSpsPoc, otherTypesAreStoredAndFail) {
     for (const auto& [type, stored] : cases) {
         SCOPED_TRACE(type);
         EXPECT_FALSE(parse(avcSps([v = type](AvcSpsSyntax& s) { s.pic_order_cnt_type = v; })));
-        QVAvcSps record = avcSpsBehind(Step::FrameNum);
+        QVAvcSps record = avcSpsAfter(Step::FrameNum);
         record.poc_type = stored;
         expectOutcome(record, {avcError("parseAvcSpsForPoc", "parseAvcCDecoderSps, illegal POC type : " +
                                                                  std::to_string(stored) + "\n")});
@@ -192,7 +192,7 @@ TEST_F(QVAvcSpsRefFrames, upTo16) {
     for (uint32_t count = 0; count <= 16; ++count) {
         SCOPED_TRACE(count);
         ASSERT_TRUE(parse(avcSps([&](AvcSpsSyntax& s) { s.max_num_ref_frames = count; })));
-        QVAvcSps record = avcSpsBehind(Step::Vui);
+        QVAvcSps record = avcSpsAfter(Step::Vui);
         record.ref_frame_count = static_cast<int32_t>(count);
         expectOutcome(record, {avcSummary("sps:0 profile:66/10 poc:0 ref:" + std::to_string(count) +
                                           " 1x1 FRM  crop:0/0/0/0  420")});
@@ -206,7 +206,7 @@ TEST_F(QVAvcSpsRefFrames, beyond16IsStoredAndFails) {
         SCOPED_TRACE(count);
         const BitWriter syntax = avcSps([v = count](AvcSpsSyntax& s) { s.max_num_ref_frames = v; });
         EXPECT_FALSE(parse(syntax));
-        QVAvcSps record = avcSpsBehind(Step::Poc);
+        QVAvcSps record = avcSpsAfter(Step::Poc);
         record.ref_frame_count = stored;
         expectOutcome(record, {avcError("parseAvcSps", "parseAvcCDecoderSps, too many reference frames : " +
                                                            std::to_string(stored) + "\n")});
@@ -216,7 +216,7 @@ TEST_F(QVAvcSpsRefFrames, beyond16IsStoredAndFails) {
 
 TEST_F(QVAvcSpsRefFrames, gapsFlag) {
     ASSERT_TRUE(parse(avcSps([](AvcSpsSyntax& s) { s.gaps_in_frame_num_value_allowed_flag = 1; })));
-    QVAvcSps record = avcSpsBehind(Step::Vui);
+    QVAvcSps record = avcSpsAfter(Step::Vui);
     record.gaps_in_frame_num_allowed_flag = 1;
     expectOutcome(record, {avcSummary(kMinimalSummary)});
 }

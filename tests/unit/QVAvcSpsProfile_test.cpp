@@ -40,7 +40,7 @@ TEST_F(QVAvcSpsProfileList, all256Profiles) {
             s.bit_depth_luma_minus8 = s.bit_depth_chroma_minus8 = 2;
             s.qpprime_y_zero_transform_bypass_flag = 1;
         })));
-        QVAvcSps record = avcSpsBehind(Step::Vui);
+        QVAvcSps record = avcSpsAfter(Step::Vui);
         record.profile_idc = static_cast<int32_t>(profile);
         if (isListed) {
             record.chroma_format_idc = 2;
@@ -58,7 +58,7 @@ TEST_F(QVAvcSpsProfileList, D07_profiles134And135And139AreReadWithoutChromaSynta
     for (const uint32_t profile : {134U, 135U, 139U}) {
         SCOPED_TRACE(profile);
         ASSERT_TRUE(parse(highAvcSps([&](AvcSpsSyntax& s) { s.profile_idc = profile; })));
-        QVAvcSps record = avcSpsBehind(Step::Vui);
+        QVAvcSps record = avcSpsAfter(Step::Vui);
         record.profile_idc = static_cast<int32_t>(profile);
         record.log2_max_frame_num = 5;  // 010
         record.poc_type = 0;            // 1
@@ -86,7 +86,7 @@ TEST_F(QVAvcSpsChroma, formats0To3) {
     for (uint32_t format = 0; format < 4; ++format) {
         SCOPED_TRACE(names[format]);
         ASSERT_TRUE(parse(highAvcSps([&](AvcSpsSyntax& s) { s.chroma_format_idc = format; })));
-        QVAvcSps record = highAvcSpsBehind(Step::Vui);
+        QVAvcSps record = highAvcSpsAfter(Step::Vui);
         record.chroma_format_idc = static_cast<int32_t>(format);
         if (format == 3) {
             record.residual_color_transform_flag = 0;
@@ -102,7 +102,7 @@ TEST_F(QVAvcSpsChroma, format4AndBeyondIsStoredAndFails) {
         SCOPED_TRACE(format);
         const BitWriter syntax = highAvcSps([v = format](AvcSpsSyntax& s) { s.chroma_format_idc = v; });
         EXPECT_FALSE(parse(syntax));
-        QVAvcSps record = highAvcSpsBehind(Step::Head);
+        QVAvcSps record = highAvcSpsAfter(Step::Head);
         record.chroma_format_idc = stored;
         expectOutcome(
             record, {avcError(kStep, "parseAvcCDecoderSps, chroma_format_idc : " + std::to_string(format))});
@@ -117,7 +117,7 @@ TEST_F(QVAvcSpsChroma, D11_separateColourPlanesAreRefused) {
         s.separate_colour_plane_flag = 1;
     });
     EXPECT_FALSE(parse(syntax));
-    QVAvcSps record = avcSpsBehind(Step::Head);
+    QVAvcSps record = avcSpsAfter(Step::Head);
     record.profile_idc = 244;
     record.chroma_format_idc = 3;
     record.residual_color_transform_flag = 1;
@@ -126,7 +126,7 @@ TEST_F(QVAvcSpsChroma, D11_separateColourPlanesAreRefused) {
     EXPECT_EQ(cursor(), endOf(syntax, "separate_colour_plane_flag"));
 }
 
-TEST_F(QVAvcSpsChroma, aPlaneFlagBehindTheEndIs0) {
+TEST_F(QVAvcSpsChroma, aPlaneFlagPastTheEndIs0) {
     // With an identifier of three bits, chroma_format_idc ends at a byte boundary.
     const BitWriter syntax = highAvcSps([](AvcSpsSyntax& s) {
         s.seq_parameter_set_id = 1;
@@ -134,7 +134,7 @@ TEST_F(QVAvcSpsChroma, aPlaneFlagBehindTheEndIs0) {
     });
     ASSERT_EQ(startOf(syntax, "separate_colour_plane_flag"), 40U);
     ASSERT_TRUE(parse(syntax.bytesCutAt(40)));
-    QVAvcSps record = highAvcSpsBehind(Step::Vui);
+    QVAvcSps record = highAvcSpsAfter(Step::Vui);
     record.sps_id = 1;
     record.chroma_format_idc = 3;
     record.residual_color_transform_flag = 0;
@@ -155,7 +155,7 @@ protected:
     }
 
     static QVAvcSps refused(int32_t luma, int32_t chroma) {
-        QVAvcSps record = highAvcSpsBehind(Step::Head);
+        QVAvcSps record = highAvcSpsAfter(Step::Head);
         record.chroma_format_idc = 1;
         record.bit_depth_luma = luma;
         record.bit_depth_chroma = chroma;
@@ -167,7 +167,7 @@ TEST_F(QVAvcSpsBitDepth, from8To14) {
     for (uint32_t minus8 = 0; minus8 <= 6; ++minus8) {
         SCOPED_TRACE(minus8);
         ASSERT_TRUE(parseDepths(minus8, minus8));
-        QVAvcSps record = highAvcSpsBehind(Step::Vui);
+        QVAvcSps record = highAvcSpsAfter(Step::Vui);
         record.bit_depth_luma = record.bit_depth_chroma = static_cast<int32_t>(minus8) + 8;
         expectOutcome(record, {summaryOf("100", "420")});
     }
@@ -191,7 +191,7 @@ TEST_F(QVAvcSpsBitDepth, aSumThatWrapsBelow15IsAccepted) {
     for (const auto& [minus8, stored] : cases) {
         SCOPED_TRACE(minus8);
         ASSERT_TRUE(parseDepths(minus8, minus8));
-        QVAvcSps record = highAvcSpsBehind(Step::Vui);
+        QVAvcSps record = highAvcSpsAfter(Step::Vui);
         record.bit_depth_luma = record.bit_depth_chroma = stored;
         expectOutcome(record, {summaryOf("100", "420")});
     }
@@ -220,7 +220,7 @@ TEST_F(QVAvcSpsBypass, flag) {
         SCOPED_TRACE(flag);
         ASSERT_TRUE(
             parse(highAvcSps([&](AvcSpsSyntax& s) { s.qpprime_y_zero_transform_bypass_flag = flag; })));
-        QVAvcSps record = highAvcSpsBehind(Step::Vui);
+        QVAvcSps record = highAvcSpsAfter(Step::Vui);
         record.transform_bypass = static_cast<int32_t>(flag);
         expectOutcome(record, {summaryOf("100", "420")});
     }

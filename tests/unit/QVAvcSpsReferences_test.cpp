@@ -77,7 +77,7 @@ TEST_F(QVAvcSpsReferences, throwFromTheHead) {
 }
 
 TEST_F(QVAvcSpsReferences, throwFromTheProfileStep) {
-    QVAvcSps record = highAvcSpsBehind(Step::Head);
+    QVAvcSps record = highAvcSpsAfter(Step::Head);
     record.chroma_format_idc = 4;
     expectThrow(highAvcSps([](AvcSpsSyntax& s) { s.chroma_format_idc = 4; }), record,
                 avcError("parseAvcSpsForProfile", "parseAvcCDecoderSps, chroma_format_idc : 4"));
@@ -92,7 +92,7 @@ TEST_F(QVAvcSpsReferences, throwFromTheProfileStep) {
         record,
         avcError("parseAvcSpsForProfile", "parseAvcCDecoderSps, separate color planes are not supported\n"));
 
-    record = highAvcSpsBehind(Step::Head);
+    record = highAvcSpsAfter(Step::Head);
     record.chroma_format_idc = 1;
     record.bit_depth_luma = 9;
     record.bit_depth_chroma = 8;
@@ -111,18 +111,18 @@ TEST_F(QVAvcSpsReferences, throwFromAScalingList) {
                     s.seq_scaling_matrix_present_flag = 1;
                     s.scalingLists[0] = {1, {128}};
                 }),
-                highAvcSpsBehind(Step::Profile),
+                highAvcSpsAfter(Step::Profile),
                 avcError("parseScalingList", "parse_scaling_list, delta scale 128 is invalid\n"));
 }
 
 TEST_F(QVAvcSpsReferences, throwFromTheFrameNumber) {
     expectThrow(
-        avcSps([](AvcSpsSyntax& s) { s.log2_max_frame_num_minus4 = 13; }), avcSpsBehind(Step::Profile),
+        avcSps([](AvcSpsSyntax& s) { s.log2_max_frame_num_minus4 = 13; }), avcSpsAfter(Step::Profile),
         avcError("parseAvcSps", "parseAvcCDecoderSps, log2MaxFrameNumMinus4 out of range (0-12): 13\n"));
 }
 
 TEST_F(QVAvcSpsReferences, throwFromThePocStep) {
-    QVAvcSps record = avcSpsBehind(Step::FrameNum);
+    QVAvcSps record = avcSpsAfter(Step::FrameNum);
     record.poc_type = 0;
     expectThrow(avcSps([](AvcSpsSyntax& s) { s.log2_max_pic_order_cnt_lsb_minus4 = 13; }), record,
                 avcError("parseAvcSpsForPoc", "parseAvcCDecoderSps, logMmaxPocLsb is out of range : 13 \n"));
@@ -145,17 +145,17 @@ TEST_F(QVAvcSpsReferences, throwFromThePocStep) {
 }
 
 TEST_F(QVAvcSpsReferences, throwFromTheRest) {
-    QVAvcSps record = avcSpsBehind(Step::Poc);
+    QVAvcSps record = avcSpsAfter(Step::Poc);
     record.ref_frame_count = 17;
     expectThrow(avcSps([](AvcSpsSyntax& s) { s.max_num_ref_frames = 17; }), record,
                 avcError("parseAvcSps", "parseAvcCDecoderSps, too many reference frames : 17\n"));
 
-    record = avcSpsBehind(Step::MbSize);
+    record = avcSpsAfter(Step::MbSize);
     record.mb_width = 134217727;
     expectThrow(avcSps([](AvcSpsSyntax& s) { s.pic_width_in_mbs_minus1 = 134217726; }), record,
                 avcError("parseAvcSps", "parseAvcCDecoderSps, mb_width/height overflow\n"));
 
-    record = avcSpsBehind(Step::FrameCoding);
+    record = avcSpsAfter(Step::FrameCoding);
     record.frame_mbs_only_flag = 0;
     record.mb_aff = 1;
     record.direct_8x8_inference_flag = 1;
@@ -168,12 +168,12 @@ TEST_F(QVAvcSpsReferences, throwFromTheRest) {
                 avcError("parseAvcSps",
                          "parseAvcCDecoderSps, MBAFF support not included, enable it at compile-time.\n"));
 
-    expectThrow(avcSps(), avcSpsBehind(Step::Vui),
+    expectThrow(avcSps(), avcSpsAfter(Step::Vui),
                 avcSummary("sps:0 profile:66/10 poc:0 ref:0 1x1 FRM  crop:0/0/0/0  420"));
 }
 
 TEST_F(QVAvcSpsReferences, throwFromTheCropStep) {
-    QVAvcSps record = avcSpsBehind(Step::FrameCoding);
+    QVAvcSps record = avcSpsAfter(Step::FrameCoding);
     record.crop = 1;
     record.crop_left = 1;
     record.crop_right = 2;

@@ -111,7 +111,7 @@ protected:
 
     // Returns the record that syntaxWithLists() gives if every list is flat.
     static QVAvcSps recordOf(uint32_t chroma_format_idc) {
-        QVAvcSps record = highAvcSpsBehind(AvcSpsStep::Vui);
+        QVAvcSps record = highAvcSpsAfter(AvcSpsStep::Vui);
         record.chroma_format_idc = static_cast<int32_t>(chroma_format_idc);
         if (chroma_format_idc == 3) {
             record.residual_color_transform_flag = 0;
@@ -376,7 +376,7 @@ TEST_F(QVAvcSpsScaling, D09_invalidInEveryList) {
     expectParsed(s, recordOf(3), lines);
 }
 
-TEST_F(QVAvcSpsScaling, D09_aListOfItsOwnBehindAnInvalidOne) {
+TEST_F(QVAvcSpsScaling, D09_aListThatIsPresentAfterAnInvalidOne) {
     AvcSpsSyntax s = syntaxWithLists(1);
     s.scalingLists[0] = {1, {1, 1, -129}};
     s.scalingLists[1] = {1, std::vector<int32_t>(16, 2)};
@@ -396,7 +396,7 @@ TEST_F(QVAvcSpsScaling, aThrowingLogLeavesTheListsSoFar) {
     stream = std::make_shared<QVByteStream>(bytes.data(), bytes.size());
     EXPECT_THROW(parseAvcSps(&sps, stream), LogFailure);
 
-    QVAvcSps record = highAvcSpsBehind(AvcSpsStep::Profile);
+    QVAvcSps record = highAvcSpsAfter(AvcSpsStep::Profile);
     record.chroma_format_idc = 3;
     record.residual_color_transform_flag = 0;
     for (size_t list = 0; list < 7; ++list) {

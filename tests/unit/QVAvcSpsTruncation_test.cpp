@@ -20,7 +20,7 @@ using Step = AvcSpsStep;
 
 // Returns the record of a parameter set of zero bits: every element is 0, so the picture is coded in fields.
 QVAvcSps recordOfZeroBits() {
-    QVAvcSps record = avcSpsBehind(Step::Vui);
+    QVAvcSps record = avcSpsAfter(Step::Vui);
     record.profile_idc = 0;
     record.level_idc = 0;
     record.frame_mbs_only_flag = 0;
@@ -147,7 +147,7 @@ TEST_F(QVAvcSpsShort, theHeaderByteAlone) {
     EXPECT_EQ(cursor(), 8U + 2 + 7);
 }
 
-TEST_F(QVAvcSpsShort, aStreamThatStandsAtItsEnd) {
+TEST_F(QVAvcSpsShort, aStreamAtItsEnd) {
     const Bytes bytes = {0xFF, 0xFF};
     stream = std::make_shared<QVByteStream>(bytes.data(), bytes.size());
     stream->skipBytes(2);
@@ -158,7 +158,7 @@ TEST_F(QVAvcSpsShort, aStreamThatStandsAtItsEnd) {
 
 // Offsets from 8 on occur only if the caller sets them. Such an offset counts as one byte and the remaining
 // bits when the header is skipped.
-TEST_F(QVAvcSpsShort, cutAtEveryByteBehindABitOffset) {
+TEST_F(QVAvcSpsShort, cutAtEveryByteAfterABitOffset) {
     for (unsigned bitOffset = 1; bitOffset < 16; ++bitOffset) {
         SCOPED_TRACE(bitOffset);
         const BitWriter unit = avcSps();
@@ -296,7 +296,7 @@ BitWriter withThreeBytePattern() {
 }
 
 QVAvcSps recordOfThreeBytePattern() {
-    QVAvcSps record = avcSpsBehind(Step::Vui);
+    QVAvcSps record = avcSpsAfter(Step::Vui);
     record.sps_id = 1;
     record.poc_type = 1;
     record.log2_max_poc_lsb = patternAvcSps().log2_max_poc_lsb;
@@ -330,7 +330,7 @@ TEST_F(QVAvcSpsEmulation, D06_emulationPreventionByteIsReadAsData) {
     expectOutcome(record, {avcSummary("sps:1 profile:66/10 poc:1 ref:0 1x1 PIC-AFF  crop:0/0/0/0  420")});
 }
 
-TEST_F(QVAvcSpsEmulation, D06_behindTheVuiFlagItDoesNotMatter) {
+TEST_F(QVAvcSpsEmulation, D06_afterTheVuiFlagItDoesNotMatter) {
     Bytes bytes = avcSps([](AvcSpsSyntax& s) { s.vui_parameters_present_flag = 1; }).bytes();
     ASSERT_TRUE(parse(bytes));
     const QVAvcSps expected = sps;

@@ -69,7 +69,7 @@ class QVAvcSpsWhole : public AvcSpsTest {};
 
 TEST_F(QVAvcSpsWhole, everyElementLandsInItsField) {
     ASSERT_TRUE(parse(highAvcSps(everythingDifferent)));
-    QVAvcSps record = highAvcSpsBehind(Step::Head);
+    QVAvcSps record = highAvcSpsAfter(Step::Head);
     record.constraint_set_flags = 0b010001;
     record.level_idc = 41;
     record.sps_id = 7;
@@ -138,18 +138,18 @@ TEST_F(QVAvcSpsWhole, theRecordAsWordsAndBytes) {
 
 TEST_F(QVAvcSpsWhole, minimalParameterSet) {
     ASSERT_TRUE(parse(avcSps()));
-    expectOutcome(avcSpsBehind(Step::Vui), {avcSummary(kMinimalSummary)});
+    expectOutcome(avcSpsAfter(Step::Vui), {avcSummary(kMinimalSummary)});
 }
 
 TEST_F(QVAvcSpsWhole, goldenBytes) {
     // The codes after level_idc: identifier 1, log2_max_frame_num 1, type 1, lsb 1, reference frames 1, gaps
     // 0, width 1, height 1; frame_mbs_only 1, direct_8x8 0, cropping 0, VUI 0, stop bit 1.
     ASSERT_TRUE(parse(Bytes{0x67, 0x42, 0x00, 0x0A, 0b11111011, 0b10001000}));
-    expectOutcome(avcSpsBehind(Step::Vui), {avcSummary(kMinimalSummary)});
+    expectOutcome(avcSpsAfter(Step::Vui), {avcSummary(kMinimalSummary)});
     EXPECT_EQ(cursor(), 44U);
 }
 
-TEST_F(QVAvcSpsWhole, stopsBehindTheVuiFlag) {
+TEST_F(QVAvcSpsWhole, stopsAfterTheVuiFlag) {
     for (const uint32_t flag : {0U, 1U}) {
         const BitWriter syntax = highAvcSps([&](AvcSpsSyntax& s) {
             s.pic_width_in_mbs_minus1 = 119;
@@ -157,7 +157,7 @@ TEST_F(QVAvcSpsWhole, stopsBehindTheVuiFlag) {
         });
         SCOPED_TRACE(syntax.map());
         ASSERT_TRUE(parse(syntax));
-        QVAvcSps record = highAvcSpsBehind(Step::Vui);
+        QVAvcSps record = highAvcSpsAfter(Step::Vui);
         record.mb_width = 120;
         record.width = 1920;
         record.vui_parameters_present_flag = static_cast<int32_t>(flag);
@@ -169,13 +169,13 @@ TEST_F(QVAvcSpsWhole, stopsBehindTheVuiFlag) {
     }
 }
 
-TEST_F(QVAvcSpsWhole, startsWhereTheStreamStands) {
+TEST_F(QVAvcSpsWhole, startsAtThePositionOfTheStream) {
     Bytes bytes = avcSps().bytes();
     bytes.insert(bytes.begin(), {0xFF, 0xFF});
     stream = std::make_shared<QVByteStream>(bytes.data(), bytes.size());
     stream->skipBytes(2);
     ASSERT_TRUE(parseAvcSps(&sps, stream));
-    expectOutcome(avcSpsBehind(Step::Vui), {avcSummary(kMinimalSummary)});
+    expectOutcome(avcSpsAfter(Step::Vui), {avcSummary(kMinimalSummary)});
 }
 
 // --- Nothing to parse ---
@@ -219,7 +219,7 @@ TEST_F(QVAvcSpsNothing, emptySharedPointer) {
 
 class QVAvcSpsHead : public AvcSpsTest {};
 
-TEST_F(QVAvcSpsHead, nalUnitHeaderIsNotLookedAt) {
+TEST_F(QVAvcSpsHead, nalUnitHeaderIsNotExamined) {
     for (const uint32_t header : {0x00U, 0x07U, 0x27U, 0x67U, 0x6FU, 0xFFU}) {
         SCOPED_TRACE(header);
         ASSERT_TRUE(parse(avcSps([&](AvcSpsSyntax& s) {
@@ -227,7 +227,7 @@ TEST_F(QVAvcSpsHead, nalUnitHeaderIsNotLookedAt) {
             s.nal_ref_idc = header >> 5 & 3;
             s.nal_unit_type = header & 0x1F;
         })));
-        expectOutcome(avcSpsBehind(Step::Vui), {avcSummary(kMinimalSummary)});
+        expectOutcome(avcSpsAfter(Step::Vui), {avcSummary(kMinimalSummary)});
     }
 }
 
@@ -243,7 +243,7 @@ TEST_F(QVAvcSpsHead, eachConstraintFlagHasItsBit) {
                 s.*flags[i] = pattern >> i & 1;
             }
         })));
-        QVAvcSps record = avcSpsBehind(Step::Vui);
+        QVAvcSps record = avcSpsAfter(Step::Vui);
         record.constraint_set_flags = static_cast<int32_t>(pattern);
         expectOutcome(record, {avcSummary(kMinimalSummary)});
     }
@@ -253,7 +253,7 @@ TEST_F(QVAvcSpsHead, reservedBitsArePassedOver) {
     for (uint32_t bits = 0; bits < 4; ++bits) {
         SCOPED_TRACE(bits);
         ASSERT_TRUE(parse(avcSps([&](AvcSpsSyntax& s) { s.reserved_zero_2bits = bits; })));
-        expectOutcome(avcSpsBehind(Step::Vui), {avcSummary(kMinimalSummary)});
+        expectOutcome(avcSpsAfter(Step::Vui), {avcSummary(kMinimalSummary)});
     }
 }
 
@@ -261,7 +261,7 @@ TEST_F(QVAvcSpsHead, everyLevelIsTaken) {
     for (uint32_t level = 0; level < 256; ++level) {
         SCOPED_TRACE(level);
         ASSERT_TRUE(parse(avcSps([&](AvcSpsSyntax& s) { s.level_idc = level; })));
-        QVAvcSps record = avcSpsBehind(Step::Vui);
+        QVAvcSps record = avcSpsAfter(Step::Vui);
         record.level_idc = static_cast<int32_t>(level);
         expectOutcome(record, {avcSummary("sps:0 profile:66/" + std::to_string(level) +
                                           " poc:0 ref:0 1x1 FRM  crop:0/0/0/0  420")});
@@ -272,7 +272,7 @@ TEST_F(QVAvcSpsHead, identifiersUpTo31) {
     for (uint32_t id = 0; id < 32; ++id) {
         SCOPED_TRACE(id);
         ASSERT_TRUE(parse(avcSps([&](AvcSpsSyntax& s) { s.seq_parameter_set_id = id; })));
-        QVAvcSps record = avcSpsBehind(Step::Vui);
+        QVAvcSps record = avcSpsAfter(Step::Vui);
         record.sps_id = static_cast<int32_t>(id);
         expectOutcome(record, {avcSummary("sps:" + std::to_string(id) +
                                           " profile:66/10 poc:0 ref:0 1x1 FRM  crop:0/0/0/0  420")});
@@ -298,7 +298,7 @@ TEST_F(QVAvcSpsAgain, onlyWhatIsReadOrSetIsReplaced) {
     ASSERT_TRUE(parse(highAvcSps(everythingDifferent)));
     const QVAvcSps before = sps;
     ASSERT_TRUE(parseOver(avcSps()));
-    QVAvcSps record = avcSpsBehind(Step::Vui);
+    QVAvcSps record = avcSpsAfter(Step::Vui);
     record.transform_bypass = before.transform_bypass;
     record.delta_pic_order_always_zero_flag = 1;
     record.offset_for_non_ref_pic = -3;

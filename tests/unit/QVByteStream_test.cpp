@@ -200,7 +200,7 @@ TEST(QVByteStreamRbsp, zeroPairAtIndexOneIsEmulation) {
     EXPECT_EQ(stream.readRbspBits(32), 0x00000001U);
 }
 
-TEST(QVByteStreamRbsp, theByteBehindThe03IsNotLookedAt) {
+TEST(QVByteStreamRbsp, theByteAfterThe03IsNotExamined) {
     Reader stream({0xAA, 0x00, 0x00, 0x03, 0xFF});
     stream.readRbspBits(8);
     EXPECT_EQ(stream.readRbspBits(24), 0x0000FFU);
@@ -212,7 +212,7 @@ TEST(QVByteStreamRbsp, a03AtTheVeryEndIsSteppedOver) {
     EXPECT_EQ(cursorOf(stream), (Cursor{4, 0, 7}));
 }
 
-TEST(QVByteStreamRbsp, theByteBehindTheBufferIsNotReadForTheTest) {
+TEST(QVByteStreamRbsp, theByteAfterTheBufferIsNotReadForTheTest) {
     Reader stream({0xAA, 0x00, 0x00});  // exact-size block: AddressSanitizer sees a read of index 3
     EXPECT_EQ(stream.readRbspBits(24), 0xAA0000U);
     EXPECT_EQ(cursorOf(stream), (Cursor{3, 0, 7}));
@@ -227,7 +227,7 @@ TEST(QVByteStreamRbsp, consecutiveEmulationBytes) {
 }
 
 TEST(QVByteStreamRbsp, onceABoundary) {
-    // Behind the 03 stands another 03 after which the zeros are gone: it is data.
+    // The 03 is followed by another 03, which does not follow two zero bytes: it is data.
     Reader stream({0xAA, 0x00, 0x00, 0x03, 0x03, 0x07});
     stream.readRbspBits(8);
     EXPECT_EQ(stream.readRbspBits(32), 0x00000307U);
@@ -438,7 +438,7 @@ TEST_F(QVByteStreamSkip, anEmptyStream) {
     check({"no bytes", 0, {0, 3, 7}, {0, 3, 7}}, &QVByteStream::skipBytes, 0);
 }
 
-TEST(QVByteStreamPlain, bytesLeftWrapsBehindTheEnd) {
+TEST(QVByteStreamPlain, bytesLeftWrapsPastTheEnd) {
     Reader stream({0xFF});
     stream.bytePos = 2;
     EXPECT_TRUE(stream.atEnd());

@@ -110,7 +110,7 @@ TEST_F(QVHevcSpsShort, theHeaderAlone) {
     }
 }
 
-TEST_F(QVHevcSpsShort, aStreamThatStandsAtItsEnd) {
+TEST_F(QVHevcSpsShort, aStreamAtItsEnd) {
     const Bytes bytes = {0xFF, 0xFF};
     stream = std::make_shared<QVByteStream>(bytes.data(), bytes.size());
     stream->skipBytes(2);
@@ -284,7 +284,7 @@ TEST_F(QVHevcSpsEmulation, D03_atPosition2ItIsData) {
     expectOutcome(record, {hevcProfileLine(0, 0, 1, 30)});
 }
 
-TEST_F(QVHevcSpsEmulation, D03_theByteBehindItIsNotLookedAt) {
+TEST_F(QVHevcSpsEmulation, D03_theByteAfterItIsNotExamined) {
     // 00 00 03 FF, which a conforming encoder does not write.
     const BitWriter syntax = hevcSps([&](HevcSpsSyntax& s) {
         setDroppedBytes(s, {0xFF, 0x00, 0x00, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF});

@@ -109,7 +109,7 @@ TEST_F(QVHevcSpsWhole, goldenBytes) {
     EXPECT_EQ(cursor(), 143U);
 }
 
-TEST_F(QVHevcSpsWhole, stopsBehindTheOrderingInfoFlag) {
+TEST_F(QVHevcSpsWhole, stopsAfterTheOrderingInfoFlag) {
     for (const uint32_t flag : {0U, 1U}) {
         const BitWriter syntax = hevcSps([&](HevcSpsSyntax& s) {
             s.general.profile_compatibility_flags = 0xFFFFFFFF;  // no zero bytes, so no emulation prevention
@@ -126,7 +126,7 @@ TEST_F(QVHevcSpsWhole, stopsBehindTheOrderingInfoFlag) {
     }
 }
 
-TEST_F(QVHevcSpsWhole, startsWhereTheStreamStands) {
+TEST_F(QVHevcSpsWhole, startsAtThePositionOfTheStream) {
     Bytes bytes = withEmulationPrevention(hevcSps().bytes());
     bytes.insert(bytes.begin(), {0xFF, 0xFF, 0xFF});
     stream = std::make_shared<QVByteStream>(bytes.data(), bytes.size());
@@ -135,7 +135,7 @@ TEST_F(QVHevcSpsWhole, startsWhereTheStreamStands) {
     expectOutcome(defaultHevcSps(), {kDefaultLine});
 }
 
-TEST_F(QVHevcSpsWhole, nalUnitHeaderIsNotLookedAt) {
+TEST_F(QVHevcSpsWhole, nalUnitHeaderIsNotExamined) {
     for (const uint32_t header : {0x4201U, 0x0101U, 0x4209U, 0x43F9U, 0x7E07U, 0xFFFFU}) {
         SCOPED_TRACE(header);
         ASSERT_TRUE(parse(hevcSps([&](HevcSpsSyntax& s) {

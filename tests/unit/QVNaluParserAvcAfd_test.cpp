@@ -26,7 +26,7 @@ auto parsingAfd(int size) {
 
 using AvcAfd = AvcSeiTest<Afd>;
 
-TEST_F(AvcAfd, nullRecordIsLookedAtFirst) {
+TEST_F(AvcAfd, nullRecordIsCheckedFirst) {
     for (const int size : {INT_MIN, 0, 1, 2}) {
         checkRefused(
             [&](QVByteStream& stream) { return parsingAfd(size)(stream, nullptr); },

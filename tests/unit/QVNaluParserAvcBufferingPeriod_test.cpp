@@ -242,7 +242,7 @@ TEST_F(AvcBufferingPeriod, cpbsBeyondThe32ndAreConsumedAndNotStored) {
     }
 }
 
-TEST_F(AvcBufferingPeriod, nothingBehindTheRecordIsWritten) {
+TEST_F(AvcBufferingPeriod, nothingAfterTheRecordIsWritten) {
     BufferingPeriodSyntax coded = bufferingPeriod(0);
     coded.nal = delays(64, 1);
     const QVAvcSps sps = nalHrdSps(64);

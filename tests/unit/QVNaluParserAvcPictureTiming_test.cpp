@@ -226,7 +226,7 @@ protected:
 
 constexpr uint32_t kNumClockTs[9] = {1, 1, 1, 2, 2, 3, 3, 2, 3};  // Table D-1
 
-TEST_F(AvcPictureTiming, nullSpsIsLookedAtFirst) {
+TEST_F(AvcPictureTiming, nullSpsIsCheckedFirst) {
     PictureTiming record = patternRecord<PictureTiming>();
     for (PictureTiming* const target : {static_cast<PictureTiming*>(nullptr), &record}) {
         checkRefused(
@@ -351,7 +351,7 @@ TEST_F(AvcPictureTiming, everyPicStructWithEveryPresencePattern) {
     }
 }
 
-TEST_F(AvcPictureTiming, timestampsBehindTheDelays) {
+TEST_F(AvcPictureTiming, timestampsAfterTheDelays) {
     QVAvcSps sps = nalHrdSps();
     sps.pic_struct_present_flag = 1;
     sps.time_offset_length = 24;

@@ -112,7 +112,7 @@ TEST_F(AvcRecoveryPoint, noData) {
     check(Bytes(), parseRecoveryPoint, expected);
 }
 
-TEST_F(AvcRecoveryPoint, noDataBehindTheLastBit) {
+TEST_F(AvcRecoveryPoint, noDataAfterTheLastBit) {
     PayloadStream stream(Bytes(), 7);
     Outcome<RecoveryPoint> expected;
     expected.record.recovery_frame_cnt = 0;
@@ -120,7 +120,7 @@ TEST_F(AvcRecoveryPoint, noDataBehindTheLastBit) {
     check(stream, parseRecoveryPoint, expected);
 }
 
-TEST_F(AvcRecoveryPoint, theSkipMayEndInsideTheByteBehindTheData) {
+TEST_F(AvcRecoveryPoint, theSkipMayEndInsideTheByteAfterTheData) {
     Outcome<RecoveryPoint> expected;
     expected.record.recovery_frame_cnt = 6;  // 00111
     expected.cursor = atBit(1 * 8 + 1);

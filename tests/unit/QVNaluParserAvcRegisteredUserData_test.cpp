@@ -25,7 +25,7 @@ protected:
     }
 };
 
-TEST_F(AvcRegisteredUserData, nullRecordIsLookedAtFirst) {
+TEST_F(AvcRegisteredUserData, nullRecordIsCheckedFirst) {
     for (const int payloadSize : {INT_MIN, 0, 6, 7, 100}) {
         checkRefused([&](QVByteStream& stream) { return parsingUserData(payloadSize)(stream, nullptr); },
                      errorLine("parserAvcRegisteredUserData", "parserAvcRegisteredUserData: afd is NULL!\n"));
@@ -86,7 +86,7 @@ TEST_F(AvcRegisteredUserData, identifiersAreComparedWhole) {
     }
 }
 
-TEST_F(AvcRegisteredUserData, behindAnotherIdentifierTheRestIsSkippedWhenItFits) {
+TEST_F(AvcRegisteredUserData, afterAnotherIdentifierTheRestIsSkippedWhenItFits) {
     const Bytes bytes = joined(payload(t35(kOther)).bytes(), Bytes(5, 0x11));
     check(bytes, parsingUserData(7), succeeds(7));
     check(bytes, parsingUserData(8), succeeds(8));

@@ -130,7 +130,7 @@ TEST_F(AnnexBScan, D02_trailingZerosAtTheEndOfTheBufferStay) {
     EXPECT_THAT(scan({0, 0, 1, 0x67, 0, 0, 0, 0}), ElementsAre(Pair(3, 5)));
 }
 
-TEST_F(AnnexBScan, startCodeAtTheEndOpensNoUnit) {
+TEST_F(AnnexBScan, D35_startCodeAtTheEndBeginsNoUnit) {
     EXPECT_THAT(scan({0, 0, 1, 0x65, 0, 0, 1}), ElementsAre(Pair(3, 4)));
     EXPECT_THAT(scan({0, 0, 1, 0x65, 0, 0, 0, 1}), ElementsAre(Pair(3, 5)));
     EXPECT_THAT(scan({0, 0, 1, 0x65, 0, 0, 1, 0x41}), ElementsAre(Pair(3, 1), Pair(7, 1)));
@@ -138,23 +138,23 @@ TEST_F(AnnexBScan, startCodeAtTheEndOpensNoUnit) {
 }
 
 // 00 00 00 01 at the end of the data is neither a 4-byte start code nor a 3-byte one at its second byte.
-TEST_F(AnnexBScan, nothingButAStartCode) {
+TEST_F(AnnexBScan, D35_nothingButAStartCode) {
     EXPECT_THAT(scan({0, 0, 0, 1}), IsEmpty());
 }
 
-TEST_F(AnnexBScan, byteBehindAThreeByteStartCodeMayBeAnything) {
+TEST_F(AnnexBScan, byteAfterAThreeByteStartCodeMayBeAnything) {
     for (unsigned byte = 0; byte < 256; ++byte) {
         EXPECT_THAT(scan({0, 0, 1, static_cast<uint8_t>(byte)}), ElementsAre(Pair(3, 1))) << byte;
     }
 }
 
-TEST_F(AnnexBScan, byteBehindAStartCodeBeginsNoOther) {
+TEST_F(AnnexBScan, D36_byteAfterAStartCodeBeginsNoOther) {
     EXPECT_THAT(scan({0, 0, 1, 0, 0, 1, 0x65}), ElementsAre(Pair(3, 4)));
     EXPECT_THAT(scan({0, 0, 0, 1, 0, 0, 1, 0x65}), ElementsAre(Pair(4, 4)));
     EXPECT_THAT(scan({0, 0, 1, 0, 0, 1, 0, 0, 1, 0x65}), ElementsAre(Pair(3, 3), Pair(9, 1)));
 }
 
-TEST_F(AnnexBScan, zeroByteBehindAStartCodeIsNoneOfTheNext) {
+TEST_F(AnnexBScan, D36_zeroByteAfterAStartCodeIsNotPartOfTheNext) {
     EXPECT_THAT(scan({0, 0, 1, 0, 0, 0, 1, 0x65}), ElementsAre(Pair(3, 1), Pair(7, 1)));
     EXPECT_THAT(scan({0, 0, 0, 1, 0, 0, 0, 1, 0x65}), ElementsAre(Pair(4, 1), Pair(8, 1)));
     EXPECT_THAT(scan({0, 0, 1, 0, 0, 0, 0, 1, 0x65}), ElementsAre(Pair(3, 1), Pair(8, 1)));

@@ -144,7 +144,7 @@ TEST_F(DataTyping, lengthPastTheEndKeepsTheUnitsBefore) {
     EXPECT_EQ(core().dumps[0].size, 10);
 }
 
-TEST_F(DataTyping, emptyUnitInsideTheBufferIsTyped) {
+TEST_F(DataTyping, D38_emptyUnitInsideTheBufferIsTyped) {
     EXPECT_THAT(type({0, 0, 0, 0, 0x65}, kAvcLength4), ElementsAre(Typed{5, 4, 0, false}));
     EXPECT_THAT(type({0, 0x65}, {QVCodecIDAvc, 0, 1}), ElementsAre(Typed{5, 1, 0, false}));
     EXPECT_THAT(type({0, 0x85}, {QVCodecIDAvc, 0, 1}), IsEmpty());

@@ -85,7 +85,7 @@ TEST_F(LengthScan, shortLengthsAreUnsigned) {
     expectSilence();
 }
 
-TEST_F(LengthScan, emptyUnits) {
+TEST_F(LengthScan, D37_emptyUnits) {
     EXPECT_THAT(scan({0, 0, 0, 0,  //
                       0, 0, 0, 1, 0x41},
                      4),
@@ -178,7 +178,7 @@ TEST_F(LengthScan, secondLengthPastTheEnd) {
     expectTruncated(data, "9", "7");
 }
 
-TEST_F(LengthScan, nothingBehindALengthPastTheEndIsLookedAt) {
+TEST_F(LengthScan, nothingAfterALengthPastTheEndIsExamined) {
     const Bytes data = {9, 0x65, 1, 0x41, 1, 0x41};
     EXPECT_THAT(scan(data, 1, {{7, 70}}), ElementsAre(Pair(7, 70)));
     expectTruncated(data, "9", "6");

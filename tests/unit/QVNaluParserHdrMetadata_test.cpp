@@ -209,7 +209,7 @@ TEST_F(Hdr10StaticMetadata, unusableItems) {
     expectRefused(QVSeiItem{});
 }
 
-TEST_F(Hdr10StaticMetadata, aCopyThatCannotBeHadIsARecordOfZeros) {
+TEST_F(Hdr10StaticMetadata, withoutACopyTheRecordIsAllZeros) {
     ItemOver kept(kGolden);
     QVHDR10StaticMetadata metadata = patternRecord<QVHDR10StaticMetadata>();
     {

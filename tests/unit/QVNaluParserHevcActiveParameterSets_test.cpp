@@ -110,7 +110,7 @@ TEST_F(HevcActiveParameterSets, firstIdentifierOutOfRange) {
     }
 }
 
-TEST_F(HevcActiveParameterSets, bothOutOfRangeIsToldOfTheCount) {
+TEST_F(HevcActiveParameterSets, bothOutOfRangeReportsTheCount) {
     expectStop(activeParameterSets(16, 16), 11000001, "num_sps_ids_minus1");
     expectLines(std::vector<ExpectedLine>(8, numInvalid("16")));
 }
@@ -123,7 +123,7 @@ TEST_F(HevcActiveParameterSets, furtherIdentifiersHaveNoLimit) {
     expectNoLines();
 }
 
-TEST_F(HevcActiveParameterSets, theElementsAheadAreDiscarded) {
+TEST_F(HevcActiveParameterSets, theElementsBeforeItAreDropped) {
     HevcActiveParameterSetsSyntax syntax = activeParameterSets(2, 3);
     syntax.active_video_parameter_set_id = 15;
     syntax.self_contained_cvs_flag = 1;
@@ -148,7 +148,7 @@ TEST_F(HevcActiveParameterSets, shortPayloads) {
     expectNoLines();
 }
 
-TEST_F(HevcActiveParameterSets, identifiersBehindTheDataMoveTheBitOffsetPastTheEnd) {
+TEST_F(HevcActiveParameterSets, identifiersAfterTheDataMoveTheBitOffsetPastTheEnd) {
     // 0000 0 1 000010000 1: num_sps_ids_minus1 15 and the first identifier. The next 14 are missing.
     PayloadStream stream(Bytes{0x04, 0x21});
     expectStopAt(stream, 16 + 14);
@@ -192,7 +192,7 @@ TEST_F(HevcActiveParameterSets, withoutABuffer) {
     expectNoLines();
 }
 
-TEST_F(HevcActiveParameterSets, payloadSizeIsNotLookedAt) {
+TEST_F(HevcActiveParameterSets, payloadSizeIsNotUsed) {
     for (const int payloadSize : {INT_MIN, -1, 0, 1, INT_MAX}) {
         PayloadStream stream(Bytes{0x04, 0x94, 0xC9});
         EXPECT_EQ(QVNaluParser::parserHevcActiveParameterSets(stream, payloadSize), 0);

@@ -240,7 +240,7 @@ TEST_F(HevcMasteringDisplay, cutAtEveryBitFromEveryStart) {
             {{0xFFFF, 0xFFFF, 0xFFFF}}, {{0xFFFF, 0xFFFF, 0xFFFF}}, 0xFFFF, 0xFFFF, 0xFFFFFFFF, 0xFFFFFFFF});
 }
 
-TEST_F(HevcMasteringDisplay, payloadSizeIsNotLookedAt) {
+TEST_F(HevcMasteringDisplay, payloadSizeIsNotUsed) {
     expectAnySize(kMasteringDisplay, HevcMasteringDisplaySyntax());
 }
 
@@ -295,7 +295,7 @@ TEST_F(HevcContentLight, cutAtEveryBitFromEveryStart) {
     expectCutEverywhere(kContentLight, HevcContentLightSyntax{0xFFFF, 0xFFFF});
 }
 
-TEST_F(HevcContentLight, payloadSizeIsNotLookedAt) {
+TEST_F(HevcContentLight, payloadSizeIsNotUsed) {
     expectAnySize(kContentLight, HevcContentLightSyntax());
 }
 
@@ -330,7 +330,7 @@ TEST_F(HevcAlternativeTransfer, cutAtEveryBitFromEveryStart) {
     expectCutEverywhere(kAlternativeTransfer, HevcAlternativeTransferSyntax{0xFF});
 }
 
-TEST_F(HevcAlternativeTransfer, payloadSizeIsNotLookedAt) {
+TEST_F(HevcAlternativeTransfer, payloadSizeIsNotUsed) {
     expectAnySize(kAlternativeTransfer, HevcAlternativeTransferSyntax());
 }
 

@@ -68,7 +68,7 @@ TEST_F(HevcPictureHash, D20_md5OfThreeComponents) {
     expectNoLines();
 }
 
-TEST_F(HevcPictureHash, D20_aMonochromePictureTakesWhatStandsBehind) {
+TEST_F(HevcPictureHash, D20_aMonochromePictureTakesWhatFollows) {
     const HevcPictureHashSyntax syntax = pictureHash(0);
     Bytes oneComponent = hevcSei(syntax).bytes();
     oneComponent.resize(17);
@@ -190,7 +190,7 @@ TEST_F(HevcPictureHash, D20_nothingToReadIsAnMd5OfZeros) {
     expectNoLines();
 }
 
-TEST_F(HevcPictureHash, payloadSizeIsNotLookedAt) {
+TEST_F(HevcPictureHash, payloadSizeIsNotUsed) {
     const HevcPictureHashSyntax syntax = pictureHash(0);
     for (const int payloadSize : {INT_MIN, -1, 0, 1, 17, 48, 50, INT_MAX}) {
         PayloadStream stream(hevcSei(syntax));

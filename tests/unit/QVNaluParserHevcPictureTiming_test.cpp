@@ -116,7 +116,7 @@ TEST_F(HevcPictureTiming, payloadSizeZeroPastTheEndDoesNotMove) {
     expectParity(stream, 0, 0, atBit(24));
 }
 
-TEST_F(HevcPictureTiming, shortDataLeavesTheStreamBehindTheFirstByte) {
+TEST_F(HevcPictureTiming, shortDataLeavesTheStreamAfterTheFirstByte) {
     setPresent(1);
     for (int size = 1; size <= 5; ++size) {
         for (int payloadSize = size + 1; payloadSize <= 8; ++payloadSize) {

@@ -206,7 +206,7 @@ TEST_F(HevcFramePacking, cutAtEveryBitFromEveryStart) {
     expectNoLines();
 }
 
-TEST_F(HevcFramePacking, payloadSizeIsNotLookedAt) {
+TEST_F(HevcFramePacking, payloadSizeIsNotUsed) {
     for (const int payloadSize : {INT_MIN, -1, 0, 1, 5, INT_MAX}) {
         PayloadStream stream(hevcSei(HevcFramePackingSyntax()));
         expectParsed(parse(kFramePacking, stream, payloadSize), QVHevcSeiFramePacking{1, 3, 1, 0, 1},
@@ -398,7 +398,7 @@ TEST_F(HevcDisplayOrientation, nothingToRead) {
     expectNoLines();
 }
 
-TEST_F(HevcDisplayOrientation, payloadSizeIsNotLookedAt) {
+TEST_F(HevcDisplayOrientation, payloadSizeIsNotUsed) {
     for (const int payloadSize : {INT_MIN, -1, 0, 1, 2, INT_MAX}) {
         PayloadStream stream(Bytes{0x48, 0x00, 0x18});
         expectParsed(parseOrientation(stream, payloadSize), QVHevcSeiDisplayOrientation{1, 16384, 1, 0},

@@ -313,7 +313,7 @@ TEST_F(HevcRegisteredUserData, nothingToRead) {
 }
 
 // The country code is the only byte, so one byte back from the end is the start.
-TEST_F(HevcRegisteredUserData, anExtensionBehindTheEndStaysInTheBuffer) {
+TEST_F(HevcRegisteredUserData, anExtensionPastTheEndStaysInTheBuffer) {
     expectUserData(Bytes{0xFF}, 7, 0, 0);
     expectUserData(Bytes{0xFF}, 8, 0, 8);
     expectNoLines();
@@ -351,7 +351,7 @@ TEST_F(HevcClosedCaption, everyCountConsumesItsConstructsAndTheMarker) {
     expectNoLines();
 }
 
-TEST_F(HevcClosedCaption, noConstructsEndBehindEmData) {
+TEST_F(HevcClosedCaption, noConstructsEndAfterEmData) {
     expectCaption(ccData(0) + Bytes(2, 0xEE), 4, 0, 3 * 8);
     expectCaption(ccData(0) + Bytes(2, 0xEE), 3, 0, 3 * 8);
     expectCaption(ccData(0) + Bytes(2, 0xEE), INT_MAX, 0, 3 * 8);
@@ -385,7 +385,7 @@ TEST_F(HevcClosedCaption, theOtherFlagsAndTheConstructsAreDiscarded) {
     expectNoLines();
 }
 
-TEST_F(HevcClosedCaption, clearedProcessFlagEndsBehindIt) {
+TEST_F(HevcClosedCaption, clearedProcessFlagEndsAfterIt) {
     for (const unsigned cc_count : {0U, 1U, 31U}) {
         expectCaption(Bytes{kCcData, ccFlags(0, cc_count), kEmData} + kConstruct + Bytes{0xFF}, 7, 0, 8 + 2);
     }
@@ -447,7 +447,7 @@ TEST_F(HevcClosedCaption, everyTruncationOffByteAlignment) {
 }
 
 // The reserved bit is the last bit of the data.
-TEST_F(HevcClosedCaption, theDataEndBehindTheReservedBit) {
+TEST_F(HevcClosedCaption, theDataEndsAfterTheReservedBit) {
     const Bytes bytes = afterBits(7, Bytes{kCcData, 0x80});
     PayloadStream stream(Bytes(bytes.begin(), bytes.begin() + 2), 7);
     expectCaption(stream, 7, 0, atBit(16));

@@ -17,7 +17,7 @@ TEST(IsAnnexBData, beginsWithAStartCode) {
     EXPECT_TRUE(QVNaluParser::isAnnexBData(fourBytes.data(), 4));
 }
 
-TEST(IsAnnexBData, fourthByteIsFreeBehindAThreeByteStartCode) {
+TEST(IsAnnexBData, fourthByteIsFreeAfterAThreeByteStartCode) {
     for (unsigned fourth = 0; fourth < 256; ++fourth) {
         const Bytes data = {0, 0, 1, static_cast<uint8_t>(fourth)};
         EXPECT_TRUE(QVNaluParser::isAnnexBData(data.data(), 4)) << fourth;

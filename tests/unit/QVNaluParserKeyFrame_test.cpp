@@ -81,7 +81,7 @@ TEST_F(KeyFrame, theSameByteIsReadByTheCodec) {
     EXPECT_FALSE(isAvcKeyFrame({0, 0, 0, 1, 0x26, 0x01}));
 }
 
-TEST_F(KeyFrame, forbiddenZeroBitIsNotLookedAt) {
+TEST_F(KeyFrame, forbiddenZeroBitIsNotExamined) {
     EXPECT_TRUE(isAvcKeyFrame({0, 0, 1, 0xE5}));
     EXPECT_TRUE(isHevcKeyFrame({0, 0, 1, 0xA6}));
 }
@@ -128,12 +128,12 @@ TEST_F(KeyFrame, byteStreamWithoutAUnit) {
     EXPECT_FALSE(isHevcKeyFrame({0, 0, 0, 1}));
 }
 
-TEST_F(KeyFrame, startCodeAtTheEndOpensNoUnit) {
+TEST_F(KeyFrame, D35_startCodeAtTheEndBeginsNoUnit) {
     EXPECT_FALSE(isAvcKeyFrame({0, 0, 1, 0x41, 0, 0, 1}));
     EXPECT_TRUE(isAvcKeyFrame({0, 0, 1, 0x41, 0, 0, 1, 0x65}));
 }
 
-TEST_F(KeyFrame, byteBehindAStartCodeBeginsNoOther) {
+TEST_F(KeyFrame, D36_byteAfterAStartCodeBeginsNoOther) {
     EXPECT_FALSE(isAvcKeyFrame({0, 0, 1, 0, 0, 1, 0x65}));
 }
 
@@ -195,24 +195,24 @@ TEST_F(KeyFrame, fewerThanFiveBytesThatAreNotAnnexB) {
     EXPECT_TRUE(isAvcKeyFrame({0, 0, 0, 0, 0x65}));
 }
 
-TEST_F(KeyFrame, emptyUnitIsTypedByTheByteBehindItsLength) {
+TEST_F(KeyFrame, D38_emptyUnitIsTypedByTheByteAfterItsLength) {
     EXPECT_TRUE(isAvcKeyFrame({0, 0, 0, 0, 0x65}));
     EXPECT_FALSE(isAvcKeyFrame({0, 0, 0, 0, 0x41}));
 }
 
-TEST_F(KeyFrame, fourBytesOrFewerBehindAUnitEndTheSearch) {
+TEST_F(KeyFrame, fourBytesOrFewerAfterAUnitEndTheSearch) {
     EXPECT_FALSE(isAvcKeyFrame({0, 0, 0, 2, 0x41, 0x9A, 0, 0, 0, 1}));
     EXPECT_TRUE(isAvcKeyFrame({0, 0, 0, 2, 0x41, 0x9A, 0, 0, 0, 1, 0x65}));
 }
 
-TEST_F(KeyFrame, unitBehindALengthPastTheEndIsTyped) {
+TEST_F(KeyFrame, unitAfterALengthPastTheEndIsTyped) {
     EXPECT_TRUE(isAvcKeyFrame({0, 0, 0, 0x10, 0x65, 0x88}));
     EXPECT_FALSE(isAvcKeyFrame({0, 0, 0, 0x10, 0x41, 0x9A}));
     EXPECT_TRUE(isHevcKeyFrame({0, 0, 0, 0x10, 0x26, 0x01}));
 }
 
 // The next length is read directly after the first, inside the unit: 41 9A 00 00. The byte after it decides.
-TEST_F(KeyFrame, nextLengthStandsRightBehindALengthPastTheEnd) {
+TEST_F(KeyFrame, nextLengthFollowsALengthPastTheEnd) {
     const std::pair<Bytes, const char*> fields[] = {
         {{0x00, 0x00, 0x00, 0x06}, "one byte past the end"},
         {{0x00, 0x00, 0x00, 0x10}, "16"},
@@ -239,7 +239,7 @@ TEST_F(KeyFrame, unitUpToTheEndIsStillPassed) {
 }
 
 // Following this length as a negative number would be an endless loop.
-TEST_F(KeyFrame, minusFourBehindAUnit) {
+TEST_F(KeyFrame, minusFourAfterAUnit) {
     EXPECT_FALSE(isAvcKeyFrame({0, 0, 0, 2, 0x41, 0x9A,  //
                                 0xFF, 0xFF, 0xFF, 0xFC, 0x41}));
 }

@@ -108,19 +108,19 @@ TEST_F(Typing, nullDataHasNoUnits) {
     EXPECT_THAT(infos, IsEmpty());
 }
 
-TEST_F(Typing, emptyUnitBehindTheLastByteIsNotRead) {
+TEST_F(Typing, D38_emptyUnitAfterTheLastByteIsNotRead) {
     EXPECT_THAT(type({0x67, 0x42}, {{0, 2}, {2, 0}}, QVCodecIDAvc), ElementsAre(Typed{7, 0, 2, false}));
     EXPECT_THAT(type({0x67, 0x42}, {{2, 0}, {0, 2}}, QVCodecIDAvc), ElementsAre(Typed{7, 0, 2, false}));
     EXPECT_THAT(type({0x67, 0x42}, {{INT_MAX, 0}, {0, 2}}, QVCodecIDAvc), ElementsAre(Typed{7, 0, 2, false}));
 }
 
-TEST_F(Typing, emptyUnitsOnly) {
+TEST_F(Typing, D38_emptyUnitsOnly) {
     EXPECT_THAT(type({0x67, 0x68}, {{0, 0}}, QVCodecIDAvc), IsEmpty());
     // (1, 0) ends at 1, which is after offset 0.
     EXPECT_THAT(type({0x67, 0x68}, {{0, 0}, {1, 0}}, QVCodecIDAvc), ElementsAre(Typed{7, 0, 0, false}));
 }
 
-TEST_F(Typing, emptyUnitIsReadWhereAnotherPairEndsBeyondIt) {
+TEST_F(Typing, D38_emptyUnitIsReadWhereAnotherPairEndsBeyondIt) {
     const Bytes data = {0x67, 0x68, 0x65};
     EXPECT_THAT(type(data, {{1, 0}, {2, 1}}, QVCodecIDAvc),
                 ElementsAre(Typed{8, 1, 0, false}, Typed{5, 2, 1, false}));

@@ -68,7 +68,7 @@ TEST_F(AnnexBToLengths, oneUnit) {
     EXPECT_EQ(convert({0, 0, 0, 1, 0x65, 0x88}), (Bytes{0, 0, 0, 2, 0x65, 0x88}));
 }
 
-TEST_F(AnnexBToLengths, D02_trailingZerosGoAlongWithTheirUnit) {
+TEST_F(AnnexBToLengths, D02_trailingZerosStayInTheirUnit) {
     EXPECT_EQ(convert({0, 0, 1, 0x67, 0, 0,  //
                        0, 0, 0, 1, 0x68, 0}),
               (Bytes{0, 0, 0, 3, 0x67, 0, 0,  //
@@ -79,7 +79,7 @@ TEST_F(AnnexBToLengths, emulationPreventionBytesStay) {
     EXPECT_EQ(convert({0, 0, 1, 0x67, 0, 0, 3, 1, 0, 0, 3}), (Bytes{0, 0, 0, 8, 0x67, 0, 0, 3, 1, 0, 0, 3}));
 }
 
-TEST_F(AnnexBToLengths, startCodeAtTheEndIsDataOfTheLastUnit) {
+TEST_F(AnnexBToLengths, D35_startCodeAtTheEndIsDataOfTheLastUnit) {
     EXPECT_EQ(convert({0, 0, 1, 0x65, 0, 0, 1}), (Bytes{0, 0, 0, 4, 0x65, 0, 0, 1}));
 }
 
@@ -294,7 +294,7 @@ TEST_F(LengthsToAnnexB, everyOtherLengthSizeMeansFour) {
     expectSilence();
 }
 
-TEST_F(LengthsToAnnexB, emptyUnits) {
+TEST_F(LengthsToAnnexB, D37_emptyUnits) {
     EXPECT_EQ(convert({0, 0, 0, 0,  //
                        0, 0, 0, 2, 0x65, 0x88},
                       4),
@@ -373,7 +373,7 @@ TEST_F(LengthsToAnnexB, noUnits) {
     expectSilence();
 }
 
-TEST_F(LengthsToAnnexB, spareBytesBehindTheLastUnit) {
+TEST_F(LengthsToAnnexB, spareBytesAfterTheLastUnit) {
     expectRejected({0, 0, 0, 2, 0x65, 0x88, 0}, 4);
     expectRejected({0, 0, 0, 2, 0x65, 0x88, 0, 0, 0, 0}, 4);
     expectRejected({0, 2, 0x65, 0x88, 0}, 2);
@@ -382,7 +382,7 @@ TEST_F(LengthsToAnnexB, spareBytesBehindTheLastUnit) {
     expectSilence();
 }
 
-TEST_F(LengthsToAnnexB, emptyUnitAtTheEndIsASpareLength) {
+TEST_F(LengthsToAnnexB, D37_emptyUnitAtTheEndIsASpareLength) {
     expectRejected({0, 0, 0, 0}, 4);
     expectRejected({0, 0, 0, 0, 0x65}, 4);
     expectSilence();

@@ -136,7 +136,7 @@ TEST_F(SeiCapture, readsBackEveryPayload) {
     }
 }
 
-TEST_F(SeiCapture, theItemIsDescribedAsTold) {
+TEST_F(SeiCapture, theItemIsDescribedAsGiven) {
     const struct {
         uint32_t codec;
         int payloadType;

@@ -151,7 +151,7 @@ TEST_F(SeiWalkAvc, capturesEmulationPreventionAtEveryAlignment) {
 }
 
 // A size byte 00 counts as one of the two zeros before an emulation prevention byte.
-TEST_F(SeiWalkAvc, theHeaderCountsAsDataAheadOfEmulationPrevention) {
+TEST_F(SeiWalkAvc, theHeaderCountsAsDataBeforeEmulationPrevention) {
     const Bytes payload = Bytes{0x00, 0x01} + Bytes(253, 0x41);
     const Bytes unit = seiUnit({seiMessage(5, payload), userData()});
     ASSERT_EQ(Bytes(unit.begin(), unit.begin() + 6), (Bytes{0x05, 0xFF, 0x00, 0x00, 0x03, 0x01}));

@@ -64,7 +64,7 @@ TEST_F(SeiWalkAvc, D25_stopsAtTheStart) {
     expectNoLines();
 }
 
-TEST_F(SeiWalkAvc, D25_stopsBehindAMessage) {
+TEST_F(SeiWalkAvc, D25_stopsAfterAMessage) {
     const SeiMessage before[] = {userData(), seiMessage(200, {0x31}), seiMessage(300, Bytes(255, 0x31)),
                                  seiMessage(147, {0x12})};
     for (const StopCase& c : kStops) {

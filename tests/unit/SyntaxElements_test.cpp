@@ -35,7 +35,7 @@ TEST(ElementCutter, signedCodesLoseTheirSignFirst) {
     }
 }
 
-TEST(ElementCutter, nothingIsLeftBehindTheCut) {
+TEST(ElementCutter, nothingIsLeftAfterTheCut) {
     ElementCutter cutter(4);
     uint32_t whole = 2;
     uint32_t cut = 7;

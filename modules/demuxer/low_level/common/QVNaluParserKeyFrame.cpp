@@ -25,8 +25,9 @@ bool holdsKeyUnitAnnexB(QVCodecID codec, const unsigned char* data, size_t size)
     return holdsUnit(data, prefixEnd(size), keyUnits(codec));
 }
 
-// Lengths are 4 bytes here whatever the stream's configuration record says (D23). One that runs past the end
-// does not end the search: the next is read from inside the unit.
+// Length fields have 4 bytes here whatever the stream's configuration record specifies (D23). A length that
+// runs past the end does not end the search: the next length field is read from inside the unit. D38: after a
+// length of 0 too, the next byte is typed.
 bool holdsKeyUnitLengthPrefixed(QVCodecID codec, const unsigned char* data, size_t size) {
     constexpr size_t kLengthSize = 4;
     const WorkingCopy copy = makeWorkingCopy(data, size);
@@ -40,7 +41,7 @@ bool holdsKeyUnitLengthPrefixed(QVCodecID codec, const unsigned char* data, size
         if (isKeyUnit(codec, data[position])) {
             return true;
         }
-        // The size is an int's, so a length with its top bit set is always too long.
+        // The size was an int, so a length with its top bit set is always too long.
         if (length <= size - position) {
             position += length;
         }

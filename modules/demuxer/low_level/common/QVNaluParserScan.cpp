@@ -17,19 +17,19 @@ namespace {
 
 using NalIndexList = std::vector<std::pair<int, int>>;
 
-// lengthSizeMinusOne + 1 as ISO/IEC 14496-15 allows it.
+// lengthSizeMinusOne + 1 of ISO/IEC 14496-15: 1, 2 or 4.
 int validLengthSize(int lengthSize) {
     return lengthSize == 1 || lengthSize == 2 ? lengthSize : 4;
 }
 
-// The last pair ends at end. A caller's pair may hold any offset.
+// Lets the last pair end at end. A pair that the caller passed may have any offset.
 void closeLastUnit(NalIndexList& nalus, int end) {
     if (!nalus.empty()) {
         nalus.back().second = static_cast<int>(int64_t{end} - nalus.back().first);
     }
 }
 
-// Appends the unit that the scanner stands on and all behind it; the last one is left to be closed.
+// Appends the unit at the scanner and all after it. The caller closes the last one.
 void appendUnits(NalIndexList& nalus, StartCodeScanner& scanner) {
     bool isFound = true;
     while (isFound) {
@@ -42,7 +42,9 @@ void appendUnits(NalIndexList& nalus, StartCodeScanner& scanner) {
     }
 }
 
-// NALUnitLength, through a scratch array of its own for each unit: 0 when that cannot be had.
+// NALUnitLength. Each one is read through an array of its size from the non-throwing operator new[], and is 0
+// when that allocation fails. The array is observable, which is why it is not on the stack: hosts replace the
+// operator, count its calls and let them fail.
 int32_t readNalUnitLength(const unsigned char* field, int lengthSize) {
     const auto count = static_cast<size_t>(lengthSize);
     const std::unique_ptr<unsigned char[]> scratch(new (std::nothrow) unsigned char[count]);
@@ -61,7 +63,8 @@ bool isNonReferenceUnit(QVCodecID codec, unsigned char firstByte) {
     return type < 16 && type % 2 == 0;  // H.265 Table 7-1: *_N and RSV_VCL_N*
 }
 
-// Types the units whose first byte lies below readableEnd.
+// Types the units whose first byte is before readableEnd. D38: an empty unit is typed by the byte at its
+// offset.
 void typeUnits(const unsigned char* data, int64_t readableEnd, const NalIndexList& nalus,
                std::vector<QVNaluParser::NaluInfo>& infos, QVCodecID codec) {
     infos.clear();
@@ -81,7 +84,7 @@ void typeUnits(const unsigned char* data, int64_t readableEnd, const NalIndexLis
     }
 }
 
-// The furthest byte that some pair is known to cover.
+// The end of the pair that ends last: bytes before it are known to exist.
 int64_t endOfUnits(const NalIndexList& nalus) {
     int64_t end = 0;
     for (const auto& [offset, length] : nalus) {
@@ -94,7 +97,7 @@ int64_t endOfUnits(const NalIndexList& nalus) {
 
 }  // namespace
 
-// D24: leading_zero_8bits ahead of the first start code are not accepted.
+// D24: leading_zero_8bits before the first start code are not accepted.
 bool QVNaluParser::isAnnexBData(const unsigned char* data, int size) {
     if (data == nullptr || size < 4) {
         return false;
@@ -138,13 +141,13 @@ int QVNaluParser::parserDataToNalus(const unsigned char* data, int size, NalInde
             return QVResultOk;
         }
         const int64_t next = int64_t{position} + fieldSize + length;
-        // GCOVR_EXCL_START: out of reach behind the comparison above
+        // GCOVR_EXCL_START: the comparison above makes this unreachable
         if (size == 0 || next > size) {
             QV_LOG(QVTraceError, kFunction, "Failed to parserDataToNaluType ignore length:%d.\n", length);
             return QVResultOk;
         }
         // GCOVR_EXCL_STOP
-        nalus.emplace_back(position + fieldSize, length);
+        nalus.emplace_back(position + fieldSize, length);  // D37: of 0 bytes too
         position = static_cast<int>(next);
         remaining = size - position;
     } while (remaining > fieldSize);

@@ -1,6 +1,6 @@
-// Start codes of the byte stream format, ITU-T H.264 (08/2021) and H.265 (08/2021) B.1.1.
+// Start codes of the byte stream format, ITU-T H.264 (08/2021) B.1.1 and H.265 (08/2021) B.2.1.
 //
-// D02: trailing_zero_8bits stay with the unit before, all but the one that makes a 4-byte start code.
+// D02: trailing_zero_8bits stay in the previous unit, except the one that makes a 4-byte start code.
 #ifndef QV_DEMUXER_DETAIL_STARTCODE_H
 #define QV_DEMUXER_DETAIL_STARTCODE_H
 
@@ -13,37 +13,38 @@ namespace qv_detail {
 // Bytes of a start_code_prefix_one_3bytes.
 constexpr size_t kPrefixLength = 3;
 
-// Where the prefixes end that have a byte behind them: none begins here or later.
+// The end of the places where a prefix may begin that has a byte after it. D35: a start code at the very end
+// is not one, its bytes are data of the previous unit.
 constexpr size_t prefixEnd(size_t size) {
     return size > kPrefixLength ? size - kPrefixLength : 0;
 }
 
-// Prefixes that were found together: one search costs little even where units are small.
+// Prefixes that one search found: so a search costs little for each, even where units are small.
 struct PrefixList {
     static constexpr size_t kMost = 32;
     size_t places[kMost];
 };
 
-// Walks the start codes of a buffer that have a byte behind them.
+// Walks the start codes of a buffer that have a byte after them.
 class StartCodeScanner {
 public:
-    // data may be null only when size is 0. The list is the scanner's to use; apart from it, the scanner
-    // stays in registers.
+    // data may be null only when size is 0. The scanner fills the list, which is separate so that the rest of
+    // the scanner stays in registers.
     StartCodeScanner(const unsigned char* data, size_t size, PrefixList& list)
         : data_(data), prefixEnd_(prefixEnd(size)), places_(list.places) {}
 
-    // Moves on to the next start code. False when there is none left.
+    // Moves to the next start code. False when there is none left.
     bool next() { return nextBelow(prefixEnd_); }
 
-    // Moves on to the next start code if its prefix begins below limit; otherwise the next search goes on
-    // from limit. A limit is never below the one before.
+    // Moves to the next start code if its prefix begins below limit; otherwise the next search continues from
+    // limit. A limit is never below the previous one.
     bool nextBelow(size_t limit) {
         if (passed_ == listed_ && !list(limit < prefixEnd_ ? limit : prefixEnd_)) {
             return false;
         }
         const size_t prefix = places_[passed_++];
-        // A zero byte ahead makes it a 4-byte start code, unless that byte was ruled out as the byte behind
-        // the start code before.
+        // A zero byte before it makes it a 4-byte start code, unless that byte is the one after the previous
+        // start code.
         const bool hasZeroByte = prefix > firstPlace_ && data_[prefix - 1] == 0x00;
         codeOffset_ = hasZeroByte ? prefix - 1 : prefix;
         unitOffset_ = prefix + kPrefixLength;
@@ -51,13 +52,13 @@ public:
         return true;
     }
 
-    // Behind a search without result: true when no further start code can be found.
+    // After a search without result: true when no further start code can be found.
     bool atEnd() const { return searchFrom_ >= prefixEnd_; }
 
     // First byte of the start code found last, zero_byte included.
     int codeOffset() const { return static_cast<int>(codeOffset_); }
 
-    // First byte behind the start code found last; below the size.
+    // First byte after the start code found last; below the size.
     int unitOffset() const { return static_cast<int>(unitOffset_); }
 
 private:
@@ -72,21 +73,21 @@ private:
             searchFrom_ = end;
             return false;
         }
-        // A place close to end rules out some behind it.
+        // A place close to end excludes some after it.
         const size_t behindLast = places_[listed_ - 1] + kPrefixLength + 1;
         searchFrom_ = listed_ == PrefixList::kMost || behindLast > end ? behindLast : end;
         return true;
     }
 
     const unsigned char* data_;
-    size_t prefixEnd_;  // a prefix that begins here has no byte behind it any more
+    size_t prefixEnd_;  // a prefix that begins here has no byte after it
     size_t* places_;
-    size_t searchFrom_ = 0;  // nothing begins before it that was not found
-    size_t firstPlace_ = 0;  // where the next start code may begin at the earliest
+    size_t searchFrom_ = 0;  // every start code that begins before it was found
+    size_t firstPlace_ = 0;  // the next start code begins here at the earliest
     size_t codeOffset_ = 0;
     size_t unitOffset_ = 0;
     size_t listed_ = 0;
-    size_t passed_ = 0;  // of those listed
+    size_t passed_ = 0;  // how many of the listed ones were passed
 };
 
 }  // namespace qv_detail

@@ -1,6 +1,6 @@
-// The walk over start_code_prefix_one_3bytes, by vectors and by bytes, and the searches that are made of it.
-// Everything has internal linkage and uses nothing inline from outside: each source that includes this is
-// compiled for its own instruction set.
+// The walk over start_code_prefix_one_3bytes, by vectors and by bytes, and the searches that use it.
+// Everything has internal linkage and uses no inline function from elsewhere: each source that includes this
+// file is compiled for its own instruction set.
 #ifndef QV_DEMUXER_DETAIL_STARTCODEKERNEL_H
 #define QV_DEMUXER_DETAIL_STARTCODEKERNEL_H
 
@@ -14,13 +14,13 @@ namespace qv_detail {
 // NOLINTNEXTLINE(cert-dcl59-cpp): see above
 namespace {
 
-// The byte behind a prefix never begins another one.
+// The byte after a prefix never begins another one (D36).
 constexpr size_t kPrefixAndHeader = 4;
 
-// A walk hands each place where a prefix begins to visit, which tells whether the walk is to end there.
-// walk(from, end) goes through [from, end), reads up to end + 2 and returns true when visit ended it.
+// A walk calls visit with each place where a prefix begins; visit returns true to end the walk. walk(from,
+// end) covers [from, end), reads up to end + 2 and returns true when visit ended it.
 
-// Byte by byte, by the third byte of each place: anything above 01 there rules out three places at once.
+// Byte by byte, by the third byte of each place: a value above 01 excludes three places at once.
 template <class Visit>
 class ByteWalk {
 public:
@@ -46,14 +46,14 @@ private:
     Visit visit_;
 };
 
-// Vector: kWidth; mayHold(aligned), true when the eight vectors there hold such a pair as below, and at times
-// when they do not; matches(p), a mask of those of the kWidth places at p where a prefix begins, of which
-// placeOf tells the first one. It reads kWidth + 2 bytes.
+// A Vector has kWidth; mayHold(aligned), true when the eight vectors at aligned hold a pair as described
+// below, and sometimes when they do not; matches(p), a mask of the kWidth places at p where a prefix begins;
+// and placeOf(mask), the first of these places. matches() reads kWidth + 2 bytes.
 //
-// A prefix 00 00 01 always puts the byte pair 00 00 or 00 01 on an even 16-bit lane, wherever it begins. So
-// one look at eight vectors tells that they hold no prefix; only where such a pair was seen is each place
-// compared. Two bytes of different vectors may look like a pair: four vectors are folded byte by byte ahead
-// of the lanes, which is fewer instructions and seldom wrong, and eight would be wrong too often.
+// A prefix 00 00 01 always has the byte pair 00 00 or 00 01 in an even 16-bit lane, wherever it begins. One
+// test of eight vectors shows that they hold no such pair and so no prefix; otherwise each place is compared.
+// Four vectors are folded byte by byte before the lanes are tested. Bytes of different vectors may then look
+// like a pair: that is rare with four vectors, for fewer instructions, and too frequent with eight.
 template <class Vector, class Visit>
 class VectorWalk {
 public:
@@ -65,7 +65,7 @@ public:
         }
         next_ = from;
         size_t at = from;
-        // Access units begin with several small units: those are found without a look at whole blocks.
+        // Access units begin with several small units: these are found without testing whole blocks.
         for (; at - from < kHead && end - at >= kWidth; at += kWidth) {
             if (visitPlaces(at)) {
                 return true;
@@ -95,10 +95,10 @@ private:
     static constexpr size_t kBlock = 8 * kWidth;
     static constexpr size_t kHead = 4 * kWidth;
 
-    // Leaves out the places before place.
+    // Excludes the places before place.
     void passUpTo(size_t place) { next_ = next_ < place ? place : next_; }
 
-    // A prefix that begins on the last byte of a block shows in the block behind it.
+    // A prefix that begins on the last byte of a block is found with the next block.
     bool visitBlock(size_t block) {
         for (size_t place = block - 1; place < block - 1 + kBlock; place += kWidth) {
             if (visitPlaces(place)) {
@@ -122,11 +122,11 @@ private:
     }
 
     const unsigned char* data_;
-    size_t next_ = 0;  // no place before it is visited any more
+    size_t next_ = 0;  // places before it are not visited
     Visit visit_;
 };
 
-// In place of a vector: none.
+// Used instead of a Vector: no vectors.
 struct Bytes {};
 
 template <class Vector, class Visit>
