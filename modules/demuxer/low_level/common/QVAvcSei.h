@@ -1,7 +1,7 @@
 /// \file
 /// Records of the H.264 SEI payload parsers. Plain, standard-layout, owned and zero-initialised ({}) by the
 /// caller; a parser writes the fields that its payload carries and clears none. Descriptors are those of
-/// ITU-T H.264 (08/2021) D.1; fields under the standard's names hold the values as coded.
+/// ITU-T H.264 (08/2021) D.1; fields with the standard's names hold the values as coded.
 #ifndef QV_DEMUXER_QVAVCSEI_H
 #define QV_DEMUXER_QVAVCSEI_H
 
@@ -28,7 +28,7 @@ struct QVAvcClockTimestamp {
     uint32_t seconds_value;        ///< u(6), 0 when not coded
     uint32_t minutes_value;        ///< u(6), 0 when not coded
     uint32_t hours_value;          ///< u(5), 0 when not coded
-    uint32_t isDropFrame;  ///< set to 1 for cnt_dropped_flag 1 with counting_type 2..6, else not written
+    uint32_t isDropFrame;  ///< 1 for cnt_dropped_flag 1 with counting_type 2..6, otherwise not written
 };
 
 /// pic_timing, H.264 D.1.3.
@@ -36,9 +36,9 @@ struct QVAvcSeiPictureTiming {
     uint32_t isValid;                        ///< 1 on success
     uint32_t pic_struct;                     ///< u(4), 0..8 (Table D-1)
     uint32_t ctTypeMask;                     ///< bit ct_type is set for each timestamp present
-    uint32_t dpb_output_delay;               ///< u(v), in clock ticks; coded behind cpb_removal_delay
+    uint32_t dpb_output_delay;               ///< u(v), in clock ticks; coded after cpb_removal_delay
     uint32_t cpb_removal_delay;              ///< u(v), in clock ticks
-    QVAvcClockTimestamp clockTimestamps[3];  ///< the timestamps present, packed in the order met
+    QVAvcClockTimestamp clockTimestamps[3];  ///< the timestamps present, without gaps, in coded order
     uint32_t numClockTimestamps;             ///< entries filled, 0..3
 };
 
@@ -60,7 +60,7 @@ struct QVAvcSeiFramePacking {
     uint32_t current_frame_is_frame0_flag;                 ///< u(1)
 };
 
-/// display_orientation, H.264 D.1.27. The bitstream has the flips first.
+/// display_orientation, H.264 D.1.27. In the bitstream the flips come first.
 struct QVAvcSeiDisplayOrientation {
     uint32_t isValid;                 ///< 1: an orientation; 0: the cancellation of one
     uint32_t anticlockwise_rotation;  ///< u(16), in 1/65536 of a full turn

@@ -64,10 +64,9 @@ struct ScalingListShape {
 constexpr ScalingListShape k4x4 = {kEntries4x4, kZigzagScan};
 constexpr ScalingListShape k8x8 = {kEntries8x8, kZigzagDirect};
 
-// A sub-step that logs under its own name and holds its own reference on the stream. Only the host can
-// observe the reference, from its log. So held() takes it for one log call: QV_LOG(level,
-// step.held().function, ...). Taking it for the whole of every sub-step would cost more than reading the
-// syntax elements.
+// A sub-step logs under its own name and holds its own reference on the stream. Only the host can observe the
+// reference, from its log; so held() takes one that lasts for a log call: step.held().function is the
+// function name of the line. A reference in every sub-step would cost more than its syntax elements.
 class Step {
 public:
     struct Held {
@@ -84,7 +83,7 @@ private:
     const SharedStream& stream_;
 };
 
-// D07: profiles 134, 135 and 139 carry the chroma syntax too; here they do not.
+// D07: profiles 134, 135 and 139 have the chroma syntax too; here they do not.
 bool hasChromaSyntax(uint32_t profile_idc) {
     switch (profile_idc) {
         case 100:
@@ -211,7 +210,7 @@ bool parseBitDepth(QVAvcSps* sps, const Step& step, PlainWindow& in) {
     return true;
 }
 
-// What the profile carries: chroma format, bit depths, scaling matrices.
+// The syntax of the profile: chroma format, bit depths, scaling matrices.
 bool parseAvcSpsForProfile(QVAvcSps* sps, const SharedStream& stream, PlainWindow& in) {
     const Step step("parseAvcSpsForProfile", stream);
     if (!hasChromaSyntax(asElement(sps->profile_idc))) {
@@ -257,7 +256,7 @@ bool parsePocType1(QVAvcSps* sps, const Step& step, PlainWindow& in) {
         return false;
     }
     for (uint32_t i = 0; i < num_ref_frames_in_pic_order_cnt_cycle; ++i) {
-        sps->offset_for_ref_frame[i] = static_cast<int8_t>(in.se());  // D08: the low 8 bits alone
+        sps->offset_for_ref_frame[i] = static_cast<int8_t>(in.se());  // D08: only the low 8 bits
     }
     return true;
 }
@@ -371,8 +370,8 @@ int32_t lowestFirst(uint32_t flags) {
                    (flags & 0x10) >> 3 | (flags & 0x20) >> 5);
 }
 
-// List by list: compilers fill all of them at once with a string instruction, whose start takes longer than
-// this does altogether.
+// List by list: a fill of all lists at once compiles to a string instruction, which takes longer to start
+// than all of these fills.
 void makeScalingFlat(QVAvcSps* sps) {
     for (auto& list : sps->scaling_matrix4) {
         std::memset(list, kFlatWeight, sizeof sps->scaling_matrix4[0]);
@@ -382,7 +381,7 @@ void makeScalingFlat(QVAvcSps* sps) {
     }
 }
 
-// The head of the parameter set: nothing is stored before its identifier was accepted.
+// The head of the parameter set. Nothing is stored until its identifier has been accepted.
 bool parseHead(QVAvcSps* sps, PlainWindow& in) {
     in.skip(8);  // nal_unit() header
     const uint32_t profile_idc = in.u(8);

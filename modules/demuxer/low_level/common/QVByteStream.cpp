@@ -37,7 +37,7 @@ void leaveRbspByte(QVByteStream& stream) {
     passEmulationPrevention(stream);
 }
 
-// Shorter pieces are not worth a copy of their own.
+// Shorter pieces are not worth a call of memcpy.
 constexpr uint64_t kWorthAPiece = 32;
 
 // Where a piece ends that begins at position and is copied whole, at end at the latest: at an emulation
@@ -82,7 +82,7 @@ uint32_t QVByteStream::readRbspBits(unsigned long n) {
     const bool isSkip = n > 32;
     uint32_t value = 0;
     while (n > 0 && bytePos < size) {
-        if (rbspBitIndex > 7) {  // a caller's own index: no bit of a byte has it
+        if (rbspBitIndex > 7) {  // set by a caller: no bit of a byte has this index
             --n;
             if (--rbspBitIndex >= 9) {
                 leaveRbspByte(*this);

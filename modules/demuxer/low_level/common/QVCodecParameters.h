@@ -5,21 +5,22 @@
 
 #include <stdint.h>
 
-/// Codec identifier. Any other number may be cast to it and is an unsupported codec.
+/// Codec identifier. Any other number may be cast to it and means an unsupported codec.
 enum QVCodecID : uint32_t {
     QVCodecIDAvc = 26,   ///< ITU-T H.264
     QVCodecIDHevc = 172  ///< ITU-T H.265
 };
 
-/// A stream's framing, as its container or the caller knows it. Owned by the caller; zero-initialise with {}.
+/// A stream's codec and framing, from its container or the caller. Owned by the caller; zero-initialise with
+/// {}.
 struct QVCodecParameters {
     QVCodecID codecId;  ///< the stream's codec
 
-    /// Non-zero: NAL units stand behind start codes (H.264/H.265 Annex B). Zero: behind length fields.
+    /// Non-zero: a start code precedes each NAL unit (H.264/H.265 Annex B). Zero: a length field does.
     uint32_t isAnnexB;
 
-    /// Bytes in each length field: lengthSizeMinusOne + 1 of the decoder configuration record
-    /// (ISO/IEC 14496-15). 1, 2 and 4 are taken as they are, everything else means 4. Not read when isAnnexB.
+    /// Bytes in each length field: lengthSizeMinusOne + 1 of the decoder configuration record (ISO/IEC
+    /// 14496-15). 1, 2 and 4 are valid, everything else means 4. Not read when isAnnexB is set.
     uint8_t nalLengthSize;
 };
 

@@ -5,8 +5,8 @@
 
 #include <stdint.h>
 
-/// HDR10 static metadata in the units of H.265 D.3.28. Nothing is scaled, checked or reordered: primaries
-/// stand in bitstream order, which is green, blue, red in a conforming stream. Owned by the caller.
+/// HDR10 static metadata in the units of H.265 D.3.28. Nothing is scaled, checked or reordered: primaries are
+/// in bitstream order, which is green, blue, red in a conforming stream. Owned by the caller.
 struct QVHDR10StaticMetadata {
     uint16_t display_primaries_x[3];           ///< u(16), CIE 1931 x in steps of 0.00002
     uint16_t display_primaries_y[3];           ///< u(16), CIE 1931 y in steps of 0.00002
@@ -16,7 +16,7 @@ struct QVHDR10StaticMetadata {
     uint32_t min_display_mastering_luminance;  ///< u(32), in steps of 0.0001 cd/m2
 };
 
-// Its layout belongs to the parser that the host's core brings.
+// Defined by the HDR Vivid parser of the host's core.
 struct QVHDRVividDynamicMetadata;
 
 #endif

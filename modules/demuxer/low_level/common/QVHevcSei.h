@@ -1,14 +1,14 @@
 /// \file
 /// Records of the H.265 SEI payload parsers. Plain, standard-layout, owned and zero-initialised ({}) by the
 /// caller; a parser writes the fields that its payload carries and clears none. Descriptors are those of
-/// ITU-T H.265 (08/2021) D.2; fields under the standard's names hold the values as coded.
+/// ITU-T H.265 (08/2021) D.2; fields with the standard's names hold the values as coded.
 #ifndef QV_DEMUXER_QVHEVCSEI_H
 #define QV_DEMUXER_QVHEVCSEI_H
 
 #include <stdint.h>
 
-/// mastering_display_colour_volume, H.265 D.2.28, in the units of D.3.28. The primaries stand in bitstream
-/// order (green, blue, red in a conforming stream). They lie in memory as three x,y pairs;
+/// mastering_display_colour_volume, H.265 D.2.28, in the units of D.3.28. The primaries are in bitstream
+/// order (green, blue, red in a conforming stream). In memory they are three x,y pairs;
 /// display_primaries_x[c] and display_primaries_y[c] are two views of them.
 struct QVHevcSeiMasteringDisplay {
     /// One coordinate of the three primaries.
@@ -18,14 +18,14 @@ struct QVHevcSeiMasteringDisplay {
 
         /// The coordinate of one primary.
         /// \param c  0..2
-        /// \return it, to be written too
+        /// \return a reference to it
         template <typename Index>
         uint16_t& operator[](Index c) {
             return pairs[2 * c + Coordinate];
         }
         /// The coordinate of one primary.
         /// \param c  0..2
-        /// \return it
+        /// \return a reference to it, to read only
         template <typename Index>
         const uint16_t& operator[](Index c) const {
             return pairs[2 * c + Coordinate];
@@ -46,8 +46,8 @@ struct QVHevcSeiMasteringDisplay {
 /// content_light_level_info, H.265 D.2.35.
 struct QVHevcSeiContentLight {
     uint32_t isValid;                      ///< 2 once parsed
-    uint16_t max_content_light_level;      ///< u(16), in cd/m2; 0: no bound is told (D.3.35)
-    uint16_t max_pic_average_light_level;  ///< u(16), in cd/m2; 0: no bound is told (D.3.35)
+    uint16_t max_content_light_level;      ///< u(16), in cd/m2; 0: no bound is specified (D.3.35)
+    uint16_t max_pic_average_light_level;  ///< u(16), in cd/m2; 0: no bound is specified (D.3.35)
 };
 
 /// alternative_transfer_characteristics, H.265 D.2.38.
@@ -71,12 +71,12 @@ struct QVHevcSeiPictureHash {
 struct QVHevcSeiFramePacking {
     uint32_t isValid;                         ///< 1: an arrangement; 0: the cancellation of one
     uint32_t frame_packing_arrangement_type;  ///< u(7), Table D.7
-    uint32_t content_interpretation_type;     ///< u(6), Table D.8; coded behind quincunx_sampling_flag
+    uint32_t content_interpretation_type;     ///< u(6), Table D.8; coded after quincunx_sampling_flag
     uint32_t quincunx_sampling_flag;          ///< u(1)
     uint32_t current_frame_is_frame0_flag;    ///< u(1)
 };
 
-/// display_orientation, H.265 D.2.17. The bitstream has the flips first.
+/// display_orientation, H.265 D.2.17. In the bitstream the flips come first.
 struct QVHevcSeiDisplayOrientation {
     uint32_t isValid;                 ///< 1: an orientation; 0: the cancellation of one
     uint32_t anticlockwise_rotation;  ///< u(16), in 1/65536 of a full turn
@@ -87,7 +87,7 @@ struct QVHevcSeiDisplayOrientation {
 /// ATSC A/53 captions, carried as user_data_registered_itu_t_t35. They are walked, not kept: no parser writes
 /// this record.
 struct QVHevcSeiA53Caption {
-    uint32_t isValid;  ///< the caller's own
+    uint32_t isValid;  ///< for the caller
 };
 
 #endif

@@ -1,6 +1,6 @@
-// The head of the H.265 sequence parameter set: seq_parameter_set_rbsp() and profile_tier_level(),
-// ITU-T H.265 (08/2021) 7.3.2.2.1 and 7.3.3. No value is checked against its range (D12), and
-// nuh_layer_id is not examined (D30).
+// The head of the H.265 sequence parameter set: seq_parameter_set_rbsp() and profile_tier_level(), ITU-T
+// H.265 (08/2021) 7.3.2.2.1 and 7.3.3. No value is checked against its range (D12), and nuh_layer_id is not
+// examined (D30).
 #include "QVHevcSps.h"
 
 #include "detail/BitWindow.h"

@@ -25,7 +25,7 @@ struct QVHevcSps {
     int32_t pic_width_in_luma_samples;     ///< ue(v)
     int32_t pic_height_in_luma_samples;    ///< ue(v)
     int32_t conformance_window_flag;       ///< u(1)
-    int32_t conf_win_left_offset;     ///< ue(v), chroma units; untouched without a window, as the next three
+    int32_t conf_win_left_offset;     ///< ue(v), chroma units; unchanged without a window, as the next three
     int32_t conf_win_right_offset;    ///< ue(v)
     int32_t conf_win_top_offset;      ///< ue(v)
     int32_t conf_win_bottom_offset;   ///< ue(v)
@@ -34,8 +34,8 @@ struct QVHevcSps {
     int32_t log2_max_pic_order_cnt_lsb_minus4;         ///< ue(v)
     int32_t sps_sub_layer_ordering_info_present_flag;  ///< u(1), the last field that the parser writes
 
-    // VUI, H.265 E.2.1. Never touched here: a caller keeps its own reading of it. The picture timing SEI
-    // parser reads frame_field_info_present_flag.
+    // VUI, H.265 E.2.1. The parser never writes it; a caller can keep what it reads itself. The picture
+    // timing SEI parser reads frame_field_info_present_flag.
     int32_t vui_parameters_present_flag;          ///< u(1)
     int32_t aspect_ratio_info_present_flag;       ///< u(1)
     int32_t aspect_ratio_idc;                     ///< u(8), Table E.1
@@ -59,14 +59,14 @@ struct QVHevcSps {
 };
 
 /// Reads the head of one sequence parameter set NAL unit (H.265 7.3.2.2), two-byte header included, from the
-/// stream's position, stepping over emulation prevention bytes. No value is checked.
+/// stream's position, and steps over emulation prevention bytes. No value is checked.
 ///
 /// Logs profile space, tier, profile and level at information level; the record has no field for them.
 ///
-/// \param[in,out] sps  the caller's record, zero-initialised or of an earlier parse
+/// \param[in,out] sps  the caller's record, zero-initialised or from an earlier parse
 /// \param stream       the unit, shared for the duration of the call
-/// \return False when sps is null or the stream is empty or missing (nothing written, nothing logged), and
-///         true in every other case, however short or malformed the data: missing bits read as 0.
+/// \return false when sps is null or the stream is empty or missing (nothing is written or logged); true in
+///         every other case, however short or malformed the data: missing bits read as 0.
 QV_NALU_API bool parseHevcSps(QVHevcSps* sps, std::shared_ptr<QVByteStream> stream);
 
 #endif

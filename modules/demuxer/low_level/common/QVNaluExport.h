@@ -1,11 +1,11 @@
 /// \file
-/// The mark of what the shared library shows.
+/// The macro that exports symbols from the shared library.
 #ifndef QV_DEMUXER_QVNALUEXPORT_H
 #define QV_DEMUXER_QVNALUEXPORT_H
 
-/// Marks what the shared library shows. All else in it is hidden, and in a static library everything is: a
-/// player's own shared library that takes it in does not show it on. QV_NALU_STATIC is for the build of the
-/// static library alone; callers need not set it.
+/// Exports a symbol from the shared library. All other symbols are hidden, and all symbols of the static
+/// library are, so that a player's shared library that links it does not export them. Only the build of the
+/// static library defines QV_NALU_STATIC; callers need not.
 #if defined(__GNUC__) && !defined(QV_NALU_STATIC)
 #define QV_NALU_API __attribute__((visibility("default")))
 #else

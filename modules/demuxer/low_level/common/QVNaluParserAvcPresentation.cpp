@@ -1,5 +1,5 @@
-// frame_packing_arrangement(), display_orientation() and alternative_transfer_characteristics(),
-// ITU-T H.264 (08/2021) D.1.25, D.1.27, D.1.32.
+// frame_packing_arrangement(), display_orientation() and alternative_transfer_characteristics(), ITU-T H.264
+// (08/2021) D.1.25, D.1.27, D.1.32.
 #include <cstdint>
 
 #include "QVNaluParser.h"

@@ -17,13 +17,13 @@ constexpr uint32_t kPicStructEnd = 9;
 // NumClockTS by pic_struct, Table D-1.
 constexpr uint8_t kSeiNumClockTsTable[kPicStructEnd] = {1, 1, 1, 2, 2, 3, 3, 2, 3};
 
-// A field length out of a caller's SPS record: below 0 it is none.
+// A field length from the caller's SPS record; a negative one counts as 0.
 uint32_t bitLength(int32_t length) {
     return length > 0 ? static_cast<uint32_t>(length) : 0;
 }
 
-// SchedSelIdx values worth visiting. A further one changes nothing: it would consume no bit of the data, move
-// no bit offset (as a skip may at the end of the data, up to seven times) and store no entry.
+// The number of SchedSelIdx values to visit. Further ones have no effect: they would consume no bit of the
+// data, move no bit offset (as a skip may at the end of the data, up to seven times) and store no entry.
 int64_t usefulCpbCnt(const QVByteStream& stream, int32_t cpb_cnt, uint32_t length) {
     const uint64_t bytes =
         stream.atEnd() || length == 0 ? 0 : std::min<uint64_t>(stream.bytesLeft(), INT32_MAX);
@@ -56,7 +56,7 @@ void readFullTime(PlainBits& in, QVAvcClockTimestamp& timestamp) {
     timestamp.hours_value = in.u(5);
 }
 
-// Each unit of time is there only behind the one below it.
+// Each unit of time is present only after the next smaller one.
 void readPartialTime(PlainBits& in, QVAvcClockTimestamp& timestamp) {
     timestamp.full_timestamp_flag = 0;
     timestamp.seconds_value = 0;
@@ -76,7 +76,7 @@ void readPartialTime(PlainBits& in, QVAvcClockTimestamp& timestamp) {
     timestamp.hours_value = in.u(5);
 }
 
-// One clock timestamp behind its clock_timestamp_flag. Returns its ct_type through the mask.
+// One clock timestamp, after its clock_timestamp_flag. Sets the bit of its ct_type in the mask.
 void readClockTimestamp(PlainBits& in, QVAvcSeiPictureTiming* pictureTiming, int32_t time_offset_length) {
     QVAvcClockTimestamp& timestamp = pictureTiming->clockTimestamps[pictureTiming->numClockTimestamps++];
     const uint32_t ct_type = in.u(2);
@@ -126,7 +126,7 @@ int QVNaluParser::parserAvcBufferingPeriod(QVByteStream& stream, int /*payloadSi
     constexpr const char* kFunction = "parserAvcBufferingPeriod";
     constexpr uint32_t kBitsOfRejectedIds = 0xE0;
     if (bufferingPeriod == nullptr || sps == nullptr) {
-        // Unchecked: hosts know this text with %x, and it is given pointers.
+        // Unchecked: hosts know this text with %x, and its arguments are pointers.
         QV_LOG_UNCHECKED(QVTraceError, kFunction,
                          "parserAvcBufferingPeriod: bufferingPeriod(0x%x), sps(0x%x) is NULL!\n",
                          static_cast<void*>(bufferingPeriod), static_cast<void*>(sps));
@@ -135,7 +135,7 @@ int QVNaluParser::parserAvcBufferingPeriod(QVByteStream& stream, int /*payloadSi
     // D34: not compared with that of sps.
     const uint32_t seq_parameter_set_id = PlainBits(stream).ue();
     if ((seq_parameter_set_id & kBitsOfRejectedIds) != 0) {  // D16: 256 to 287 pass again
-        // Unchecked: hosts know this text with a %d that no value is given for.
+        // Unchecked: hosts know this text with a %d that has no argument.
         QV_LOG_UNCHECKED(QVTraceError, kFunction,
                          "parserAvcBufferingPeriod: non-existing SPS %d referenced in buffering period.\n");
         return QVResultFailed;

@@ -12,12 +12,12 @@ using namespace qv_detail;
 
 namespace {
 
-// The sizes that messages name are one or two below the size tested, also for a size that has none below it.
+// Log lines name the size minus one or two. The subtraction wraps for the smallest int.
 int sizeLess(int size, uint32_t count) {
     return static_cast<int>(static_cast<uint32_t>(size) - count);
 }
 
-// cc_data() behind user_data_type_code: each construct is one skip.
+// cc_data() after user_data_type_code: each construct is one skip.
 void skipCcData(QVByteStream& stream, int size) {
     PlainBits in(stream);
     const int cc_count = readCcCount(stream, size);
@@ -52,7 +52,7 @@ int QVNaluParser::parserAvcRegisteredUserData(QVByteStream& stream, int payloadS
     in.skip(8);  // itu_t_t35_provider_code
     in.skip(8);
     const uint32_t user_identifier = in.u(32);
-    switch (user_identifier) {  // D18: no country or provider code is asked for
+    switch (user_identifier) {  // D18: country and provider code are not compared
         case kUserIdentifierGa94:
             return parserAvcRegisteredUserDataClosedCaption(stream, remaining);
         case kUserIdentifierDtg1:

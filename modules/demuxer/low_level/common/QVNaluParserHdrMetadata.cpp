@@ -1,4 +1,4 @@
-// HDR10 static metadata from a kept mastering display item, and the hand-off of HDR Vivid.
+// HDR10 static metadata from a kept mastering display item, and the call of the host's HDR Vivid parser.
 // mastering_display_colour_volume(), ITU-T H.265 (08/2021) D.2.28.
 #include <cstdint>
 
@@ -23,7 +23,7 @@ int QVNaluParser::fillHDR10StaticMetadataFromHevcMasteringDisplayInfoSei(const Q
     if (metadata == nullptr || !isMasteringDisplayItem(item)) {
         return QVResultInvalidData;
     }
-    // A copy that cannot be had is an empty stream: every field is then 0, and that is no failure.
+    // If the copy cannot be allocated, the stream is empty: every field is then 0, which is not a failure.
     QVByteStream stream(item.payloadData, item.payloadSize);
     PlainBits in(stream);
     for (int c = 0; c < 3; ++c) {

@@ -16,7 +16,7 @@ constexpr int kColourComponents = 3;
 
 enum HashType : uint32_t { kHashMd5 = 0, kHashCrc = 1, kHashChecksum = 2 };
 
-// Field parity by pic_struct, Table D.2: bit n stands for pic_struct n.
+// Field parity by pic_struct, Table D.2: bit n is pic_struct n.
 constexpr uint32_t kPicStructEnd = 13;
 constexpr uint32_t kTopFieldPicStructs = 1U << 1 | 1U << 9 | 1U << 11;
 constexpr uint32_t kBottomFieldPicStructs = 1U << 2 | 1U << 10 | 1U << 12;
@@ -31,7 +31,7 @@ uint32_t fieldParity(uint32_t pic_struct) {
     return (kBottomFieldPicStructs >> pic_struct & 1U) != 0 ? 2 : 0;
 }
 
-// Three skips, each made only when it fits.
+// Three skips, each of which has an effect only if it fits.
 void skipHashes(PlainBits& in, uint32_t bitsEach) {
     for (int cIdx = 0; cIdx < kColourComponents; ++cIdx) {
         in.skip(bitsEach);
@@ -66,7 +66,7 @@ int QVNaluParser::parserHevcPictureTiming(QVByteStream& stream, int payloadSize,
     pictureTiming->fieldParity = fieldParity(pic_struct);
     in.drop(2);  // source_scan_type
     in.drop(1);  // duplicate_flag
-    in.skip(1);  // D21: one bit more than the syntax has, the first byte is thus consumed
+    in.skip(1);  // D21: one bit more than the syntax has, which completes the first byte
     stream.seekBytes(int64_t{payloadSize} - 1);
     return QVResultOk;
 }

@@ -13,7 +13,7 @@ using namespace qv_detail;
 
 namespace {
 
-// The orientation as a line of text, which is how it reaches the player.
+// Appends the orientation as a line of text, the form in which the player gets it.
 int appendOrientationItem(const QVHevcSeiDisplayOrientation& orientation, std::vector<QVSeiItem>& items) {
     constexpr size_t kTextCapacity = 200;
     NewSeiItem item(items, {QVCodecIDHevc, kSeiDisplayOrientation, 0, false, nullptr});
@@ -30,7 +30,7 @@ int appendOrientationItem(const QVHevcSeiDisplayOrientation& orientation, std::v
     return QVResultOk;
 }
 
-// The fields up to content_interpretation_type; 0 without a buffer to read them from.
+// The fields up to content_interpretation_type; 0 without a buffer.
 void readArrangement(PlainBits& in, QVHevcSeiFramePacking* framePacking, bool hasBuffer) {
     framePacking->frame_packing_arrangement_type = hasBuffer ? in.u(7) : 0;
     framePacking->quincunx_sampling_flag = hasBuffer ? in.u(1) : 0;

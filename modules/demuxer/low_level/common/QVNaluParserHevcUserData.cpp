@@ -12,7 +12,7 @@ using namespace qv_detail;
 
 namespace {
 
-// cc_data() behind user_data_type_code. Unlike in H.264 the bytes of a construct are skipped one by one.
+// cc_data() after user_data_type_code. Unlike in H.264, the bytes of a construct are skipped one by one.
 void skipCcData(QVByteStream& stream, int size) {
     PlainBits in(stream);
     const int cc_count = readCcCount(stream, size);
@@ -49,7 +49,7 @@ int QVNaluParser::parserHevcRegisteredUserData(QVByteStream& stream, int payload
     in.skip(8);  // itu_t_t35_provider_code
     in.skip(8);
     const uint32_t user_identifier = stream.hasData() ? in.u(32) : 0;
-    if (user_identifier == kUserIdentifierGa94) {  // D18: no country or provider code is asked for
+    if (user_identifier == kUserIdentifierGa94) {  // D18: country and provider code are not compared
         return parserHevcRegisteredUserDataClosedCaption(stream, remaining, a53Caption);
     }
     stream.seekBytes(remaining);
@@ -64,7 +64,7 @@ int QVNaluParser::parserHevcRegisteredUserDataClosedCaption(QVByteStream& stream
         return QVResultFailed;
     }
     if (payloadSize < kSmallestCaption) {
-        // The text says 7 where the limit is 3; hosts know it so.
+        // The text says 7 although the limit is 3; hosts know it.
         QV_LOG(QVTraceError, kFunction, "parserHevcRegisteredUserDataClosedCaption: payloadSize < 7 !\n");
         return QVResultFailed;
     }

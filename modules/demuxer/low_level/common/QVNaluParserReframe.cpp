@@ -1,6 +1,5 @@
-// Conversion between the byte stream format (ITU-T H.264/H.265 Annex B) and 4-byte length fields
-// (ISO/IEC 14496-15). Units are carried as they are: emulation prevention bytes are neither added nor
-// removed.
+// Conversion between the byte stream format (ITU-T H.264/H.265 Annex B) and 4-byte length fields (ISO/IEC
+// 14496-15). Units are copied as they are: emulation prevention bytes are neither added nor removed.
 #include <algorithm>
 #include <climits>
 #include <cstdint>
@@ -18,7 +17,7 @@ namespace {
 constexpr unsigned char kStartCode[] = {0x00, 0x00, 0x00, 0x01};
 constexpr size_t kLengthSize = 4;
 
-// Makes room for count more bytes: a capacity that runs out is doubled, on every standard library.
+// Makes room for count more bytes. Capacity that does not suffice is doubled, whatever the standard library.
 void makeRoom(std::vector<unsigned char>& out, size_t count) {
     if (out.capacity() - out.size() < count) {
         out.reserve(std::max(2 * out.capacity(), out.size() + count));
@@ -36,10 +35,10 @@ void writeLength(unsigned char* field, size_t length) {
     }
 }
 
-// Search and copy take turns: a piece is copied while it is in the cache from the search.
+// Search and copy alternate: a piece is copied while the search has left it in the cache.
 constexpr size_t kPiece = 16384;
 
-// Appends the unit that the scanner stands on and moves the scanner on. False when that was the last unit.
+// Appends the unit at the scanner and moves the scanner to the next one. False when that was the last unit.
 bool appendUnit(std::vector<unsigned char>& out, const unsigned char* data, size_t size,
                 StartCodeScanner& scanner) {
     static constexpr unsigned char kLengthToCome[kLengthSize] = {};
@@ -73,7 +72,7 @@ int QVNaluParser::converAnnexBToAvcC(const unsigned char* data, int size, std::v
     }
     PrefixList list;  // NOLINT(cppcoreguidelines-pro-type-member-init): the scanner fills it
     StartCodeScanner scanner(data, bufferSize(size), list);
-    // It is at the beginning; a search to the end would be a pass of its own.
+    // The first start code is at the beginning; a search to the end would be another pass over the data.
     if (!scanner.nextBelow(kPiece)) {
         return QVResultInvalidData;
     }

@@ -1,8 +1,8 @@
 // SEI message headers, walking and dispatch: sei_rbsp() and sei_message(), ITU-T H.264 (08/2021) 7.3.2.3 and
 // H.265 (08/2021) 7.3.2.4.
 //
-// The two walkers differ on purpose. H.264 goes through every message of a unit and looks for the trailing
-// bits between them; H.265 looks at the first message alone (D14), without a look at the trailing bits.
+// The two walkers differ on purpose. The H.264 walker reads every message of a unit and tests for the
+// trailing bits between them; the H.265 walker reads only the first message (D14) and does not test for them.
 #include <algorithm>
 #include <cstdint>
 
@@ -19,7 +19,7 @@ namespace {
 constexpr int kAvcNalHeaderSize = 1;
 constexpr int kHevcNalHeaderSize = 2;
 
-// Fewer bytes hold no message and trailing bits.
+// Fewer bytes cannot hold a message and the trailing bits.
 constexpr uint64_t kSmallestAvcSei = 3;
 
 bool isRequested(const std::deque<int>& requested, int payloadType) {
@@ -40,18 +40,19 @@ uint32_t readHeaderSum(QVByteStream& stream, uint32_t start) {
     return sum;
 }
 
-// Over the bytes as they stand (D27). A negative size is sign-extended and left to the skip's own bounds.
+// Skips bytes as they are, emulation prevention bytes included (D27). A negative size is sign-extended;
+// skipBytes checks the bounds.
 void skipPayload(QVByteStream& stream, int payloadSize) {
     stream.skipBytes(static_cast<uint64_t>(int64_t{payloadSize}));
 }
 
-// alternative_transfer_characteristics() is passed over, bit by bit.
+// alternative_transfer_characteristics() is skipped bit by bit.
 int skipAlternativeTransfer(QVByteStream& stream) {
     PlainBits(stream).drop(8);  // preferred_transfer_characteristics
     return QVResultOk;
 }
 
-// What becomes of a message that no parser and no fixed capture takes.
+// A message that is neither parsed nor always captured.
 int captureRequestedOrSkip(QVByteStream& stream, int payloadType, int payloadSize,
                            std::vector<QVSeiItem>& items, QVCodecID codec, const std::deque<int>& requested) {
     if (isRequested(requested, payloadType)) {
@@ -104,8 +105,8 @@ bool isAvcTrailing(const uint8_t* next) {
     return (next[0] == 0x00 && next[1] == 0x00) || next[0] == kTrailingBitsByte;
 }
 
-// True when another message stands at the byte position. One of payloadType 128 is taken for the trailing
-// bits (D25).
+// True when another message is at the byte position. One of payloadType 128 is treated as the trailing bits
+// (D25).
 bool hasAvcMessage(const QVByteStream& stream) {
     return !stream.atEnd() && stream.bytesLeft() >= kSmallestAvcSei &&
            !isAvcTrailing(stream.data + stream.bytePos);

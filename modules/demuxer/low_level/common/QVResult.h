@@ -3,13 +3,13 @@
 #ifndef QV_DEMUXER_QVRESULT_H
 #define QV_DEMUXER_QVRESULT_H
 
-/// What the operations that return int return.
+/// The values that the operations return as int.
 enum QVResult : int {
-    /// Done. Running out of data inside a payload is no failure either: missing bits read as zero.
+    /// Success. The end of the data inside a payload is not a failure: missing bits read as zero.
     QVResultOk = 0,
 
     /// A missing parameter or record, an unsupported codec, an SEI payload that runs past its NAL unit, a
-    /// syntax value out of range, or a raw capture that could not be made.
+    /// syntax value out of range, or a failed raw capture.
     QVResultFailed = 11000001,
 
     /// Unusable input: null or too short, no start code, no units, length-prefixed units that do not end at

@@ -7,9 +7,9 @@
 
 #include "QVCodecParameters.h"
 
-/// One kept SEI message (H.264 7.3.2.3.1, H.265 7.3.5). A plain record without behaviour. Lists of items are
-/// the caller's, and so is each payload buffer once its item is in the list: nothing in this module removes
-/// or frees one.
+/// One kept SEI message (H.264 7.3.2.3.1, H.265 7.3.5). A plain record without behaviour. The caller owns
+/// lists of items, and each payload buffer once its item is in the list: nothing in this module removes or
+/// frees one.
 struct QVSeiItem {
     QVCodecID codecId;     ///< the codec of the stream that carried the message
     uint32_t payloadType;  ///< payloadType as summed from the message header
@@ -18,8 +18,8 @@ struct QVSeiItem {
     /// True when the item exists because its type is in the caller's requested-type list.
     bool isRequested;
 
-    /// From qvMalloc (qvMallocz for the display orientation text), without emulation prevention bytes.
-    /// Null only in items made elsewhere.
+    /// From qvMalloc (qvMallocz for the display orientation text), without emulation prevention bytes. Null
+    /// only in items that other code made.
     uint8_t* payloadData;
 };
 

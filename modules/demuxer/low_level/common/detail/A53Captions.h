@@ -1,4 +1,4 @@
-// What the H.264 and H.265 caption walks have in common: user_data() of ATSC A/53 Part 4 (2009) 6.2.
+// The common part of the H.264 and H.265 caption walks: user_data() of ATSC A/53 Part 4 (2009) 6.2.
 #ifndef QV_DEMUXER_DETAIL_A53CAPTIONS_H
 #define QV_DEMUXER_DETAIL_A53CAPTIONS_H
 
@@ -9,7 +9,7 @@ namespace qv_detail {
 // user_data_type_code and two bytes of cc_data().
 constexpr int kSmallestCaption = 3;
 
-// Skips size - 1 bytes one by one; at the end of the data none fits any more.
+// Skips size - 1 bytes one by one, as far as they fit.
 inline void skipUserData(QVByteStream& stream, int size) {
     PlainBits in(stream);
     for (int i = 0; i < size - 1 && !stream.atEnd(); ++i) {
@@ -17,8 +17,8 @@ inline void skipUserData(QVByteStream& stream, int size) {
     }
 }
 
-// The head of cc_data(), behind user_data_type_code. Returns the number of constructs that follow: 0 when
-// they are not to be processed or do not fit into size, which counts from user_data_type_code on.
+// The head of cc_data(), after user_data_type_code. Returns the number of constructs that follow: 0 when they
+// are not to be processed or do not fit into size, which includes user_data_type_code.
 inline int readCcCount(QVByteStream& stream, int size) {
     PlainBits in(stream);
     in.skip(1);  // process_em_data_flag

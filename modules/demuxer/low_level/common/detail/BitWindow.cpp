@@ -141,7 +141,7 @@ WindowBits PlainSide::take(const QVByteStream& stream) {
 }
 
 void PlainSide::move(QVByteStream& stream, uint32_t moved) {
-    if (moved == 0) {  // a caller's own bit offset, above 7, stays what it is
+    if (moved == 0) {  // a bit offset above 7, set by a caller, is not changed
         return;
     }
     movePlain(stream, moved);
@@ -189,7 +189,7 @@ WindowBits RbspSide::take(const QVByteStream& stream) {
 }
 
 void RbspSide::move(QVByteStream& stream, uint32_t moved) {
-    if (moved == 0) {  // a caller's own bit index, above 7, stays what it is
+    if (moved == 0) {  // a bit index above 7, set by a caller, is not changed
         return;
     }
     const uint32_t bits = 7 - stream.rbspBitIndex + moved;

@@ -1,4 +1,4 @@
-// The module's one way to the player's log.
+// The calls of the player's log.
 #ifndef QV_DEMUXER_DETAIL_LOG_H
 #define QV_DEMUXER_DETAIL_LOG_H
 
@@ -6,7 +6,7 @@
 
 namespace qv_detail {
 
-// Every line names the module's main source, whichever file it stands in: hosts filter by it.
+// Every line names the module's main source, whichever file it comes from: hosts filter by it.
 constexpr const char* kLogFile = "QVNaluParser.cpp";
 constexpr const char* kLogTag = "QVPlayerCore.DecoderConfigurationRecord";
 
@@ -16,8 +16,8 @@ constexpr const char* kLogTag = "QVPlayerCore.DecoderConfigurationRecord";
 #define QV_LOG(level, function, ...) \
     qvTraceLog(level, qv_detail::kLogFile, __LINE__, function, qv_detail::kLogTag, __VA_ARGS__)
 
-// For the few texts that do not match their arguments and stay as hosts know them: the same call, without the
-// compiler's check of the format. Each use says why.
+// For the few texts that do not match their arguments but must not change, because hosts know them: the same
+// call without the compiler's check of the format. Each use gives its reason.
 namespace qv_detail {
 
 using UncheckedTraceLog = void (*)(int level, const char* file, int line, const char* function,

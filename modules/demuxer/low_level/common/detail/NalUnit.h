@@ -28,7 +28,7 @@ inline uint32_t readBigEndian(const unsigned char* bytes, size_t count) {
     return value;
 }
 
-// A caller's int size; anything below 0 is an empty buffer.
+// The size that a caller passed as an int; a negative one means an empty buffer.
 constexpr size_t bufferSize(int size) {
     return size > 0 ? static_cast<size_t>(size) : 0;
 }

@@ -8,8 +8,8 @@
 
 namespace qv_detail {
 
-// Takes its place in the list before its payload is allocated: the list's growth may throw, and a block of
-// the player's allocators could not be given back here. Without keep() the place is given up again.
+// The item enters the list before its payload is allocated: growing the list may throw, and the library
+// cannot release a block of the player's allocators. Without keep() the item is removed again.
 class NewSeiItem {
 public:
     NewSeiItem(std::vector<QVSeiItem>& items, const QVSeiItem& item) : items_(items) {
@@ -25,7 +25,7 @@ public:
     NewSeiItem(const NewSeiItem&) = delete;
     NewSeiItem& operator=(const NewSeiItem&) = delete;
 
-    // The item stays, with payload as its bytes.
+    // Keeps the item, with payload as its bytes.
     void keep(uint8_t* payload, uint32_t payloadSize) {
         items_.back().payloadData = payload;
         items_.back().payloadSize = payloadSize;

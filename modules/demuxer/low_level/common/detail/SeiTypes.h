@@ -20,7 +20,7 @@ constexpr int kSeiMasteringDisplayColourVolume = 137;
 constexpr int kSeiContentLightLevelInfo = 144;
 constexpr int kSeiAlternativeTransferCharacteristics = 147;
 
-// D13: where prefix units are looked into for a picture hash; 132 is its number in suffix units alone.
+// D13: the number of a picture hash in prefix units; 132 is its number in suffix units only.
 constexpr int kHevcPrefixPictureHash = 256;
 
 // nal_unit_type of the H.265 SEI units.
@@ -42,7 +42,7 @@ constexpr uint32_t kUserIdentifierDtg1 = 0x44544731;
 // user_data_type_code of cc_data(), ATSC A/53 Part 4.
 constexpr uint32_t kUserDataTypeCcData = 3;
 
-// Bytes of a T.35 header up to and with the user_identifier.
+// Bytes of a T.35 header, the user_identifier included.
 constexpr int kT35HeaderSize = 1 + 2 + 4;
 
 }  // namespace qv_detail

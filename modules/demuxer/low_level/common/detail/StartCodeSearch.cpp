@@ -1,11 +1,11 @@
-// The start-code search by instruction set: what every machine of the architecture has without asking, AVX2
-// where the machine says that it has it, and bytes where nothing else is known.
+// The start-code search by instruction set: the vectors that every machine of the architecture has, AVX2
+// where the machine reports it, and single bytes on other architectures.
 #include "detail/StartCodeSearch.h"
 
 #include "detail/StartCodeKernel.h"
 
 #if defined(QV_WITHOUT_VECTORS)
-// Bytes alone.
+// Bytes only.
 #elif defined(__SSE2__)
 #include <emmintrin.h>
 #elif defined(__aarch64__) && !defined(__AARCH64EB__)
@@ -25,8 +25,8 @@ using Baseline = Bytes;
 struct Sse2 {
     static constexpr size_t kWidth = 16;
 
-    // The mask lets pairs 00 80 and 00 81 through as well: without its top bit a lane is never negative, and
-    // the signed minimum, the only one that SSE2 has for 16 bits, folds the vectors.
+    // The mask lets the pairs 00 80 and 00 81 pass too: without its top bit a lane is never negative, so that
+    // the signed minimum, the only one that SSE2 has for 16 bits, can fold the vectors.
     static bool mayHold(const unsigned char* aligned) {
         const auto* const vectors = reinterpret_cast<const __m128i*>(aligned);
         const __m128i mask = _mm_set1_epi16(0x7EFF);

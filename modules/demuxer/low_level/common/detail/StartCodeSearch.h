@@ -1,8 +1,8 @@
-// The search for start_code_prefix_one_3bytes, ITU-T H.264 (08/2021) and H.265 (08/2021) B.1.1, with the
-// widest vectors that the machine has.
+// The search for start_code_prefix_one_3bytes, ITU-T H.264 (08/2021) B.1.1 and H.265 (08/2021) B.2.1, with
+// the widest vectors that the machine has.
 //
-// A prefix at place p and the byte behind it are taken together: the next one begins at p + 4 or later. The
-// three bytes at end, end + 1 and end + 2 have to be readable.
+// A prefix at place p and the byte after it belong together: the next prefix begins at p + 4 or later. The
+// three bytes at end, end + 1 and end + 2 must be readable.
 #ifndef QV_DEMUXER_DETAIL_STARTCODESEARCH_H
 #define QV_DEMUXER_DETAIL_STARTCODESEARCH_H
 
@@ -11,11 +11,11 @@
 
 namespace qv_detail {
 
-// Some types of a codec, told by the first byte of a unit: type t when bit t of set is set.
+// A set of types of a codec, taken from the first byte of a unit: type t is in it when bit t of set is 1.
 struct UnitTypes {
     uint64_t set;
     uint32_t shift;  // of the type in the first byte
-    uint32_t mask;   // of the type behind the shift, 63 at most
+    uint32_t mask;   // of the type after the shift, 63 at most
 };
 
 // True when a prefix that begins in [0, end) is followed by a unit of one of the types.

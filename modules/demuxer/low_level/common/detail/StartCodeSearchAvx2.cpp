@@ -1,4 +1,4 @@
-// The start-code search with AVX2. Compiled with -mavx2 and entered only on machines that have it.
+// The start-code search with AVX2. Compiled with -mavx2 and called only on machines that have it.
 #include <immintrin.h>
 
 #include "detail/StartCodeKernel.h"

@@ -1,4 +1,4 @@
-// A private copy of a caller's buffer, from malloc and released on every path.
+// A private copy of a caller's buffer, from malloc, released on every path.
 #ifndef QV_DEMUXER_DETAIL_WORKINGCOPY_H
 #define QV_DEMUXER_DETAIL_WORKINGCOPY_H
 
