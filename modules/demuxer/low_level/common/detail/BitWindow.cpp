@@ -1,5 +1,4 @@
-// What windows hold at a reader's cursor, and the reads that need none: near the end of the data, and codes
-// of any length.
+// The bits that a window holds at a reader's cursor, and the reads that work without a window.
 #include "detail/BitWindow.h"
 
 #include <algorithm>

@@ -1,9 +1,9 @@
-// The bit cursors of a reader. A window holds the bits that come next in registers. Parsers of long syntax
-// tables keep a window for many elements; a single read of QVByteStream uses one for itself. What is not
-// whole in a window, the reads in BitWindow.cpp take bit by bit.
+// The bit cursors of a reader. A window holds the next bits of a cursor in registers, for parsers that read
+// many syntax elements in sequence; detail/PlainBits.h is for single reads. BitWindow.cpp reads what is not
+// whole in a window: near the end of the data, around emulation prevention bytes, and codes of any length.
 //
-// From its construction or take() until its destruction or giveBack() a window has the reader's cursor. The
-// reader's own cursor is out of date in between, and nothing else may move it.
+// A window owns the reader's cursor from its construction or take() until its destruction or giveBack(). In
+// between the reader's own cursor is out of date, and nothing else may move it.
 #ifndef QV_DEMUXER_DETAIL_BITWINDOW_H
 #define QV_DEMUXER_DETAIL_BITWINDOW_H
 
@@ -27,7 +27,8 @@ inline uint64_t readBigEndian64(const uint8_t* bytes) {
            uint64_t{bytes[6]} << 8 | uint64_t{bytes[7]};
 }
 
-// The number of zero bits before the first 1 bit. bits is not 0.
+// The number of zero bits before the first 1 bit. bits is not 0. The build without vectors uses the portable
+// form too, which is how it is tested.
 inline uint32_t leadingZeroBits(uint64_t bits) {
 #if defined(__GNUC__) && !defined(QV_WITHOUT_VECTORS)
     return static_cast<uint32_t>(__builtin_clzll(bits));

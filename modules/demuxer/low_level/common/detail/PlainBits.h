@@ -1,4 +1,5 @@
-// The descriptors of the syntax tables over the plain cursor of a reader.
+// The descriptors of the syntax tables over the plain cursor of a reader. Each read is inlined where eight or
+// nine bytes are left; otherwise PlainSide reads.
 #ifndef QV_DEMUXER_DETAIL_PLAINBITS_H
 #define QV_DEMUXER_DETAIL_PLAINBITS_H
 
