@@ -82,6 +82,16 @@ TEST(QVByteStreamConstruction, nullSourceIsEmpty) {
     EXPECT_EQ(stream.capacity, 0U);
 }
 
+TEST(QVByteStreamConstruction, noBytesAreNotCopied) {
+    const uint8_t source = 0;
+    const AllocationFault count(Allocator::Malloc, 0);
+    const QVByteStream stream(&source, 0);
+    EXPECT_EQ(count.seen(), 0);
+    EXPECT_EQ(stream.data, nullptr);
+    EXPECT_EQ(stream.size, 0U);
+    EXPECT_EQ(stream.capacity, 0U);
+}
+
 TEST(QVByteStreamConstruction, failedAllocationIsEmpty) {
     const Bytes source(10, 0xFF);
     const AllocationFault fault(Allocator::Malloc, 1);
