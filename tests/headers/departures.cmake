@@ -27,7 +27,8 @@ function(tags_below result)
   set(${result} "${tags}" PARENT_SCOPE)
 endfunction()
 
-file(GLOB_RECURSE sources ${ROOT}/modules/demuxer/*.h ${ROOT}/modules/demuxer/*.cpp)
+file(GLOB_RECURSE sources ${ROOT}/modules/demuxer/*.h ${ROOT}/modules/demuxer/*.cpp ${ROOT}/modules/startcode/*.h
+  ${ROOT}/modules/startcode/*.cpp)
 file(GLOB_RECURSE tests ${ROOT}/tests/unit/*.cpp ${ROOT}/tests/property/*.cpp ${ROOT}/tests/streams/*.cpp)
 tags_below(in_sources ${sources})
 tags_below(in_tests ${tests})

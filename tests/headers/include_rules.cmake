@@ -1,8 +1,10 @@
 cmake_minimum_required(VERSION 3.22)
 
-# The library includes only its own headers, the contracts of modules/core and the standard library, so nothing of the
-# stand-alone core. Nothing outside the library includes its detail/ folder.
+# The library includes only its own headers, the contracts of modules/core, the start-code search and the standard
+# library, so nothing of the stand-alone core. Nothing outside the library includes its detail/ folder. The start-code
+# search includes only itself and the standard library; only the library and the inspector include it.
 set(library ${ROOT}/modules/demuxer/low_level/common)
+set(startcode ${ROOT}/modules/startcode)
 set(failures "")
 
 function(quoted_includes file result)
@@ -19,7 +21,18 @@ file(GLOB_RECURSE library_files ${library}/*.h ${library}/*.cpp)
 foreach(file IN LISTS library_files)
   quoted_includes(${file} names)
   foreach(name IN LISTS names)
-    if(NOT EXISTS ${library}/${name} AND NOT EXISTS ${ROOT}/modules/core/${name})
+    if(NOT EXISTS ${library}/${name} AND NOT EXISTS ${ROOT}/modules/core/${name}
+       AND NOT (name MATCHES "^startcode/" AND EXISTS ${ROOT}/modules/${name}))
+      list(APPEND failures "${file} includes ${name}")
+    endif()
+  endforeach()
+endforeach()
+
+file(GLOB_RECURSE startcode_files ${startcode}/*.h ${startcode}/*.cpp)
+foreach(file IN LISTS startcode_files)
+  quoted_includes(${file} names)
+  foreach(name IN LISTS names)
+    if(NOT name MATCHES "^startcode/" OR NOT EXISTS ${ROOT}/modules/${name})
       list(APPEND failures "${file} includes ${name}")
     endif()
   endforeach()
@@ -31,7 +44,7 @@ file(GLOB_RECURSE other_files
 foreach(file IN LISTS other_files)
   quoted_includes(${file} names)
   foreach(name IN LISTS names)
-    if(name MATCHES "detail/")
+    if(name MATCHES "detail/" OR (name MATCHES "startcode/" AND NOT file MATCHES "^${ROOT}/tools/qvinspect/"))
       list(APPEND failures "${file} includes ${name}")
     endif()
   endforeach()
@@ -51,7 +64,9 @@ if(failures)
   string(REPLACE ";" "\n" failures "${failures}")
   message(FATAL_ERROR "${failures}")
 endif()
-list(LENGTH library_files count)
-if(count EQUAL 0)
-  message(FATAL_ERROR "no library sources below ${library}")
-endif()
+foreach(folder library startcode)
+  list(LENGTH ${folder}_files count)
+  if(count EQUAL 0)
+    message(FATAL_ERROR "no sources below ${${folder}}")
+  endif()
+endforeach()

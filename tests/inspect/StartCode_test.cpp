@@ -54,5 +54,25 @@ INSTANTIATE_TEST_SUITE_P(
                       Case{"oneAheadOfTheOne", "00 01 00 01 00 00 01 09", 0, 0, true, 4, 7}),
     [](const auto& row) { return row.param.name; });
 
+// Long data is searched in blocks: a start code is found wherever it lies in them, from any place before it,
+// and none is found where it has no byte after it.
+TEST(StartCode, anywhereInLongData) {
+    constexpr size_t kSize = 300;
+    for (size_t at = 0; at + 4 <= kSize; ++at) {
+        Bytes bytes(kSize, 0xFF);
+        bytes[at] = 0x00;
+        bytes[at + 1] = 0x00;
+        bytes[at + 2] = 0x01;
+        for (const size_t from : {size_t{0}, at / 2, at}) {
+            const auto code = findStartCode(bytes.data(), bytes.size(), from, 0);
+            ASSERT_TRUE(code.has_value()) << at << " from " << from;
+            EXPECT_EQ(code->codeAt, at);
+            EXPECT_EQ(code->unitAt, at + 3);
+        }
+        EXPECT_FALSE(findStartCode(bytes.data(), bytes.size(), at + 1, 0)) << at;
+        EXPECT_FALSE(findStartCode(bytes.data(), at + 3, 0, 0)) << at;
+    }
+}
+
 }  // namespace
 }  // namespace qv_test

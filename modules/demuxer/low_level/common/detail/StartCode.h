@@ -6,7 +6,7 @@
 
 #include <cstddef>
 
-#include "detail/StartCodeSearch.h"
+#include "startcode/StartCodeSearch.h"
 
 namespace qv_detail {
 

@@ -1,14 +1,14 @@
 // The walk over start_code_prefix_one_3bytes, by vectors and by bytes, and the searches that use it.
 // Everything has internal linkage and uses no inline function from elsewhere: each source that includes this
 // file is compiled for its own instruction set.
-#ifndef QV_DEMUXER_DETAIL_STARTCODEKERNEL_H
-#define QV_DEMUXER_DETAIL_STARTCODEKERNEL_H
+#ifndef QV_STARTCODE_STARTCODEKERNEL_H
+#define QV_STARTCODE_STARTCODEKERNEL_H
 
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
 
-#include "detail/StartCodeSearch.h"
+#include "startcode/StartCodeSearch.h"
 
 namespace qv_detail {
 // NOLINTNEXTLINE(cert-dcl59-cpp): see above

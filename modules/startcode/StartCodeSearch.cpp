@@ -1,8 +1,8 @@
 // The start-code search by instruction set: the vectors that every machine of the architecture has, AVX2
 // where the machine reports it, and single bytes on other architectures.
-#include "detail/StartCodeSearch.h"
+#include "startcode/StartCodeSearch.h"
 
-#include "detail/StartCodeKernel.h"
+#include "startcode/StartCodeKernel.h"
 
 #if defined(QV_WITHOUT_VECTORS)
 // Bytes only.

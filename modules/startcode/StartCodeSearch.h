@@ -3,8 +3,8 @@
 //
 // A prefix at place p and the byte after it belong together: the next prefix begins at p + 4 or later. The
 // three bytes at end, end + 1 and end + 2 must be readable.
-#ifndef QV_DEMUXER_DETAIL_STARTCODESEARCH_H
-#define QV_DEMUXER_DETAIL_STARTCODESEARCH_H
+#ifndef QV_STARTCODE_STARTCODESEARCH_H
+#define QV_STARTCODE_STARTCODESEARCH_H
 
 #include <cstddef>
 #include <cstdint>

@@ -1,8 +1,8 @@
 // The start-code search with AVX2. Compiled with -mavx2 and called only on machines that have it.
 #include <immintrin.h>
 
-#include "detail/StartCodeKernel.h"
-#include "detail/StartCodeSearch.h"
+#include "startcode/StartCodeKernel.h"
+#include "startcode/StartCodeSearch.h"
 
 namespace qv_detail {
 
