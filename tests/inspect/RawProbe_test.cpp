@@ -182,6 +182,26 @@ TEST(RawProbe, unitsAgainstParameterSets) {
     EXPECT_EQ(codecOf(stream + byteStream({hex("B8 00 12")})), RawCodec::Neither);
 }
 
+// Metadata of an application in types 62 and 63 of H.265, or 24 to 31 of H.264, with each picture and more of
+// it than of all else.
+TEST(RawProbe, unspecifiedTypesCountForNothing) {
+    const auto often = [](const char* unit) { return byteStream(std::vector<Bytes>(50, hex(unit))); };
+    for (const char* unit : {"7C 01 19 08", "7E 01 08 09", "60 01 00 12"}) {
+        EXPECT_EQ(codecOf(byteStream({kHevcVps, kHevcSps, kHevcPps}) + hevcSlices(8) + often(unit)),
+                  RawCodec::Hevc)
+            << unit;
+        EXPECT_EQ(codecOf(often(unit)), RawCodec::Neither) << unit;
+    }
+    for (const char* unit : {"18 12 34", "1F 12 34", "7B 12 34"}) {
+        EXPECT_EQ(codecOf(byteStream({avcSpsUnit(), avcPpsUnit()}) + avcSlices(8) + often(unit)),
+                  RawCodec::Avc)
+            << unit;
+        EXPECT_EQ(codecOf(often(unit)), RawCodec::Neither) << unit;
+    }
+    // Reserved types speak against a codec as before.
+    EXPECT_EQ(codecOf(byteStream({kHevcVps, kHevcSps, kHevcPps}) + often("52 01 12")), RawCodec::Neither);
+}
+
 TEST(RawProbe, whatIsNoVideo) {
     EXPECT_EQ(codecOf({}), RawCodec::Neither);
     EXPECT_EQ(codecOf(Bytes(100000, 0x00)), RawCodec::Neither);

@@ -22,6 +22,7 @@ constexpr unsigned kAvcSubsetSpsNut = 15;
 constexpr unsigned kAvcReserved18Nut = 18;
 constexpr unsigned kAvcAuxiliarySliceNut = 19;
 constexpr unsigned kAvcSliceExtensionNut = 20;
+constexpr unsigned kAvcUnspec24 = 24;
 
 }  // namespace qvinspect
 

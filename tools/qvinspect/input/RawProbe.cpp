@@ -86,6 +86,12 @@ Verdict judgeAvcPps(QVByteStream& in) {
     return neutralIf(pic_parameter_set_id <= kMostAvcPpsId && seq_parameter_set_id <= kMostAvcSpsId);
 }
 
+// Table 7-1: applications use these types for what they like. Type 0 is unspecified as well, but the pictures
+// of MPEG-2 video begin with 00 00 01 00: it counts against H.264.
+bool isUnspecifiedAvc(uint32_t nal_unit_type) {
+    return nal_unit_type >= kAvcUnspec24;
+}
+
 Verdict judgeAvcUnit(const std::vector<uint8_t>& unit) {
     QVByteStream in(unit.data(), unit.size());
     const uint32_t header = in.readBits(8);
@@ -119,7 +125,7 @@ Verdict judgeAvcUnit(const std::vector<uint8_t>& unit) {
         case kAvcSliceExtensionNut:
             return Verdict::Neutral;
         default:
-            return Verdict::Against;
+            return isUnspecifiedAvc(header & 0x1F) ? Verdict::Neutral : Verdict::Against;
     }
 }
 
@@ -189,7 +195,8 @@ Verdict judgeHevcBaseLayerUnit(QVByteStream& in, uint32_t type, uint32_t tempora
         case kHevcSuffixSeiNut:
             return Verdict::Neutral;
         default:
-            return Verdict::Against;
+            // Table 7-1: applications use the unspecified types for what they like.
+            return type >= kHevcUnspec48 ? Verdict::Neutral : Verdict::Against;
     }
 }
 
