@@ -10,6 +10,8 @@
 
 #include "AvcPictures.h"
 #include "InspectSupport.h"
+#include "MatroskaWriter.h"
+#include "Mp4Writer.h"
 #include "StreamExpectation.h"
 #include "analysis/Analysis.h"
 #include "input/InputError.h"
@@ -188,42 +190,11 @@ TEST_F(OpenInput, containerAskedFor) {
               "whole");
 }
 
-// An element of Matroska: the bytes of its identifier, four bytes of length, and what it holds.
-Bytes element(const Bytes& id, const std::vector<Bytes>& parts) {
-    Bytes content;
-    for (const Bytes& part : parts) {
-        content.insert(content.end(), part.begin(), part.end());
-    }
-    Bytes bytes = id;
-    const auto size = static_cast<uint32_t>(content.size());
-    for (const uint32_t byte : {0x10U | size >> 24, size >> 16 & 0xFF, size >> 8 & 0xFF, size & 0xFF}) {
-        bytes.push_back(static_cast<uint8_t>(byte));
-    }
-    bytes.insert(bytes.end(), content.begin(), content.end());
-    return bytes;
-}
-
-Bytes text(const std::string& characters) {
-    return {characters.begin(), characters.end()};
-}
-
 // A video whose Colour element holds the number.
 Bytes matroskaOf(uint8_t transferCharacteristics) {
-    const Bytes head = element({0x1A, 0x45, 0xDF, 0xA3}, {element({0x42, 0x82}, {text("matroska")})});
-    const Bytes colour = element({0x55, 0xB0}, {element({0x55, 0xBA}, {{transferCharacteristics}})});
-    const Bytes video =
-        element({0xE0}, {element({0xB0}, {{16}}), element({0xBA}, {{16}}), colour});  // 16x16 samples
-    const Bytes track =
-        element({0xAE}, {element({0xD7}, {{1}}), element({0x73, 0xC5}, {{1}}), element({0x83}, {{1}}),
-                         element({0x86}, {text("V_MPEGH/ISO/HEVC")}), video});
-    const Bytes cluster =
-        element({0x1F, 0x43, 0xB6, 0x75},
-                {element({0xE7}, {{0}}), element({0xA3}, {{0x81, 0, 0, 0x80, 0, 0, 1, 0x40}})});
-    Bytes file = head;
-    const Bytes segment =
-        element({0x18, 0x53, 0x80, 0x67}, {element({0x16, 0x54, 0xAE, 0x6B}, {track}), cluster});
-    file.insert(file.end(), segment.begin(), segment.end());
-    return file;
+    return matroskaFile(
+        "V_MPEGH/ISO/HEVC", {0, 0, 1, 0x40},
+        {matroskaElement({0x55, 0xB0}, {matroskaElement({0x55, 0xBA}, {{transferCharacteristics}})})});
 }
 
 // Also one that libavformat's enumeration has no room for.
