@@ -68,6 +68,12 @@ TEST(Check, everyRuleBothWays) {
          "mastering display: yes, content light level: no"},
         {"hdr10", [](StreamTotals& totals) { totals.signals.contentLight.emplace(); }, true,
          "mastering display: no, content light level: yes"},
+        {"hdr10",
+         [](StreamTotals& totals) {
+             totals.signals.masteringDisplay.emplace();
+             totals.signals.transfer_characteristics = 18;
+         },
+         false, "mastering display: yes, content light level: no, but the transfer is HLG"},
         {"hdr-vivid", kAsItIs, false, "no message of it"},
         {"hdr-vivid", [](StreamTotals& totals) { totals.signals.hdrVivid.messages = 1; }, true, "1 message"},
         {"captions", kAsItIs, false, "no message of it"},

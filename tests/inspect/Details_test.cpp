@@ -141,6 +141,9 @@ int checkSps(const qvinspect::SequenceParameterSet& sps, const json& syntax) {
             ++compared;
         }
     }
+    const auto transfer = syntax.find("transfer_characteristics");
+    EXPECT_EQ(sps.transfer_characteristics,
+              transfer == syntax.end() ? std::nullopt : std::optional<uint32_t>(transfer->get<uint32_t>()));
     return compared;
 }
 

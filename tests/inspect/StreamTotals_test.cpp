@@ -369,7 +369,9 @@ TEST(StreamTotals, hdrClasses) {
         {{{147, hex("10")}}, {"HDR10"}},
         {{{147, hex("12")}}, {"HLG"}},
         {{{147, hex("01")}}, {"SDR"}},
-        {{{144, light}, {147, hex("12")}}, {"HDR10", "HLG"}},
+        // HLG with the values of the mastering display is HLG all the same.
+        {{{144, light}, {147, hex("12")}}, {"HLG"}},
+        {{{137, Bytes(24)}, {144, light}, {147, hex("12")}}, {"HLG"}},
         {{{137, Bytes(24)}}, {"HDR10"}},
     };
     for (const auto& [messages, classes] : cases) {

@@ -91,9 +91,10 @@ CheckResult parameterSets(const Check& check, const StreamTotals& totals) {
 
 CheckResult hdr10(const Check& check, const StreamTotals& totals) {
     const Signals& signals = totals.signals;
-    return {check.text, signals.masteringDisplay || signals.contentLight,
-            fmt::format("mastering display: {}, content light level: {}",
-                        signals.masteringDisplay ? "yes" : "no", signals.contentLight ? "yes" : "no")};
+    return {check.text, (signals.masteringDisplay || signals.contentLight) && !signals.isHlg(),
+            fmt::format("mastering display: {}, content light level: {}{}",
+                        signals.masteringDisplay ? "yes" : "no", signals.contentLight ? "yes" : "no",
+                        signals.isHlg() ? ", but the transfer is HLG" : "")};
 }
 
 CheckResult presence(const Check& check, uint64_t messages) {
@@ -120,7 +121,7 @@ const std::vector<CheckRule>& checkRules() {
         {"max-unit-size", "BYTES", "no NAL unit is larger"},
         {"max-access-unit-size", "BYTES", "no access unit is larger"},
         {"parameter-sets-first", "", "no key picture comes ahead of its parameter sets"},
-        {"hdr10", "", "mastering display or content light level is there"},
+        {"hdr10", "", "mastering display or content light level, not HLG"},
         {"hdr-vivid", "", "HDR Vivid metadata is there"},
         {"captions", "", "A/53 captions are there"},
         {"no-errors", "", "nothing in the stream is broken"},

@@ -10,6 +10,7 @@
 #include "QVTraceLog.h"
 #include "analysis/AvcVui.h"
 #include "analysis/CoreHooks.h"
+#include "analysis/HevcVui.h"
 #include "input/UnescapedUnit.h"
 
 namespace qvinspect {
@@ -195,6 +196,17 @@ void parseAvc(SequenceParameterSet& sps, const unsigned char* unit, size_t size)
     if (sps.isAccepted && sps.avc.vui_parameters_present_flag != 0) {
         readAvcVui(*stream, sps.avc);
     }
+    if (sps.isAccepted && sps.avc.colour_description_present_flag != 0) {
+        sps.transfer_characteristics = static_cast<uint32_t>(sps.avc.transfer_characteristics);
+    }
+}
+
+void parseHevc(SequenceParameterSet& sps, const unsigned char* unit, size_t size) {
+    sps.isAccepted =
+        parseHevcSps(&sps.hevc, std::make_shared<QVByteStream>(unit, std::min(size, kMostBytes)));
+    if (sps.isAccepted) {
+        sps.transfer_characteristics = hevcTransferCharacteristics(unescapedUnit(unit, size, kMostBytes));
+    }
 }
 
 }  // namespace
@@ -206,8 +218,7 @@ SequenceParameterSet readSequenceParameterSet(QVCodecID codec, const unsigned ch
     if (codec == QVCodecIDAvc) {
         parseAvc(sps, unit, size);
     } else {
-        sps.isAccepted =
-            parseHevcSps(&sps.hevc, std::make_shared<QVByteStream>(unit, std::min(size, kMostBytes)));
+        parseHevc(sps, unit, size);
     }
     for (const LogLine& line : log.lines()) {
         if (line.level != QVTraceDebug) {

@@ -3,6 +3,7 @@
 #define QVINSPECT_SEQUENCEPARAMETERSET_H
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -20,6 +21,8 @@ struct SequenceParameterSet {
 
     // What the library logged of it: reasons for a refusal, H.265 profile, tier and level.
     std::vector<std::string> log;
+
+    std::optional<uint32_t> transfer_characteristics;  // of the VUI, where it has a colour description
 
     bool hasScalingLists = false;  // seq_scaling_matrix_present_flag of H.264
     int profile = 0;

@@ -45,7 +45,8 @@ std::optional<double> finite(std::optional<double> seconds) {
 }  // namespace
 
 bool Signals::isHdr10() const {
-    return masteringDisplay || contentLight || preferredTransfer == kPq || transfer_characteristics == kPq;
+    const bool isPq = preferredTransfer == kPq || transfer_characteristics == kPq;
+    return isPq || ((masteringDisplay || contentLight) && !isHlg());
 }
 
 bool Signals::isHlg() const {
@@ -198,6 +199,9 @@ void StreamCounter::addDetails(const AccessUnitDetails& details) {
             }
         }
     }
+    if (details.sps != nullptr) {
+        addTransfer(*details.sps);
+    }
     totals_.seiItems += details.seiItems;
     totals_.sideDataBytes += static_cast<uint64_t>(details.sideDataSize);
 }
@@ -211,8 +215,13 @@ void StreamCounter::addSps(const SequenceParameterSet& sps) {
     if (!totals_.sps) {
         totals_.sps = sps;
     }
-    if (sps.codec == QVCodecIDAvc && sps.avc.colour_description_present_flag != 0) {
-        totals_.signals.transfer_characteristics = static_cast<uint32_t>(sps.avc.transfer_characteristics);
+    addTransfer(sps);
+}
+
+// Of the parameter set in force.
+void StreamCounter::addTransfer(const SequenceParameterSet& sps) {
+    if (sps.transfer_characteristics) {
+        totals_.signals.transfer_characteristics = sps.transfer_characteristics;
     }
 }
 

@@ -61,7 +61,7 @@ struct Signals {
     std::optional<QVHDR10StaticMetadata> masteringDisplay;  // the first
     std::optional<QVHevcSeiContentLight> contentLight;      // the first
     std::optional<uint32_t> preferredTransfer;         // of alternative_transfer_characteristics, the last
-    std::optional<uint32_t> transfer_characteristics;  // of an H.264 VUI, or else of the container
+    std::optional<uint32_t> transfer_characteristics;  // of the VUI, or else of the container
     HdrVividTotals hdrVivid;
     uint64_t hdr10PlusMessages = 0;
     uint64_t captionMessages = 0;
@@ -148,6 +148,7 @@ private:
     void noteFirstKeyPicture(const AccessUnitView& view);
     void addDetails(const AccessUnitDetails& details);
     void addSps(const SequenceParameterSet& sps);
+    void addTransfer(const SequenceParameterSet& sps);
     void addMessage(const SeiMessage& message);
     void addRegistered(const std::vector<uint8_t>& payload);
     void addHdrVivid(const std::vector<uint8_t>& payload);

@@ -406,13 +406,9 @@ std::string transfer(uint32_t transfer_characteristics) {
 
 std::string hdrClass(const StreamTotals& totals) {
     const Signals& signals = totals.signals;
-    std::string text = fmt::format("{}", fmt::join(signals.hdrClasses(), ", "));
+    const std::string text = fmt::format("{}", fmt::join(signals.hdrClasses(), ", "));
     const bool isGuess = text == "SDR" && !signals.transfer_characteristics && !signals.preferredTransfer;
-    if (!isGuess) {
-        return text;
-    }
-    return text + (totals.codec == QVCodecIDAvc ? ", as no transfer function is signalled"
-                                                : ", as far as SEI tells: the VUI of H.265 is not read");
+    return isGuess ? text + ", as no transfer function is signalled" : text;
 }
 
 void addHdr(Screen& screen, const StreamTotals& totals) {
