@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <memory>
+#include <new>
 #include <string>
 #include <utility>
 
@@ -28,16 +29,25 @@ struct Totals {
 };
 
 void inspect(const std::string& file, const CommandLine& line, const Presenters& presenters, Totals& totals) {
+    const auto fail = [&](const char* reason) {
+        totals.hasFailedInput = true;
+        for (const auto& presenter : presenters) {
+            presenter->fail(reportedName(file, line), reason);
+        }
+        complain(fmt::format("{}: {}", file == "-" ? "standard input" : printableName(file), reason));
+    };
     try {
         const Outcome outcome = inspectFile(file, line, presenters);
         totals.hasErrors |= outcome.hasErrors;
         totals.hasFailedCheck |= outcome.hasFailedCheck;
     } catch (const InputError& error) {
-        totals.hasFailedInput = true;
-        for (const auto& presenter : presenters) {
-            presenter->fail(reportedName(file, line), error.what());
-        }
-        complain(fmt::format("{}: {}", file == "-" ? "standard input" : printableName(file), error.what()));
+        fail(error.what());
+    } catch (const std::bad_alloc&) {
+        // What the file took is free again.
+        fail(
+            "needs more memory than there is, or than a file of its size is given; what was read of it by "
+            "then is "
+            "reported");
     }
 }
 

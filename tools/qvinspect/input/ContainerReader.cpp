@@ -1,11 +1,7 @@
 // Containers through libavformat, which hands over the samples: nothing is decoded, and all analysis is left
 // to the library.
 extern "C" {
-#include <libavformat/avformat.h>
-#include <libavutil/dict.h>
-#include <libavutil/error.h>
-#include <libavutil/log.h>
-#include <libavutil/mem.h>
+#include <libavutil/avstring.h>
 }
 
 #include <fmt/format.h>
@@ -16,131 +12,35 @@ extern "C" {
 #include <string>
 #include <utility>
 
-#include "Interrupt.h"
+#include "input/Budgets.h"
+#include "input/ContainerFile.h"
 #include "input/ContainerFraming.h"
 #include "input/Containers.h"
+#include "input/InputError.h"
 
 namespace qvinspect {
 
 namespace {
 
-// --- libavformat's view of the file ---
-
-struct FreeIo {
-    void operator()(AVIOContext* io) const {
-        av_freep(static_cast<void*>(&io->buffer));
-        avio_context_free(&io);
-    }
-};
-using Io = std::unique_ptr<AVIOContext, FreeIo>;
-
-constexpr int kIoBuffer = 64 * 1024;
-
-int readBytes(void* opaque, uint8_t* to, int size) {
-    auto& file = *static_cast<FileSource*>(opaque);
-    const size_t count = file.read(to, static_cast<size_t>(size));
-    if (count > 0) {
-        return static_cast<int>(count);
-    }
-    return file.isInterrupted() ? AVERROR_EXIT : file.failure().empty() ? AVERROR_EOF : AVERROR(EIO);
-}
-
-int64_t seekBytes(void* opaque, int64_t offset, int whence) {
-    auto& file = *static_cast<FileSource*>(opaque);
-    if ((whence & AVSEEK_SIZE) != 0) {
-        return static_cast<int64_t>(file.size().value_or(0));
-    }
-    if ((whence & ~AVSEEK_FORCE) != SEEK_SET || offset < 0) {
-        return AVERROR(EINVAL);
-    }
-    file.seek(static_cast<uint64_t>(offset));
-    return offset;
-}
-
-Io openIo(FileSource& file) {
-    auto* buffer = static_cast<uint8_t*>(av_malloc(kIoBuffer));
-    return Io(avio_alloc_context(buffer, kIoBuffer, 0, &file, readBytes, nullptr,
-                                 file.canSeek() ? seekBytes : nullptr));
-}
-
-// A playlist names other files or addresses: nothing but the input itself is read.
-int openNothing(AVFormatContext* /*context*/, AVIOContext** /*io*/, const char* /*url*/, int /*flags*/,
-                AVDictionary** /*options*/) {
-    return AVERROR(EACCES);
-}
-
-int isToEnd(void* /*opaque*/) {
-    return isInterrupted() ? 1 : 0;
-}
-
-struct CloseInput {
-    void operator()(AVFormatContext* context) const { avformat_close_input(&context); }
-};
-using Context = std::unique_ptr<AVFormatContext, CloseInput>;
-
-struct FreePacket {
-    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
-};
-using Packet = std::unique_ptr<AVPacket, FreePacket>;
-
-// Reading goes on behind an error, but not for ever when nothing but errors comes.
+// Reading goes on after an error, but not for ever when nothing but errors comes.
 constexpr int kMostErrorsInARow = 16;
-
-std::string errorText(int error) {
-    char text[AV_ERROR_MAX_STRING_SIZE] = {};
-    av_strerror(error, text, sizeof text);
-    return text;
-}
-
-// libavformat's codec numbers are not the library's.
-std::optional<QVCodecID> codecOf(AVCodecID id) {
-    switch (id) {
-        case AV_CODEC_ID_H264:
-            return QVCodecIDAvc;
-        case AV_CODEC_ID_HEVC:
-            return QVCodecIDHevc;
-        default:
-            return std::nullopt;
-    }
-}
 
 bool isPicture(const AVStream& stream) {
     return (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) != 0;
 }
 
-bool isVideo(const AVStream& stream, std::optional<QVCodecID> wanted) {
-    const auto codec = codecOf(stream.codecpar->codec_id);
+bool isVideo(const ContainerFile& file, const AVStream& stream, std::optional<QVCodecID> wanted) {
+    const auto codec = file.codecOf(stream);
     return codec && !isPicture(stream) && (!wanted || *codec == *wanted);
 }
 
 // The first video of the codec asked for, or of either; null when there is none.
-AVStream* findVideo(const AVFormatContext& context, std::optional<QVCodecID> wanted) {
+AVStream* findVideo(const ContainerFile& file, std::optional<QVCodecID> wanted) {
+    const AVFormatContext& context = file.context();
     AVStream** const end = context.streams + context.nb_streams;
     AVStream** const found = std::find_if(
-        context.streams, end, [wanted](const AVStream* stream) { return isVideo(*stream, wanted); });
+        context.streams, end, [&](const AVStream* stream) { return isVideo(file, *stream, wanted); });
     return found == end ? nullptr : *found;
-}
-
-// Files that libavformat takes for raw byte streams are no containers.
-bool isRawFormat(const AVInputFormat& format) {
-    return std::strcmp(format.name, "h264") == 0 || std::strcmp(format.name, "hevc") == 0;
-}
-
-Context openFile(AVIOContext& io, int& error) {
-    AVFormatContext* context = avformat_alloc_context();
-    if (context == nullptr) {
-        error = AVERROR(ENOMEM);
-        return nullptr;
-    }
-    context->pb = &io;
-    context->io_open = openNothing;
-    context->interrupt_callback.callback = isToEnd;
-    AVDictionary* options = nullptr;
-    av_dict_set(&options, "protocol_whitelist", "none", 0);
-    av_dict_set(&options, "advanced_editlist", "0", 0);            // every sample of an MP4, played or not
-    error = avformat_open_input(&context, "", nullptr, &options);  // frees the context when it fails
-    av_dict_free(&options);
-    return Context(error < 0 ? nullptr : context);
 }
 
 // transfer_characteristics as the file has it. A number that the enumeration of libavformat has no room for
@@ -155,24 +55,35 @@ std::optional<uint32_t> transferOf(const AVCodecParameters& parameters) {
     return transfer_characteristics;
 }
 
-// Other streams are passed over.
-void selectOnly(const AVFormatContext& context, const AVStream& video) {
-    for (unsigned i = 0; i < context.nb_streams; ++i) {
-        context.streams[i]->discard =
-            context.streams[i]->index == video.index ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
+// Samples in proportion to the bytes that they come from.
+class SampleBudget {
+public:
+    // Counts a sample, with the record that it brings. False when the samples so far come to more than a file
+    // of so many bytes holds.
+    bool take(size_t size, uint64_t fileBytes) {
+        ++samples_;
+        bytes_ += size;
+        return bytes_ + samples_ * kSampleCost <= containerSamples(fileBytes);
     }
-}
+
+    std::string text(uint64_t fileBytes) const {
+        return fmt::format(
+            "{} samples of {} bytes in all, from a file of {} bytes: its tables name the same bytes "
+            "again and again; this sample and all after it are left out",
+            samples_, bytes_, fileBytes);
+    }
+
+private:
+    uint64_t samples_ = 0;
+    uint64_t bytes_ = 0;
+};
 
 class ContainerReader : public AccessUnitReader {
 public:
-    ContainerReader(std::unique_ptr<FileSource> file, Io io, Context context, AVStream& video,
-                    QVCodecID codec)
-        : file_(std::move(file)),
-          io_(std::move(io)),
-          context_(std::move(context)),
-          video_(video),
-          packet_(av_packet_alloc()) {
-        info_.format = context_->iformat->long_name;
+    ContainerReader(std::unique_ptr<FileSource> source, std::unique_ptr<ContainerFile> file,
+                    const AVStream& video, QVCodecID codec)
+        : source_(std::move(source)), file_(std::move(file)), video_(video), packet_(makePacket()) {
+        info_.format = file_->context().iformat->long_name;
         info_.transfer_characteristics = transferOf(*video.codecpar);
         const uint8_t* const record = video.codecpar->extradata;
         if (record != nullptr) {
@@ -181,36 +92,59 @@ public:
         info_.parameters =
             framing(codec, video.codecpar->extradata, static_cast<size_t>(video.codecpar->extradata_size));
         parameters_ = info_.parameters;
-        selectOnly(*context_, video);
+        file_->select(video);
+        noteMissingSamples();
     }
 
     const StreamInfo& info() const override { return info_; }
 
     bool next(AccessUnit& accessUnit) override {
         accessUnit = {};
-        if (!readPacket(accessUnit.findings)) {
+        accessUnit.findings = std::exchange(findings_, {});
+        if (isAtEnd_ || !readPacket(accessUnit.findings)) {
             return false;
         }
         followConfiguration(accessUnit);
+        const size_t size = static_cast<size_t>(packet_->size) + accessUnit.newConfiguration.size();
+        if (!budget_.take(size, file_->bytes())) {
+            accessUnit.findings.push_back({Severity::Error, std::nullopt, budget_.text(file_->bytes())});
+            accessUnit.newConfiguration.clear();
+            isAtEnd_ = true;
+            return false;
+        }
         fill(accessUnit);
         return true;
     }
 
-    ReadProgress progress() const override {
-        return {static_cast<uint64_t>(std::max<int64_t>(avio_tell(io_.get()), 0)), file_->size()};
-    }
+    ReadProgress progress() const override { return {file_->position(), source_->size()}; }
 
 private:
     QVCodecParameters framing(QVCodecID codec, const uint8_t* extradata, size_t size) const {
-        return containerFraming(codec, context_->iformat->name, extradata, size);
+        return containerFraming(codec, file_->context().iformat->name, extradata, size);
     }
 
-    // The next sample of the video. Findings tell of what could not be read ahead of it.
+    // An MP4 sample table that promises more samples than libavformat made out of it.
+    void noteMissingSamples() {
+        const int64_t found = avformat_index_get_entries_count(&video_);
+        if (av_match_list("mov", file_->context().iformat->name, ',') > 0 && video_.nb_frames > found) {
+            findings_.push_back(
+                {Severity::Error, std::nullopt,
+                 fmt::format(
+                     "the sample table has {} samples, of which {} are read: the others have no place in "
+                     "the file, or their index needs more memory than a file of its size is given",
+                     video_.nb_frames, found)});
+        }
+    }
+
+    // The next sample of the video. Findings report what could not be read before it.
     bool readPacket(std::vector<Finding>& findings) {
         for (int errorsInARow = 0; errorsInARow < kMostErrorsInARow;) {
-            av_packet_unref(packet_.get());
-            const int result = av_read_frame(context_.get(), packet_.get());
-            if (result == AVERROR_EOF || file_->isInterrupted()) {
+            const int result = file_->read(*packet_);
+            if (file_->isOverread()) {
+                findings.push_back({Severity::Error, std::nullopt, overreadText()});
+                return false;
+            }
+            if (result == AVERROR_EOF || source_->isInterrupted()) {
                 return false;  // a sample that was interrupted need not be whole
             }
             if (result < 0) {
@@ -226,10 +160,17 @@ private:
         return false;
     }
 
+    std::string overreadText() const {
+        return fmt::format(
+            "{} bytes were read of a file of {} bytes: its tables lead back and forth; the rest is "
+            "left out",
+            file_->bytesRead(), file_->bytes());
+    }
+
     std::string readErrorText(int error) const {
-        const std::string& reason = file_->failure();
-        return fmt::format("reading failed at offset {} of the file: {}", avio_tell(io_.get()),
-                           reason.empty() ? errorText(error) : reason);
+        const std::string& reason = source_->failure();
+        return fmt::format("reading failed at offset {} of the file: {}", file_->position(),
+                           reason.empty() ? avErrorText(error) : reason);
     }
 
     // A new configuration record can come with a sample.
@@ -263,13 +204,15 @@ private:
                    : std::optional<double>(static_cast<double>(time) * av_q2d(video_.time_base));
     }
 
-    std::unique_ptr<FileSource> file_;
-    Io io_;
-    Context context_;  // reads through io_, which reads file_
-    AVStream& video_;
+    std::unique_ptr<FileSource> source_;
+    std::unique_ptr<ContainerFile> file_;  // reads source_
+    const AVStream& video_;
     Packet packet_;
     StreamInfo info_;
     QVCodecParameters parameters_{};
+    SampleBudget budget_;
+    std::vector<Finding> findings_;  // ahead of the next sample
+    bool isAtEnd_ = false;
 };
 
 std::string noVideoReason(const AVFormatContext& context, std::optional<QVCodecID> wanted) {
@@ -303,55 +246,45 @@ std::string noStreamReason(const AVFormatContext& context, const InputOptions& o
     return fmt::format("stream {} {}; choose with --stream among: {}", index, what, streamsOf(context));
 }
 
-AVStream* findStream(const AVFormatContext& context, const InputOptions& options) {
+AVStream* findStream(const ContainerFile& file, const InputOptions& options) {
     if (!options.stream) {
-        return findVideo(context, options.codec);
+        return findVideo(file, options.codec);
     }
+    const AVFormatContext& context = file.context();
     if (*options.stream >= context.nb_streams) {
         return nullptr;
     }
     AVStream* const stream = context.streams[*options.stream];
-    return isVideo(*stream, options.codec) ? stream : nullptr;
+    return isVideo(file, *stream, options.codec) ? stream : nullptr;
 }
 
 }  // namespace
 
-ContainerResult openContainer(std::unique_ptr<FileSource>& file, const InputOptions& options) {
-    av_log_set_level(AV_LOG_QUIET);  // what matters of it comes back as errors
-    Io io = openIo(*file);
-    int error = 0;
-    Context context = openFile(*io, error);
-    if (context == nullptr) {
-        return {nullptr, fmt::format("cannot be opened as a container ({}); check that it is whole",
-                                     errorText(error))};
+ContainerResult openContainer(std::unique_ptr<FileSource>& source, const InputOptions& options) {
+    try {
+        auto file = std::make_unique<ContainerFile>(*source);
+        file->nameVideo([&] { return findStream(*file, options) != nullptr; });
+        const AVStream* video = findStream(*file, options);
+        if (video == nullptr) {
+            const AVFormatContext& context = file->context();
+            return {nullptr, options.stream ? noStreamReason(context, options)
+                                            : noVideoReason(context, options.codec)};
+        }
+        const QVCodecID codec = *file->codecOf(*video);
+        return {std::make_unique<ContainerReader>(std::move(source), std::move(file), *video, codec), {}};
+    } catch (const InputError& error) {
+        return {nullptr, error.what()};
     }
-    if (isRawFormat(*context->iformat)) {
-        return {nullptr, "is no container; for a raw stream leave out --stream and --format container"};
-    }
-    // Most containers name their streams in a header. For those that do not, libavformat looks at the
-    // first samples.
-    if (findStream(*context, options) == nullptr) {
-        avformat_find_stream_info(context.get(), nullptr);
-    }
-    AVStream* video = findStream(*context, options);
-    if (video == nullptr) {
-        return {nullptr,
-                options.stream ? noStreamReason(*context, options) : noVideoReason(*context, options.codec)};
-    }
-    const QVCodecID found = *codecOf(video->codecpar->codec_id);
-    return {
-        std::make_unique<ContainerReader>(std::move(file), std::move(io), std::move(context), *video, found),
-        {}};
 }
 
 bool looksLikeContainer(const std::vector<unsigned char>& head) {
-    // The probes may read some bytes behind the end, which have to be zero.
+    // The probes may read some bytes after the end, which have to be zero.
     std::vector<unsigned char> padded = head;
     padded.resize(head.size() + AVPROBE_PADDING_SIZE);
     const AVProbeData data = {"", padded.data(), static_cast<int>(head.size()), nullptr};
     int score = AVPROBE_SCORE_RETRY;
     const AVInputFormat* const format = av_probe_input_format2(&data, 1, &score);
-    return format != nullptr && !isRawFormat(*format);
+    return format != nullptr && isContainerFormat(*format);
 }
 
 }  // namespace qvinspect

@@ -10,6 +10,7 @@
 
 #include "input/AccessUnitReader.h"
 #include "input/AccessUnitSplitter.h"
+#include "input/Budgets.h"
 #include "input/ByteSource.h"
 #include "input/ByteWindow.h"
 #include "input/UnitReader.h"
@@ -24,9 +25,8 @@ struct RawLimits {
     // chunk is the most that is held: an access unit, and the unit behind it that shows where it ends.
     size_t accessUnit = size_t{256} << 20;
 
-    // And ahead of the unit that makes it more than this: above the number of macroblocks of the largest
-    // H.264 picture (Table A-1), each a slice.
-    size_t units = size_t{1} << 18;
+    // And ahead of the unit that makes it more than this.
+    size_t units = kMostUnits;
 };
 
 class RawReader : public AccessUnitReader {

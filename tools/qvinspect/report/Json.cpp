@@ -21,7 +21,8 @@ Json::Json(const std::string& path, JsonOptions options) : output_(path), option
 }
 
 void Json::beginFile(const JsonRecord& members) {
-    output_.print("{}\n{{{}", std::exchange(isFirstFile_, false) ? "" : ",", membersText(members));
+    const std::string text = membersText(members);  // may throw: nothing of it is written then
+    output_.print("{}\n{{{}", std::exchange(isFirstFile_, false) ? "" : ",", text);
 }
 
 void Json::endFile(const JsonRecord& members) {
@@ -46,8 +47,9 @@ void Json::add(const AccessUnitView& view) {
     }
     JsonRecord record;
     addAccessUnit(record, view, options_.level);
+    const std::string text = jsonText(record);
     output_.write(std::exchange(isFirstAccessUnit_, false) ? "\n" : ",\n");
-    output_.write(jsonText(record));
+    output_.write(text);
 }
 
 void Json::end(const StreamEnd& end) {
