@@ -3,12 +3,18 @@
 #include <gtest/gtest.h>
 
 #include "InspectSupport.h"
+#include "Mp4Writer.h"
 
 namespace qv_test {
 namespace {
 
-using qvinspect::configurationUnits;
 using Units = std::vector<std::vector<uint8_t>>;
+
+Units configurationUnits(QVCodecID codec, const Bytes& record) {
+    const qvinspect::ConfigurationUnits found = qvinspect::configurationUnits(codec, record);
+    EXPECT_EQ(found.leftOut, 0U);
+    return found.units;
+}
 
 // ISO/IEC 14496-15 5.3.3.1.2: two sequence parameter sets and one picture parameter set.
 TEST(ConfigurationRecord, avcC) {
@@ -58,6 +64,23 @@ TEST(ConfigurationRecord, aByteStreamInItsPlace) {
 TEST(ConfigurationRecord, neitherHoldsNothing) {
     EXPECT_TRUE(configurationUnits(QVCodecIDAvc, {}).empty());
     EXPECT_TRUE(configurationUnits(QVCodecIDAvc, hex("02 64 00 0C FF E1 00 01 67")).empty());
+}
+
+// More than there can be parameter sets with different identifiers.
+TEST(ConfigurationRecord, theFirst1024UnitsAreTaken) {
+    const std::vector<Bytes> sps = {hex("42 01")};
+    const std::vector<Bytes> pps(1023, hex("44 01"));
+    EXPECT_EQ(configurationUnits(QVCodecIDHevc, hevcRecord({sps, pps})).size(), 1024U);
+
+    const auto more = qvinspect::configurationUnits(QVCodecIDHevc, hevcRecord({sps, pps, {3, hex("4E 01")}}));
+    EXPECT_EQ(more.units.size(), 1024U);
+    EXPECT_EQ(more.units.back(), hex("44 01"));
+    EXPECT_EQ(more.leftOut, 3U);
+
+    const auto byteStreamUnits =
+        qvinspect::configurationUnits(QVCodecIDHevc, byteStream(std::vector<Bytes>(1030, hex("44 01"))));
+    EXPECT_EQ(byteStreamUnits.units.size(), 1024U);
+    EXPECT_EQ(byteStreamUnits.leftOut, 6U);
 }
 
 }  // namespace

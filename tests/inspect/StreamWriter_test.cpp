@@ -194,6 +194,22 @@ TEST(StreamWriter, newRecordInMidStream) {
                                                 "00 00 00 01 41 9A"));
 }
 
+// Reading ended before the stream did.
+TEST(StreamWriter, streamThatIsNotReadToItsEnd) {
+    const TemporaryFolder folder;
+    const std::string path = folder.path() / "out";
+    StreamWriter writer(path, Framing::AnnexB);
+    const StreamTotals totals;
+    const std::vector<Finding> findings = {{Severity::Note, std::nullopt, "a note"},
+                                           {Severity::Error, std::nullopt, "reading failed"}};
+    writer.begin({"stream", lengths(4), false, {}});
+    ::testing::internal::CaptureStderr();
+    writer.end({totals, findings, {}, false});
+    EXPECT_THROW(writer.finish(), OutputError);
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+              "qvinspect: " + path + ": the end of stream: reading failed\n");
+}
+
 // --- Broken access units ---
 
 struct BrokenCase {

@@ -60,7 +60,7 @@ void StreamDetails::takeSps(const unsigned char* unit, size_t size, UnitDetails&
 
 ConfigurationDetails StreamDetails::addConfiguration(const std::vector<uint8_t>& record) {
     ConfigurationDetails configuration;
-    for (const std::vector<uint8_t>& unit : configurationUnits(codec_, record)) {
+    for (const std::vector<uint8_t>& unit : configurationUnits(codec_, record).units) {
         if (unit.empty()) {
             continue;
         }

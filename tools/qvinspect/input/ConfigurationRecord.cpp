@@ -3,12 +3,21 @@
 #include <utility>
 
 #include "QVNaluParser.h"
+#include "input/Budgets.h"
 
 namespace qvinspect {
 
 namespace {
 
-using Units = std::vector<std::vector<uint8_t>>;
+using Units = ConfigurationUnits;
+
+void take(const uint8_t* unit, size_t size, Units& units) {
+    if (units.units.size() < kMostRecordUnits) {
+        units.units.emplace_back(unit, unit + size);
+    } else {
+        ++units.leftOut;
+    }
+}
 
 // Whole NAL units behind 16-bit lengths. False when one runs past the end.
 bool takeUnits(QVByteStream& in, uint32_t count, Units& units) {
@@ -17,8 +26,7 @@ bool takeUnits(QVByteStream& in, uint32_t count, Units& units) {
         if (in.atEnd() || in.bytesLeft() < length) {
             return false;
         }
-        const uint8_t* const unit = in.data + in.bytePos;
-        units.emplace_back(unit, unit + length);
+        take(in.data + in.bytePos, length, units);
         in.skipBytes(length);
     }
     return true;
@@ -56,14 +64,14 @@ Units byteStreamUnits(const std::vector<uint8_t>& bytes) {
     QVNaluParser::parserDataToNaluIdx(bytes.data(), static_cast<int>(bytes.size()), nalus);
     Units units;
     for (const auto& [offset, length] : nalus) {
-        units.emplace_back(bytes.begin() + offset, bytes.begin() + offset + length);
+        take(bytes.data() + offset, static_cast<size_t>(length), units);
     }
     return units;
 }
 
 }  // namespace
 
-std::vector<std::vector<uint8_t>> configurationUnits(QVCodecID codec, const std::vector<uint8_t>& record) {
+ConfigurationUnits configurationUnits(QVCodecID codec, const std::vector<uint8_t>& record) {
     constexpr uint8_t kConfigurationVersion = 1;
     if (record.empty() || record[0] != kConfigurationVersion) {
         return byteStreamUnits(record);

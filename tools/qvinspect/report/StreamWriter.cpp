@@ -4,12 +4,15 @@
 
 #include <algorithm>
 #include <memory>
+#include <set>
+#include <string_view>
 #include <utility>
 
 #include "QVCoreStandalone.h"
 #include "QVNaluParser.h"
 #include "analysis/CoreHooks.h"
 #include "input/AvcUnitTypes.h"
+#include "input/Budgets.h"
 #include "input/ConfigurationRecord.h"
 #include "input/HevcUnitTypes.h"
 #include "report/Diagnostics.h"
@@ -78,23 +81,36 @@ size_t placeOfConfiguration(const AccessUnitView& view) {
     return static_cast<size_t>(place - units.begin());
 }
 
-bool hasUnitOfType(const AccessUnitView& view, uint32_t type) {
-    const auto& units = view.report.units;
-    return std::any_of(units.begin(), units.end(), [&](const UnitReport& unit) {
-        return unit.state == UnitState::Typed && unit.type == type;
-    });
-}
-
-bool hasUnit(const AccessUnitView& view, const std::vector<uint8_t>& bytes) {
-    const Places places(view);
-    for (size_t i = 0; i < view.report.units.size(); ++i) {
-        const unsigned char* const unit = view.accessUnit.data + places.unit(i);
-        if (std::equal(unit, unit + view.report.units[i].length, bytes.begin(), bytes.end())) {
-            return true;
+// The types of the access unit's units, and the bytes of its SEI units.
+class PresentUnits {
+public:
+    explicit PresentUnits(const AccessUnitView& view) {
+        const QVCodecID codec = view.accessUnit.parameters.codecId;
+        const Places places(view);
+        for (size_t i = 0; i < view.report.units.size(); ++i) {
+            const UnitReport& unit = view.report.units[i];
+            if (unit.state != UnitState::Typed) {
+                continue;
+            }
+            types_ |= uint64_t{1} << unit.type;  // 6 bits at most
+            if (!isParameterSet(codec, unit.type) && mayLead(codec, unit.type)) {
+                const auto* const bytes =
+                    reinterpret_cast<const char*>(view.accessUnit.data + places.unit(i));
+                leading_.insert(std::string_view(bytes, unit.length));
+            }
         }
     }
-    return false;
-}
+
+    bool hasType(uint32_t type) const { return (types_ >> type & 1U) != 0; }
+
+    bool has(const std::vector<uint8_t>& unit) const {
+        return leading_.count(std::string_view(reinterpret_cast<const char*>(unit.data()), unit.size())) > 0;
+    }
+
+private:
+    uint64_t types_ = 0;
+    std::set<std::string_view> leading_;
+};
 
 void appendWithLength(std::vector<uint8_t>& out, const std::vector<uint8_t>& unit) {
     for (int shift = 24; shift >= 0; shift -= 8) {
@@ -148,12 +164,18 @@ void StreamWriter::fail(const std::string&, const std::string&) {
 
 void StreamWriter::begin(const StreamHead& head) {
     streamName_ = head.name;
-    useConfiguration(head.info.parameters.codecId, head.info.configuration);
+    useConfiguration(head.info.parameters.codecId, head.info.configuration, 1);
 }
 
-void StreamWriter::useConfiguration(QVCodecID codec, const std::vector<uint8_t>& record) {
+void StreamWriter::useConfiguration(QVCodecID codec, const std::vector<uint8_t>& record,
+                                    uint64_t accessUnit) {
     configuration_.clear();
-    for (std::vector<uint8_t>& unit : configurationUnits(codec, record)) {
+    ConfigurationUnits found = configurationUnits(codec, record);
+    if (found.leftOut > 0) {
+        lose(accessUnit,
+             fmt::format("{} NAL units of the container's configuration record are left out", found.leftOut));
+    }
+    for (std::vector<uint8_t>& unit : found.units) {
         if (!unit.empty() && mayLead(codec, typeOf(codec, unit[0]))) {
             configuration_.push_back({typeOf(codec, unit[0]), std::move(unit)});
         }
@@ -165,9 +187,10 @@ void StreamWriter::useConfiguration(QVCodecID codec, const std::vector<uint8_t>&
 StreamWriter::Units StreamWriter::missingUnits(const AccessUnitView& view) const {
     const QVCodecID codec = view.accessUnit.parameters.codecId;
     Units missing;
+    const PresentUnits present(view);
     for (const ConfigurationUnit& unit : configuration_) {
         const bool isThere =
-            isParameterSet(codec, unit.type) ? hasUnitOfType(view, unit.type) : hasUnit(view, unit.bytes);
+            isParameterSet(codec, unit.type) ? present.hasType(unit.type) : present.has(unit.bytes);
         if (!isThere) {
             appendWithLength(missing.bytes, unit.bytes);
             ++missing.count;
@@ -176,9 +199,26 @@ StreamWriter::Units StreamWriter::missingUnits(const AccessUnitView& view) const
     return missing;
 }
 
+// The first time they are: the record is no larger than the file.
+bool StreamWriter::isInProportion(const Units& missing) {
+    const bool isFirst = recordBytes_ == 0;
+    if (!isFirst && recordBytes_ + missing.bytes.size() > repeatedRecordBytes(bytes_)) {
+        return false;
+    }
+    recordBytes_ += missing.bytes.size();
+    return true;
+}
+
 void StreamWriter::addConfiguration(const AccessUnitView& view) {
     const Units missing = missingUnits(view);
     if (missing.count == 0) {
+        return;
+    }
+    if (!isInProportion(missing)) {
+        lose(view.number,
+             fmt::format("{} parameter sets of the container are not repeated: with them the output would "
+                         "grow out of proportion",
+                         missing.count));
         return;
     }
     const std::string problem =
@@ -190,8 +230,9 @@ void StreamWriter::addConfiguration(const AccessUnitView& view) {
 
 void StreamWriter::add(const AccessUnitView& view) {
     const AccessUnit& accessUnit = view.accessUnit;
+    bytes_ += accessUnit.size;
     if (!accessUnit.newConfiguration.empty()) {
-        useConfiguration(accessUnit.parameters.codecId, accessUnit.newConfiguration);
+        useConfiguration(accessUnit.parameters.codecId, accessUnit.newConfiguration, view.number);
     }
     const auto& units = view.report.units;
     if (units.empty()) {
@@ -273,13 +314,24 @@ std::string StreamWriter::convert(const unsigned char* data, size_t size, const 
 }
 
 void StreamWriter::lose(uint64_t accessUnit, const std::string& what) {
-    constexpr uint64_t kMostTold = 10;
-    if (++losses_ <= kMostTold) {
-        complain(fmt::format("{}: access unit {} of {}: {}", outputName_, accessUnit, streamName_, what));
+    loseAt(fmt::format("access unit {} of {}", accessUnit, streamName_), what);
+}
+
+void StreamWriter::loseAt(const std::string& place, const std::string& what) {
+    constexpr uint64_t kMostReported = 10;
+    if (++losses_ <= kMostReported) {
+        complain(fmt::format("{}: {}: {}", outputName_, place, what));
     }
 }
 
-void StreamWriter::end(const StreamEnd&) {}
+// Errors after the last access unit: the rest of the stream was not read.
+void StreamWriter::end(const StreamEnd& end) {
+    for (const Finding& finding : end.findings) {
+        if (finding.severity == Severity::Error) {
+            loseAt("the end of " + streamName_, finding.text);
+        }
+    }
+}
 
 void StreamWriter::finish() {
     if (hasFailed_) {

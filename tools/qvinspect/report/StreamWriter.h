@@ -48,12 +48,15 @@ private:
         size_t count = 0;
     };
 
-    void useConfiguration(QVCodecID codec, const std::vector<uint8_t>& record);
+    // accessUnit: the number of the one that the record comes with.
+    void useConfiguration(QVCodecID codec, const std::vector<uint8_t>& record, uint64_t accessUnit);
     void addConfiguration(const AccessUnitView& view);
     Units missingUnits(const AccessUnitView& view) const;
+    bool isInProportion(const Units& missing);
     void convertUnits(const AccessUnitView& view, size_t first, size_t last);
     std::string convert(const unsigned char* data, size_t size, const QVCodecParameters& from, size_t units);
     void lose(uint64_t accessUnit, const std::string& what);
+    void loseAt(const std::string& place, const std::string& what);
 
     Output output_;
     std::string outputName_;
@@ -62,6 +65,8 @@ private:
     std::vector<ConfigurationUnit> configuration_;
     bool isFirst_ = true;
     bool hasFailed_ = false;
+    uint64_t bytes_ = 0;        // of the access units so far
+    uint64_t recordBytes_ = 0;  // of the record's units that were written with them
     uint64_t losses_ = 0;
 };
 
