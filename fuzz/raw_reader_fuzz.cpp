@@ -55,7 +55,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
         FUZZ_CHECK(accessUnit.size > 0 && end <= data.size());
         FUZZ_CHECK(std::equal(accessUnit.data, accessUnit.data + accessUnit.size,
                               data.begin() + static_cast<std::ptrdiff_t>(*accessUnit.fileOffset)));
-        details.add(accessUnit, qvinspect::analyse(accessUnit));
+        auto report = qvinspect::analyse(accessUnit);
+        details.add(accessUnit, report);
     }
     return 0;
 }

@@ -1,5 +1,6 @@
 #include "AccessUnits.h"
 
+#include <memory>
 #include <utility>
 
 namespace qv_test {
@@ -66,7 +67,7 @@ MadeAccessUnit& MadeAccessUnit::seiUnit(uint32_t type,
         sei.messages.push_back(
             {payloadType, static_cast<uint32_t>(payload.size()), payload, qvinspect::Delivery::NotKept, {}});
     }
-    add(UnitState::Typed, type, 10).sei = sei;
+    add(UnitState::Typed, type, 10).sei = std::make_shared<const qvinspect::SeiUnit>(std::move(sei));
     return *this;
 }
 

@@ -33,7 +33,7 @@ Told tell(const std::filesystem::path& path) {
     told.parameterSets = details.addConfiguration(reader->info().configuration).parameterSets;
     qvinspect::AccessUnit accessUnit;
     while (reader->next(accessUnit)) {
-        const auto report = qvinspect::analyse(accessUnit);
+        auto report = qvinspect::analyse(accessUnit);
         for (const auto& unit : details.add(accessUnit, report).units) {
             if (unit.newSps) {
                 told.parameterSets.push_back(*unit.newSps);

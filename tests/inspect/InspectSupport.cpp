@@ -62,7 +62,8 @@ Bytes operator+(const Bytes& a, const Bytes& b) {
 Bytes byteStream(const std::vector<Bytes>& units) {
     Bytes stream;
     for (const Bytes& unit : units) {
-        stream = stream + Bytes{0, 0, 0, 1} + unit;
+        stream.insert(stream.end(), {0, 0, 0, 1});
+        stream.insert(stream.end(), unit.begin(), unit.end());
     }
     return stream;
 }
@@ -73,7 +74,7 @@ Bytes lengthPrefixed(const std::vector<Bytes>& units, unsigned lengthSize) {
         for (unsigned i = lengthSize; i > 0; --i) {
             stream.push_back(static_cast<uint8_t>(unit.size() >> (i - 1) * 8));
         }
-        stream = stream + unit;
+        stream.insert(stream.end(), unit.begin(), unit.end());
     }
     return stream;
 }
@@ -143,15 +144,16 @@ KeptStream readRaw(std::unique_ptr<qvinspect::ByteSource> source, const QVCodecP
 
 void present(qvinspect::Presenter& presenter, const qvinspect::StreamInfo& info,
              const std::vector<Bytes>& accessUnits, const qvinspect::CommandLine& line) {
-    presenter.begin({"stream", info, false, {}});
     qvinspect::StreamDetails details(info.parameters.codecId, line.requested);
+    const auto configuration = details.addConfiguration(info.configuration);
+    presenter.begin({"stream", info, false, configuration.parameterSets, configuration.seiUnits});
     uint64_t number = 0;
     for (const Bytes& bytes : accessUnits) {
         qvinspect::AccessUnit accessUnit;
         accessUnit.data = bytes.data();
         accessUnit.size = bytes.size();
         accessUnit.parameters = info.parameters;
-        const auto report = qvinspect::analyse(accessUnit);
+        auto report = qvinspect::analyse(accessUnit);
         const auto accessUnitDetails = details.add(accessUnit, report);
         auto view = qvinspect::viewOf(++number, accessUnit, report, accessUnitDetails);
         line.filter.apply(view);

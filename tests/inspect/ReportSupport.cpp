@@ -104,7 +104,11 @@ void presentHostileStream(qvinspect::Presenter& presenter, bool isBrokenOff) {
     message.block.add("number", infinity);
     qvinspect::AccessUnitDetails details;
     details.units.resize(1);
-    details.units[0].sei = qvinspect::SeiUnit{0, -1, {hostileText()}, {message}, {}};
+    qvinspect::SeiUnit sei;
+    sei.result = -1;
+    sei.log = {hostileText()};
+    sei.messages = {message};
+    details.units[0].sei = std::make_shared<const qvinspect::SeiUnit>(std::move(sei));
 
     presenter.begin({hostileText(), hostileInfo(), false, {}});
     qvinspect::StreamCounter counter(hostileInfo());

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "InspectSupport.h"
+#include "Mp4Writer.h"
 
 namespace qv_test {
 namespace {
@@ -91,7 +92,7 @@ TEST_F(SeiExtraction, itemsAndIndex) {
          "requested": false, "delivery": "payload"},
         {"file": "00000003_au00000002_sei200.bin", "access_unit": 2, "time": null, "offset": 3,
          "nal_unit_type": 6, "payload_type": 200, "name": "reserved", "size": 3,
-         "requested": true, "delivery": "payload"}]})"));
+         "requested": true, "delivery": "payload"}], "left_out": 0})"));
 }
 
 TEST_F(SeiExtraction, displayOrientationIsText) {
@@ -140,6 +141,67 @@ TEST_F(SeiExtraction, inputThatCannotBeInspected) {
     extractor.fail("stream", "is \"empty\"");
     extractor.finish();
     EXPECT_EQ(indexOf(out()), json::parse(R"({"input": "stream", "error": "is \"empty\""})"));
+}
+
+// Memory can run out after some items were written.
+TEST_F(SeiExtraction, inputThatCannotBeInspectedToItsEnd) {
+    class Broken : public SeiExtractor {
+    public:
+        using SeiExtractor::SeiExtractor;
+        void end(const StreamEnd&) override { fail("stream", "no memory"); }
+    };
+    Broken extractor(out());
+    present(extractor, annexB(QVCodecIDAvc), {kAccessUnits[0]});
+    extractor.finish();
+    const json index = indexOf(out());
+    EXPECT_EQ(index.at("items").size(), 2U);
+    EXPECT_EQ(index.at("error"), "no memory");
+    EXPECT_EQ(index.at("left_out"), 0);
+}
+
+// A content_light_level_info and a mastering display, which the library keeps, in the container's record.
+TEST_F(SeiExtraction, itemsOfTheConfigurationRecord) {
+    const Bytes display =
+        hex("4E 01 89 18 33 C2 86 C4 1D 4C 0B B8 84 D0 3E 80 3D 13 40 42 00 98 96 80 00 00 03 00 32 80");
+    StreamInfo info;
+    info.parameters = {QVCodecIDHevc, 0, 4};
+    info.configuration = hevcRecord({{hex("40 01")}, {display}});
+    const std::vector<Bytes> pictures(2, lengthPrefixed({hex("26 01 AF 08")}, 4));
+    extract(info, pictures);
+    EXPECT_THAT(namesIn(out()), ElementsAre("00000001_au00000001_sei137.bin", "index.json"));
+    EXPECT_EQ(fileContent(out() + "/00000001_au00000001_sei137.bin").size(), 24U);
+    const json item = indexOf(out()).at("items").at(0);
+    EXPECT_EQ(item.at("access_unit"), 1);
+    EXPECT_EQ(item.at("offset"), json());
+    EXPECT_EQ(item.at("nal_unit_type"), 39);
+    EXPECT_EQ(item.at("payload_type"), 137);
+}
+
+TEST_F(SeiExtraction, filtersNarrowTheItemsOfTheConfigurationRecord) {
+    const Bytes sei = hex("4E 01 04 03 B5 00 3C 80");
+    StreamInfo info;
+    info.parameters = {QVCodecIDHevc, 0, 4};
+    info.configuration = hevcRecord({{hex("40 01")}, {sei}});
+    const std::vector<Bytes> pictures(1, lengthPrefixed({hex("02 01 AF 08")}, 4));
+    const auto filesWith = [&](const CommandLine& line) {
+        fs::remove_all(out());
+        extract(info, pictures, line);
+        return namesIn(out()).size() - 1;
+    };
+    CommandLine line;
+    EXPECT_EQ(filesWith(line), 1U);
+    line.filter.seiTypes = {4};
+    EXPECT_EQ(filesWith(line), 1U);
+    line.filter.seiTypes = {5};
+    EXPECT_EQ(filesWith(line), 0U);
+    line.filter = {};
+    line.filter.unitTypes = {39};
+    EXPECT_EQ(filesWith(line), 1U);
+    line.filter.unitTypes = {40};
+    EXPECT_EQ(filesWith(line), 0U);
+    line.filter = {};
+    line.filter.keyOnly = true;  // the picture is none
+    EXPECT_EQ(filesWith(line), 0U);
 }
 
 TEST_F(SeiExtraction, theIndexComesLast) {

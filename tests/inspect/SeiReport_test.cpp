@@ -26,11 +26,10 @@ void PrintTo(const Place& place, std::ostream* out) {
 std::vector<Place> placesIn(QVCodecID codec, const std::string& text) {
     const Bytes unit = hex(text);
     qvinspect::SeiReader reader(codec, {});
-    qvinspect::SeiReport report;
-    reader.add(unit.data(), unit.size(), codec == QVCodecIDAvc ? 6 : 39, 100, report);
-    reader.finish(report);
+    const qvinspect::SeiUnit report =
+        reader.add(unit.data(), unit.size(), codec == QVCodecIDAvc ? 6 : 39, 100);
     std::vector<Place> places;
-    for (const auto& message : report.units.at(0).messages) {
+    for (const auto& message : report.messages) {
         places.push_back({message.offset, message.payloadSize, message.codedSize});
     }
     return places;

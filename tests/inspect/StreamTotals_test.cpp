@@ -346,7 +346,9 @@ TEST(StreamTotals, whatIsKeptOfErrorsAndNotesIsBounded) {
 
 TEST(StreamTotals, aBrokenWalkIsAnError) {
     MadeAccessUnit unit = MadeAccessUnit().seiUnit(6, {});
-    unit.details.units[0].sei->result = 5;
+    qvinspect::SeiUnit sei = *unit.details.units[0].sei;
+    sei.result = 5;
+    unit.details.units[0].sei = std::make_shared<const qvinspect::SeiUnit>(sei);
     Summed stream;
     EXPECT_EQ(stream.add(unit).end().firstError,
               "access unit 1: the walk of the SEI unit ended with 5 (at 3)");

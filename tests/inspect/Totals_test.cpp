@@ -26,7 +26,7 @@ StreamTotals totalsOf(const std::filesystem::path& path) {
     counter.addConfiguration(details.addConfiguration(reader->info().configuration));
     qvinspect::AccessUnit accessUnit;
     for (uint64_t number = 1; reader->next(accessUnit); ++number) {
-        const auto report = qvinspect::analyse(accessUnit);
+        auto report = qvinspect::analyse(accessUnit);
         const auto unitDetails = details.add(accessUnit, report);
         counter.add(viewOf(number, accessUnit, report, unitDetails));
     }

@@ -119,7 +119,7 @@ public:
         if (!reader_->next(accessUnit)) {
             refuseEmpty(accessUnit.findings);
         }
-        const StreamHead head = begin(accessUnit.fileOffset.has_value());
+        const StreamHead head = begin(accessUnit);
         bool isMore = true;
         for (uint64_t number = 1; isMore && isWanted() && take(number, accessUnit, head); ++number) {
             progress_.update(*reader_);
@@ -135,15 +135,19 @@ public:
 private:
     bool isWanted() const { return isAnythingWanted(line_, presenters_); }
 
-    StreamHead begin(bool isRaw) {
+    // What is found in the configuration record counts with the first access unit.
+    StreamHead begin(AccessUnit& first) {
         ConfigurationDetails configuration = details_.addConfiguration(reader_->info().configuration);
         counter_.addConfiguration(configuration);
-        return {name_, reader_->info(), isRaw, std::move(configuration.parameterSets)};
+        first.findings.insert(first.findings.begin(), configuration.findings.begin(),
+                              configuration.findings.end());
+        return {name_, reader_->info(), first.fileOffset.has_value(), std::move(configuration.parameterSets),
+                std::move(configuration.seiUnits)};
     }
 
     // False when no more is asked for.
     bool take(uint64_t number, const AccessUnit& accessUnit, const StreamHead& head) {
-        const AccessUnitReport report = analyse(accessUnit);
+        AccessUnitReport report = analyse(accessUnit);
         const AccessUnitDetails details = details_.add(accessUnit, report);
         AccessUnitView view = viewOf(number, accessUnit, report, details);
         clock_.apply(view);

@@ -32,6 +32,11 @@ AccessUnitView viewOf(uint64_t number, const AccessUnit& accessUnit, const Acces
                         errorsIn(accessUnit.findings) + errorsIn(report.findings),
                         true,
                         {}};
+    for (const SeiUnit& sei : details.recordSei) {
+        for (const SeiItem& item : sei.items) {
+            view.recordItems.push_back({sei.nalUnitType, &item});
+        }
+    }
     const uint64_t start = accessUnit.fileOffset.value_or(0);
     view.units.reserve(report.units.size());
     for (size_t i = 0; i < report.units.size(); ++i) {

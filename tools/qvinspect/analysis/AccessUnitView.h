@@ -21,6 +21,12 @@ struct UnitView {
     std::vector<const SeiItem*> items;        // those that are shown
 };
 
+// An SEI item of the configuration record, which counts with the first access unit.
+struct RecordItemView {
+    uint32_t nalUnitType;
+    const SeiItem* item;
+};
+
 // The library does not type the unit, refuses it, or cannot walk all of it.
 bool isBroken(const UnitView& unit);
 
@@ -36,9 +42,10 @@ struct AccessUnitView {
     std::optional<double> decodeTime;
     std::optional<double> duration;
 
-    uint64_t errors;              // found in this access unit, broken units among them
-    bool isShown = true;          // as far as the filter goes
-    std::vector<UnitView> units;  // those that are shown
+    uint64_t errors;                            // found in this access unit, broken units among them
+    bool isShown = true;                        // as far as the filter goes
+    std::vector<UnitView> units;                // those that are shown
+    std::vector<RecordItemView> recordItems{};  // those that are shown
 };
 
 // All of its units and messages, shown or not.

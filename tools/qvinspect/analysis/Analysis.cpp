@@ -9,6 +9,7 @@
 #include "QVCoreStandalone.h"
 #include "QVNaluParser.h"
 #include "analysis/CoreHooks.h"
+#include "input/Budgets.h"
 #include "input/StartCode.h"
 
 namespace qvinspect {
@@ -81,6 +82,16 @@ NalIndexList findLengthPrefixedUnits(const Sample& sample, int lengthSize, Acces
     return nalus;
 }
 
+// No more than kMostUnits of them.
+void cutUnits(NalIndexList& nalus, const Sample& sample, AccessUnitReport& report) {
+    if (nalus.size() > kMostUnits) {
+        addFinding(report, Severity::Error, sample.offset,
+                   fmt::format("the sample has {} NAL units; those after the first {} are left out",
+                               nalus.size(), kMostUnits));
+        nalus.resize(kMostUnits);
+    }
+}
+
 // The typed units, with those in their places that the library leaves out.
 std::vector<UnitReport> typeUnits(const Sample& sample, const NalIndexList& nalus, QVCodecID codec) {
     std::vector<QVNaluParser::NaluInfo> infos;
@@ -133,10 +144,13 @@ AccessUnitReport analyse(const AccessUnit& accessUnit) {
     }
     if (parameters.isAnnexB != 0) {
         sample = fromFirstStartCode(sample, report);
-        report.units = typeUnits(sample, findAnnexBUnits(sample), parameters.codecId);
+        NalIndexList nalus = findAnnexBUnits(sample);
+        cutUnits(nalus, sample, report);
+        report.units = typeUnits(sample, nalus, parameters.codecId);
         report.isKey = QVNaluParser::isKeyFrame(parameters.codecId, sample.data, sample.size);
     } else {
-        const NalIndexList nalus = findLengthPrefixedUnits(sample, parameters.nalLengthSize, report);
+        NalIndexList nalus = findLengthPrefixedUnits(sample, parameters.nalLengthSize, report);
+        cutUnits(nalus, sample, report);
         report.units = typeUnits(sample, nalus, parameters.codecId);
         report.isKey =
             isKeyLengthPrefixed(parameters.codecId, sample, endOfUnits(nalus), parameters.nalLengthSize);

@@ -39,6 +39,7 @@ void Filter::apply(AccessUnitView& view) const {
     view.isShown = (!keyOnly || view.report.isKey) && (!errorsOnly || view.errors > 0);
     if (!view.isShown) {
         view.units.clear();
+        view.recordItems.clear();
         return;
     }
     const auto isPayloadShown = [this](uint32_t payloadType, const std::vector<uint8_t>& payload) {
@@ -62,6 +63,10 @@ void Filter::apply(AccessUnitView& view) const {
                  [&](const SeiItem* item) { return isPayloadShown(item->payloadType, item->bytes); });
     }
     keepOnly(view.units, isUnitShown);
+    keepOnly(view.recordItems, [&](const RecordItemView& record) {
+        return (unitTypes.empty() || isAmong(unitTypes, record.nalUnitType)) &&
+               isPayloadShown(record.item->payloadType, record.item->bytes);
+    });
     const bool choosesUnits = !unitTypes.empty() || choosesMessages;
     view.isShown = !choosesUnits || !view.units.empty();
 }

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "QVCoreStandalone.h"
 #include "analysis/CodedPositions.h"
@@ -12,11 +13,15 @@
 #include "analysis/SeiBlocks.h"
 #include "analysis/SeiNames.h"
 #include "analysis/SeiTypes.h"
+#include "input/Budgets.h"
 #include "input/UnescapedUnit.h"
 
 namespace qvinspect {
 
 namespace {
+
+// The library logs what it refuses, once for most messages.
+constexpr size_t kMostLogLines = 32;
 
 // trailing_zero_8bits stay with a unit as the library cuts it; no message reaches into them.
 void dropTrailingZeros(std::vector<uint8_t>& unit) {
@@ -37,33 +42,43 @@ void place(SeiMessage& message, const CodedPositions& positions, size_t position
     message.codedSize = size == 0 ? 0 : static_cast<uint32_t>(positions.of(position + size - 1) + 1 - begin);
 }
 
-// sei_rbsp(): every message of the unit, whichever of them the library's walk looks at.
-std::vector<SeiMessage> readMessages(const unsigned char* data, size_t size, size_t header, uint64_t offset) {
-    std::vector<SeiMessage> messages;
+// sei_rbsp(): every message of the unit, whichever of them the library's walk looks at. The first most of
+// them are described, the others are counted.
+void readMessages(const unsigned char* data, size_t size, size_t header, size_t most, SeiUnit& sei) {
     std::vector<uint8_t> unit = unescapedUnit(data, size, size);
     dropTrailingZeros(unit);
     if (unit.size() <= header) {
-        return messages;
+        return;
     }
     const CodedPositions positions(data, size);
     QVByteStream rbsp(unit.data() + header, unit.size() - header);
     const LogCapture quiet;  // the walk has its own lines
-    while (!isTrailing(rbsp)) {
+    for (uint64_t number = 1; !isTrailing(rbsp); ++number) {
+        const size_t begin = header + rbsp.bytePos;
         int payloadType = 0;
         int payloadSize = 0;
         if (QVNaluParser::parserPayloadParams(rbsp, payloadType, payloadSize) != QVResultOk) {
-            break;
+            sei.fault =
+                Finding{Severity::Error, sei.offset + positions.of(begin),
+                        fmt::format("SEI message {} of the unit is cut off: payloadType {}, payloadSize {}, "
+                                    "of which {} bytes are there",
+                                    number, static_cast<uint32_t>(payloadType),
+                                    static_cast<uint32_t>(payloadSize), rbsp.bytesLeft())};
+            return;
         }
         const uint8_t* const payload = rbsp.data + rbsp.bytePos;
-        messages.push_back({static_cast<uint32_t>(payloadType),
-                            static_cast<uint32_t>(payloadSize),
-                            std::vector<uint8_t>(payload, payload + payloadSize),
-                            Delivery::NotKept,
-                            {}});
-        place(messages.back(), positions, header + rbsp.bytePos, offset);
+        if (sei.messages.size() < most) {
+            sei.messages.push_back({static_cast<uint32_t>(payloadType),
+                                    static_cast<uint32_t>(payloadSize),
+                                    std::vector<uint8_t>(payload, payload + payloadSize),
+                                    Delivery::NotKept,
+                                    {}});
+            place(sei.messages.back(), positions, header + rbsp.bytePos, sei.offset);
+        } else {
+            ++sei.furtherMessages[static_cast<uint32_t>(payloadType)];
+        }
         rbsp.skipBytes(static_cast<uint64_t>(payloadSize));
     }
-    return messages;
 }
 
 Delivery deliveryOf(const QVSeiItem& item) {
@@ -109,9 +124,10 @@ SeiReader::~SeiReader() {
     forgetItems();
 }
 
-void SeiReader::add(const unsigned char* data, size_t size, uint32_t nalUnitType, uint64_t offset,
-                    SeiReport& report) {
-    SeiUnit unit{offset, QVResultOk, {}, {}, {}};
+SeiUnit SeiReader::add(const unsigned char* data, size_t size, uint32_t nalUnitType, uint64_t offset) {
+    SeiUnit unit;
+    unit.offset = offset;
+    unit.nalUnitType = nalUnitType;
     const size_t firstItem = items_.size();
     {
         const LogCapture log;
@@ -121,32 +137,43 @@ void SeiReader::add(const unsigned char* data, size_t size, uint32_t nalUnitType
         void* const sps = codec_ == QVCodecIDAvc ? static_cast<void*>(&avc) : static_cast<void*>(&hevc);
         unit.result = QVNaluParser::parserDataToSei(codec_, data, nalu, items_, sps, requested_);
         for (const LogLine& line : log.lines()) {
-            if (line.level != QVTraceDebug) {
+            if (line.level != QVTraceDebug && unit.log.size() < kMostLogLines) {
                 unit.log.push_back(line.text);
             }
         }
     }
-    unit.messages = readMessages(data, size, headerSize(codec_), offset);
+    readMessages(data, size, headerSize(codec_), kMostDescribedMessages - described_, unit);
+    if (unit.result != QVResultOk) {
+        unit.fault.reset();  // the walk's end is reported
+    }
+    described_ += unit.messages.size();
+    for (const auto& [type, count] : unit.furtherMessages) {
+        undescribed_ += count;
+    }
     for (SeiMessage& message : unit.messages) {
         message.block = describeSei(codec_, message.payloadType, message.payload, sps_);
     }
     markKept(unit.messages, items_, firstItem);
-    for (size_t i = firstItem; i < items_.size(); ++i) {
+    for (size_t i = firstItem; i < items_.size() && listedItems_ < kMostDescribedMessages;
+         ++i, ++listedItems_) {
         const QVSeiItem& item = items_[i];
         unit.items.push_back(
             {item.payloadType, {item.payloadData, item.payloadData + item.payloadSize}, deliveryOf(item)});
     }
-    report.units.push_back(std::move(unit));
+    return unit;
 }
 
-void SeiReader::finish(SeiReport& report) {
-    report.items = items_.size();
+SeiTotals SeiReader::finish() {
+    SeiTotals totals{items_.size(), items_.size() - listedItems_, 0, std::exchange(undescribed_, 0)};
     if (!items_.empty()) {
         unsigned char* sideData = nullptr;
-        QVNaluParser::assembleSeiSideDataBuffer(items_, &sideData, report.sideDataSize);
+        QVNaluParser::assembleSeiSideDataBuffer(items_, &sideData, totals.sideDataSize);
         freepQVSideData(&sideData);
     }
     forgetItems();
+    described_ = 0;
+    listedItems_ = 0;
+    return totals;
 }
 
 void SeiReader::forgetItems() {

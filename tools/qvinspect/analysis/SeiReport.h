@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,6 +13,7 @@
 #include "QVNaluParser.h"
 #include "analysis/Block.h"
 #include "analysis/SequenceParameterSet.h"
+#include "input/AccessUnit.h"
 
 namespace qvinspect {
 
@@ -43,17 +45,27 @@ struct SeiItem {
 };
 
 struct SeiUnit {
-    uint64_t offset = 0;      // as that of its NAL unit
+    uint64_t offset = 0;  // as that of its NAL unit
+    uint32_t nalUnitType = 0;
     int result = QVResultOk;  // of the library's walk
     std::vector<std::string> log;
     std::vector<SeiMessage> messages;
-    std::vector<SeiItem> items;  // all of them, in the order of the walk
+    std::vector<SeiItem> items;  // in the order of the walk
+
+    // Messages after these by payloadType, counted and not described: the access unit has more than
+    // kMostDescribedMessages.
+    std::map<uint32_t, uint64_t> furtherMessages;
+
+    // A message that is cut off and that the walk did not come to.
+    std::optional<Finding> fault;
 };
 
-struct SeiReport {
-    std::vector<SeiUnit> units;
+// What the library keeps of an access unit.
+struct SeiTotals {
     size_t items = 0;
-    int sideDataSize = 0;  // of the access unit's items; 0 without items
+    size_t unlistedItems = 0;          // counted only
+    int sideDataSize = 0;              // of the items when packed; 0 without items
+    uint64_t undescribedMessages = 0;  // counted only
 };
 
 // Collects the SEI of access units, one after the other.
@@ -64,12 +76,11 @@ public:
     // The parameter set in force; null when none was seen.
     void use(const SequenceParameterSet* sps) { sps_ = sps; }
 
-    // data, size: the SEI unit, header included. Adds to report.
-    void add(const unsigned char* data, size_t size, uint32_t nalUnitType, uint64_t offset,
-             SeiReport& report);
+    // data, size: the SEI unit, header included.
+    SeiUnit add(const unsigned char* data, size_t size, uint32_t nalUnitType, uint64_t offset);
 
     // Packs the items of the access unit and forgets them.
-    void finish(SeiReport& report);
+    SeiTotals finish();
 
     ~SeiReader();
     SeiReader(const SeiReader&) = delete;
@@ -82,6 +93,9 @@ private:
     std::deque<int> requested_;
     const SequenceParameterSet* sps_ = nullptr;
     std::vector<QVSeiItem> items_;
+    size_t described_ = 0;  // messages of the access unit
+    size_t listedItems_ = 0;
+    uint64_t undescribed_ = 0;
 };
 
 }  // namespace qvinspect

@@ -1,9 +1,13 @@
 #include "analysis/StreamDetails.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <string_view>
 #include <utility>
 
 #include "input/AvcUnitTypes.h"
+#include "input/Budgets.h"
 #include "input/ConfigurationRecord.h"
 #include "input/HevcUnitTypes.h"
 
@@ -26,6 +30,10 @@ bool isBaseLayer(QVCodecID codec, const unsigned char* unit, size_t size) {
     return codec == QVCodecIDAvc || (size >= 2 && (unit[0] & 1) == 0 && unit[1] >> 3 == 0);
 }
 
+uint32_t unitType(QVCodecID codec, uint8_t firstByte) {
+    return codec == QVCodecIDAvc ? firstByte & 0x1FU : firstByte >> 1U & 0x3FU;
+}
+
 }  // namespace
 
 StreamDetails::StreamDetails(QVCodecID codec, std::deque<int> requested)
@@ -40,6 +48,20 @@ bool StreamDetails::isSei(uint32_t nalUnitType) const {
                                   : nalUnitType == kHevcPrefixSeiNut || nalUnitType == kHevcSuffixSeiNut;
 }
 
+// Remembers the content. True when it is known already.
+bool StreamDetails::wasSeen(const std::vector<uint8_t>& bytes) {
+    if (seen_.count(bytes) > 0) {
+        return true;
+    }
+    if (bytes.size() > kMostKnownSpsBytes - seenBytes_) {
+        hasForgotten_ = true;
+        return false;
+    }
+    seenBytes_ += bytes.size();
+    seen_.insert(bytes);
+    return false;
+}
+
 void StreamDetails::takeSps(const unsigned char* unit, size_t size, UnitDetails& details) {
     const auto isSame = [&](const auto& entry) {
         return std::equal(entry.second.bytes.begin(), entry.second.bytes.end(), unit, unit + size);
@@ -48,39 +70,105 @@ void StreamDetails::takeSps(const unsigned char* unit, size_t size, UnitDetails&
     if (known != known_.end()) {
         details.isRepeatedSps = true;
     } else {
-        details.newSps = readSequenceParameterSet(codec_, unit, size);
-        const int place = placeOf(*details.newSps);
-        known = known_.insert_or_assign(place, KnownSps{{unit, unit + size}, *details.newSps}).first;
+        std::vector<uint8_t> bytes(unit, unit + size);
+        auto sps = std::make_shared<const SequenceParameterSet>(readSequenceParameterSet(codec_, unit, size));
+        // One that comes back after another of its identifier is in force again and still not new.
+        details.isRepeatedSps = wasSeen(bytes);
+        if (!details.isRepeatedSps) {
+            details.newSps = sps;
+        }
+        const int place = placeOf(*sps);
+        known = known_.insert_or_assign(place, KnownSps{std::move(bytes), std::move(sps)}).first;
     }
-    if (known->second.sps.isAccepted) {
-        active_ = &known->second.sps;
+    if (known->second.sps->isAccepted) {
+        active_ = known->second.sps.get();
         seiReader_.use(active_);
+    }
+}
+
+// Reads an SEI unit of the record and keeps it for the first access unit.
+void StreamDetails::addRecordSei(const std::vector<uint8_t>& unit, uint32_t type,
+                                 ConfigurationDetails& configuration) {
+    const SeiUnit sei = seiReader_.add(unit.data(), unit.size(), type, 0);
+    configuration.seiUnits.push_back(sei);
+    recordSei_.push_back(unit);
+    const auto report = [&](const std::string& what) {
+        configuration.findings.push_back({Severity::Error, std::nullopt,
+                                          fmt::format("SEI unit {} of the configuration record: {}",
+                                                      configuration.seiUnits.size(), what)});
+    };
+    if (sei.result != QVResultOk) {
+        report(fmt::format("the walk of the SEI unit ended with {}", sei.result));
+    }
+    if (sei.fault) {
+        report(fmt::format("{} (offset {} of the unit)", sei.fault->text, *sei.fault->offset));
     }
 }
 
 ConfigurationDetails StreamDetails::addConfiguration(const std::vector<uint8_t>& record) {
     ConfigurationDetails configuration;
-    for (const std::vector<uint8_t>& unit : configurationUnits(codec_, record).units) {
+    size_t leftOutSps = 0;
+    const ConfigurationUnits found = configurationUnits(codec_, record);
+    if (found.leftOut > 0) {
+        configuration.findings.push_back(
+            {Severity::Error, std::nullopt,
+             fmt::format("the configuration record has {} NAL units; those after the first {} are left out",
+                         found.units.size() + found.leftOut, found.units.size())});
+    }
+    for (const std::vector<uint8_t>& unit : found.units) {
         if (unit.empty()) {
             continue;
         }
-        const uint32_t type = codec_ == QVCodecIDAvc ? unit[0] & 0x1FU : unit[0] >> 1U & 0x3FU;
+        const uint32_t type = unitType(codec_, unit[0]);
         configuration.unitTypes.push_back(type);
-        UnitDetails details;
-        if (isSps(type)) {
+        if (isSps(type) && configuration.parameterSets.size() == kMostNewSps) {
+            ++leftOutSps;
+        } else if (isSps(type)) {
+            UnitDetails details;
             takeSps(unit.data(), unit.size(), details);
+            if (details.newSps) {
+                configuration.parameterSets.push_back(*details.newSps);
+            }
         }
-        if (details.newSps) {
-            configuration.parameterSets.push_back(*details.newSps);
+        if (isSei(type)) {
+            addRecordSei(unit, type, configuration);
         }
     }
+    addFindings(seiReader_.finish(), leftOutSps, "configuration record", configuration.findings);
     return configuration;
 }
 
-AccessUnitDetails StreamDetails::add(const AccessUnit& accessUnit, const AccessUnitReport& report) {
+// An access unit that brings what the record brings as well has it once.
+void StreamDetails::takeRecordSei(const AccessUnit& accessUnit, const AccessUnitReport& report,
+                                  AccessUnitDetails& details) {
+    if (recordSei_.empty()) {
+        return;
+    }
+    const auto textOf = [](const unsigned char* bytes, size_t size) {
+        return std::string_view(reinterpret_cast<const char*>(bytes), size);
+    };
+    std::set<std::string_view> present;
+    for (const UnitReport& unit : report.units) {
+        if (unit.state == UnitState::Typed && isSei(unit.type)) {
+            present.insert(
+                textOf(accessUnit.data + (unit.offset - accessUnit.fileOffset.value_or(0)), unit.length));
+        }
+    }
+    for (const std::vector<uint8_t>& unit : std::exchange(recordSei_, {})) {
+        if (present.count(textOf(unit.data(), unit.size())) == 0) {
+            details.recordSei.push_back(
+                seiReader_.add(unit.data(), unit.size(), unitType(codec_, unit[0]), 0));
+        }
+    }
+}
+
+AccessUnitDetails StreamDetails::add(const AccessUnit& accessUnit, AccessUnitReport& report) {
     AccessUnitDetails details;
-    SeiReport sei;
+    size_t newSps = 0;
+    size_t leftOutSps = 0;
     const uint64_t start = accessUnit.fileOffset.value_or(0);
+    takeRecordSei(accessUnit, report, details);
+    details.units.reserve(report.units.size());
     for (const UnitReport& unit : report.units) {
         UnitDetails& unitDetails = details.units.emplace_back();
         if (unit.state != UnitState::Typed) {
@@ -88,17 +176,60 @@ AccessUnitDetails StreamDetails::add(const AccessUnit& accessUnit, const AccessU
         }
         const unsigned char* const bytes = accessUnit.data + (unit.offset - start);
         if (isSps(unit.type) && isBaseLayer(codec_, bytes, unit.length)) {
+            if (newSps == kMostNewSps) {
+                ++leftOutSps;
+                continue;
+            }
             takeSps(bytes, unit.length, unitDetails);
+            newSps += unitDetails.newSps ? 1U : 0U;
         } else if (isSei(unit.type)) {
-            seiReader_.add(bytes, unit.length, unit.type, unit.offset, sei);
-            unitDetails.sei = sei.units.back();
+            SeiUnit sei = seiReader_.add(bytes, unit.length, unit.type, unit.offset);
+            if (sei.fault) {
+                report.findings.push_back(*sei.fault);
+            }
+            unitDetails.sei = std::make_shared<const SeiUnit>(std::move(sei));
         }
     }
-    seiReader_.finish(sei);
+    const SeiTotals sei = seiReader_.finish();
     details.seiItems = sei.items;
+    details.unlistedItems = sei.unlistedItems;
     details.sideDataSize = sei.sideDataSize;
     details.sps = active_;
+    addFindings(sei, leftOutSps, "access unit", report.findings);
     return details;
+}
+
+// What is left out of a place: the access unit or the configuration record.
+void StreamDetails::addFindings(const SeiTotals& sei, size_t leftOutSps, const char* place,
+                                std::vector<Finding>& findings) {
+    if (leftOutSps > 0) {
+        findings.push_back(
+            {Severity::Error, std::nullopt,
+             fmt::format("the {} has more than {} new sequence parameter sets; {} that follow are left "
+                         "out",
+                         place, kMostNewSps, leftOutSps)});
+    }
+    if (std::exchange(hasForgotten_, false) && !std::exchange(hasReportedForgotten_, true)) {
+        findings.push_back(
+            {Severity::Note, std::nullopt,
+             fmt::format("more than {} bytes of different sequence parameter sets: some that come "
+                         "again are counted as new from here on",
+                         kMostKnownSpsBytes)});
+    }
+    if (sei.undescribedMessages > 0) {
+        findings.push_back(
+            {Severity::Error, std::nullopt,
+             fmt::format("the {} has {} SEI messages; those after the first {} are counted and not "
+                         "described",
+                         place, sei.undescribedMessages + kMostDescribedMessages, kMostDescribedMessages)});
+    }
+    if (sei.unlistedItems > 0) {
+        findings.push_back(
+            {Severity::Error, std::nullopt,
+             fmt::format("the library keeps {} SEI items of the {}; those after the first {} are not "
+                         "listed",
+                         sei.items, place, kMostDescribedMessages)});
+    }
 }
 
 }  // namespace qvinspect

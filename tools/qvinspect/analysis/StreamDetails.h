@@ -5,7 +5,8 @@
 #include <cstdint>
 #include <deque>
 #include <map>
-#include <optional>
+#include <memory>
+#include <set>
 #include <vector>
 
 #include "analysis/Analysis.h"
@@ -17,15 +18,17 @@ namespace qvinspect {
 
 // What one NAL unit says beyond its type.
 struct UnitDetails {
-    std::optional<SequenceParameterSet> newSps;  // a parameter set that was not seen like this before
+    std::shared_ptr<const SequenceParameterSet> newSps;  // one that was not seen like this before
     bool isRepeatedSps = false;
-    std::optional<SeiUnit> sei;
+    std::shared_ptr<const SeiUnit> sei;
 };
 
 struct AccessUnitDetails {
     std::vector<UnitDetails> units;             // one for each unit of the report
+    std::vector<SeiUnit> recordSei;             // of the configuration record, that hold from here on
     const SequenceParameterSet* sps = nullptr;  // in force behind it, until the next call; null without one
     size_t seiItems = 0;
+    size_t unlistedItems = 0;  // of them, those that no SeiUnit holds
     int sideDataSize = 0;
 };
 
@@ -33,30 +36,48 @@ struct AccessUnitDetails {
 struct ConfigurationDetails {
     std::vector<SequenceParameterSet> parameterSets;  // sequence parameter sets, each once
     std::vector<uint32_t> unitTypes;                  // of all its NAL units
+    std::vector<SeiUnit> seiUnits{};                  // offsets count in the unit
+    std::vector<Finding> findings{};
 };
 
 class StreamDetails {
 public:
     StreamDetails(QVCodecID codec, std::deque<int> requested);
 
+    // The record's SEI units count with the next access unit, each unless that has the very same.
     ConfigurationDetails addConfiguration(const std::vector<uint8_t>& record);
 
-    AccessUnitDetails add(const AccessUnit& accessUnit, const AccessUnitReport& report);
+    // Adds what it finds to the findings of report.
+    AccessUnitDetails add(const AccessUnit& accessUnit, AccessUnitReport& report);
 
 private:
     bool isSps(uint32_t nalUnitType) const;
     bool isSei(uint32_t nalUnitType) const;
+    void takeRecordSei(const AccessUnit& accessUnit, const AccessUnitReport& report,
+                       AccessUnitDetails& details);
     void takeSps(const unsigned char* unit, size_t size, UnitDetails& details);
+    void addRecordSei(const std::vector<uint8_t>& unit, uint32_t type, ConfigurationDetails& configuration);
+    bool wasSeen(const std::vector<uint8_t>& bytes);
+    void addFindings(const SeiTotals& sei, size_t leftOutSps, const char* place,
+                     std::vector<Finding>& findings);
 
     struct KnownSps {
         std::vector<uint8_t> bytes;
-        SequenceParameterSet sps;
+        std::shared_ptr<const SequenceParameterSet> sps;
     };
 
     QVCodecID codec_;
     SeiReader seiReader_;
     std::map<int, KnownSps> known_;  // by identifier, which is at most 31 where it is accepted; else -1
     const SequenceParameterSet* active_ = nullptr;
+
+    std::vector<std::vector<uint8_t>> recordSei_;  // that were not counted yet
+
+    // Contents of all parameter sets, those that others of their identifier came after included.
+    std::set<std::vector<uint8_t>> seen_;
+    size_t seenBytes_ = 0;
+    bool hasForgotten_ = false;  // a content that had no room in seen_
+    bool hasReportedForgotten_ = false;
 };
 
 }  // namespace qvinspect

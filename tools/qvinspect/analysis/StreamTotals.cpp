@@ -132,6 +132,13 @@ void StreamCounter::addAhead(const AccessUnitView& view) {
             addSps(*view.details.units[i].newSps);
         }
     }
+    addRecordSei(view.details);
+}
+
+void StreamCounter::addRecordSei(const AccessUnitDetails& details) {
+    for (const SeiUnit& sei : details.recordSei) {
+        addMessages(sei);
+    }
 }
 
 void StreamCounter::addUnits(const AccessUnitView& view) {
@@ -188,15 +195,14 @@ void StreamCounter::addUnitErrors(const UnitReport& unit, const UnitDetails& det
 }
 
 void StreamCounter::addDetails(const AccessUnitDetails& details) {
+    addRecordSei(details);
     for (const UnitDetails& unit : details.units) {
         if (unit.newSps) {
             addSps(*unit.newSps);
         }
         totals_.repeatedSps += unit.isRepeatedSps ? 1U : 0U;
         if (unit.sei) {
-            for (const SeiMessage& message : unit.sei->messages) {
-                addMessage(message);
-            }
+            addMessages(*unit.sei);
         }
     }
     if (details.sps != nullptr) {
@@ -222,6 +228,15 @@ void StreamCounter::addSps(const SequenceParameterSet& sps) {
 void StreamCounter::addTransfer(const SequenceParameterSet& sps) {
     if (sps.transfer_characteristics) {
         totals_.signals.transfer_characteristics = sps.transfer_characteristics;
+    }
+}
+
+void StreamCounter::addMessages(const SeiUnit& sei) {
+    for (const SeiMessage& message : sei.messages) {
+        addMessage(message);
+    }
+    for (const auto& [type, count] : sei.furtherMessages) {
+        totals_.messagesByType[type] += count;
     }
 }
 

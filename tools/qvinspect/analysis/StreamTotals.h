@@ -128,7 +128,8 @@ public:
 
     void add(const AccessUnitView& view);
 
-    // One ahead of the part that is looked at: only its parameter sets count, which the part needs.
+    // One ahead of the part that is looked at: only its parameter sets count, which the part needs, and what
+    // the configuration record says of the whole stream.
     void addAhead(const AccessUnitView& view);
 
     // Findings behind the last access unit; and the end of what stands open.
@@ -149,6 +150,8 @@ private:
     void addDetails(const AccessUnitDetails& details);
     void addSps(const SequenceParameterSet& sps);
     void addTransfer(const SequenceParameterSet& sps);
+    void addRecordSei(const AccessUnitDetails& details);
+    void addMessages(const SeiUnit& sei);
     void addMessage(const SeiMessage& message);
     void addRegistered(const std::vector<uint8_t>& payload);
     void addHdrVivid(const std::vector<uint8_t>& payload);

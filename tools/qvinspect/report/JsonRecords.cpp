@@ -139,6 +139,12 @@ void addHead(JsonRecord& record, const StreamHead& head, Level level) {
     for (const SequenceParameterSet& sps : head.parameterSets) {
         record["configuration_sps"].push_back(jsonSps(sps, level));
     }
+    record["configuration_sei"] = JsonRecord::array();
+    for (const SeiUnit& unit : head.seiUnits) {
+        for (const SeiMessage& message : unit.messages) {
+            record["configuration_sei"].push_back(jsonMessage(message, head.info.parameters.codecId, level));
+        }
+    }
 }
 
 void addAccessUnit(JsonRecord& record, const AccessUnitView& view, Level level) {

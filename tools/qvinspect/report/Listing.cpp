@@ -111,6 +111,24 @@ void Listing::begin(const StreamHead& head) {
             addSps(sps);
         }
     }
+    if (level_ >= Level::Sei) {
+        addRecordSei();
+    }
+}
+
+// Places count in the units of the record.
+void Listing::addRecordSei() {
+    for (const SeiUnit& unit : head_.seiUnits) {
+        page_.add(Style::Heading, "configuration record").endLine();
+        for (const SeiMessage& message : unit.messages) {
+            addMessageLine(message);
+            if (level_ == Level::Fields) {
+                addBlock(message.block);
+                addHex(message.payload.data(), message.payload.size(), message.offset);
+            }
+        }
+        addSeiErrors(unit);
+    }
 }
 
 void Listing::addColumns() {
@@ -231,7 +249,10 @@ void Listing::addSei(const UnitView& unit) {
     for (const SeiMessage* message : unit.messages) {
         addMessage(unit, *message);
     }
-    const SeiUnit& sei = *unit.details->sei;
+    addSeiErrors(*unit.details->sei);
+}
+
+void Listing::addSeiErrors(const SeiUnit& sei) {
     for (const std::string& line : sei.log) {
         page_.add("{}library: {}", kFieldIndent, line).endLine();
     }
@@ -241,7 +262,7 @@ void Listing::addSei(const UnitView& unit) {
     }
 }
 
-void Listing::addMessage(const UnitView& unit, const SeiMessage& message) {
+void Listing::addMessageLine(const SeiMessage& message) {
     page_.add("         {:>14}  {:>10}      SEI {} {}{}", message.offset, message.payloadSize,
               message.payloadType, seiName(head_.info.parameters.codecId, message.payloadType),
               deliveryText(message.delivery));
@@ -249,6 +270,10 @@ void Listing::addMessage(const UnitView& unit, const SeiMessage& message) {
         page_.add(": ").add(Style::Faint, "{}", firstBytes(message.payload.data(), message.payload.size()));
     }
     page_.endLine();
+}
+
+void Listing::addMessage(const UnitView& unit, const SeiMessage& message) {
+    addMessageLine(message);
     if (level_ == Level::Fields) {
         addBlock(message.block);
         addHex(unit.data + (message.offset - unit.report->offset), message.codedSize, message.offset);

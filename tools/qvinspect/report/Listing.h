@@ -31,6 +31,9 @@ private:
     void addUnitFields(const UnitView& unit);
     void addSps(const SequenceParameterSet& sps);
     void addSei(const UnitView& unit);
+    void addRecordSei();
+    void addSeiErrors(const SeiUnit& sei);
+    void addMessageLine(const SeiMessage& message);
     void addMessage(const UnitView& unit, const SeiMessage& message);
     void addBlock(const Block& block);
     void addHex(const unsigned char* bytes, size_t size, uint64_t offset);

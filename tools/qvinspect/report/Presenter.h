@@ -19,6 +19,7 @@ struct StreamHead {
     bool isRaw;  // offsets count in the file, not in the access unit
 
     std::vector<SequenceParameterSet> parameterSets;  // that came with the container
+    std::vector<SeiUnit> seiUnits{};                  // that came with the container
 };
 
 struct StreamEnd {

@@ -5,8 +5,10 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <system_error>
+#include <utility>
 
 #include "analysis/SeiNames.h"
+#include "input/Budgets.h"
 
 namespace qvinspect {
 
@@ -44,24 +46,44 @@ std::string textOf(const Json& value) {
 SeiExtractor::SeiExtractor(const std::string& folder) : folder_(folder), index_(indexIn(folder)) {}
 
 void SeiExtractor::fail(const std::string& name, const std::string& reason) {
-    index_.write(textOf({{"input", name}, {"error", reason}}) + "\n");
+    if (std::exchange(isListing_, false)) {
+        index_.print("\n], \"left_out\": {}, \"error\": {}}}\n", leftOut_, textOf(reason));
+    } else {
+        index_.write(textOf({{"input", name}, {"error", reason}}) + "\n");
+    }
 }
 
 void SeiExtractor::begin(const StreamHead& head) {
     codec_ = head.info.parameters.codecId;
     index_.print("{{\"input\": {}, \"codec\": \"{}\", \"items\": [", textOf(head.name),
                  codec_ == QVCodecIDAvc ? "h264" : "h265");
+    isListing_ = true;
 }
 
 void SeiExtractor::add(const AccessUnitView& view) {
+    bytes_ += view.accessUnit.size;
+    for (const RecordItemView& record : view.recordItems) {
+        take(view, nullptr, record.nalUnitType, *record.item);
+    }
     for (const UnitView& unit : view.units) {
         for (const SeiItem* item : unit.items) {
-            addItem(view, unit, *item);
+            take(view, unit.report, unit.report->type, *item);
         }
+    }
+    leftOut_ += view.isShown ? view.details.unlistedItems : 0;
+}
+
+void SeiExtractor::take(const AccessUnitView& view, const UnitReport* unit, uint32_t nalUnitType,
+                        const SeiItem& item) {
+    if (items_ < extractedFiles(bytes_)) {
+        addItem(view, unit, nalUnitType, item);
+    } else {
+        ++leftOut_;
     }
 }
 
-void SeiExtractor::addItem(const AccessUnitView& view, const UnitView& unit, const SeiItem& item) {
+void SeiExtractor::addItem(const AccessUnitView& view, const UnitReport* unit, uint32_t nalUnitType,
+                           const SeiItem& item) {
     const std::string name =
         fmt::format("{:08}_au{:08}_sei{}.bin", items_ + 1, view.number, item.payloadType);
     Output file(folder_ + "/" + name);
@@ -70,8 +92,8 @@ void SeiExtractor::addItem(const AccessUnitView& view, const UnitView& unit, con
     const Json entry = {{"file", name},
                         {"access_unit", view.number},
                         {"time", view.time ? Json(*view.time) : Json()},
-                        {"offset", unit.report->offset},
-                        {"nal_unit_type", unit.report->type},
+                        {"offset", unit != nullptr ? Json(unit->offset) : Json()},
+                        {"nal_unit_type", nalUnitType},
                         {"payload_type", item.payloadType},
                         {"name", seiName(codec_, item.payloadType)},
                         {"size", item.bytes.size()},
@@ -82,11 +104,17 @@ void SeiExtractor::addItem(const AccessUnitView& view, const UnitView& unit, con
 }
 
 void SeiExtractor::end(const StreamEnd&) {
-    index_.write("\n]}\n");
+    index_.print("\n], \"left_out\": {}}}\n", leftOut_);
+    isListing_ = false;
 }
 
 void SeiExtractor::finish() {
     index_.close();
+    if (leftOut_ > 0) {
+        throw OutputError(
+            fmt::format("{} SEI items have no file in {}: there are too many for a stream of {} bytes",
+                        leftOut_, outputName(folder_), bytes_));
+    }
 }
 
 }  // namespace qvinspect

@@ -19,12 +19,15 @@ namespace qvinspect {
 //     file          its name
 //     access_unit   number, from 1
 //     time          of presentation, seconds; null where it is not known
-//     offset        of the NAL unit, in the file for a raw stream, otherwise in the access unit
+//     offset        of the NAL unit, in the file for a raw stream, otherwise in the access unit; null for a
+//                   NAL unit of the container's configuration record
 //     nal_unit_type of the NAL unit
 //     payload_type, name, size (bytes)
 //     requested     true when it is an item because --request asked for it
 //     delivery      "payload", or "text" for what the library makes of a display orientation
-//   error     instead of items: why the input could not be inspected
+//   left_out  items that have no file: those after the first 1024 of an access unit, and those that are more
+//             than 1024 and one for each 64 bytes of the stream. finish() throws OutputError then.
+//   error     why the input could not be inspected, or not to its end; without items when it has none
 class SeiExtractor : public Presenter {
 public:
     // Makes the folder. Throws OutputError when that cannot be done or it holds anything: items of two
@@ -38,12 +41,18 @@ public:
     void finish() override;
 
 private:
-    void addItem(const AccessUnitView& view, const UnitView& unit, const SeiItem& item);
+    // Writes the item, or counts it as left out. unit: null for the configuration record.
+    void take(const AccessUnitView& view, const UnitReport* unit, uint32_t nalUnitType, const SeiItem& item);
+    void addItem(const AccessUnitView& view, const UnitReport* unit, uint32_t nalUnitType,
+                 const SeiItem& item);
 
     std::string folder_;
     Output index_;
     QVCodecID codec_ = QVCodecIDAvc;
     uint64_t items_ = 0;
+    uint64_t leftOut_ = 0;
+    uint64_t bytes_ = 0;      // of the access units so far
+    bool isListing_ = false;  // the list of items has begun
 };
 
 }  // namespace qvinspect
