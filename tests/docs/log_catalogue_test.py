@@ -57,6 +57,17 @@ def enclosing_function(code, at):
     return re.findall(r"^\w[^\n;]*?(\w+)\(", code[:at], re.M)[-1]
 
 
+def step_name(code, at):
+    """The name of the step in the function at this place: made there, or handed in by every caller."""
+    start = [match.start() for match in re.finditer(r"^\w[^\n;]*?\w+\(", code[:at], re.M)][-1]
+    made = re.findall(r'\bStep step\("(\w+)"', code[start:at])
+    if made:
+        return made[-1]
+    calls = re.finditer(r"^[ ]+.*?\b%s\(" % enclosing_function(code, at), code, re.M)
+    name, = {step_name(code, call.start()) for call in calls}
+    return name
+
+
 def function_name(code, argument, at):
     """The function name that an argument at this place of the code denotes."""
     name = literal(argument)
@@ -64,6 +75,8 @@ def function_name(code, argument, at):
         return name
     if argument == "kFunction":
         return re.findall(r'kFunction = "(\w+)";', code[:at])[-1]
+    if argument == "step.held().function":
+        return step_name(code, at)
     # A parameter: the only caller of this function passes the name.
     callers = [
         (call.start(), arguments(code, call.end())[0][-1])
