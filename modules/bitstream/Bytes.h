@@ -1,0 +1,38 @@
+/// \file
+/// A run of bytes that belongs to somebody else.
+#ifndef QV_BITSTREAM_BYTES_H
+#define QV_BITSTREAM_BYTES_H
+
+#include <cstddef>
+#include <cstdint>
+
+namespace qv {
+
+/// A borrowed run of bytes: a pointer and a size. The bytes must outlive every use of it. A null pointer is
+/// allowed with size 0.
+struct Bytes {
+    const uint8_t* data = nullptr;
+    size_t size = 0;
+
+    constexpr Bytes() = default;
+    constexpr Bytes(const uint8_t* first, size_t count) : data(first), size(count) {}
+
+    constexpr bool empty() const { return size == 0; }
+    constexpr const uint8_t* begin() const { return data; }
+    constexpr const uint8_t* end() const { return data + size; }
+
+    /// The byte at \p position, which must be less than size.
+    constexpr uint8_t operator[](size_t position) const { return data[position]; }
+
+    /// The bytes from \p position on; none when \p position is at or past the end.
+    constexpr Bytes from(size_t position) const {
+        return position < size ? Bytes(data + position, size - position) : Bytes();
+    }
+
+    /// The first \p count bytes, or all of them when there are fewer.
+    constexpr Bytes first(size_t count) const { return {data, count < size ? count : size}; }
+};
+
+}  // namespace qv
+
+#endif

@@ -1,0 +1,85 @@
+// Loads and counts that compilers have instructions for, with portable forms.
+#ifndef QV_BITSTREAM_SYNTAX_BITS_H
+#define QV_BITSTREAM_SYNTAX_BITS_H
+
+#include <cstdint>
+#include <cstring>
+
+#if defined(__GNUC__)
+#define QV_ALWAYS_INLINE [[gnu::always_inline]] inline
+#define QV_NEVER_INLINE [[gnu::noinline, gnu::cold]]
+#else
+#define QV_ALWAYS_INLINE inline
+#define QV_NEVER_INLINE
+#endif
+
+namespace qv::detail {
+
+// Eight bytes as a number, the first byte on top.
+QV_ALWAYS_INLINE uint64_t loadBigEndian64(const uint8_t* bytes) noexcept {
+#if defined(__GNUC__)
+    uint64_t value = 0;
+    std::memcpy(&value, bytes, sizeof value);
+#if __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+    value = __builtin_bswap64(value);
+#endif
+    return value;
+#else
+    uint64_t value = 0;
+    for (int i = 0; i < 8; ++i) {
+        value = value << 8 | bytes[i];
+    }
+    return value;
+#endif
+}
+
+// Zero bits before the first 1 bit. The value must not be 0.
+QV_ALWAYS_INLINE uint32_t leadingZeroBits(uint64_t value) noexcept {
+#if defined(__GNUC__)
+    return static_cast<uint32_t>(__builtin_clzll(value));
+#else
+    uint32_t count = 0;
+    for (; value >> 63 == 0; value <<= 1) {
+        ++count;
+    }
+    return count;
+#endif
+}
+
+// Zero bits after the last 1 bit. The value must not be 0.
+QV_ALWAYS_INLINE uint32_t trailingZeroBits(uint64_t value) noexcept {
+#if defined(__GNUC__)
+    return static_cast<uint32_t>(__builtin_ctzll(value));
+#else
+    uint32_t count = 0;
+    for (; (value & 1) == 0; value >>= 1) {
+        ++count;
+    }
+    return count;
+#endif
+}
+
+constexpr uint64_t eightTimes(uint8_t byte) {
+    return 0x0101010101010101 * byte;
+}
+
+constexpr uint64_t kTopByte = 0xFF00000000000000;
+
+// The top bit of each of the eight bytes that is 0x03, and at times of the byte before one.
+QV_ALWAYS_INLINE uint64_t bytesOf03(uint64_t bytes) noexcept {
+    const uint64_t difference = bytes ^ eightTimes(0x03);
+    return (difference - eightTimes(0x01)) & ~difference & eightTimes(0x80);
+}
+
+// Ceil(Log2(x)) of the standards: the bits that tell x values apart. 0 for x of 0 and 1.
+constexpr uint32_t ceilLog2(uint64_t x) noexcept {
+    uint32_t bits = 0;
+    while (bits < 63 && (uint64_t{1} << bits) < x) {
+        ++bits;
+    }
+    return bits;
+}
+
+}  // namespace qv::detail
+
+#endif

@@ -1,0 +1,23 @@
+// The emulation_prevention_three_byte (H.264 7.4.1, H.265 7.4.2.1).
+#ifndef QV_BITSTREAM_SYNTAX_EMULATIONPREVENTION_H
+#define QV_BITSTREAM_SYNTAX_EMULATIONPREVENTION_H
+
+#include "bitstream/Bytes.h"
+
+namespace qv::detail {
+
+constexpr uint8_t kEmulationPreventionThreeByte = 0x03;
+
+// The greatest byte that an encoder may not write after two zero bytes.
+constexpr uint8_t kGreatestEmulatingByte = 0x03;
+
+// True when the byte at the position of a unit follows two zero bytes and is not data. Two zero bytes at the
+// start of the unit count.
+inline bool isEmulationPrevention(const uint8_t* unit, size_t position) noexcept {
+    return unit[position] == kEmulationPreventionThreeByte && position >= 2 && unit[position - 1] == 0x00 &&
+           unit[position - 2] == 0x00;
+}
+
+}  // namespace qv::detail
+
+#endif

@@ -1,0 +1,279 @@
+// The syntax vocabulary as a reader: fills a record from the bytes of a NAL unit.
+//
+// Clauses of this library are those of ITU-T H.264 (06/2019) and ITU-T H.265 (08/2021).
+#ifndef QV_BITSTREAM_SYNTAX_READER_H
+#define QV_BITSTREAM_SYNTAX_READER_H
+
+#include <cstdint>
+#include <limits>
+#include <type_traits>
+
+#include "bitstream/Bytes.h"
+#include "bitstream/Read.h"
+#include "bitstream/syntax/Bits.h"
+#include "bitstream/syntax/CodedBits.h"
+#include "bitstream/syntax/Element.h"
+
+namespace qv {
+
+/// The greatest value of ue(v): 31 leading zero bits (H.264 9.1, H.265 9.2).
+constexpr uint32_t kMostUe = 0xFFFFFFFE;
+
+/// The greatest value of se(v) and, negated, the least (H.264 9.1.1, H.265 9.2.2).
+constexpr int32_t kMostSe = 0x7FFFFFFF;
+
+/// Reads syntax elements out of the coded bytes of one NAL unit, stepping over emulation prevention bytes
+/// (H.264 7.4.1, H.265 7.4.2) without a copy.
+///
+/// No read fails by itself. The first fault is kept; from then on every element reads 0 and more_rbsp_data()
+/// is false, so that every loop that is bounded by an element ends.
+class Reader {
+public:
+    /// A reader at the first byte of \p unit, which is borrowed: header() comes next, then the elements of
+    /// the NAL unit header, then rbsp().
+    explicit Reader(Bytes unit) noexcept
+        : begin_(unit.data), next_(unit.data), end_(unit.end()), unitEnd_(unit.end()) {}
+
+    /// A reader of bits that an earlier read passed over.
+    explicit Reader(const CodedBits& bits) noexcept;
+
+    // --- The parts of a unit ---
+
+    /// Makes the next \p bytes bytes of the unit, at most 4, the bits to be read. They belong to the NAL unit
+    /// header, which has no emulation prevention bytes.
+    void header(uint32_t bytes) noexcept;
+
+    /// Ends the NAL unit header. From here on the data ends before the rbsp_stop_one_bit.
+    void rbsp() noexcept;
+
+    /// True when the unit has no bytes after its header.
+    bool hasNoRbsp() const noexcept { return next_ == unitEnd_ && count_ == 0; }
+
+    // --- Descriptors (H.264 7.2, H.265 7.2) ---
+
+    /// u(n), n of 0 to 57, and to 32 where the field has 32 bits.
+    template <class Name, class Field>
+    QV_ALWAYS_INLINE void u(uint32_t n, const Name& name, Field& field) noexcept {
+        field = static_cast<Field>(bits(n, name));
+    }
+
+    /// u(n) with a range.
+    template <class Name, class Field>
+    QV_ALWAYS_INLINE void u(uint32_t n, const Name& name, Field& field, uint64_t least,
+                            uint64_t most) noexcept {
+        const uint64_t value = bits(n, name);
+        field = static_cast<Field>(value);
+        if (value < least || value > most) {
+            field = 0;
+            outOfRange(detail::elementOf(name), n, static_cast<int64_t>(value), static_cast<int64_t>(least),
+                       static_cast<int64_t>(most));
+        }
+    }
+
+    /// u(1).
+    template <class Name>
+    QV_ALWAYS_INLINE void flag(const Name& name, bool& field) noexcept {
+        field = static_cast<bool>(bits(1, name));
+    }
+
+    /// u(1) with one value that is allowed.
+    template <class Name>
+    QV_ALWAYS_INLINE void flag(const Name& name, bool& field, bool allowed) noexcept {
+        u(1, name, field, allowed ? 1 : 0, allowed ? 1 : 0);
+    }
+
+    /// i(n), n of 1 to 32, two's complement.
+    template <class Name, class Field>
+    QV_ALWAYS_INLINE void i(uint32_t n, const Name& name, Field& field) noexcept {
+        const uint64_t sign = uint64_t{1} << (n - 1);
+        field = static_cast<Field>(static_cast<int64_t>((bits(n, name) ^ sign) - sign));
+    }
+
+    /// f(n): bits that have one value.
+    template <class Name>
+    QV_ALWAYS_INLINE void f(uint32_t n, const Name& name, uint64_t pattern) noexcept {
+        uint64_t value = 0;
+        u(n, name, value, pattern, pattern);
+    }
+
+    /// ue(v) with a range.
+    template <class Name, class Field>
+    QV_ALWAYS_INLINE void ue(const Name& name, Field& field, uint32_t least = 0,
+                             uint32_t most = kMostUe) noexcept {
+        constexpr uint64_t kMostOfField = static_cast<uint64_t>(std::numeric_limits<Field>::max());
+        const auto limit = static_cast<uint32_t>(most < kMostOfField ? most : kMostOfField);
+        const uint32_t value = codeNum(name);
+        field = static_cast<Field>(value);
+        if (value < least || value > limit) {
+            field = 0;
+            outOfRange(detail::elementOf(name), ueWidth(value), value, least, limit);
+        }
+    }
+
+    /// se(v) with a range.
+    template <class Name, class Field>
+    QV_ALWAYS_INLINE void se(const Name& name, Field& field, int32_t least = -kMostSe,
+                             int32_t most = kMostSe) noexcept {
+        const uint32_t code = codeNum(name);
+        const auto magnitude = static_cast<int32_t>((code >> 1) + (code & 1U));
+        const int32_t value = (code & 1U) != 0 ? magnitude : -magnitude;
+        field = static_cast<Field>(value);
+        if (value < least || value > most) {
+            field = 0;
+            outOfRange(detail::elementOf(name), ueWidth(code), value, least, most);
+        }
+    }
+
+    /// The value of an element that is not present.
+    template <class Field, class Value>
+    QV_ALWAYS_INLINE void infer(Field& field, Value value) noexcept {
+        field = static_cast<Field>(value);
+    }
+
+    // --- Functions (H.264 7.2, H.265 7.2) ---
+
+    /// True while the position is before the rbsp_stop_one_bit; false after a fault.
+    bool more_rbsp_data() noexcept { return count_ != 0 || bitsInReach(1) != 0; }
+
+    /// True when the position is on a byte boundary of the RBSP.
+    bool byte_aligned() const noexcept { return position() % 8 == 0; }
+
+    /// rbsp_trailing_bits() (H.264 7.3.2.11, H.265 7.3.2.11). The data ends before them: what is left of it
+    /// is reported by trailing().
+    void rbsp_trailing_bits() noexcept {}
+
+    // --- Parts that are passed over ---
+
+    /// Runs \p body, which reads what the record does not hold, and keeps where its bits are.
+    template <class Body>
+    QV_ALWAYS_INLINE void keep(CodedBits& bits, Body body) noexcept {
+        const CodedBits first = mark();
+        body(*this);
+        bits = until(first);
+    }
+
+    /// The place of the next bit, with no bits yet.
+    CodedBits mark() const noexcept;
+
+    /// The bits from a place to the next bit; none after a fault.
+    CodedBits until(const CodedBits& first) const noexcept;
+
+    /// Flags of an extension that the standard reserves, up to the end of the RBSP.
+    void extension_data(const char* name, CodedBits& bits) noexcept;
+
+    /// The lesser of \p most, 57 at most, and the bits that are left.
+    uint32_t bitsInReach(uint32_t most) noexcept;
+
+    // --- Faults and results ---
+
+    /// Records a fault that is not that of one element's value.
+    QV_NEVER_INLINE void fail(FaultKind kind, const char* name, int64_t value) noexcept;
+
+    const Fault& fault() const noexcept { return fault_; }
+    bool failed() const noexcept { return static_cast<bool>(fault_); }
+
+    /// The next bit, counted in the unit without emulation prevention bytes.
+    uint64_t position() const noexcept { return loaded_ - count_; }
+
+    /// What follows the last element; the RBSP must have been begun.
+    Trailing trailing() noexcept;
+
+    /// Enters a syntax structure; returns the one around it.
+    const Structure* enter(const Structure* structure) noexcept {
+        const Structure* const outer = structure_;
+        structure_ = structure;
+        return outer;
+    }
+
+    /// Leaves a syntax structure for the one around it.
+    void leave(const Structure* outer) noexcept { structure_ = outer; }
+
+private:
+    static constexpr uint32_t kMostLeadingZeroBits = 31;
+
+    // Bits of the ue(v) code of a code number.
+    static uint32_t ueWidth(uint32_t code) noexcept {
+        return 127 - 2 * detail::leadingZeroBits(uint64_t{code} + 1);
+    }
+
+    template <class Name>
+    QV_ALWAYS_INLINE uint64_t bits(uint32_t n, const Name& name) noexcept {
+        if (n > count_) {
+            refill(n);
+            if (n > count_) {
+                endOfData(detail::elementOf(name));
+                return 0;
+            }
+        }
+        return take(n);
+    }
+
+    template <class Name>
+    QV_ALWAYS_INLINE uint32_t codeNum(const Name& name) noexcept {
+        // Most elements are 0. As a branch, the next element need not wait for the length of this one.
+        if (bits_ >> 63 != 0) {
+            take(1);
+            return 0;
+        }
+        if (!holdsCode()) {
+            return longCodeNum(detail::elementOf(name));
+        }
+        return static_cast<uint32_t>(take(2 * detail::leadingZeroBits(bits_) + 1)) - 1;
+    }
+
+    QV_ALWAYS_INLINE bool holdsCode() const noexcept {
+        return bits_ != 0 && 2 * detail::leadingZeroBits(bits_) + 1 <= count_;
+    }
+
+    // The next n bits, 0 to 63, which the window holds.
+    QV_ALWAYS_INLINE uint64_t take(uint64_t n) noexcept {
+        const uint64_t value = bits_ >> 1 >> (63 - n);
+        bits_ <<= n;
+        count_ -= n;
+        return value;
+    }
+
+    uint64_t nextBytes() const noexcept;
+    void addBytes() noexcept;
+    void refill(uint64_t wanted) noexcept;
+    void endOfWindow() noexcept;
+    bool isEmulationPrevention(const uint8_t* byte) const noexcept;
+    uint32_t longCodeNum(Element element) noexcept;
+    void stop() noexcept;
+    void fault(FaultKind kind, const Element& element, uint64_t firstBit) noexcept;
+    QV_NEVER_INLINE void endOfData(Element element) noexcept;
+    QV_NEVER_INLINE void outOfRange(Element element, uint32_t width, int64_t value, int64_t least,
+                                    int64_t most) noexcept;
+
+    // 64-bit numbers and pointers: no store into a record's field can change them, as far as a compiler
+    // knows, and they stay in registers from one element to the next.
+    uint64_t bits_ = 0;   // the next bit on top, zero bits after the last
+    uint64_t count_ = 0;  // of bits in the window
+    uint64_t tail_ = 0;   // bits of the last byte from the rbsp_stop_one_bit on
+    const uint8_t* begin_;
+    const uint8_t* next_;  // the first byte that is not in the window
+    const uint8_t* end_;
+    const uint8_t* unitEnd_;
+    uint64_t loaded_ = 0;  // bits of the RBSP up to the end of the window
+    const Structure* structure_ = nullptr;
+    Fault fault_;
+};
+
+/// Marks the extent of a syntax structure in a syntax function.
+template <class Syntax>
+class Within {
+public:
+    QV_ALWAYS_INLINE Within(Syntax& syntax, const Structure& structure)
+        : syntax_(syntax), outer_(syntax.enter(&structure)) {}
+    QV_ALWAYS_INLINE ~Within() { syntax_.leave(outer_); }
+    Within(const Within&) = delete;
+    Within& operator=(const Within&) = delete;
+
+private:
+    Syntax& syntax_;
+    const Structure* outer_;
+};
+
+}  // namespace qv
+
+#endif

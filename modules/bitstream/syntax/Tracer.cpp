@@ -1,0 +1,70 @@
+// What a tracer reports of an element.
+#include "bitstream/syntax/Tracer.h"
+
+#include "bitstream/syntax/EmulationPrevention.h"
+
+namespace qv {
+
+void Tracer::report(const Element& element, Descriptor descriptor, uint32_t width, uint64_t bits,
+                    int64_t value) {
+    reportAt(reader_.position() - width, element, descriptor, width, bits, value);
+}
+
+void Tracer::reportAt(uint64_t firstBit, const Element& element, Descriptor descriptor, uint32_t width,
+                      uint64_t bits, int64_t value) {
+    if (reader_.failed()) {
+        return;
+    }
+    TracedElement traced;
+    traced.element = element;
+    traced.descriptor = descriptor;
+    traced.firstBit = firstBit;
+    traced.width = width;
+    traced.value = value;
+    traced.bits = bits;
+    traced.codedByte = codedByteOf(firstBit);
+    visitor_.element(traced);
+}
+
+void Tracer::rbsp_trailing_bits() {
+    if (reader_.more_rbsp_data()) {
+        return;
+    }
+    static constexpr Structure kTrailingBits = {"rbsp_trailing_bits()", "7.3.2.11"};
+    const Within<Tracer> within(*this, kTrailingBits);
+    uint64_t bit = reader_.position();
+    reportAt(bit++, detail::elementOf("rbsp_stop_one_bit"), Descriptor::f, 1, 1, 1);
+    for (; bit % 8 != 0; ++bit) {
+        reportAt(bit, detail::elementOf("rbsp_alignment_zero_bit"), Descriptor::f, 1, 0, 0);
+    }
+}
+
+void Tracer::reportCode(const Element& element, Descriptor descriptor, uint64_t firstBit, int64_t value,
+                        uint64_t bits) {
+    report(element, descriptor, static_cast<uint32_t>(reader_.position() - firstBit), bits, value);
+}
+
+size_t Tracer::codedByteOf(uint64_t bit) {
+    const uint64_t wanted = bit / 8;
+    for (; rbspByte_ < wanted; ++rbspByte_) {
+        ++codedByte_;
+        if (codedByte_ >= headerBytes_ && codedByte_ < unit_.size &&
+            detail::isEmulationPrevention(unit_.data, codedByte_)) {
+            ++codedByte_;
+        }
+    }
+    return codedByte_;
+}
+
+// Flags of one name are reported up to 32 at a time.
+void Tracer::extension_data(const char* name, CodedBits& bits) {
+    keep(bits, [name](Tracer& tracer) {
+        while (tracer.more_rbsp_data()) {
+            uint32_t flags = 0;
+            const uint32_t width = tracer.reader_.bitsInReach(32);
+            tracer.u(width, name, flags);
+        }
+    });
+}
+
+}  // namespace qv

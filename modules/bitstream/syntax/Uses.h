@@ -1,0 +1,68 @@
+// The uses of a syntax function: a reader, a tracer, a writer and a sizer of its record.
+#ifndef QV_BITSTREAM_SYNTAX_USES_H
+#define QV_BITSTREAM_SYNTAX_USES_H
+
+#include <cstring>
+#include <type_traits>
+#include <vector>
+
+#include "bitstream/Read.h"
+#include "bitstream/syntax/Reader.h"
+#include "bitstream/syntax/Tracer.h"
+#include "bitstream/syntax/Writer.h"
+
+namespace qv::detail {
+
+// How many bytes of a record a read sets to zero first. A record with large arrays has them last and names
+// its own number: their elements are set as far as their counts go.
+template <class Record>
+constexpr size_t kClearedBytes = sizeof(Record);
+
+template <class Record>
+void clear(Record& record) noexcept {
+    static_assert(std::is_trivially_copyable_v<Record> && std::is_trivially_default_constructible_v<Record>,
+                  "records are plain data");
+    std::memset(static_cast<void*>(&record), 0, kClearedBytes<Record>);
+}
+
+// A table is a function object that takes a use and a record.
+template <class Record, class Table>
+Read<Record> readUnit(Bytes unit, const Table& table) noexcept {
+    Read<Record> read;
+    clear(read.record);
+    Reader reader(unit);
+    table(reader, read.record);
+    read.fault = reader.fault();
+    read.trailing = reader.trailing();
+    return read;
+}
+
+template <class Record, class Table>
+Read<Record> traceUnit(Bytes unit, TraceVisitor& visitor, const Table& table) {
+    Read<Record> read;
+    clear(read.record);
+    Tracer tracer(unit, visitor);
+    table(tracer, read.record);
+    read.fault = tracer.fault();
+    read.trailing = tracer.trailing();
+    return read;
+}
+
+// The writer and the sizer work on a copy, where elements that do not fit become 0.
+template <class Record, class Table>
+Written writeUnit(Record record, std::vector<uint8_t>& out, const Table& table) {
+    Writer writer(out);
+    table(writer, record);
+    return writer.finish();
+}
+
+template <class Record, class Table>
+Sized sizeUnit(Record record, const Table& table) noexcept {
+    Sizer sizer;
+    table(sizer, record);
+    return {sizer.failed() ? 0 : sizer.position(), sizer.fault()};
+}
+
+}  // namespace qv::detail
+
+#endif

@@ -1,0 +1,120 @@
+#include "RandomUnit.h"
+
+namespace qv_test {
+
+RandomUnit& RandomUnit::choose(const std::string& name, std::vector<int64_t> values) {
+    choices_[name] = std::move(values);
+    return *this;
+}
+
+RandomUnit& RandomUnit::violate(size_t number) {
+    toViolate_ = number;
+    return *this;
+}
+
+std::vector<uint8_t> RandomUnit::finish() {
+    writer_.finish();
+    return unit_;
+}
+
+std::vector<uint8_t> RandomUnit::cutAt(uint64_t bits) const {
+    std::vector<uint8_t> unit;
+    qv::Writer writer(unit);
+    writer.header(headerBytes_);
+    for (const qv::TracedElement& element : elements_) {
+        if (element.firstBit >= bits) {
+            break;
+        }
+        const uint64_t room = bits - element.firstBit;
+        const auto kept = static_cast<uint32_t>(element.width < room ? element.width : room);
+        uint64_t value = element.width - kept < 64 ? element.bits >> (element.width - kept) : 0;
+        writer.u(kept, "", value);
+    }
+    writer.rbsp_trailing_bits();
+    writer.finish();
+    return unit;
+}
+
+void RandomUnit::rbsp_trailing_bits() {
+    rbspBits_ = writer_.position();
+    note(qv::detail::elementOf("rbsp_stop_one_bit"), qv::Descriptor::f, 1, 1, 1);
+    writer_.f(1, "rbsp_stop_one_bit", 1);
+    while (!byte_aligned()) {
+        note(qv::detail::elementOf("rbsp_alignment_zero_bit"), qv::Descriptor::f, 1, 0, 0);
+        writer_.f(1, "rbsp_alignment_zero_bit", 0);
+    }
+}
+
+// A tracer reports flags of an extension up to 32 at a time.
+void RandomUnit::extension_data(const char* name, qv::CodedBits& bits) {
+    bits = {};
+    for (uint64_t left = pick(100); left > 0;) {
+        const auto n = static_cast<uint32_t>(left < 32 ? left : 32);
+        uint32_t flags = 0;
+        u(n, name, flags);
+        left -= n;
+    }
+}
+
+void RandomUnit::fail(qv::FaultKind kind, const char* name, int64_t value) {
+    static_cast<void>(kind);
+    static_cast<void>(name);
+    static_cast<void>(value);
+    failed_ = true;
+}
+
+// Mostly small values, because many of them are counts; now and then any value, and the ends of the range.
+int64_t RandomUnit::valueOf(const qv::Element& element, int64_t least, uint64_t range) {
+    const auto choice = choices_.find(element.name);
+    if (choice != choices_.end()) {
+        return choice->second[pick(choice->second.size())];
+    }
+    if (range == UINT64_MAX) {
+        return static_cast<int64_t>(random_());
+    }
+    uint64_t offset = 0;
+    switch (pick(64)) {
+        case 0:
+            offset = range;
+            break;
+        case 1:
+        case 2:
+            offset = random_() % (range + 1);
+            break;
+        default:
+            offset = random_() >> (60 + pick(4));
+            // Around 0 where that is in the range.
+            if (least < 0 && static_cast<uint64_t>(-least) <= range) {
+                offset = static_cast<uint64_t>(-least) + (pick(2) == 0 ? offset : 0 - offset);
+            }
+            offset = offset > range ? random_() % (range + 1) : offset;
+    }
+    return static_cast<int64_t>(static_cast<uint64_t>(least) + offset);
+}
+
+bool RandomUnit::isToBeViolated() {
+    if (violable_++ != toViolate_) {
+        return false;
+    }
+    violated_ = elements_.size();
+    return true;
+}
+
+void RandomUnit::note(const qv::Element& element, qv::Descriptor descriptor, uint32_t width, int64_t value,
+                      uint64_t bits) {
+    qv::TracedElement traced;
+    traced.element = element;
+    traced.descriptor = descriptor;
+    traced.firstBit = writer_.position();
+    traced.width = width;
+    traced.value = value;
+    traced.bits = bits;
+    elements_.push_back(traced);
+}
+
+void RandomUnit::noteCode(const qv::Element& element, qv::Descriptor descriptor, int64_t value,
+                          uint64_t bits) {
+    note(element, descriptor, 127 - 2 * qv::detail::leadingZeroBits(bits), value, bits);
+}
+
+}  // namespace qv_test
