@@ -46,8 +46,11 @@ public:
     /// Ends the NAL unit header. From here on the data ends before the rbsp_stop_one_bit.
     void rbsp() noexcept;
 
-    /// True when the unit has no bytes after its header.
-    bool hasNoRbsp() const noexcept { return next_ == unitEnd_ && count_ == 0; }
+    /// True when the unit has no bytes after its header; after rbsp(), when it has none but zero bytes.
+    bool hasNoRbsp() const noexcept { return next_ == end_ && count_ == 0; }
+
+    /// As above; a record keeps \p absent for the writer.
+    bool hasNoRbsp(bool& absent) const noexcept { return absent = hasNoRbsp(); }
 
     // --- Descriptors (H.264 7.2, H.265 7.2) ---
 
@@ -134,6 +137,9 @@ public:
 
     /// True while the position is before the rbsp_stop_one_bit; false after a fault.
     bool more_rbsp_data() noexcept { return count_ != 0 || bitsInReach(1) != 0; }
+
+    /// As above, for elements that a structure may end before: a record keeps \p present for the writer.
+    bool more_rbsp_data(bool& present) noexcept { return present = more_rbsp_data(); }
 
     /// True when the position is on a byte boundary of the RBSP.
     bool byte_aligned() const noexcept { return position() % 8 == 0; }

@@ -19,6 +19,7 @@ public:
     }
     void rbsp() { reader_.rbsp(); }
     bool hasNoRbsp() const { return reader_.hasNoRbsp(); }
+    bool hasNoRbsp(bool& absent) const { return reader_.hasNoRbsp(absent); }
 
     template <class Name, class Field>
     void u(uint32_t n, const Name& name, Field& field) {
@@ -81,6 +82,7 @@ public:
     }
 
     bool more_rbsp_data() { return reader_.more_rbsp_data(); }
+    bool more_rbsp_data(bool& present) { return reader_.more_rbsp_data(present); }
     bool byte_aligned() const { return reader_.byte_aligned(); }
 
     /// Reports rbsp_stop_one_bit and each rbsp_alignment_zero_bit, unless data is left before them.

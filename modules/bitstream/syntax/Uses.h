@@ -20,8 +20,7 @@ constexpr size_t kClearedBytes = sizeof(Record);
 
 template <class Record>
 void clear(Record& record) noexcept {
-    static_assert(std::is_trivially_copyable_v<Record> && std::is_trivially_default_constructible_v<Record>,
-                  "records are plain data");
+    static_assert(std::is_trivially_copyable_v<Record>, "records are plain data");
     std::memset(static_cast<void*>(&record), 0, kClearedBytes<Record>);
 }
 

@@ -91,6 +91,10 @@ public:
         static_cast<void>(value);
     }
 
+    /// What the record says is written.
+    bool hasNoRbsp(bool& absent) const { return absent; }
+    bool more_rbsp_data(bool& present) const { return present; }
+
     void rbsp_trailing_bits() {
         put(1, 1);
         while (!failed() && !byte_aligned()) {

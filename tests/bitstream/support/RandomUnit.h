@@ -58,6 +58,7 @@ public:
     }
     void rbsp() {}
     bool hasNoRbsp() { return pick(2) == 0; }
+    bool hasNoRbsp(bool& absent) { return absent = hasNoRbsp(); }
 
     template <class Name, class Field>
     void u(uint32_t n, const Name& name, Field& field) {
@@ -144,6 +145,7 @@ public:
     }
 
     bool more_rbsp_data() { return pick(2) == 0; }
+    bool more_rbsp_data(bool& present) { return present = more_rbsp_data(); }
     bool byte_aligned() const { return writer_.byte_aligned(); }
     void rbsp_trailing_bits();
 
