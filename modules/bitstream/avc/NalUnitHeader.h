@@ -5,6 +5,8 @@
 
 #include <cstdint>
 
+#include "bitstream/avc/NalUnitType.h"
+
 namespace qv::avc {
 
 /// nal_unit_header_svc_extension(), H.264 G.7.3.1.1.
@@ -56,7 +58,12 @@ struct NalUnitHeader {
 };
 
 /// Bytes of a unit's header: 1, or with the extension 3 (3D-AVC) or 4.
-uint32_t sizeOf(const NalUnitHeader& header);
+constexpr uint32_t sizeOf(const NalUnitHeader& header) {
+    if (!hasHeaderExtension(header.nal_unit_type)) {
+        return 1;
+    }
+    return header.avc_3d_extension_flag ? 3 : 4;
+}
 
 }  // namespace qv::avc
 

@@ -3,7 +3,6 @@
 #define QV_BITSTREAM_AVC_NALUNITHEADERSYNTAX_H
 
 #include "bitstream/avc/NalUnitHeader.h"
-#include "bitstream/avc/NalUnitType.h"
 #include "bitstream/syntax/Reader.h"
 
 namespace qv::avc {
@@ -87,13 +86,19 @@ void nal_unit_header(Syntax& s, NalUnitHeader& header) {
     }
 }
 
-// The header of a unit of one type, and the begin of its RBSP.
+// The header of a unit of one type.
 template <class Syntax>
-void nal_unit_of(Syntax& s, NalUnitHeader& header, uint32_t nal_unit_type) {
+void nal_unit_header_of(Syntax& s, NalUnitHeader& header, uint32_t nal_unit_type) {
     nal_unit_header(s, header);
     if (header.nal_unit_type != nal_unit_type) {
         s.fail(FaultKind::OtherUnit, "nal_unit_type", header.nal_unit_type);
     }
+}
+
+// The header of a unit of one type, and the begin of its RBSP.
+template <class Syntax>
+void nal_unit_of(Syntax& s, NalUnitHeader& header, uint32_t nal_unit_type) {
+    nal_unit_header_of(s, header, nal_unit_type);
     s.rbsp();
 }
 

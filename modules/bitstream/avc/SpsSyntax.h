@@ -34,6 +34,21 @@ constexpr bool hasChromaSyntax(uint32_t profile_idc) {
     }
 }
 
+// The profiles of several views, Annexes H, I and J.
+constexpr bool isMultiview(uint32_t profile_idc) {
+    switch (profile_idc) {
+        case 118:
+        case 128:
+        case 134:
+        case 135:
+        case 138:
+        case 139:
+            return true;
+        default:
+            return false;
+    }
+}
+
 template <class Syntax>
 void chroma_format(Syntax& s, SpsData& sps) {
     s.ue("chroma_format_idc", sps.chroma_format_idc, 0, 3);
@@ -103,18 +118,28 @@ void seq_parameter_set_data(Syntax& s, SpsData& sps) {
         s.ue("frame_crop_top_offset", sps.frame_crop_top_offset);
         s.ue("frame_crop_bottom_offset", sps.frame_crop_bottom_offset);
     }
+    infer_vui_parameters(s, sps.vui);
     s.flag("vui_parameters_present_flag", sps.vui_parameters_present_flag);
     if (sps.vui_parameters_present_flag) {
-        vui_parameters(s, sps.vui);
+        vui_parameters(s, sps.vui,
+                       isMultiview(sps.profile_idc) ? kMostMaxDpbFramesOfViews : kMostMaxDpbFrames);
     }
 }
 
-// A unit of type 7: nal_unit(), 7.3.1, with seq_parameter_set_rbsp(), 7.3.2.1
+// seq_parameter_set_rbsp(), 7.3.2.1
+template <class Syntax>
+void seq_parameter_set_rbsp(Syntax& s, SpsData& sps) {
+    static constexpr Structure kStructure = {"seq_parameter_set_rbsp()", "7.3.2.1"};
+    const Within<Syntax> within(s, kStructure);
+    seq_parameter_set_data(s, sps);
+    s.rbsp_trailing_bits();
+}
+
+// A unit of type 7: nal_unit(), 7.3.1, with seq_parameter_set_rbsp()
 template <class Syntax>
 void seq_parameter_set_unit(Syntax& s, Sps& sps) {
     nal_unit_of(s, sps.header, kNalSps);
-    seq_parameter_set_data(s, sps.data);
-    s.rbsp_trailing_bits();
+    seq_parameter_set_rbsp(s, sps.data);
 }
 
 }  // namespace qv::avc

@@ -10,7 +10,7 @@
 namespace qv::avc {
 
 /// vui_parameters(), H.264 E.1.1 and E.2.1. An element that is not present has the value that its semantics
-/// infer, otherwise 0.
+/// infer, otherwise 0; that holds for all of them when the parameter set has no vui_parameters().
 struct Vui {
     bool aspect_ratio_info_present_flag;
     uint32_t aspect_ratio_idc;  ///< u(8), Table E-1; 255 is Extended_SAR
@@ -48,10 +48,12 @@ struct Vui {
     bool motion_vectors_over_pic_boundaries_flag;  ///< 1 when not present
     uint32_t max_bytes_per_pic_denom;              ///< ue(v), 0..16; 2 when not present
     uint32_t max_bits_per_mb_denom;                ///< ue(v), 0..16; 1 when not present
-    uint32_t log2_max_mv_length_horizontal;        ///< ue(v), 0..16; 16 when not present
-    uint32_t log2_max_mv_length_vertical;          ///< ue(v), 0..16; 16 when not present
-    uint32_t max_num_reorder_frames;               ///< ue(v), 0..16; see maxNumReorderFrames()
-    uint32_t max_dec_frame_buffering;              ///< ue(v), 0..16; see maxDecFrameBuffering()
+    uint32_t log2_max_mv_length_horizontal;        ///< ue(v), 0..16; 15 when not present
+    uint32_t log2_max_mv_length_vertical;          ///< ue(v), 0..16; 15 when not present
+
+    // Up to 16, or 160 in the multiview profiles.
+    uint32_t max_num_reorder_frames;   ///< ue(v); see maxNumReorderFrames() for one that is not present
+    uint32_t max_dec_frame_buffering;  ///< ue(v); see maxDecFrameBuffering() for one that is not present
 };
 
 }  // namespace qv::avc

@@ -9,14 +9,27 @@
 namespace qv::avc {
 
 constexpr uint32_t kExtendedSar = 255;
-constexpr uint32_t kMostMaxDpbFrames = 16;
 
+// The greatest MaxDpbFrames: of one view (A.3.1), and of 1024 views (H.10.2.1).
+constexpr uint32_t kMostMaxDpbFrames = 16;
+constexpr uint32_t kMostMaxDpbFramesOfViews = 160;
+
+// Values of elements that are not present, E.2.1. They hold without vui_parameters() as well.
 template <class Syntax>
-void video_signal_type(Syntax& s, Vui& vui) {
+void infer_vui_parameters(Syntax& s, Vui& vui) {
     s.infer(vui.video_format, 5);
     s.infer(vui.colour_primaries, 2);
     s.infer(vui.transfer_characteristics, 2);
     s.infer(vui.matrix_coefficients, 2);
+    s.infer(vui.motion_vectors_over_pic_boundaries_flag, true);
+    s.infer(vui.max_bytes_per_pic_denom, 2);
+    s.infer(vui.max_bits_per_mb_denom, 1);
+    s.infer(vui.log2_max_mv_length_horizontal, 15);
+    s.infer(vui.log2_max_mv_length_vertical, 15);
+}
+
+template <class Syntax>
+void video_signal_type(Syntax& s, Vui& vui) {
     s.flag("video_signal_type_present_flag", vui.video_signal_type_present_flag);
     if (vui.video_signal_type_present_flag) {
         s.u(3, "video_format", vui.video_format);
@@ -31,27 +44,23 @@ void video_signal_type(Syntax& s, Vui& vui) {
 }
 
 template <class Syntax>
-void bitstream_restriction(Syntax& s, Vui& vui) {
-    s.infer(vui.motion_vectors_over_pic_boundaries_flag, true);
-    s.infer(vui.max_bytes_per_pic_denom, 2);
-    s.infer(vui.max_bits_per_mb_denom, 1);
-    s.infer(vui.log2_max_mv_length_horizontal, 16);
-    s.infer(vui.log2_max_mv_length_vertical, 16);
+void bitstream_restriction(Syntax& s, Vui& vui, uint32_t mostDpbFrames) {
     s.flag("bitstream_restriction_flag", vui.bitstream_restriction_flag);
     if (vui.bitstream_restriction_flag) {
         s.flag("motion_vectors_over_pic_boundaries_flag", vui.motion_vectors_over_pic_boundaries_flag);
         s.ue("max_bytes_per_pic_denom", vui.max_bytes_per_pic_denom, 0, 16);
         s.ue("max_bits_per_mb_denom", vui.max_bits_per_mb_denom, 0, 16);
+        // Up to 15; earlier editions allow 16.
         s.ue("log2_max_mv_length_horizontal", vui.log2_max_mv_length_horizontal, 0, 16);
         s.ue("log2_max_mv_length_vertical", vui.log2_max_mv_length_vertical, 0, 16);
-        s.ue("max_num_reorder_frames", vui.max_num_reorder_frames, 0, kMostMaxDpbFrames);
-        s.ue("max_dec_frame_buffering", vui.max_dec_frame_buffering, 0, kMostMaxDpbFrames);
+        s.ue("max_num_reorder_frames", vui.max_num_reorder_frames, 0, mostDpbFrames);
+        s.ue("max_dec_frame_buffering", vui.max_dec_frame_buffering, 0, mostDpbFrames);
     }
 }
 
 // vui_parameters(), E.1.1
 template <class Syntax>
-void vui_parameters(Syntax& s, Vui& vui) {
+void vui_parameters(Syntax& s, Vui& vui, uint32_t mostDpbFrames) {
     static constexpr Structure kStructure = {"vui_parameters()", "E.1.1"};
     const Within<Syntax> within(s, kStructure);
     s.flag("aspect_ratio_info_present_flag", vui.aspect_ratio_info_present_flag);
@@ -90,7 +99,7 @@ void vui_parameters(Syntax& s, Vui& vui) {
         s.flag("low_delay_hrd_flag", vui.low_delay_hrd_flag);
     }
     s.flag("pic_struct_present_flag", vui.pic_struct_present_flag);
-    bitstream_restriction(s, vui);
+    bitstream_restriction(s, vui, mostDpbFrames);
 }
 
 }  // namespace qv::avc
