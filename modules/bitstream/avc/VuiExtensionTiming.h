@@ -1,0 +1,31 @@
+/// \file
+/// What the VUI extensions of scalable and multiview streams say of one operation point.
+#ifndef QV_BITSTREAM_AVC_VUIEXTENSIONTIMING_H
+#define QV_BITSTREAM_AVC_VUIEXTENSIONTIMING_H
+
+#include <cstdint>
+
+#include "bitstream/avc/Hrd.h"
+
+namespace qv::avc {
+
+/// Timing and HRD parameters of an entry of svc_vui_parameters_extension() (H.264 G.14.1),
+/// mvc_vui_parameters_extension() (H.14.1) or mvcd_vui_parameters_extension() (I.14.1). The standard prefixes
+/// the names of the elements with vui_ext_, vui_mvc_ and vui_mvcd_.
+struct VuiExtensionTiming {
+    bool timing_info_present_flag;
+    uint32_t num_units_in_tick;  ///< u(32), above 0
+    uint32_t time_scale;         ///< u(32), above 0
+    bool fixed_frame_rate_flag;
+
+    bool nal_hrd_parameters_present_flag;
+    Hrd nal_hrd_parameters;
+    bool vcl_hrd_parameters_present_flag;
+    Hrd vcl_hrd_parameters;
+    bool low_delay_hrd_flag;
+    bool pic_struct_present_flag;
+};
+
+}  // namespace qv::avc
+
+#endif
