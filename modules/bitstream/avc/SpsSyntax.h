@@ -6,6 +6,7 @@
 #include "bitstream/avc/ScalingListSyntax.h"
 #include "bitstream/avc/Sps.h"
 #include "bitstream/avc/VuiSyntax.h"
+#include "bitstream/names/AvcProfiles.h"
 #include "bitstream/syntax/Reader.h"
 
 namespace qv::avc {
@@ -28,21 +29,6 @@ constexpr bool hasChromaSyntax(uint32_t profile_idc) {
         case 138:
         case 139:
         case 244:
-            return true;
-        default:
-            return false;
-    }
-}
-
-// The profiles of several views, Annexes H, I and J.
-constexpr bool isMultiview(uint32_t profile_idc) {
-    switch (profile_idc) {
-        case 118:
-        case 128:
-        case 134:
-        case 135:
-        case 138:
-        case 139:
             return true;
         default:
             return false;

@@ -4,11 +4,10 @@
 
 #include "bitstream/avc/HrdSyntax.h"
 #include "bitstream/avc/Vui.h"
+#include "bitstream/names/SampleAspectRatio.h"
 #include "bitstream/syntax/Reader.h"
 
 namespace qv::avc {
-
-constexpr uint32_t kExtendedSar = 255;
 
 // The greatest MaxDpbFrames: of one view (A.3.1), and of 1024 views (H.10.2.1).
 constexpr uint32_t kMostMaxDpbFrames = 16;
