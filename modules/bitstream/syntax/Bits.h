@@ -60,7 +60,7 @@ QV_ALWAYS_INLINE uint32_t trailingZeroBits(uint64_t value) noexcept {
 }
 
 constexpr uint64_t eightTimes(uint8_t byte) {
-    return 0x0101010101010101 * byte;
+    return uint64_t{0x0101010101010101} * byte;
 }
 
 constexpr uint64_t kTopByte = 0xFF00000000000000;
