@@ -18,7 +18,7 @@ struct FrameRate {
 };
 
 /// time_scale / ( 2 * num_units_in_tick ) frames in a second: a tick is the time of a field, H.264 E.2.1 and
-/// C.1. Without fixed_frame_rate_flag it is the greatest rate, which frames may fall short of.
+/// C.1. Without fixed_frame_rate_flag it is nominal: the times of frames are multiples of a tick, no more.
 constexpr FrameRate frameRateOf(uint32_t num_units_in_tick, uint32_t time_scale, bool fixed_frame_rate_flag) {
     FrameRate rate;
     rate.framesPerSecond = ratioOf(time_scale, 2 * uint64_t{num_units_in_tick});

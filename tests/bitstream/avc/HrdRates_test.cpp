@@ -48,6 +48,7 @@ TEST(AvcHrdRates, limitsOfProfileAndLevel) {
     EXPECT_EQ(maxBitRate(*findProfile(110, 0), level, HrdType::Nal), 180000000U);
     EXPECT_EQ(maxBitRate(*findProfile(122, 0x10), level, HrdType::Vcl), 200000000U);
     EXPECT_EQ(maxCpbSize(*findProfile(100, 0), level, HrdType::Nal), 93750000U);
+    EXPECT_EQ(maxCpbSize(*findProfile(100, 0), level, HrdType::Vcl), 78125000U);
     EXPECT_EQ(maxCpbSize(*findProfile(244, 0), *findLevel(244, 0, 62), HrdType::Nal), 3840000000U);
 }
 

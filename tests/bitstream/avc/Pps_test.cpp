@@ -13,6 +13,7 @@ namespace {
 using namespace qv_test;
 using qv::avc::Pps;
 using testing::ElementsAre;
+using testing::IsSupersetOf;
 
 StructureUnderTest<Pps> pps(uint32_t chroma_format_idc = 1) {
     StructureUnderTest<Pps> structure;
@@ -46,7 +47,12 @@ TEST(AvcPps, roundTrips) {
 }
 
 TEST(AvcPps, everyRange) {
-    checkRanges(pps(), unitRounds());
+    EXPECT_THAT(checkRanges(pps(), unitRounds()),
+                IsSupersetOf({"pic_parameter_set_id", "seq_parameter_set_id", "num_slice_groups_minus1",
+                              "slice_group_map_type", "pic_size_in_map_units_minus1", "slice_group_id",
+                              "num_ref_idx_l0_default_active_minus1", "num_ref_idx_l1_default_active_minus1",
+                              "weighted_bipred_idc", "pic_init_qp_minus26", "pic_init_qs_minus26",
+                              "chroma_qp_index_offset", "delta_scale", "second_chroma_qp_index_offset"}));
 }
 
 TEST(AvcPps, cutAtEveryBit) {

@@ -13,6 +13,7 @@ namespace {
 using namespace qv_test;
 using qv::avc::Sps;
 using testing::ElementsAre;
+using testing::IsSupersetOf;
 
 StructureUnderTest<Sps> sps() {
     StructureUnderTest<Sps> structure;
@@ -34,7 +35,28 @@ TEST(AvcSps, roundTrips) {
 }
 
 TEST(AvcSps, everyRange) {
-    checkRanges(sps(), unitRounds());
+    EXPECT_THAT(checkRanges(sps(), unitRounds()), IsSupersetOf({"forbidden_zero_bit",
+                                                                "seq_parameter_set_id",
+                                                                "chroma_format_idc",
+                                                                "bit_depth_luma_minus8",
+                                                                "bit_depth_chroma_minus8",
+                                                                "delta_scale",
+                                                                "log2_max_frame_num_minus4",
+                                                                "pic_order_cnt_type",
+                                                                "log2_max_pic_order_cnt_lsb_minus4",
+                                                                "num_ref_frames_in_pic_order_cnt_cycle",
+                                                                "max_num_ref_frames",
+                                                                "chroma_sample_loc_type_top_field",
+                                                                "chroma_sample_loc_type_bottom_field",
+                                                                "num_units_in_tick",
+                                                                "time_scale",
+                                                                "cpb_cnt_minus1",
+                                                                "max_bytes_per_pic_denom",
+                                                                "max_bits_per_mb_denom",
+                                                                "log2_max_mv_length_horizontal",
+                                                                "log2_max_mv_length_vertical",
+                                                                "max_num_reorder_frames",
+                                                                "max_dec_frame_buffering"}));
 }
 
 TEST(AvcSps, cutAtEveryBit) {
@@ -88,6 +110,16 @@ struct ReadBack {
     qv::Read<Sps> read;
     const qv::avc::SpsData& sps;
 };
+
+std::vector<uint8_t> withoutEmulationPrevention(const std::vector<uint8_t>& unit) {
+    std::vector<uint8_t> bytes;
+    for (size_t i = 0; i < unit.size(); ++i) {
+        if (!qv::detail::isEmulationPrevention(unit.data(), i)) {
+            bytes.push_back(unit[i]);
+        }
+    }
+    return bytes;
+}
 
 // The first fault of a unit.
 qv::Fault faultOf(BitWriter bits) {
@@ -464,6 +496,81 @@ TEST(AvcSps, elementsAfterTheSetAreTrailing) {
     const auto read = qv::avc::readSps(bytesOf(unit));
     ASSERT_TRUE(read.ok()) << qv::textOf(read.fault);
     EXPECT_EQ(read.trailing.bits, 11U);
+}
+
+// --- Writing ---
+
+// An element that does not fit is the fault, and the output stays as it was.
+TEST(AvcSps, aValueOutOfRangeIsNotWritten) {
+    BitWriter bits = front(100);
+    chroma(bits, 1, 8, 8, true);
+    bits.u(1, "seq_scaling_list_present_flag", 1).se("delta_scale", 1).se("delta_scale", -9);
+    bits.u(7, "seq_scaling_list_present_flag", 0);
+    picture(bits, true);
+    bits.u(9, "flags", 0);
+    const ReadBack back(bits);
+    const struct {
+        const char* element;
+        void (*set)(qv::avc::SpsData& sps);
+        int64_t value;
+    } cases[] = {
+        {"profile_idc", [](qv::avc::SpsData& sps) { sps.profile_idc = 256; }, 256},
+        {"seq_parameter_set_id", [](qv::avc::SpsData& sps) { sps.seq_parameter_set_id = 32; }, 32},
+        {"chroma_format_idc", [](qv::avc::SpsData& sps) { sps.chroma_format_idc = 4; }, 4},
+        {"delta_scale",
+         [](qv::avc::SpsData& sps) { sps.scaling_matrix.scaling_list[0].delta_scale[1] = 128; }, 128},
+        {"pic_width_in_mbs_minus1", [](qv::avc::SpsData& sps) { sps.pic_width_in_mbs_minus1 = 0xFFFFFFFF; },
+         0xFFFFFFFF},
+        {"num_units_in_tick", [](qv::avc::SpsData& sps) { sps.vui.timing_info_present_flag = true; }, 0},
+    };
+    for (const auto& one : cases) {
+        SCOPED_TRACE(one.element);
+        Sps sps = back.read.record;
+        one.set(sps.data);
+        std::vector<uint8_t> out = {1, 2, 3};
+        const qv::Written written = qv::avc::writeSps(sps, out);
+        EXPECT_EQ(written.fault.kind, qv::FaultKind::OutOfRange);
+        EXPECT_STREQ(written.fault.element.name, one.element);
+        EXPECT_EQ(written.fault.value, one.value);
+        EXPECT_EQ(written.size, 0U);
+        EXPECT_THAT(out, ElementsAre(1, 2, 3));
+        EXPECT_EQ(sizeOf(sps).fault.kind, qv::FaultKind::OutOfRange);
+        EXPECT_EQ(sizeOf(sps).bits, 0U);
+    }
+}
+
+// A count out of range does not lead the writer out of its arrays.
+TEST(AvcSps, aCountOutOfRangeIsNotFollowed) {
+    BitWriter bits = front(66);
+    picture(bits);
+    Sps sps = ReadBack(bits).read.record;
+    sps.data.pic_order_cnt_type = 1;
+    sps.data.num_ref_frames_in_pic_order_cnt_cycle = 0xFFFFFFFF;
+    std::vector<uint8_t> out;
+    EXPECT_STREQ(qv::avc::writeSps(sps, out).fault.element.name, "num_ref_frames_in_pic_order_cnt_cycle");
+    sps.data.pic_order_cnt_type = 2;
+    sps.data.vui_parameters_present_flag = true;
+    sps.data.vui.vcl_hrd_parameters_present_flag = true;
+    sps.data.vui.vcl_hrd_parameters.cpb_cnt_minus1 = 32;
+    EXPECT_STREQ(qv::avc::writeSps(sps, out).fault.element.name, "cpb_cnt_minus1");
+    EXPECT_TRUE(out.empty());
+}
+
+// A parameter set that is changed is written as it is then.
+TEST(AvcSps, aChangedSetIsWrittenAnew) {
+    BitWriter bits = front(66);
+    picture(bits);
+    Sps sps = ReadBack(bits).read.record;
+    sps.data.vui_parameters_present_flag = true;
+    sps.data.vui.timing_info_present_flag = true;
+    sps.data.vui.num_units_in_tick = 1;
+    sps.data.vui.time_scale = 50;
+    std::vector<uint8_t> unit;
+    ASSERT_TRUE(qv::avc::writeSps(sps, unit).ok());
+    const auto read = qv::avc::readSps(bytesOf(unit));
+    ASSERT_TRUE(read.ok()) << qv::textOf(read.fault);
+    EXPECT_EQ(read.record.data.vui.time_scale, 50U);
+    EXPECT_EQ(sizeOf(sps).bits, 8 * withoutEmulationPrevention(unit).size());
 }
 
 // --- Trace ---

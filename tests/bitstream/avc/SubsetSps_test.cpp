@@ -12,8 +12,9 @@ namespace {
 
 using namespace qv_test;
 using qv::avc::SubsetSps;
+using testing::IsSupersetOf;
 
-StructureUnderTest<SubsetSps> subsetSps(std::vector<int64_t> profiles) {
+StructureUnderTest<SubsetSps> subsetSps(std::vector<int64_t> profiles, size_t violable = 40) {
     StructureUnderTest<SubsetSps> structure;
     structure.generate = [](RandomUnit& s, SubsetSps& record) {
         qv::avc::subset_seq_parameter_set_unit(s, record);
@@ -23,7 +24,7 @@ StructureUnderTest<SubsetSps> subsetSps(std::vector<int64_t> profiles) {
     structure.write = qv::avc::writeSubsetSps;
     structure.size = [](const SubsetSps& record) { return sizeOf(record); };
     structure.extensionData = {"additional_extension2_data_flag", "seq_parameter_set_3davc_extension"};
-    structure.violable = 20;
+    structure.violable = violable;
     structure.steer = [profiles](RandomUnit& unit, Random&) {
         unit.choose("nal_unit_type", {qv::avc::kNalSubsetSps});
         unit.choose("profile_idc", profiles);
@@ -71,9 +72,40 @@ TEST(AvcSubsetSps, roundTripsWithoutExtension) {
 }
 
 TEST(AvcSubsetSps, everyRange) {
-    for (const auto& profiles : {kSvc, kMvc, kMvcd, kNoExtension}) {
-        checkRanges(subsetSps(profiles), unitRounds());
-    }
+    EXPECT_THAT(checkRanges(subsetSps(kSvc), unitRounds()),
+                IsSupersetOf({"extended_spatial_scalability_idc", "chroma_phase_y_plus1",
+                              "seq_ref_layer_chroma_phase_y_plus1", "seq_scaled_ref_layer_left_offset",
+                              "seq_scaled_ref_layer_top_offset", "seq_scaled_ref_layer_right_offset",
+                              "seq_scaled_ref_layer_bottom_offset", "vui_ext_num_entries_minus1",
+                              "vui_ext_num_units_in_tick", "vui_ext_time_scale"}));
+    EXPECT_THAT(checkRanges(subsetSps(kMvc), unitRounds()),
+                IsSupersetOf({"bit_equal_to_one",
+                              "num_views_minus1",
+                              "view_id",
+                              "num_anchor_refs_l0",
+                              "anchor_ref_l0",
+                              "num_anchor_refs_l1",
+                              "anchor_ref_l1",
+                              "num_non_anchor_refs_l0",
+                              "non_anchor_ref_l0",
+                              "num_non_anchor_refs_l1",
+                              "non_anchor_ref_l1",
+                              "num_level_values_signalled_minus1",
+                              "num_applicable_ops_minus1",
+                              "applicable_op_num_target_views_minus1",
+                              "applicable_op_target_view_id",
+                              "applicable_op_num_views_minus1",
+                              "vui_mvc_num_ops_minus1",
+                              "vui_mvc_num_target_output_views_minus1",
+                              "vui_mvc_view_id",
+                              "vui_mvc_num_units_in_tick",
+                              "vui_mvc_time_scale"}));
+    EXPECT_THAT(checkRanges(subsetSps(kMvcd), unitRounds()),
+                IsSupersetOf({"bit_equal_to_one", "applicable_op_num_texture_views_minus1",
+                              "applicable_op_num_depth_views", "vui_mvcd_num_ops_minus1",
+                              "vui_mvcd_num_target_output_views_minus1", "vui_mvcd_view_id",
+                              "vui_mvcd_num_units_in_tick", "vui_mvcd_time_scale"}));
+    checkRanges(subsetSps(kNoExtension, 20), unitRounds());
 }
 
 TEST(AvcSubsetSps, cutAtEveryBit) {
@@ -485,6 +517,17 @@ TEST(AvcSubsetSps, referencesAreFewerThanViews) {
     qv::avc::View view;
     ASSERT_TRUE(views.next(view));
     EXPECT_EQ(view.view_id, 0U);
+}
+
+TEST(AvcSubsetSps, listsThatWereNotReadHaveNoEntries) {
+    qv::avc::View view;
+    EXPECT_FALSE(qv::avc::ViewList({}).next(view));
+    qv::avc::OperationPoint point;
+    EXPECT_FALSE(qv::avc::OperationPoints({}).next(point));
+    qv::avc::VuiOperationPoint vuiPoint;
+    EXPECT_FALSE(qv::avc::VuiOperationPoints({}).next(vuiPoint));
+    qv::avc::SvcVuiEntry entry;
+    EXPECT_FALSE(qv::avc::SvcVuiEntries({}).next(entry));
 }
 
 // The second view of a stereo stream.

@@ -133,12 +133,32 @@ void checkRoundTrips(const StructureUnderTest<Record>& structure, int rounds) {
     EXPECT_GT(legal, rounds / 2);
 }
 
-// A value outside its range is the fault, and the elements before it are read.
+// A unit with one value outside its range.
 template <class Record>
-void checkRanges(const StructureUnderTest<Record>& structure, int rounds) {
+void checkViolation(const StructureUnderTest<Record>& structure, RandomUnit& generator) {
+    const qv::TracedElement& wrong = *generator.violated();
+    const std::vector<uint8_t> unit = generator.finish();
+    RecordingVisitor visitor;
+    const qv::Read<Record> read = structure.trace(bytesOf(unit), visitor);
+    ASSERT_EQ(read.fault.kind, qv::FaultKind::OutOfRange) << textOf(wrong) << "; " << qv::textOf(read.fault);
+    ASSERT_EQ(qv::textOf(read.fault.element), qv::textOf(wrong.element));
+    ASSERT_EQ(read.fault.firstBit, wrong.firstBit);
+    ASSERT_EQ(read.fault.value, wrong.value);
+    ASSERT_TRUE(read.fault.value < read.fault.least || read.fault.value > read.fault.most);
+    ASSERT_NE(read.fault.structure, nullptr);
+    ASSERT_EQ(visitor.depth, 0);
+    const auto index = static_cast<size_t>(&wrong - generator.elements().data());
+    ASSERT_EQ(visitor.elements.size(), index);
+}
+
+// A value outside its range is the fault, and the elements before it are read. The names of the elements that
+// had such a value.
+template <class Record>
+std::set<std::string> checkRanges(const StructureUnderTest<Record>& structure, int rounds) {
     Random random(2);
+    std::set<std::string> names;
     int violated = 0;
-    for (int round = 0; round < rounds; ++round) {
+    for (int round = 0; round < rounds && !testing::Test::HasFailure(); ++round) {
         SCOPED_TRACE("round " + std::to_string(round));
         RandomUnit generator(random);
         structure.steer(generator, random);
@@ -150,21 +170,11 @@ void checkRanges(const StructureUnderTest<Record>& structure, int rounds) {
             continue;
         }
         ++violated;
-        const std::vector<uint8_t> unit = generator.finish();
-        RecordingVisitor visitor;
-        const qv::Read<Record> read = structure.trace(bytesOf(unit), visitor);
-        ASSERT_EQ(read.fault.kind, qv::FaultKind::OutOfRange)
-            << textOf(*wrong) << "; " << qv::textOf(read.fault);
-        ASSERT_EQ(qv::textOf(read.fault.element), qv::textOf(wrong->element));
-        ASSERT_EQ(read.fault.firstBit, wrong->firstBit);
-        ASSERT_EQ(read.fault.value, wrong->value);
-        ASSERT_TRUE(read.fault.value < read.fault.least || read.fault.value > read.fault.most);
-        ASSERT_NE(read.fault.structure, nullptr);
-        ASSERT_EQ(visitor.depth, 0);
-        const auto index = static_cast<size_t>(wrong - generator.elements().data());
-        ASSERT_EQ(visitor.elements.size(), index);
+        names.insert(wrong->element.name);
+        checkViolation(structure, generator);
     }
     EXPECT_GT(violated, rounds / 4);
+    return names;
 }
 
 // A unit that is cut at any bit: the fault names the element that the data ends in.
