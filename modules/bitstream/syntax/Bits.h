@@ -59,6 +59,23 @@ QV_ALWAYS_INLINE uint32_t trailingZeroBits(uint64_t value) noexcept {
 #endif
 }
 
+// How many bits are 1.
+constexpr uint32_t countOfOnes(uint64_t bits) noexcept {
+    bits -= bits >> 1 & 0x5555555555555555;
+    bits = (bits & 0x3333333333333333) + (bits >> 2 & 0x3333333333333333);
+    bits = (bits + (bits >> 4)) & 0x0F0F0F0F0F0F0F0F;
+    return static_cast<uint32_t>(bits * 0x0101010101010101 >> 56);
+}
+
+// The 32 bits in reverse order.
+constexpr uint32_t reversed(uint32_t bits) noexcept {
+    bits = (bits >> 1 & 0x55555555) | (bits & 0x55555555) << 1;
+    bits = (bits >> 2 & 0x33333333) | (bits & 0x33333333) << 2;
+    bits = (bits >> 4 & 0x0F0F0F0F) | (bits & 0x0F0F0F0F) << 4;
+    bits = (bits >> 8 & 0x00FF00FF) | (bits & 0x00FF00FF) << 8;
+    return bits >> 16 | bits << 16;
+}
+
 constexpr uint64_t eightTimes(uint8_t byte) {
     return uint64_t{0x0101010101010101} * byte;
 }

@@ -51,6 +51,25 @@ constexpr Element elementOf(const Subscripted<N>& subscripted) {
 
 }  // namespace detail
 
+namespace detail {
+
+// A name with one subscript more.
+constexpr Subscripted<1> subscripted(const char* name, uint32_t subscript) {
+    return {name, {subscript}};
+}
+
+template <size_t N>
+constexpr Subscripted<N + 1> subscripted(const Subscripted<N>& outer, uint32_t subscript) {
+    Subscripted<N + 1> name = {outer.name, {}};
+    for (size_t i = 0; i < N; ++i) {
+        name.subscripts[i] = outer.subscripts[i];
+    }
+    name.subscripts[N] = subscript;
+    return name;
+}
+
+}  // namespace detail
+
 /// The name of an element with its subscripts, for the syntax functions: at("cbr_flag", i).
 template <class... Subscripts>
 constexpr detail::Subscripted<sizeof...(Subscripts)> at(const char* name, Subscripts... subscripts) {

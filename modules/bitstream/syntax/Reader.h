@@ -85,6 +85,22 @@ public:
         u(1, name, field, allowed ? 1 : 0, allowed ? 1 : 0);
     }
 
+    /// n flags u(1), n of 0 to 64, with the next subscript counting them: flag j is bit j of the field.
+    template <class Name, class Field>
+    QV_ALWAYS_INLINE void flags(uint32_t n, const Name& name, Field& field) noexcept {
+        uint64_t mask = 0;
+        for (uint32_t first = 0; first < n; first += 32) {
+            const uint32_t run = n - first < 32 ? n - first : 32;
+            if (run > count_ && bitsInReach(run) < run) {
+                cutFlags(first, n, name, mask);
+                break;
+            }
+            const auto taken = static_cast<uint32_t>(take(run));
+            mask |= uint64_t{detail::reversed(taken) >> (32 - run)} << first;
+        }
+        field = static_cast<Field>(mask);
+    }
+
     /// i(n), n of 1 to 32, two's complement.
     template <class Name, class Field>
     QV_ALWAYS_INLINE void i(uint32_t n, const Name& name, Field& field) noexcept {
@@ -214,6 +230,14 @@ private:
         return take(n);
     }
 
+    // Flags that the data ends in, one at a time up to the one that is missing.
+    template <class Name>
+    QV_NEVER_INLINE void cutFlags(uint32_t first, uint32_t n, const Name& name, uint64_t& mask) noexcept {
+        for (uint32_t j = first; j < n && !failed(); ++j) {
+            mask |= bits(1, detail::subscripted(name, j)) << j;
+        }
+    }
+
     template <class Name>
     QV_ALWAYS_INLINE uint32_t codeNum(const Name& name) noexcept {
         // Most elements are 0. As a branch, the next element need not wait for the length of this one.
@@ -264,6 +288,14 @@ private:
     const Structure* structure_ = nullptr;
     Fault fault_;
 };
+
+/// u(1) that is kept as one bit of a set of flags.
+template <class Syntax, class Name, class Mask>
+QV_ALWAYS_INLINE void flag_of(Syntax& s, const Name& name, Mask& mask, uint32_t bit) {
+    bool flag = (mask >> bit & 1) != 0;
+    s.flag(name, flag);
+    mask = (mask & ~(Mask{1} << bit)) | Mask{flag} << bit;
+}
 
 /// Marks the extent of a syntax structure in a syntax function.
 template <class Syntax>

@@ -46,6 +46,17 @@ public:
     }
 
     template <class Name, class Field>
+    void flags(uint32_t n, const Name& name, Field& field) {
+        uint64_t mask = 0;
+        for (uint32_t j = 0; j < n && !failed(); ++j) {
+            bool one = false;
+            flag(detail::subscripted(name, j), one);
+            mask |= uint64_t{one} << j;
+        }
+        field = static_cast<Field>(mask);
+    }
+
+    template <class Name, class Field>
     void i(uint32_t n, const Name& name, Field& field) {
         reader_.i(n, name, field);
         const uint64_t mask = (uint64_t{1} << n) - 1;

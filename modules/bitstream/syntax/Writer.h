@@ -44,6 +44,16 @@ public:
         u(1, name, field, allowed ? 1 : 0, allowed ? 1 : 0);
     }
 
+    /// Flags beyond the n-th are not looked at.
+    template <class Name, class Field>
+    void flags(uint32_t n, const Name& name, Field& field) {
+        static_cast<void>(name);
+        const uint64_t mask = uint64_t{field};
+        for (uint32_t j = 0; j < n; ++j) {
+            put(1, mask >> j & 1);
+        }
+    }
+
     template <class Name, class Field>
     void i(uint32_t n, const Name& name, Field& field) {
         const int64_t most = (int64_t{1} << (n - 1)) - 1;

@@ -91,6 +91,17 @@ public:
     }
 
     template <class Name, class Field>
+    void flags(uint32_t n, const Name& name, Field& field) {
+        uint64_t mask = 0;
+        for (uint32_t j = 0; j < n; ++j) {
+            bool one = false;
+            flag(qv::detail::subscripted(name, j), one);
+            mask |= uint64_t{one} << j;
+        }
+        field = static_cast<Field>(mask);
+    }
+
+    template <class Name, class Field>
     void i(uint32_t n, const Name& name, Field& field) {
         const int64_t least = -(int64_t{1} << (n - 1));
         const int64_t value = valueOf(qv::detail::elementOf(name), least, (uint64_t{1} << n) - 1);

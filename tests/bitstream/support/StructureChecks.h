@@ -68,14 +68,14 @@ inline qv::Bytes bytesOf(const std::vector<uint8_t>& bytes) {
     return {bytes.data(), bytes.size()};
 }
 
-// The byte of the coded unit that holds a bit of the RBSP, found the slow way.
-inline size_t codedByteOf(const std::vector<uint8_t>& unit, size_t headerBytes, uint64_t bit) {
-    size_t coded = 0;
-    for (uint64_t byte = 0; byte < bit / 8; ++byte) {
-        ++coded;
-        if (coded >= headerBytes && coded < unit.size() &&
-            qv::detail::isEmulationPrevention(unit.data(), coded)) {
-            ++coded;
+// For each byte of the RBSP the byte of the coded unit, found the slow way. One more for what follows the
+// end.
+inline std::vector<size_t> codedBytesOf(const std::vector<uint8_t>& unit, size_t headerBytes) {
+    std::vector<size_t> coded;
+    for (size_t byte = 0; byte <= unit.size(); ++byte) {
+        if (byte < headerBytes || byte == unit.size() ||
+            !qv::detail::isEmulationPrevention(unit.data(), byte)) {
+            coded.push_back(byte);
         }
     }
     return coded;
@@ -113,11 +113,11 @@ void checkRoundTrips(const StructureUnderTest<Record>& structure, int rounds) {
         ASSERT_TRUE(traced.ok());
         ASSERT_EQ(visitor.depth, 0);
         ASSERT_EQ(visitor.elements.size(), generator.elements().size());
+        const std::vector<size_t> codedBytes = codedBytesOf(unit, generator.headerBytes());
         for (size_t i = 0; i < visitor.elements.size(); ++i) {
             ASSERT_EQ(textOf(visitor.elements[i]), textOf(generator.elements()[i]));
             ASSERT_EQ(visitor.elements[i].bits, generator.elements()[i].bits);
-            ASSERT_EQ(visitor.elements[i].codedByte,
-                      codedByteOf(unit, generator.headerBytes(), visitor.elements[i].firstBit));
+            ASSERT_EQ(visitor.elements[i].codedByte, codedBytes.at(visitor.elements[i].firstBit / 8));
         }
         uint64_t bits = 0;
         for (const qv::TracedElement& element : visitor.elements) {
