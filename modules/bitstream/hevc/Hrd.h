@@ -58,25 +58,6 @@ struct Hrd {
     SubLayerHrd sub_layer[kMostSubLayers];
 };
 
-/// One delivery schedule of a coded picture buffer, in bits and bits per second (H.265 E.3.3).
-struct CpbSchedule {
-    uint64_t bitRate;  ///< BitRate[i], at most 2^53
-    uint64_t cpbSize;  ///< CpbSize[i], at most 2^51
-
-    /// BitRate[i] and CpbSize[i] with SubPicHrdFlag 1; 0 without sub_pic_hrd_params_present_flag.
-    uint64_t bitRateDu;
-    uint64_t cpbSizeDu;
-
-    bool cbr;  ///< cbr_flag[i]
-};
-
-/// The delivery schedule \p i of a sub-layer, computed from what hrd_parameters() holds.
-///
-/// \param common  the common part of the same hrd_parameters()
-/// \param cpb     the NAL or VCL parameters of the sub-layer
-/// \param i       0..cpb_cnt_minus1; all 0 is returned for 32 and above
-CpbSchedule cpbScheduleOf(const HrdCommon& common, const CpbParameters& cpb, uint32_t i) noexcept;
-
 }  // namespace qv::hevc
 
 #endif

@@ -84,7 +84,7 @@ struct Pps {
     uint16_t cm_ref_layer_id[ColourMappingTable::kMostLayers];
     uint16_t pps_palette_predictor_initializer[3][kMostPaletteEntries];  ///< u(v), the entry's bit depth
     RefLocOffset ref_loc_offset[kMostRefLocOffsets];
-    ScalingListData scaling_list_data;  ///< as coded; see scalingFactorsOf()
+    ScalingListData scaling_list_data;  ///< as coded; see ScalingFactors.h
 };
 
 /// Reads a picture parameter set.

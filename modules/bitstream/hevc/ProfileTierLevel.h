@@ -15,7 +15,7 @@ constexpr uint32_t kMostSubLayers = 7;
 ///
 /// 43 bits and one bit more have names that depend on the profile. What the profile does not name is in
 /// reserved_zero_bits; constraint flags that are not named are 0.
-struct Profile {
+struct ProfileTier {
     uint32_t profile_space;  ///< u(2), 0
     bool tier_flag;          ///< 0 Main tier, 1 High tier
     uint32_t profile_idc;    ///< u(5)
@@ -52,13 +52,13 @@ struct Profile {
 struct SubLayerProfile {
     bool profile_present_flag;
     bool level_present_flag;
-    uint32_t level_idc;  ///< u(8), 30 times the level's number; 0 when not present
-    Profile profile;     ///< all 0 when not present
+    uint32_t level_idc;   ///< u(8), 30 times the level's number; 0 when not present
+    ProfileTier profile;  ///< all 0 when not present
 };
 
 /// profile_tier_level(), H.265 7.3.3 and 7.4.4.
 struct ProfileTierLevel {
-    Profile general;             ///< all 0 when profilePresentFlag is 0
+    ProfileTier general;         ///< all 0 when profilePresentFlag is 0
     uint32_t general_level_idc;  ///< u(8), 30 times the level's number
 
     uint16_t reserved_zero_2bits[8];  ///< u(2), from maxNumSubLayersMinus1 on when that is above 0
@@ -69,7 +69,7 @@ struct ProfileTierLevel {
 
 /// True when \p profile is that of a number, or declared compatible with it: general_profile_idc is \p number
 /// or general_profile_compatibility_flag[number] is 1. \p number is 0 to 31.
-constexpr bool isCompatibleWith(const Profile& profile, uint32_t number) {
+constexpr bool isCompatibleWith(const ProfileTier& profile, uint32_t number) {
     return profile.profile_idc == number || (profile.profile_compatibility_flag >> number & 1) != 0;
 }
 

@@ -35,7 +35,7 @@ constexpr uint32_t kProfilesWithInbldFlag = profiles(1, 2, 3, 4, 5, 9, 11);
 
 // The 43 bits whose names depend on the profile.
 template <class Syntax, class Names>
-void profile_constraints(Syntax& s, Profile& p, const Names& name, uint32_t compatible) {
+void profile_constraints(Syntax& s, ProfileTier& p, const Names& name, uint32_t compatible) {
     if ((compatible & kProfilesWithFormatConstraints) != 0) {
         s.flag(name("general_max_12bit_constraint_flag", "sub_layer_max_12bit_constraint_flag"),
                p.max_12bit_constraint_flag);
@@ -75,7 +75,7 @@ void profile_constraints(Syntax& s, Profile& p, const Names& name, uint32_t comp
 }
 
 template <class Syntax, class Names>
-void profile(Syntax& s, Profile& p, const Names& name) {
+void profile(Syntax& s, ProfileTier& p, const Names& name) {
     s.u(2, name("general_profile_space", "sub_layer_profile_space"), p.profile_space);
     s.flag(name("general_tier_flag", "sub_layer_tier_flag"), p.tier_flag);
     s.u(5, name("general_profile_idc", "sub_layer_profile_idc"), p.profile_idc);

@@ -115,7 +115,7 @@ struct Sps {
         lt_ref_pic_poc_lsb_sps[kMostLongTermRefPics];  ///< u(v), log2_max_pic_order_cnt_lsb_minus4 + 4 bits
     bool used_by_curr_pic_lt_sps_flag[kMostLongTermRefPics];
     uint16_t sps_palette_predictor_initializer[3][kMostPaletteEntries];  ///< u(v), the component's bit depth
-    ScalingListData scaling_list_data;                                   ///< as coded; see scalingFactorsOf()
+    ScalingListData scaling_list_data;                                   ///< as coded; see ScalingFactors.h
     ShortTermRefPicSet st_ref_pic_set[kMostShortTermRefPicSets];
 };
 

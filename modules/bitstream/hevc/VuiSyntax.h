@@ -4,11 +4,10 @@
 
 #include "bitstream/hevc/HrdSyntax.h"
 #include "bitstream/hevc/Sps.h"
+#include "bitstream/names/SampleAspectRatio.h"
 #include "bitstream/syntax/Reader.h"
 
 namespace qv::hevc {
-
-constexpr uint32_t kExtendedSar = 255;
 
 // The values of elements that are not present, E.3.1
 template <class Syntax>
