@@ -98,8 +98,8 @@ void vps_layer_ids(Syntax& s, const Vps& vps, VpsExtension& ext, uint32_t numSca
             if (!ext.splitting_flag) {
                 s.u(width, at("dimension_id", i, j), ext.dimension_id[i][j]);
             } else {
-                ext.dimension_id[i][j] =
-                    static_cast<uint16_t>(ext.layer_id_in_nuh[i] >> offset & ((1U << width) - 1));
+                const uint32_t id = ext.layer_id_in_nuh[i];
+                ext.dimension_id[i][j] = static_cast<uint16_t>(id >> offset & ((1U << width) - 1));
             }
             offset += width;
         }
