@@ -9,15 +9,17 @@ namespace {
 
 constexpr size_t kWindowBytes = 8;
 
-// The end of an RBSP's last byte that is not zero: cabac_zero_words, the emulation prevention byte that ends
-// a unit after one (H.264 7.4.1, H.265 7.4.2.1), and trailing_zero_8bits are past it.
-const uint8_t* endOfStopBit(const uint8_t* begin, const uint8_t* end) noexcept {
+// Bits of a window that has no room for another byte.
+constexpr uint32_t kFullWindow = 57;
+
+// The end of the last byte of [begin, end) that is not zero: cabac_zero_words, the emulation prevention byte
+// that ends a unit after one (H.264 7.4.1, H.265 7.4.2.1), and trailing_zero_8bits are past it.
+const uint8_t* endOfStopBit(const uint8_t* unit, const uint8_t* begin, const uint8_t* end) noexcept {
     for (;;) {
         while (end != begin && end[-1] == 0x00) {
             --end;
         }
-        if (end - begin < 3 || end[-1] != detail::kEmulationPreventionThreeByte || end[-2] != 0x00 ||
-            end[-3] != 0x00) {
+        if (end == begin || !detail::isEmulationPrevention(unit, static_cast<size_t>(end - 1 - unit))) {
             return end;
         }
         --end;
@@ -45,7 +47,7 @@ void Reader::header(uint32_t bytes) noexcept {
 }
 
 void Reader::rbsp() noexcept {
-    end_ = endOfStopBit(next_, end_);
+    end_ = endOfStopBit(begin_, next_, end_);
     tail_ = next_ != end_ ? detail::trailingZeroBits(end_[-1]) + 1 : 0;
 }
 
@@ -69,7 +71,8 @@ uint64_t Reader::nextBytes() const noexcept {
     return bytes;
 }
 
-// Adds to the window what fits of the next eight bytes, without the emulation prevention bytes among them.
+// Adds to the window, which has room for a byte at least, what fits of the next eight bytes, without the
+// emulation prevention bytes among them.
 void Reader::addBytes() noexcept {
     uint64_t bytes = nextBytes();
     const auto left = static_cast<uint64_t>(end_ - next_);
@@ -97,7 +100,7 @@ void Reader::addBytes() noexcept {
     next_ += taken + passed;
 }
 
-// Fills the window to the bits that are wanted, 57 at most, or with what is left.
+// Fills the window, which holds fewer bits than are wanted, to those, 57 at most, or with what is left.
 void Reader::refill(uint64_t wanted) noexcept {
     if (next_ == end_) {
         return;
@@ -120,19 +123,21 @@ void Reader::endOfWindow() noexcept {
 // A code that the window did not hold: it crosses the end of the window, is longer than any window, or ends
 // with the data.
 uint32_t Reader::longCodeNum(Element element) noexcept {
-    refill(kMostLeadingZeroBits + 1);
+    if (count_ < kFullWindow) {
+        refill(kFullWindow);
+    }
     if (holdsCode()) {
         return static_cast<uint32_t>(take(2 * detail::leadingZeroBits(bits_) + 1)) - 1;
     }
     const uint64_t firstBit = position();
-    const uint64_t leadingZeroBits = bits_ != 0 ? detail::leadingZeroBits(bits_) : count_;
+    const uint32_t leadingZeroBits =
+        bits_ != 0 ? detail::leadingZeroBits(bits_) : static_cast<uint32_t>(count_);
     if (leadingZeroBits > kMostLeadingZeroBits) {
         fault(FaultKind::CodeTooLong, element, firstBit);
         return 0;
     }
     take(leadingZeroBits);
-    refill(leadingZeroBits + 1);
-    if (leadingZeroBits + 1 > count_) {
+    if (bitsInReach(leadingZeroBits + 1) < leadingZeroBits + 1) {
         fault(FaultKind::EndOfData, element, firstBit);
         return 0;
     }
@@ -169,6 +174,9 @@ CodedBits Reader::mark() const noexcept {
         if (isEmulationPrevention(byte)) {
             --byte;
         }
+    }
+    if (byte != end_ && isEmulationPrevention(byte)) {
+        ++byte;
     }
     mark.byte = static_cast<size_t>(byte - begin_);
     mark.bitOfByte = static_cast<uint32_t>((8 - bitsBack % 8) % 8);
