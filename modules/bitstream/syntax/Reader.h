@@ -161,8 +161,12 @@ public:
     bool byte_aligned() const noexcept { return position() % 8 == 0; }
 
     /// rbsp_trailing_bits() (H.264 7.3.2.11, H.265 7.3.2.11). The data ends before them: what is left of it
-    /// is reported by trailing().
-    void rbsp_trailing_bits() noexcept {}
+    /// is reported by trailing(). An RBSP without a bit that is 1 has none, which is a fault.
+    void rbsp_trailing_bits() noexcept {
+        if (tail_ == 0) {
+            endOfData(detail::elementOf("rbsp_stop_one_bit"));
+        }
+    }
 
     // --- Parts that are passed over ---
 

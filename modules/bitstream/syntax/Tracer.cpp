@@ -27,7 +27,8 @@ void Tracer::reportAt(uint64_t firstBit, const Element& element, Descriptor desc
 }
 
 void Tracer::rbsp_trailing_bits() {
-    if (reader_.more_rbsp_data()) {
+    reader_.rbsp_trailing_bits();
+    if (reader_.more_rbsp_data() || reader_.failed()) {
         return;
     }
     static constexpr Structure kTrailingBits = {"rbsp_trailing_bits()", "7.3.2.11"};
