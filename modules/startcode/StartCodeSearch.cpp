@@ -13,6 +13,7 @@
 #endif
 
 namespace qv_detail {
+inline namespace QV_START_CODES_OF {
 
 namespace {
 
@@ -116,4 +117,5 @@ size_t listPrefixes(const unsigned char* data, size_t from, size_t end, size_t* 
     return listPrefixesOf<Baseline>(data, from, end, places, most);
 }
 
+}  // namespace QV_START_CODES_OF
 }  // namespace qv_detail

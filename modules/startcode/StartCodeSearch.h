@@ -9,7 +9,14 @@
 #include <cstddef>
 #include <cstdint>
 
+// The library that compiles this in. Its name keeps its copy of the functions apart from those of other
+// libraries.
+#ifndef QV_START_CODES_OF
+#define QV_START_CODES_OF library
+#endif
+
 namespace qv_detail {
+inline namespace QV_START_CODES_OF {
 
 // A set of types of a codec, taken from the first byte of a unit: type t is in it when bit t of set is 1.
 struct UnitTypes {
@@ -30,6 +37,7 @@ bool holdsUnitAvx2(const unsigned char* data, size_t end, const UnitTypes& types
 size_t listPrefixesAvx2(const unsigned char* data, size_t from, size_t end, size_t* places, size_t most);
 #endif
 
+}  // namespace QV_START_CODES_OF
 }  // namespace qv_detail
 
 #endif

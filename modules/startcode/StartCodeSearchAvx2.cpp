@@ -5,6 +5,7 @@
 #include "startcode/StartCodeSearch.h"
 
 namespace qv_detail {
+inline namespace QV_START_CODES_OF {
 
 namespace {
 
@@ -48,4 +49,5 @@ size_t listPrefixesAvx2(const unsigned char* data, size_t from, size_t end, size
     return listPrefixesOf<Avx2>(data, from, end, places, most);
 }
 
+}  // namespace QV_START_CODES_OF
 }  // namespace qv_detail

@@ -1,9 +1,11 @@
 cmake_minimum_required(VERSION 3.22)
 
-# The library includes only its own headers, the contracts of modules/core, the start-code search and the standard
-# library, so nothing of the stand-alone core. Nothing outside the library includes its detail/ folder. The start-code
-# search includes only itself and the standard library; only the library and the inspector include it.
+# The player's library includes only its own headers, the contracts of modules/core, the start-code search and the
+# standard library, so nothing of the stand-alone core. Nothing outside the library includes its detail/ folder. The
+# standards' library includes its own headers, the start-code search and the standard library. The start-code search
+# includes only itself and the standard library; only the libraries and the inspector include it.
 set(library ${ROOT}/modules/demuxer/low_level/common)
+set(bitstream ${ROOT}/modules/bitstream)
 set(startcode ${ROOT}/modules/startcode)
 set(failures "")
 
@@ -23,6 +25,16 @@ foreach(file IN LISTS library_files)
   foreach(name IN LISTS names)
     if(NOT EXISTS ${library}/${name} AND NOT EXISTS ${ROOT}/modules/core/${name}
        AND NOT (name MATCHES "^startcode/" AND EXISTS ${ROOT}/modules/${name}))
+      list(APPEND failures "${file} includes ${name}")
+    endif()
+  endforeach()
+endforeach()
+
+file(GLOB_RECURSE bitstream_files ${bitstream}/*.h ${bitstream}/*.cpp)
+foreach(file IN LISTS bitstream_files)
+  quoted_includes(${file} names)
+  foreach(name IN LISTS names)
+    if(NOT name MATCHES "^(bitstream|startcode)/" OR NOT EXISTS ${ROOT}/modules/${name})
       list(APPEND failures "${file} includes ${name}")
     endif()
   endforeach()
@@ -64,7 +76,7 @@ if(failures)
   string(REPLACE ";" "\n" failures "${failures}")
   message(FATAL_ERROR "${failures}")
 endif()
-foreach(folder library startcode)
+foreach(folder library bitstream startcode)
   list(LENGTH ${folder}_files count)
   if(count EQUAL 0)
     message(FATAL_ERROR "no sources below ${${folder}}")
