@@ -5,6 +5,8 @@
 
 #include <cstdint>
 
+#include "bitstream/Bytes.h"
+#include "bitstream/Read.h"
 #include "bitstream/avc/NalUnitType.h"
 
 namespace qv::avc {
@@ -64,6 +66,12 @@ constexpr uint32_t sizeOf(const NalUnitHeader& header) {
     }
     return header.avc_3d_extension_flag ? 3 : 4;
 }
+
+/// Reads the header of a unit.
+///
+/// \param unit  one NAL unit from its header on, without start code or length; its payload is not looked at
+/// \return the header. A forbidden_zero_bit of 1 and a header that is cut are faults.
+Read<NalUnitHeader> readNalUnitHeader(Bytes unit) noexcept;
 
 }  // namespace qv::avc
 

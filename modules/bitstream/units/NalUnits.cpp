@@ -1,0 +1,266 @@
+// The walk over the NAL units of a buffer: Annex B of H.264 and H.265, ISO/IEC 14496-15.
+#include "bitstream/units/NalUnits.h"
+
+#include "bitstream/avc/NalUnitType.h"
+#include "bitstream/syntax/Bits.h"
+#include "startcode/StartCodeSearch.h"
+
+namespace qv {
+
+namespace {
+
+constexpr size_t kPrefixSize = 3;  // start_code_prefix_one_3bytes
+
+// How far a search looks ahead of the unit that is asked for.
+constexpr size_t kLookAhead = size_t{256} << 10;
+
+// The fewest bytes of a header with its extension (7.3.1).
+constexpr uint32_t kAvc3dHeaderBytes = 3;
+constexpr uint32_t kExtendedHeaderBytes = 4;
+constexpr uint32_t kHevcHeaderBytes = 2;
+
+constexpr uint8_t kForbiddenZeroBit = 0x80;
+constexpr uint8_t kAvc3dExtensionFlag = 0x80;
+
+bool isZero(Bytes bytes) noexcept {
+    for (const uint8_t byte : bytes) {
+        if (byte != 0x00) {
+            return false;
+        }
+    }
+    return true;
+}
+
+uint32_t bigEndian(const uint8_t* bytes, size_t count) noexcept {
+    uint32_t value = 0;
+    for (size_t i = 0; i < count; ++i) {
+        value = value << 8 | bytes[i];
+    }
+    return value;
+}
+
+}  // namespace
+
+// --- Headers ---
+
+void NalUnits::Iterator::readAvcHeaderExtension() noexcept {
+    const Bytes bytes = unit_.bytes;
+    const bool is3d = unit_.nal_unit_type == avc::kNalSliceExtension3d && bytes.size > 1 &&
+                      (bytes[1] & kAvc3dExtensionFlag) != 0;
+    const uint32_t size = is3d ? kAvc3dHeaderBytes : kExtendedHeaderBytes;
+    if (bytes.size < size) {
+        unit_.headerBytes = static_cast<uint32_t>(bytes.size);
+        unit_.faults.add(UnitFault::HeaderCut);
+        return;
+    }
+    unit_.headerBytes = size;
+    unit_.headerExtension = bigEndian(bytes.data + 1, size - 1);
+}
+
+// nal_unit(), H.264 7.3.1
+QV_ALWAYS_INLINE void NalUnits::Iterator::readAvcHeader() noexcept {
+    const uint32_t byte = unit_.bytes[0];
+    unit_.headerBytes = 1;
+    unit_.nal_ref_idc = byte >> 5 & 3;
+    unit_.nal_unit_type = byte & 31;
+    if (avc::hasHeaderExtension(unit_.nal_unit_type)) {
+        readAvcHeaderExtension();
+    }
+}
+
+// nal_unit_header(), H.265 7.3.1.2
+void NalUnits::Iterator::readHevcHeader() noexcept {
+    const Bytes bytes = unit_.bytes;
+    unit_.nal_unit_type = bytes[0] >> 1 & 63;
+    if (bytes.size < kHevcHeaderBytes) {
+        unit_.headerBytes = 1;
+        unit_.faults.add(UnitFault::HeaderCut);
+        return;
+    }
+    unit_.headerBytes = kHevcHeaderBytes;
+    unit_.nuh_layer_id = (bytes[0] & 1U) << 5 | bytes[1] >> 3;
+    unit_.nuh_temporal_id_plus1 = bytes[1] & 7;
+    if (unit_.nuh_temporal_id_plus1 == 0) {
+        unit_.faults.add(UnitFault::NoTemporalId);
+    }
+}
+
+QV_ALWAYS_INLINE void NalUnits::Iterator::readHeader() noexcept {
+    if (unit_.bytes.empty()) {
+        unit_.faults.add(UnitFault::EmptyUnit);
+        return;
+    }
+    if ((unit_.bytes[0] & kForbiddenZeroBit) != 0) {
+        unit_.faults.add(UnitFault::ForbiddenZeroBit);
+    }
+    if (codec_ == Codec::Avc) {
+        readAvcHeader();
+    } else {
+        readHevcHeader();
+    }
+}
+
+QV_ALWAYS_INLINE void NalUnits::Iterator::startUnit(size_t leadingBytes, size_t prefixSize, size_t offset,
+                                                    size_t size) noexcept {
+    unit_ = NalUnit();
+    unit_.bytes = {buffer_.data + offset, size};
+    unit_.offset = offset;
+    unit_.prefixSize = static_cast<uint32_t>(prefixSize);
+    unit_.leadingBytes = leadingBytes;
+    readHeader();
+}
+
+// What is left has no unit.
+void NalUnits::Iterator::takeRest(UnitFault fault) noexcept {
+    unit_ = NalUnit();
+    unit_.leadingBytes = buffer_.size - next_;
+    unit_.offset = buffer_.size;
+    unit_.bytes = {buffer_.end(), 0};
+    unit_.faults.add(fault);
+    next_ = buffer_.size;
+}
+
+// --- Start codes, B.1.1 and B.2 ---
+
+QV_ALWAYS_INLINE bool NalUnits::Iterator::isPrefix(size_t place) const noexcept {
+    return buffer_.size - place >= kPrefixSize && buffer_[place] == 0x00 && buffer_[place + 1] == 0x00 &&
+           buffer_[place + 2] == 0x01;
+}
+
+// Lists the next prefixes that begin at from or after it. False when there are none.
+bool NalUnits::Iterator::listPrefixes(size_t from) noexcept {
+    const size_t end = buffer_.size >= kPrefixSize ? buffer_.size - kPrefixSize + 1 : 0;
+    passed_ = 0;
+    listed_ = 0;
+    for (size_t at = searchedTo_ > from ? searchedTo_ : from; at < end && listed_ == 0; at = searchedTo_) {
+        const size_t limit = end - at > kLookAhead ? at + kLookAhead : end;
+        listed_ = qv_detail::listPrefixes(buffer_.data, at, limit, places_, kMostListed);
+        searchedTo_ = listed_ == kMostListed ? places_[listed_ - 1] + 1 : limit;
+    }
+    return listed_ > 0;
+}
+
+// Where the next prefix begins, at from or after it; the end of the buffer when there is none.
+QV_ALWAYS_INLINE size_t NalUnits::Iterator::nextPrefix(size_t from) noexcept {
+    // The search takes a prefix and the byte after it together, and leaves out one that follows at once.
+    if (isPrefix(from)) {
+        return from;
+    }
+    while (passed_ < listed_ && places_[passed_] < from) {
+        ++passed_;
+    }
+    if (passed_ == listed_ && !listPrefixes(from)) {
+        return buffer_.size;
+    }
+    return places_[passed_++];
+}
+
+// The unit after the prefix at next_. Of the zero bytes after it, the last one is the zero_byte of the next
+// start code.
+QV_ALWAYS_INLINE void NalUnits::Iterator::takeUnitAfterStartCode(size_t leadingBytes) noexcept {
+    const size_t offset = next_ + kPrefixSize;
+    const size_t next = nextPrefix(offset);
+    size_t end = next;
+    while (end > offset && buffer_[end - 1] == 0x00) {
+        --end;
+    }
+    const bool nextHasZeroByte = end != next && next != buffer_.size;
+    startUnit(leadingBytes, nextHasZeroByte_ ? kPrefixSize + 1 : kPrefixSize, offset, end - offset);
+    unit_.trailingZeroBytes = next - end - (nextHasZeroByte ? 1 : 0);
+    next_ = next;
+    nextHasZeroByte_ = nextHasZeroByte;
+}
+
+void NalUnits::Iterator::findFirstStartCode() noexcept {
+    const size_t first = nextPrefix(0);
+    if (first == buffer_.size) {
+        takeRest(UnitFault::NoStartCode);
+        return;
+    }
+    next_ = first;
+    nextHasZeroByte_ = next_ > 0 && buffer_[next_ - 1] == 0x00;
+    takeUnitAfterStartCode(nextHasZeroByte_ ? next_ - 1 : next_);
+    if (!isZero(unit_.leading())) {
+        unit_.faults.add(UnitFault::BytesBeforeStartCode);
+    }
+}
+
+// --- Lengths, ISO/IEC 14496-15 5.3.4.2 and 8.3.3.2 ---
+
+void NalUnits::Iterator::takeUnitAfterLength() noexcept {
+    const size_t lengthSize = lengthSizeOf(framing_);
+    const size_t left = buffer_.size - next_;
+    if (left < lengthSize) {
+        takeRest(UnitFault::LengthCut);
+        return;
+    }
+    const uint32_t length = bigEndian(buffer_.data + next_, lengthSize);
+    const size_t offset = next_ + lengthSize;
+    const size_t room = left - lengthSize;
+    startUnit(0, lengthSize, offset, length < room ? length : room);
+    unit_.NALUnitLength = length;
+    next_ = offset + unit_.bytes.size;
+    if (length > room) {
+        unit_.faults.add(UnitFault::LengthPastEnd);
+    } else if (length > 0 && buffer_[next_ - 1] == 0x00) {
+        unit_.faults.add(UnitFault::EndsWithZeroByte);
+    }
+}
+
+// --- The walk ---
+
+NalUnits::Iterator NalUnits::begin() const noexcept {
+    return {buffer_, framing_, codec_};
+}
+
+NalUnits::Iterator::Iterator(Bytes buffer, Framing framing, Codec codec) noexcept
+    : buffer_(buffer), framing_(framing), codec_(codec) {
+    if (buffer_.empty()) {
+        isAtEnd_ = true;
+    } else if (framing_ == Framing::StartCodes) {
+        findFirstStartCode();
+    } else {
+        takeUnitAfterLength();
+    }
+}
+
+NalUnits::Iterator& NalUnits::Iterator::operator++() noexcept {
+    if (next_ == buffer_.size) {
+        isAtEnd_ = true;
+    } else if (framing_ == Framing::StartCodes) {
+        takeUnitAfterStartCode(0);
+    } else {
+        takeUnitAfterLength();
+    }
+    return *this;
+}
+
+// --- Text ---
+
+std::string textOf(UnitFaults faults) {
+    struct Row {
+        UnitFault fault;
+        const char* text;
+    };
+    static constexpr Row kRows[] = {
+        {UnitFault::BytesBeforeStartCode, "bytes before the first start code"},
+        {UnitFault::NoStartCode, "no start code"},
+        {UnitFault::LengthCut, "fewer bytes left than a NALUnitLength has"},
+        {UnitFault::LengthPastEnd, "the NALUnitLength runs past the end"},
+        {UnitFault::EmptyUnit, "an empty unit"},
+        {UnitFault::HeaderCut, "the unit ends within its header"},
+        {UnitFault::ForbiddenZeroBit, "forbidden_zero_bit is 1"},
+        {UnitFault::NoTemporalId, "nuh_temporal_id_plus1 is 0"},
+        {UnitFault::EndsWithZeroByte, "the unit ends with a zero byte"},
+    };
+    std::string text;
+    for (const Row& row : kRows) {
+        if (faults.has(row.fault)) {
+            text += text.empty() ? "" : "; ";
+            text += row.text;
+        }
+    }
+    return text;
+}
+
+}  // namespace qv
