@@ -9,7 +9,8 @@
 namespace qv {
 
 /// The byte stream format (H.264 and H.265 Annex B), or the sample format of ISO/IEC 14496-15, where each
-/// unit follows a NALUnitLength of 1 to 4 bytes, big-endian.
+/// unit follows a NALUnitLength of 1 to 4 bytes, big-endian. A value without a name here is treated as
+/// Lengths4.
 enum class Framing : uint8_t {
     StartCodes = 0,
     Lengths1 = 1,
@@ -20,7 +21,7 @@ enum class Framing : uint8_t {
 
 /// Bytes of each NALUnitLength; 0 with start codes.
 constexpr size_t lengthSizeOf(Framing framing) {
-    return static_cast<size_t>(framing);
+    return framing <= Framing::Lengths4 ? static_cast<size_t>(framing) : 4;
 }
 
 /// The framing of samples with lengthSizeMinusOne, 0 to 3, of a decoder configuration record. Only its two
