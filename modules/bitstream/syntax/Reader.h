@@ -187,6 +187,39 @@ public:
     /// Flags of an extension that the standard reserves, up to the end of the RBSP.
     void extension_data(const char* name, CodedBits& bits) noexcept;
 
+    // --- Whole bytes without emulation prevention, before rbsp() and with no bits announced ---
+
+    /// The next \p n bytes, borrowed; none after a fault.
+    template <class Name>
+    void bytes(uint64_t n, const Name& name, Bytes& field) noexcept {
+        field = Bytes();
+        if (n > bytesInReach()) {
+            endOfData(detail::elementOf(name));
+            return;
+        }
+        field = {next_, static_cast<size_t>(n)};
+        next_ += n;
+        loaded_ += 8 * n;
+    }
+
+    /// All bytes that are left.
+    template <class Name>
+    void restOfBytes(const Name& name, Bytes& field) noexcept {
+        bytes(bytesInReach(), name, field);
+    }
+
+    /// True when at least \p n bytes, 1 or more, are left; a record keeps \p present for the writer.
+    bool hasBytes(uint64_t n, bool& present) const noexcept { return present = bytesInReach() >= n; }
+
+    /// Runs \p body, which reads what the record does not hold, and keeps its bytes; with a fault in it all
+    /// that are left.
+    template <class Body>
+    void keepBytes(Bytes& field, Body body) noexcept {
+        const uint8_t* const first = next_;
+        body(*this);
+        field = {first, static_cast<size_t>(next_ - first)};
+    }
+
     /// The lesser of \p most, 57 at most, and the bits that are left.
     uint32_t bitsInReach(uint32_t most) noexcept;
 
@@ -267,6 +300,7 @@ private:
         return value;
     }
 
+    uint64_t bytesInReach() const noexcept { return static_cast<uint64_t>(end_ - next_); }
     uint64_t nextBytes() const noexcept;
     void addBytes() noexcept;
     void refill(uint64_t wanted) noexcept;

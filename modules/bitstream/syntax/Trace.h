@@ -10,8 +10,8 @@
 
 namespace qv {
 
-/// How an element is coded (H.264 7.2, H.265 7.2).
-enum class Descriptor : uint8_t { u, i, f, ue, se };
+/// How an element is coded (H.264 7.2, H.265 7.2). Bytes are a run of whole bytes.
+enum class Descriptor : uint8_t { u, i, f, ue, se, bytes };
 
 /// One syntax element as it was read.
 struct TracedElement {
@@ -25,10 +25,10 @@ struct TracedElement {
     /// Bits, 0 for an element whose width comes to nothing.
     uint32_t width = 0;
 
-    /// The value; bits of u(n) and f(n) as an unsigned number.
+    /// The value; bits of u(n) and f(n) as an unsigned number; of bytes their number.
     int64_t value = 0;
 
-    /// The bits as coded, the last one in the least significant place.
+    /// The bits as coded, the last one in the least significant place; 0 for bytes.
     uint64_t bits = 0;
 
     /// The byte of the coded unit, emulation prevention bytes included, that holds the first bit.

@@ -1,6 +1,8 @@
 // What a tracer reports of an element.
 #include "bitstream/syntax/Tracer.h"
 
+#include <limits>
+
 #include "bitstream/syntax/EmulationPrevention.h"
 
 namespace qv {
@@ -43,6 +45,17 @@ void Tracer::rbsp_trailing_bits() {
 void Tracer::reportCode(const Element& element, Descriptor descriptor, uint64_t firstBit, int64_t value,
                         uint64_t bits) {
     report(element, descriptor, static_cast<uint32_t>(reader_.position() - firstBit), bits, value);
+}
+
+void Tracer::reportBytes(const Element& element, Bytes bytes) {
+    constexpr uint64_t kMostWidth = std::numeric_limits<uint32_t>::max();
+    // The byte after them is not looked at yet: it may be one of these as well.
+    headerBytes_ += bytes.size + 1;
+    const uint64_t width = uint64_t{8} * bytes.size;
+    reportAt(reader_.position() - width, element, Descriptor::bytes,
+             static_cast<uint32_t>(width < kMostWidth ? width : kMostWidth), 0,
+             static_cast<int64_t>(bytes.size));
+    --headerBytes_;
 }
 
 size_t Tracer::codedByteOf(uint64_t bit) {

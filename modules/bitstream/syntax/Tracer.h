@@ -108,6 +108,28 @@ public:
 
     void extension_data(const char* name, CodedBits& bits);
 
+    template <class Name>
+    void bytes(uint64_t n, const Name& name, Bytes& field) {
+        reader_.bytes(n, name, field);
+        reportBytes(detail::elementOf(name), field);
+    }
+
+    /// Reported when there are any.
+    template <class Name>
+    void restOfBytes(const Name& name, Bytes& field) {
+        reader_.restOfBytes(name, field);
+        if (!field.empty()) {
+            reportBytes(detail::elementOf(name), field);
+        }
+    }
+
+    bool hasBytes(uint64_t n, bool& present) const { return reader_.hasBytes(n, present); }
+
+    template <class Body>
+    void keepBytes(Bytes& field, Body body) {
+        reader_.keepBytes(field, [&](Reader&) { body(*this); });
+    }
+
     void fail(FaultKind kind, const char* name, int64_t value) { reader_.fail(kind, name, value); }
 
     const Fault& fault() const { return reader_.fault(); }
@@ -133,12 +155,13 @@ private:
                   uint64_t bits, int64_t value);
     void reportCode(const Element& element, Descriptor descriptor, uint64_t firstBit, int64_t value,
                     uint64_t bits);
+    void reportBytes(const Element& element, Bytes bytes);
     size_t codedByteOf(uint64_t bit);
 
     Reader reader_;
     TraceVisitor& visitor_;
     Bytes unit_;
-    uint32_t headerBytes_ = 0;
+    uint64_t headerBytes_ = 0;
 
     // Where the RBSP byte rbspByte_ is in the coded unit; elements come in order, so this only moves forward.
     uint64_t rbspByte_ = 0;

@@ -29,6 +29,12 @@ void Writer::appendByte(uint8_t byte) {
     zeroBytes_ = byte == 0x00 ? zeroBytes_ + 1 : 0;
 }
 
+// Bytes without emulation prevention, as those of a header.
+void Writer::appendBytes(Bytes bytes) {
+    out_.insert(out_.end(), bytes.begin(), bytes.end());
+    headerEnd_ += bytes.size;
+}
+
 Written Writer::finish() {
     Written written;
     written.fault = fault();

@@ -123,6 +123,34 @@ public:
         copy(bits);
     }
 
+    template <class Name>
+    void bytes(uint64_t n, const Name& name, const Bytes& field) {
+        if (field.size != n) {
+            outOfRange(detail::elementOf(name), static_cast<int64_t>(field.size), static_cast<int64_t>(n),
+                       static_cast<int64_t>(n));
+            return;
+        }
+        putBytes(field);
+    }
+
+    template <class Name>
+    void restOfBytes(const Name& name, const Bytes& field) {
+        static_cast<void>(name);
+        putBytes(field);
+    }
+
+    /// What the record says is written.
+    bool hasBytes(uint64_t n, bool& present) const {
+        static_cast<void>(n);
+        return present;
+    }
+
+    template <class Body>
+    void keepBytes(const Bytes& field, Body body) {
+        static_cast<void>(body);
+        putBytes(field);
+    }
+
     void fail(FaultKind kind, const char* name, int64_t value) {
         fault(kind, detail::elementOf(name), value);
     }
@@ -146,6 +174,13 @@ protected:
         if (!fault_) {
             position_ += n;
             static_cast<Sink&>(*this).append(n, value);
+        }
+    }
+
+    void putBytes(Bytes bytes) {
+        if (!fault_) {
+            position_ += uint64_t{8} * bytes.size;
+            static_cast<Sink&>(*this).appendBytes(bytes);
         }
     }
 
@@ -209,6 +244,7 @@ private:
     friend class BitOutput<Writer>;
     void append(uint32_t n, uint64_t value);
     void appendByte(uint8_t byte);
+    void appendBytes(Bytes bytes);
 
     std::vector<uint8_t>& out_;
     size_t begin_;
@@ -230,6 +266,7 @@ private:
         static_cast<void>(n);
         static_cast<void>(value);
     }
+    void appendBytes(Bytes bytes) { static_cast<void>(bytes); }
 };
 
 }  // namespace qv

@@ -63,6 +63,14 @@ void RandomUnit::fail(qv::FaultKind kind, const char* name, int64_t value) {
     failed_ = true;
 }
 
+qv::Bytes RandomUnit::randomBytes(uint64_t n) {
+    runs_.emplace_back(static_cast<size_t>(n));
+    for (uint8_t& byte : runs_.back()) {
+        byte = static_cast<uint8_t>(pick(3) == 0 ? random_() : pick(4));
+    }
+    return {runs_.back().data(), runs_.back().size()};
+}
+
 // Mostly small values, because many of them are counts; now and then any value, and the ends of the range.
 int64_t RandomUnit::valueOf(const qv::Element& element, int64_t least, uint64_t range) {
     const auto choice = choices_.find(element.name);

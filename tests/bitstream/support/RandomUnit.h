@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <limits>
 #include <map>
 #include <random>
@@ -168,6 +169,36 @@ public:
 
     void extension_data(const char* name, qv::CodedBits& bits);
 
+    template <class Name>
+    void bytes(uint64_t n, const Name& name, qv::Bytes& field) {
+        field = randomBytes(n);
+        note(qv::detail::elementOf(name), qv::Descriptor::bytes, static_cast<uint32_t>(8 * n),
+             static_cast<int64_t>(n), 0);
+        headerBytes_ += static_cast<uint32_t>(n);
+        writer_.bytes(n, name, field);
+    }
+
+    // Few enough bytes not to be taken for what hasBytes() is asked for.
+    template <class Name>
+    void restOfBytes(const Name& name, qv::Bytes& field) {
+        const uint64_t n = pick(4);
+        field = qv::Bytes();
+        if (n > 0) {
+            bytes(n, name, field);
+        }
+    }
+
+    bool hasBytes(uint64_t n, bool& present) {
+        static_cast<void>(n);
+        return present = pick(2) == 0;
+    }
+
+    template <class Body>
+    void keepBytes(qv::Bytes& field, Body body) {
+        field = {};
+        body(*this);
+    }
+
     void fail(qv::FaultKind kind, const char* name, int64_t value);
     bool failed() const { return failed_; }
 
@@ -176,6 +207,7 @@ public:
 
 private:
     uint64_t pick(uint64_t bound) { return random_() % bound; }
+    qv::Bytes randomBytes(uint64_t n);
     int64_t valueOf(const qv::Element& element, int64_t least, uint64_t range);
     bool isToBeViolated();
     void note(const qv::Element& element, qv::Descriptor descriptor, uint32_t width, int64_t value,
@@ -183,6 +215,7 @@ private:
     void noteCode(const qv::Element& element, qv::Descriptor descriptor, int64_t value, uint64_t bits);
 
     Random& random_;
+    std::deque<std::vector<uint8_t>> runs_;
     std::vector<uint8_t> unit_;
     qv::Writer writer_;
     std::map<std::string, std::vector<int64_t>> choices_;

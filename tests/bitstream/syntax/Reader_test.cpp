@@ -409,12 +409,23 @@ TEST(Reader, aUnitThatEndsInItsHeader) {
 }
 
 TEST(Reader, aUnitWithoutRbsp) {
-    for (const char* const text : {"0A", "0A 00", "0A 80"}) {
-        const Bytes unit = hex(text);
+    struct Row {
+        const char* unit;
+        bool beforeRbsp;
+        bool afterRbsp;
+    };
+    for (const Row& row : {Row{"0A", true, true}, Row{"0A 00", false, true}, Row{"0A 00 00 03", false, true},
+                           Row{"0A 80", false, false}, Row{"0A 03", false, false}}) {
+        const Bytes unit = hex(row.unit);
         Reader reader(view(unit));
-        skipHeader(reader, 1);
-        EXPECT_EQ(reader.hasNoRbsp(), unit.size() == 1) << text;
-        EXPECT_FALSE(reader.more_rbsp_data()) << text;
+        uint32_t header = 0;
+        reader.header(1);
+        reader.u(8, "header", header);
+        EXPECT_EQ(reader.hasNoRbsp(), row.beforeRbsp) << row.unit;
+        reader.rbsp();
+        bool absent = !row.afterRbsp;
+        EXPECT_EQ(reader.hasNoRbsp(absent), row.afterRbsp) << row.unit;
+        EXPECT_EQ(absent, row.afterRbsp);
         EXPECT_FALSE(reader.failed());
     }
 }
