@@ -39,66 +39,66 @@ uint32_t bigEndian(const uint8_t* bytes, size_t count) noexcept {
     return value;
 }
 
-}  // namespace
-
 // --- Headers ---
 
-void NalUnits::Iterator::readAvcHeaderExtension() noexcept {
-    const Bytes bytes = unit_.bytes;
-    const bool is3d = unit_.nal_unit_type == avc::kNalSliceExtension3d && bytes.size > 1 &&
+void readAvcHeaderExtension(NalUnit& unit) noexcept {
+    const Bytes bytes = unit.bytes;
+    const bool is3d = unit.nal_unit_type == avc::kNalSliceExtension3d && bytes.size > 1 &&
                       (bytes[1] & kAvc3dExtensionFlag) != 0;
     const uint32_t size = is3d ? kAvc3dHeaderBytes : kExtendedHeaderBytes;
     if (bytes.size < size) {
-        unit_.headerBytes = static_cast<uint32_t>(bytes.size);
-        unit_.faults.add(UnitFault::HeaderCut);
+        unit.headerBytes = static_cast<uint32_t>(bytes.size);
+        unit.faults.add(UnitFault::HeaderCut);
         return;
     }
-    unit_.headerBytes = size;
-    unit_.headerExtension = bigEndian(bytes.data + 1, size - 1);
+    unit.headerBytes = size;
+    unit.headerExtension = bigEndian(bytes.data + 1, size - 1);
 }
 
 // nal_unit(), H.264 7.3.1
-QV_ALWAYS_INLINE void NalUnits::Iterator::readAvcHeader() noexcept {
-    const uint32_t byte = unit_.bytes[0];
-    unit_.headerBytes = 1;
-    unit_.nal_ref_idc = byte >> 5 & 3;
-    unit_.nal_unit_type = byte & 31;
-    if (avc::hasHeaderExtension(unit_.nal_unit_type)) {
-        readAvcHeaderExtension();
+QV_ALWAYS_INLINE void readAvcHeader(NalUnit& unit) noexcept {
+    const uint32_t byte = unit.bytes[0];
+    unit.headerBytes = 1;
+    unit.nal_ref_idc = byte >> 5 & 3;
+    unit.nal_unit_type = byte & 31;
+    if (avc::hasHeaderExtension(unit.nal_unit_type)) {
+        readAvcHeaderExtension(unit);
     }
 }
 
 // nal_unit_header(), H.265 7.3.1.2
-void NalUnits::Iterator::readHevcHeader() noexcept {
-    const Bytes bytes = unit_.bytes;
-    unit_.nal_unit_type = bytes[0] >> 1 & 63;
+void readHevcHeader(NalUnit& unit) noexcept {
+    const Bytes bytes = unit.bytes;
+    unit.nal_unit_type = bytes[0] >> 1 & 63;
     if (bytes.size < kHevcHeaderBytes) {
-        unit_.headerBytes = 1;
-        unit_.faults.add(UnitFault::HeaderCut);
+        unit.headerBytes = 1;
+        unit.faults.add(UnitFault::HeaderCut);
         return;
     }
-    unit_.headerBytes = kHevcHeaderBytes;
-    unit_.nuh_layer_id = (bytes[0] & 1U) << 5 | bytes[1] >> 3;
-    unit_.nuh_temporal_id_plus1 = bytes[1] & 7;
-    if (unit_.nuh_temporal_id_plus1 == 0) {
-        unit_.faults.add(UnitFault::NoTemporalId);
+    unit.headerBytes = kHevcHeaderBytes;
+    unit.nuh_layer_id = (bytes[0] & 1U) << 5 | bytes[1] >> 3;
+    unit.nuh_temporal_id_plus1 = bytes[1] & 7;
+    if (unit.nuh_temporal_id_plus1 == 0) {
+        unit.faults.add(UnitFault::NoTemporalId);
     }
 }
 
-QV_ALWAYS_INLINE void NalUnits::Iterator::readHeader() noexcept {
-    if (unit_.bytes.empty()) {
-        unit_.faults.add(UnitFault::EmptyUnit);
+QV_ALWAYS_INLINE void readHeader(NalUnit& unit, Codec codec) noexcept {
+    if (unit.bytes.empty()) {
+        unit.faults.add(UnitFault::EmptyUnit);
         return;
     }
-    if ((unit_.bytes[0] & kForbiddenZeroBit) != 0) {
-        unit_.faults.add(UnitFault::ForbiddenZeroBit);
+    if ((unit.bytes[0] & kForbiddenZeroBit) != 0) {
+        unit.faults.add(UnitFault::ForbiddenZeroBit);
     }
-    if (codec_ == Codec::Avc) {
-        readAvcHeader();
+    if (codec == Codec::Avc) {
+        readAvcHeader(unit);
     } else {
-        readHevcHeader();
+        readHevcHeader(unit);
     }
 }
+
+}  // namespace
 
 QV_ALWAYS_INLINE void NalUnits::Iterator::startUnit(size_t leadingBytes, size_t prefixSize, size_t offset,
                                                     size_t size) noexcept {
@@ -107,7 +107,7 @@ QV_ALWAYS_INLINE void NalUnits::Iterator::startUnit(size_t leadingBytes, size_t 
     unit_.offset = offset;
     unit_.prefixSize = static_cast<uint32_t>(prefixSize);
     unit_.leadingBytes = leadingBytes;
-    readHeader();
+    readHeader(unit_, codec_);
 }
 
 // What is left has no unit.
@@ -233,6 +233,13 @@ NalUnits::Iterator& NalUnits::Iterator::operator++() noexcept {
         takeUnitAfterLength();
     }
     return *this;
+}
+
+NalUnit nalUnitOf(Bytes unit, Codec codec) noexcept {
+    NalUnit alone;
+    alone.bytes = unit;
+    readHeader(alone, codec);
+    return alone;
 }
 
 // --- Text ---

@@ -167,10 +167,6 @@ private:
     void takeUnitAfterLength() noexcept;
     void takeRest(UnitFault fault) noexcept;
     void startUnit(size_t leadingBytes, size_t prefixSize, size_t offset, size_t size) noexcept;
-    void readHeader() noexcept;
-    void readAvcHeader() noexcept;
-    void readAvcHeaderExtension() noexcept;
-    void readHevcHeader() noexcept;
     size_t nextPrefix(size_t from) noexcept;
     bool isPrefix(size_t place) const noexcept;
     bool listPrefixes(size_t from) noexcept;
@@ -187,6 +183,9 @@ private:
     size_t passed_ = 0;  // of those listed
     size_t places_[kMostListed];
 };
+
+/// One unit on its own: \p unit is the unit from its header on, without start code or length.
+NalUnit nalUnitOf(Bytes unit, Codec codec) noexcept;
 
 /// What is wrong, as a line of text without a line feed; empty without a fault. With several faults the texts
 /// are separated by "; ".

@@ -1,0 +1,346 @@
+// The HEVC decoder configuration records, read, traced, written, sized and made.
+#include "bitstream/units/HevcConfigurationRecord.h"
+
+#include <algorithm>
+#include <map>
+
+#include "bitstream/syntax/Uses.h"
+#include "bitstream/units/ConfigurationFault.h"
+#include "bitstream/units/HevcConfigurationRecordSyntax.h"
+
+namespace qv::hevc {
+
+namespace {
+
+constexpr auto kTable = [](auto& s, auto& record) { configuration_record(s, record); };
+constexpr auto kLayerTable = [](auto& s, auto& record) { layer_configuration_record(s, record); };
+
+constexpr uint32_t kNalVps = 32;
+constexpr uint32_t kNalSps = 33;
+constexpr uint32_t kNalPps = 34;
+constexpr uint32_t kNalPrefixSei = 39;
+constexpr uint32_t kNalSuffixSei = 40;
+
+constexpr size_t kHeaderBytes = 2;
+
+// Counts that are not those of the arrays and their units.
+Fault checkArrays(const Structure& structure, const UnitArrays& arrays) {
+    uint32_t count = 0;
+    const uint8_t* end = arrays.coded.begin();
+    for (const UnitArray& array : arrays) {
+        const Fault fault =
+            detail::checkCount(structure, detail::elementOf(at("numNalus", count)), array.units);
+        if (fault) {
+            return fault;
+        }
+        end = array.units.coded.end();
+        ++count;
+    }
+    const int64_t there =
+        end != arrays.coded.end() && count == arrays.numOfArrays ? int64_t{count} + 1 : count;
+    return there == arrays.numOfArrays ? Fault()
+                                       : detail::outOfRange(structure, detail::elementOf("numOfArrays"),
+                                                            arrays.numOfArrays, there, there);
+}
+
+template <class Record, class Table>
+Written writeRecord(const Record& record, std::vector<uint8_t>& out, const Structure& structure,
+                    const Table& table) {
+    const Fault fault = checkArrays(structure, record.arrays);
+    return fault ? Written{0, fault} : detail::writeUnit(record, out, table);
+}
+
+// --- A record of parameter sets ---
+
+Fault faultOf(const Element& element, int64_t value, int64_t least, int64_t most) {
+    return detail::outOfRange(kConfigurationRecord, element, value, least, most);
+}
+
+// What a record repeats of a VPS or an SPS.
+struct SetHead {
+    uint32_t max_sub_layers_minus1;
+    bool temporal_id_nesting_flag;
+    uint32_t general_profile_space;
+    bool general_tier_flag;
+    uint32_t general_profile_idc;
+    uint32_t general_profile_compatibility_flags;
+    uint64_t general_constraint_indicator_flags;
+    uint32_t general_level_idc;
+};
+
+// The general part of profile_tier_level(), H.265 7.3.3
+void readGeneral(Reader& s, SetHead& set) {
+    static constexpr Structure kStructure = {"profile_tier_level()", "7.3.3"};
+    const Within<Reader> within(s, kStructure);
+    s.u(2, "general_profile_space", set.general_profile_space);
+    s.flag("general_tier_flag", set.general_tier_flag);
+    s.u(5, "general_profile_idc", set.general_profile_idc);
+    s.u(32, "general_profile_compatibility_flags", set.general_profile_compatibility_flags);
+    s.u(48, "general_constraint_indicator_flags", set.general_constraint_indicator_flags);
+    s.u(8, "general_level_idc", set.general_level_idc);
+}
+
+// The beginning of video_parameter_set_rbsp(), H.265 7.3.2.1
+void readVpsHead(Reader& s, SetHead& set) {
+    static constexpr Structure kStructure = {"video_parameter_set_rbsp()", "7.3.2.1"};
+    const Within<Reader> within(s, kStructure);
+    uint32_t value = 0;
+    s.u(4, "vps_video_parameter_set_id", value);
+    s.u(2, "vps_base_layer_internal_flag", value);  // and vps_base_layer_available_flag
+    s.u(6, "vps_max_layers_minus1", value);
+    s.u(3, "vps_max_sub_layers_minus1", set.max_sub_layers_minus1, 0, 6);
+    s.flag("vps_temporal_id_nesting_flag", set.temporal_id_nesting_flag);
+    s.u(16, "vps_reserved_0xffff_16bits", value);
+    readGeneral(s, set);
+}
+
+// The beginning of seq_parameter_set_rbsp() of the base layer, H.265 7.3.2.2.1
+void readSpsHead(Reader& s, SetHead& set) {
+    static constexpr Structure kStructure = {"seq_parameter_set_rbsp()", "7.3.2.2.1"};
+    const Within<Reader> within(s, kStructure);
+    uint32_t value = 0;
+    s.u(4, "sps_video_parameter_set_id", value);
+    s.u(3, "sps_max_sub_layers_minus1", set.max_sub_layers_minus1, 0, 6);
+    s.flag("sps_temporal_id_nesting_flag", set.temporal_id_nesting_flag);
+    readGeneral(s, set);
+}
+
+Fault readHead(Bytes unit, uint32_t nal_unit_type, SetHead& set) {
+    Reader s(unit);
+    uint32_t header = 0;
+    s.header(kHeaderBytes);
+    s.u(8 * kHeaderBytes, "nal_unit_header", header);
+    s.rbsp();
+    if (nal_unit_type == kNalVps) {
+        readVpsHead(s, set);
+    } else {
+        readSpsHead(s, set);
+    }
+    return s.fault();
+}
+
+// The highest level counts within the highest tier (A.4).
+void raiseLevel(const SetHead& set, ConfigurationRecord& record) {
+    if (set.general_tier_flag != record.general_tier_flag) {
+        if (set.general_tier_flag) {
+            record.general_tier_flag = true;
+            record.general_level_idc = set.general_level_idc;
+        }
+        return;
+    }
+    record.general_level_idc = std::max(record.general_level_idc, set.general_level_idc);
+}
+
+void add(const SetHead& set, ConfigurationRecord& record) {
+    raiseLevel(set, record);
+    record.general_profile_idc = std::max(record.general_profile_idc, set.general_profile_idc);
+    record.general_profile_compatibility_flags &= set.general_profile_compatibility_flags;
+    record.general_constraint_indicator_flags &= set.general_constraint_indicator_flags;
+    record.numTemporalLayers = std::max(record.numTemporalLayers, set.max_sub_layers_minus1 + 1);
+    record.temporalIdNested = record.temporalIdNested && set.temporal_id_nesting_flag;
+}
+
+// What the parameter sets of the base layer have in common. There has to be an SPS among them.
+Fault describe(const std::vector<Bytes>& units, ConfigurationRecord& record) {
+    record.general_profile_compatibility_flags = 0xFFFFFFFF;
+    record.general_constraint_indicator_flags = 0xFFFFFFFFFFFF;
+    record.temporalIdNested = true;
+    int64_t spsCount = 0;
+    bool isFirst = true;
+    for (const Bytes unit : units) {
+        const NalUnit nal = nalUnitOf(unit, Codec::Hevc);
+        const bool isSps = nal.nal_unit_type == kNalSps && nal.nuh_layer_id == 0;
+        if (!isSps && nal.nal_unit_type != kNalVps) {
+            continue;
+        }
+        SetHead set = {};
+        const Fault fault = readHead(unit, nal.nal_unit_type, set);
+        if (fault) {
+            return fault;
+        }
+        if (!isFirst && set.general_profile_space != record.general_profile_space) {
+            return faultOf(detail::elementOf("general_profile_space"), set.general_profile_space,
+                           record.general_profile_space, record.general_profile_space);
+        }
+        record.general_profile_space = set.general_profile_space;
+        isFirst = false;
+        add(set, record);
+        spsCount += isSps ? 1 : 0;
+    }
+    return spsCount > 0 ? Fault() : faultOf(detail::elementOf("numNalus"), 0, 1, 0xFFFF);
+}
+
+// The order of the arrays.
+uint32_t rankOf(uint32_t nal_unit_type) {
+    switch (nal_unit_type) {
+        case kNalVps:
+            return 0;
+        case kNalSps:
+            return 1;
+        case kNalPps:
+            return 2;
+        case kNalPrefixSei:
+            return 3;
+        case kNalSuffixSei:
+            return 4;
+        default:
+            return 5 + nal_unit_type;
+    }
+}
+
+struct Collected {
+    uint32_t nal_unit_type = 0;
+    uint32_t count = 0;
+    std::vector<uint8_t> coded;
+};
+
+using CollectedByRank = std::map<uint32_t, Collected>;
+
+Fault collect(const std::vector<Bytes>& units, CollectedByRank& arrays) {
+    constexpr uint32_t kMostUnits = 0xFFFF;
+    for (size_t i = 0; i < units.size(); ++i) {
+        const NalUnit nal = nalUnitOf(units[i], Codec::Hevc);
+        if (nal.faults.has(UnitFault::EmptyUnit) || nal.faults.has(UnitFault::HeaderCut)) {
+            return detail::unitCut(kConfigurationRecord, i);
+        }
+        Collected& array = arrays[rankOf(nal.nal_unit_type)];
+        array.nal_unit_type = nal.nal_unit_type;
+        if (array.count == kMostUnits) {
+            return faultOf(detail::elementOf("numNalus"), int64_t{kMostUnits} + 1, 0, kMostUnits);
+        }
+        if (!appendUnit(units[i], array.coded)) {
+            return detail::unitTooLong(kConfigurationRecord, i, units[i].size);
+        }
+        ++array.count;
+    }
+    return {};
+}
+
+// The bytes of all arrays.
+std::vector<uint8_t> codedArrays(const CollectedByRank& arrays, bool isComplete) {
+    std::vector<uint8_t> coded;
+    for (const auto& [rank, array] : arrays) {
+        const bool isParameterSet = rank <= rankOf(kNalPps);
+        const uint32_t array_completeness = isComplete && isParameterSet ? 0x80 : 0;
+        coded.push_back(static_cast<uint8_t>(array_completeness | array.nal_unit_type));
+        coded.push_back(static_cast<uint8_t>(array.count >> 8));
+        coded.push_back(static_cast<uint8_t>(array.count));
+        coded.insert(coded.end(), array.coded.begin(), array.coded.end());
+    }
+    return coded;
+}
+
+ConfigurationRecord recordOf(const StreamFacts& facts) {
+    ConfigurationRecord record = {};
+    record.configurationVersion = 1;
+    record.reserved_4bits = 0x0F;
+    record.min_spatial_segmentation_idc = facts.min_spatial_segmentation_idc;
+    record.reserved_6bits_parallelismType = 0x3F;
+    record.parallelismType = facts.parallelismType;
+    record.reserved_6bits_chromaFormat = 0x3F;
+    record.chromaFormat = facts.chroma_format_idc;
+    record.reserved_5bits_bitDepthLuma = 0x1F;
+    record.bitDepthLumaMinus8 = facts.bit_depth_luma_minus8;
+    record.reserved_5bits_bitDepthChroma = 0x1F;
+    record.bitDepthChromaMinus8 = facts.bit_depth_chroma_minus8;
+    record.avgFrameRate = facts.avgFrameRate;
+    record.constantFrameRate = facts.constantFrameRate;
+    return record;
+}
+
+}  // namespace
+
+// --- Arrays ---
+
+UnitArrays::Iterator UnitArrays::begin() const noexcept {
+    return {numOfArrays, coded};
+}
+
+void UnitArrays::Iterator::read() noexcept {
+    Reader s(rest_);
+    array_ = {};
+    if (left_ > 0) {
+        unit_array(s, 0, array_);
+    }
+    isAtEnd_ = left_ == 0 || (s.failed() && array_.units.coded.empty());
+    left_ = s.failed() || left_ == 0 ? 0 : left_ - 1;
+    rest_ = rest_.from(static_cast<size_t>(s.position() / 8));
+}
+
+// --- Reading and writing ---
+
+Read<ConfigurationRecord> readConfigurationRecord(Bytes bytes) noexcept {
+    return detail::readUnit<ConfigurationRecord>(bytes, kTable);
+}
+
+Read<LayerConfigurationRecord> readLayerConfigurationRecord(Bytes bytes) noexcept {
+    return detail::readUnit<LayerConfigurationRecord>(bytes, kLayerTable);
+}
+
+Read<ConfigurationRecord> traceConfigurationRecord(Bytes bytes, TraceVisitor& visitor) {
+    return detail::traceUnit<ConfigurationRecord>(bytes, visitor, kTable);
+}
+
+Read<LayerConfigurationRecord> traceLayerConfigurationRecord(Bytes bytes, TraceVisitor& visitor) {
+    return detail::traceUnit<LayerConfigurationRecord>(bytes, visitor, kLayerTable);
+}
+
+Written writeConfigurationRecord(const ConfigurationRecord& record, std::vector<uint8_t>& out) {
+    return writeRecord(record, out, kConfigurationRecord, kTable);
+}
+
+Written writeConfigurationRecord(const LayerConfigurationRecord& record, std::vector<uint8_t>& out) {
+    return writeRecord(record, out, kLayerConfigurationRecord, kLayerTable);
+}
+
+Sized sizeOf(const ConfigurationRecord& record) noexcept {
+    return detail::sizeUnit(record, kTable);
+}
+
+Sized sizeOf(const LayerConfigurationRecord& record) noexcept {
+    return detail::sizeUnit(record, kLayerTable);
+}
+
+// --- Making ---
+
+uint32_t parallelismTypeOf(uint32_t min_spatial_segmentation_idc, const std::vector<PpsParallelism>& sets) {
+    constexpr uint32_t kMixed = 0;
+    constexpr uint32_t kSlices = 1;
+    constexpr uint32_t kTiles = 2;
+    constexpr uint32_t kWavefronts = 3;
+    if (min_spatial_segmentation_idc == 0 || sets.empty()) {
+        return kMixed;
+    }
+    const PpsParallelism& first = sets[0];
+    for (const PpsParallelism& pps : sets) {
+        if (pps.tiles_enabled_flag != first.tiles_enabled_flag ||
+            pps.entropy_coding_sync_enabled_flag != first.entropy_coding_sync_enabled_flag) {
+            return kMixed;
+        }
+    }
+    if (first.tiles_enabled_flag && first.entropy_coding_sync_enabled_flag) {
+        return kMixed;
+    }
+    return first.entropy_coding_sync_enabled_flag ? kWavefronts : first.tiles_enabled_flag ? kTiles : kSlices;
+}
+
+Written makeConfigurationRecord(const std::vector<Bytes>& units, Framing framing, const StreamFacts& facts,
+                                std::vector<uint8_t>& out) {
+    ConfigurationRecord record = recordOf(facts);
+    CollectedByRank arrays;
+    Fault fault = detail::setLengthSize(kConfigurationRecord, framing, record.lengthSizeMinusOne);
+    if (!fault) {
+        fault = collect(units, arrays);
+    }
+    if (!fault) {
+        fault = describe(units, record);
+    }
+    if (fault) {
+        return {0, fault};
+    }
+    const std::vector<uint8_t> coded = codedArrays(arrays, facts.isComplete);
+    record.arrays = {static_cast<uint32_t>(arrays.size()), {coded.data(), coded.size()}};
+    return writeConfigurationRecord(record, out);
+}
+
+}  // namespace qv::hevc
