@@ -1,10 +1,11 @@
 // The AVC decoder configuration record, read, traced, written, sized and made.
 #include "bitstream/units/AvcConfigurationRecord.h"
 
-#include "bitstream/avc/SpsSyntax.h"
+#include "bitstream/avc/NalUnitType.h"
 #include "bitstream/syntax/Uses.h"
 #include "bitstream/units/AvcConfigurationRecordSyntax.h"
 #include "bitstream/units/ConfigurationFault.h"
+#include "bitstream/units/SpsHead.h"
 
 namespace qv::avc {
 
@@ -58,41 +59,6 @@ Fault collect(const std::vector<Bytes>& units, Collected (&kinds)[3]) {
         }
     }
     return {};
-}
-
-// What a record repeats of a sequence parameter set.
-struct SpsHead {
-    uint32_t profile_idc;
-    uint32_t constraint_set_flags;  // and reserved_zero_2bits
-    uint32_t level_idc;
-    uint32_t chroma_format_idc;
-    uint32_t bit_depth_luma_minus8;
-    uint32_t bit_depth_chroma_minus8;
-};
-
-// The beginning of seq_parameter_set_data(), 7.3.2.1.1. What follows may be damaged.
-Fault readHead(Bytes unit, SpsHead& sps) {
-    static constexpr Structure kStructure = {"seq_parameter_set_data()", "7.3.2.1.1"};
-    Reader s(unit);
-    NalUnitHeader header = {};
-    nal_unit_of(s, header, kNalSps);
-    const Within<Reader> within(s, kStructure);
-    uint32_t seq_parameter_set_id = 0;
-    bool separate_colour_plane_flag = false;
-    s.u(8, "profile_idc", sps.profile_idc);
-    s.u(8, "constraint_set_flags", sps.constraint_set_flags);
-    s.u(8, "level_idc", sps.level_idc);
-    s.ue("seq_parameter_set_id", seq_parameter_set_id, 0, 31);
-    s.infer(sps.chroma_format_idc, 1);
-    if (hasChromaSyntax(sps.profile_idc)) {
-        s.ue("chroma_format_idc", sps.chroma_format_idc, 0, 3);
-        if (sps.chroma_format_idc == kChromaFormat444) {
-            s.flag("separate_colour_plane_flag", separate_colour_plane_flag);
-        }
-        s.ue("bit_depth_luma_minus8", sps.bit_depth_luma_minus8, 0, 6);
-        s.ue("bit_depth_chroma_minus8", sps.bit_depth_chroma_minus8, 0, 6);
-    }
-    return s.fault();
 }
 
 // constraint_set0_flag, constraint_set1_flag and constraint_set2_flag say that the profiles 66, 77 and 88 are
@@ -151,7 +117,7 @@ Fault checkFormats(const std::vector<SpsHead>& sets) {
 Fault readHeads(const UnitList& list, std::vector<SpsHead>& sets) {
     for (const NalUnit& unit : list.units(Codec::Avc)) {
         sets.emplace_back();
-        const Fault fault = readHead(unit.bytes, sets.back());
+        const Fault fault = readSpsHead(unit.bytes, sets.back());
         if (fault) {
             return fault;
         }

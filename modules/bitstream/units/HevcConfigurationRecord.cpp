@@ -7,6 +7,7 @@
 #include "bitstream/syntax/Uses.h"
 #include "bitstream/units/ConfigurationFault.h"
 #include "bitstream/units/HevcConfigurationRecordSyntax.h"
+#include "bitstream/units/SpsHead.h"
 
 namespace qv::hevc {
 
@@ -20,8 +21,6 @@ constexpr uint32_t kNalSps = 33;
 constexpr uint32_t kNalPps = 34;
 constexpr uint32_t kNalPrefixSei = 39;
 constexpr uint32_t kNalSuffixSei = 40;
-
-constexpr size_t kHeaderBytes = 2;
 
 // Counts that are not those of the arrays and their units.
 Fault checkArrays(const Structure& structure, const UnitArrays& arrays) {
@@ -56,71 +55,8 @@ Fault faultOf(const Element& element, int64_t value, int64_t least, int64_t most
     return detail::outOfRange(kConfigurationRecord, element, value, least, most);
 }
 
-// What a record repeats of a VPS or an SPS.
-struct SetHead {
-    uint32_t max_sub_layers_minus1;
-    bool temporal_id_nesting_flag;
-    uint32_t general_profile_space;
-    bool general_tier_flag;
-    uint32_t general_profile_idc;
-    uint32_t general_profile_compatibility_flags;
-    uint64_t general_constraint_indicator_flags;
-    uint32_t general_level_idc;
-};
-
-// The general part of profile_tier_level(), H.265 7.3.3
-void readGeneral(Reader& s, SetHead& set) {
-    static constexpr Structure kStructure = {"profile_tier_level()", "7.3.3"};
-    const Within<Reader> within(s, kStructure);
-    s.u(2, "general_profile_space", set.general_profile_space);
-    s.flag("general_tier_flag", set.general_tier_flag);
-    s.u(5, "general_profile_idc", set.general_profile_idc);
-    s.u(32, "general_profile_compatibility_flags", set.general_profile_compatibility_flags);
-    s.u(48, "general_constraint_indicator_flags", set.general_constraint_indicator_flags);
-    s.u(8, "general_level_idc", set.general_level_idc);
-}
-
-// The beginning of video_parameter_set_rbsp(), H.265 7.3.2.1
-void readVpsHead(Reader& s, SetHead& set) {
-    static constexpr Structure kStructure = {"video_parameter_set_rbsp()", "7.3.2.1"};
-    const Within<Reader> within(s, kStructure);
-    uint32_t value = 0;
-    s.u(4, "vps_video_parameter_set_id", value);
-    s.u(2, "vps_base_layer_internal_flag", value);  // and vps_base_layer_available_flag
-    s.u(6, "vps_max_layers_minus1", value);
-    s.u(3, "vps_max_sub_layers_minus1", set.max_sub_layers_minus1, 0, 6);
-    s.flag("vps_temporal_id_nesting_flag", set.temporal_id_nesting_flag);
-    s.u(16, "vps_reserved_0xffff_16bits", value);
-    readGeneral(s, set);
-}
-
-// The beginning of seq_parameter_set_rbsp() of the base layer, H.265 7.3.2.2.1
-void readSpsHead(Reader& s, SetHead& set) {
-    static constexpr Structure kStructure = {"seq_parameter_set_rbsp()", "7.3.2.2.1"};
-    const Within<Reader> within(s, kStructure);
-    uint32_t value = 0;
-    s.u(4, "sps_video_parameter_set_id", value);
-    s.u(3, "sps_max_sub_layers_minus1", set.max_sub_layers_minus1, 0, 6);
-    s.flag("sps_temporal_id_nesting_flag", set.temporal_id_nesting_flag);
-    readGeneral(s, set);
-}
-
-Fault readHead(Bytes unit, uint32_t nal_unit_type, SetHead& set) {
-    Reader s(unit);
-    uint32_t header = 0;
-    s.header(kHeaderBytes);
-    s.u(8 * kHeaderBytes, "nal_unit_header", header);
-    s.rbsp();
-    if (nal_unit_type == kNalVps) {
-        readVpsHead(s, set);
-    } else {
-        readSpsHead(s, set);
-    }
-    return s.fault();
-}
-
 // The highest level counts within the highest tier (A.4).
-void raiseLevel(const SetHead& set, ConfigurationRecord& record) {
+void raiseLevel(const SpsHead& set, ConfigurationRecord& record) {
     if (set.general_tier_flag != record.general_tier_flag) {
         if (set.general_tier_flag) {
             record.general_tier_flag = true;
@@ -131,7 +67,7 @@ void raiseLevel(const SetHead& set, ConfigurationRecord& record) {
     record.general_level_idc = std::max(record.general_level_idc, set.general_level_idc);
 }
 
-void add(const SetHead& set, ConfigurationRecord& record) {
+void add(const SpsHead& set, ConfigurationRecord& record) {
     raiseLevel(set, record);
     record.general_profile_idc = std::max(record.general_profile_idc, set.general_profile_idc);
     record.general_profile_compatibility_flags &= set.general_profile_compatibility_flags;
@@ -153,8 +89,8 @@ Fault describe(const std::vector<Bytes>& units, ConfigurationRecord& record) {
         if (!isSps && nal.nal_unit_type != kNalVps) {
             continue;
         }
-        SetHead set = {};
-        const Fault fault = readHead(unit, nal.nal_unit_type, set);
+        SpsHead set = {};
+        const Fault fault = isSps ? readSpsHead(unit, set) : readVpsHead(unit, set);
         if (fault) {
             return fault;
         }
