@@ -266,7 +266,7 @@ private:
         static_cast<void>(n);
         static_cast<void>(value);
     }
-    void appendBytes(Bytes bytes) { static_cast<void>(bytes); }
+    static void appendBytes(Bytes bytes) { static_cast<void>(bytes); }
 };
 
 }  // namespace qv

@@ -1,6 +1,8 @@
 // The AVC decoder configuration record, read, traced, written, sized and made.
 #include "bitstream/units/AvcConfigurationRecord.h"
 
+#include <algorithm>
+
 #include "bitstream/avc/NalUnitType.h"
 #include "bitstream/syntax/Uses.h"
 #include "bitstream/units/AvcConfigurationRecordSyntax.h"
@@ -70,12 +72,8 @@ bool conformsTo(const SpsHead& sps, uint32_t profile_idc) {
 }
 
 bool allConformTo(const std::vector<SpsHead>& sets, uint32_t profile_idc) {
-    for (const SpsHead& sps : sets) {
-        if (!conformsTo(sps, profile_idc)) {
-            return false;
-        }
-    }
-    return true;
+    return std::all_of(sets.begin(), sets.end(),
+                       [=](const SpsHead& sps) { return conformsTo(sps, profile_idc); });
 }
 
 // The first profile that all sets conform to; 0 when there is none.
@@ -134,24 +132,12 @@ Fault describe(const std::vector<SpsHead>& sets, ConfigurationRecord& record) {
     record.profile_compatibility = 0xFF;
     for (const SpsHead& sps : sets) {
         record.profile_compatibility &= sps.constraint_set_flags;
-        record.AVCLevelIndication =
-            sps.level_idc > record.AVCLevelIndication ? sps.level_idc : record.AVCLevelIndication;
+        record.AVCLevelIndication = std::max(record.AVCLevelIndication, sps.level_idc);
     }
     record.chroma_format = sets[0].chroma_format_idc;
     record.bit_depth_luma_minus8 = sets[0].bit_depth_luma_minus8;
     record.bit_depth_chroma_minus8 = sets[0].bit_depth_chroma_minus8;
     return {};
-}
-
-ConfigurationRecord emptyRecord() {
-    ConfigurationRecord record = {};
-    record.configurationVersion = 1;
-    record.reserved_6bits = 0x3F;
-    record.reserved_3bits = 0x07;
-    record.reserved_6bits_chroma_format = 0x3F;
-    record.reserved_5bits_bit_depth_luma = 0x1F;
-    record.reserved_5bits_bit_depth_chroma = 0x1F;
-    return record;
 }
 
 }  // namespace
@@ -192,7 +178,7 @@ Sized sizeOf(const ConfigurationRecord& record) noexcept {
 }
 
 Written makeConfigurationRecord(const std::vector<Bytes>& units, Framing framing, std::vector<uint8_t>& out) {
-    ConfigurationRecord record = emptyRecord();
+    ConfigurationRecord record;
     Fault fault = detail::setLengthSize(kConfigurationRecord, framing, record.lengthSizeMinusOne);
     if (fault) {
         return {0, fault};

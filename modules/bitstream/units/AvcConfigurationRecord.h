@@ -15,15 +15,16 @@
 namespace qv::avc {
 
 /// AVCDecoderConfigurationRecord, ISO/IEC 14496-15 5.3.3.1. The records of `svcC` and `mvcC` have the same
-/// layout. Units and bytes are borrowed from the record as coded.
+/// layout. Units and bytes are borrowed from the record as coded. A record that was not read has the version
+/// and the reserved bits of the standard, and lengths of four bytes.
 struct ConfigurationRecord {
-    uint32_t configurationVersion;   ///< u(8), 1
-    uint32_t AVCProfileIndication;   ///< u(8), profile_idc
-    uint32_t profile_compatibility;  ///< u(8), constraint_set0_flag in the most significant bit
-    uint32_t AVCLevelIndication;     ///< u(8), level_idc
-    uint32_t reserved_6bits;         ///< u(6), 63 by the standard
-    uint32_t lengthSizeMinusOne;     ///< u(2); 2 is not allowed by the standard, and no fault here
-    uint32_t reserved_3bits;         ///< u(3), 7 by the standard
+    uint32_t configurationVersion = 1;   ///< u(8), 1
+    uint32_t AVCProfileIndication = 0;   ///< u(8), profile_idc
+    uint32_t profile_compatibility = 0;  ///< u(8), constraint_set0_flag in the most significant bit
+    uint32_t AVCLevelIndication = 0;     ///< u(8), level_idc
+    uint32_t reserved_6bits = 63;        ///< u(6), 63 by the standard
+    uint32_t lengthSizeMinusOne = 3;     ///< u(2); 2 is not allowed by the standard, and no fault here
+    uint32_t reserved_3bits = 7;         ///< u(3), 7 by the standard
 
     UnitList sequenceParameterSets;  ///< 0..31 units
     UnitList pictureParameterSets;   ///< 0..255 units
@@ -31,14 +32,14 @@ struct ConfigurationRecord {
     /// Whether the fields from here to the sequence parameter set extensions are there. Only profiles other
     /// than 66, 77 and 88 have them, and older records of those lack them as well: they are read when four
     /// bytes or more are left.
-    bool hasExtension;
-    uint32_t reserved_6bits_chroma_format;     ///< u(6), 63 by the standard
-    uint32_t chroma_format;                    ///< u(2), chroma_format_idc
-    uint32_t reserved_5bits_bit_depth_luma;    ///< u(5), 31 by the standard
-    uint32_t bit_depth_luma_minus8;            ///< u(3)
-    uint32_t reserved_5bits_bit_depth_chroma;  ///< u(5), 31 by the standard
-    uint32_t bit_depth_chroma_minus8;          ///< u(3)
-    UnitList sequenceParameterSetExtensions;   ///< 0..255 units of type 13
+    bool hasExtension = false;
+    uint32_t reserved_6bits_chroma_format = 63;     ///< u(6), 63 by the standard
+    uint32_t chroma_format = 0;                     ///< u(2), chroma_format_idc
+    uint32_t reserved_5bits_bit_depth_luma = 31;    ///< u(5), 31 by the standard
+    uint32_t bit_depth_luma_minus8 = 0;             ///< u(3)
+    uint32_t reserved_5bits_bit_depth_chroma = 31;  ///< u(5), 31 by the standard
+    uint32_t bit_depth_chroma_minus8 = 0;           ///< u(3)
+    UnitList sequenceParameterSetExtensions;        ///< 0..255 units of type 13
 
     /// Bytes after the fields above.
     Bytes rest;

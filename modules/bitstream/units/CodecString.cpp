@@ -1,6 +1,9 @@
 // Codec strings, written and parsed: RFC 6381, ISO/IEC 14496-15 Annex E.
 #include "bitstream/units/CodecString.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "bitstream/units/SpsHead.h"
 
 namespace qv {
@@ -143,12 +146,7 @@ private:
 
 template <size_t size>
 bool contains(const std::string_view (&list)[size], const SampleEntry& entry) noexcept {
-    for (const std::string_view type : list) {
-        if (entry.text() == type) {
-            return true;
-        }
-    }
-    return false;
+    return std::find(std::begin(list), std::end(list), entry.text()) != std::end(list);
 }
 
 // PPCCLL, or profile and level in decimal.

@@ -167,17 +167,11 @@ std::vector<uint8_t> codedArrays(const CollectedByRank& arrays, bool isComplete)
 }
 
 ConfigurationRecord recordOf(const StreamFacts& facts) {
-    ConfigurationRecord record = {};
-    record.configurationVersion = 1;
-    record.reserved_4bits = 0x0F;
+    ConfigurationRecord record;
     record.min_spatial_segmentation_idc = facts.min_spatial_segmentation_idc;
-    record.reserved_6bits_parallelismType = 0x3F;
     record.parallelismType = facts.parallelismType;
-    record.reserved_6bits_chromaFormat = 0x3F;
     record.chromaFormat = facts.chroma_format_idc;
-    record.reserved_5bits_bitDepthLuma = 0x1F;
     record.bitDepthLumaMinus8 = facts.bit_depth_luma_minus8;
-    record.reserved_5bits_bitDepthChroma = 0x1F;
     record.bitDepthChromaMinus8 = facts.bit_depth_chroma_minus8;
     record.avgFrameRate = facts.avgFrameRate;
     record.constantFrameRate = facts.constantFrameRate;

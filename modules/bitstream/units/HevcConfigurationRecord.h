@@ -18,10 +18,10 @@ namespace qv::hevc {
 
 /// The units of one type in a record.
 struct UnitArray {
-    bool array_completeness;  ///< all units of the type are here, none is in the stream
-    bool reserved;            ///< 0 by the standard
-    uint32_t NAL_unit_type;   ///< u(6): VPS, SPS, PPS, SEI (32, 33, 34, 39, 40), or any other
-    UnitList units;           ///< 0..65535 units
+    bool array_completeness = false;  ///< all units of the type are here, none is in the stream
+    bool reserved = false;            ///< 0 by the standard
+    uint32_t NAL_unit_type = 0;       ///< u(6): VPS, SPS, PPS, SEI (32, 33, 34, 39, 40), or any other
+    UnitList units;                   ///< 0..65535 units
 };
 
 /// The arrays of a record, borrowed:
@@ -32,13 +32,13 @@ struct UnitArrays {
     struct End {};
 
     /// How many there are.
-    uint32_t numOfArrays;
+    uint32_t numOfArrays = 0;
 
     /// Their bytes. Where the record ends within an array, it is the last one, with the units that are there.
     Bytes coded;
 
     Iterator begin() const noexcept;
-    End end() const noexcept { return {}; }
+    static End end() noexcept { return {}; }
 };
 
 /// A place among the arrays of a record.
@@ -57,8 +57,8 @@ public:
         return *this;
     }
 
-    friend bool operator==(const Iterator& a, End) noexcept { return a.isAtEnd_; }
-    friend bool operator!=(const Iterator& a, End) noexcept { return !a.isAtEnd_; }
+    friend bool operator==(const Iterator& a, End /*end*/) noexcept { return a.isAtEnd_; }
+    friend bool operator!=(const Iterator& a, End /*end*/) noexcept { return !a.isAtEnd_; }
 
 private:
     friend struct UnitArrays;
@@ -72,30 +72,31 @@ private:
 };
 
 /// HEVCDecoderConfigurationRecord, ISO/IEC 14496-15 8.3.3.1. Units and bytes are borrowed from the record as
-/// coded.
+/// coded. A record that was not read has the version and the reserved bits of the standard, and lengths of
+/// four bytes.
 struct ConfigurationRecord {
-    uint32_t configurationVersion;   ///< u(8), 1; 0 in records of early writers
-    uint32_t general_profile_space;  ///< u(2)
-    bool general_tier_flag;
-    uint32_t general_profile_idc;                  ///< u(5)
-    uint32_t general_profile_compatibility_flags;  ///< u(32), flag 0 in the most significant bit
-    uint64_t general_constraint_indicator_flags;   ///< u(48), general_progressive_source_flag first
-    uint32_t general_level_idc;                    ///< u(8)
-    uint32_t reserved_4bits;                       ///< u(4), 15 by the standard
-    uint32_t min_spatial_segmentation_idc;         ///< u(12), 0 when unknown
-    uint32_t reserved_6bits_parallelismType;       ///< u(6), 63 by the standard
-    uint32_t parallelismType;                ///< u(2): 0 mixed or unknown, 1 slices, 2 tiles, 3 wavefronts
-    uint32_t reserved_6bits_chromaFormat;    ///< u(6), 63 by the standard
-    uint32_t chromaFormat;                   ///< u(2), chroma_format_idc
-    uint32_t reserved_5bits_bitDepthLuma;    ///< u(5), 31 by the standard
-    uint32_t bitDepthLumaMinus8;             ///< u(3)
-    uint32_t reserved_5bits_bitDepthChroma;  ///< u(5), 31 by the standard
-    uint32_t bitDepthChromaMinus8;           ///< u(3)
-    uint32_t avgFrameRate;                   ///< u(16), frames in 256 seconds; 0 when unspecified
-    uint32_t constantFrameRate;              ///< u(2): 0 unknown, 1 constant, 2 in each temporal layer
-    uint32_t numTemporalLayers;              ///< u(3), 0 when unknown
-    bool temporalIdNested;
-    uint32_t lengthSizeMinusOne;  ///< u(2); 2 is not allowed by the standard, and no fault here
+    uint32_t configurationVersion = 1;   ///< u(8), 1; 0 in records of early writers
+    uint32_t general_profile_space = 0;  ///< u(2)
+    bool general_tier_flag = false;
+    uint32_t general_profile_idc = 0;                  ///< u(5)
+    uint32_t general_profile_compatibility_flags = 0;  ///< u(32), flag 0 in the most significant bit
+    uint64_t general_constraint_indicator_flags = 0;   ///< u(48), general_progressive_source_flag first
+    uint32_t general_level_idc = 0;                    ///< u(8)
+    uint32_t reserved_4bits = 15;                      ///< u(4), 15 by the standard
+    uint32_t min_spatial_segmentation_idc = 0;         ///< u(12), 0 when unknown
+    uint32_t reserved_6bits_parallelismType = 63;      ///< u(6), 63 by the standard
+    uint32_t parallelismType = 0;               ///< u(2): 0 mixed or unknown, 1 slices, 2 tiles, 3 wavefronts
+    uint32_t reserved_6bits_chromaFormat = 63;  ///< u(6), 63 by the standard
+    uint32_t chromaFormat = 0;                  ///< u(2), chroma_format_idc
+    uint32_t reserved_5bits_bitDepthLuma = 31;  ///< u(5), 31 by the standard
+    uint32_t bitDepthLumaMinus8 = 0;            ///< u(3)
+    uint32_t reserved_5bits_bitDepthChroma = 31;  ///< u(5), 31 by the standard
+    uint32_t bitDepthChromaMinus8 = 0;            ///< u(3)
+    uint32_t avgFrameRate = 0;                    ///< u(16), frames in 256 seconds; 0 when unspecified
+    uint32_t constantFrameRate = 0;               ///< u(2): 0 unknown, 1 constant, 2 in each temporal layer
+    uint32_t numTemporalLayers = 0;               ///< u(3), 0 when unknown
+    bool temporalIdNested = false;
+    uint32_t lengthSizeMinusOne = 3;  ///< u(2); 2 is not allowed by the standard, and no fault here
     UnitArrays arrays;
 
     /// Bytes after the fields above.
@@ -104,15 +105,15 @@ struct ConfigurationRecord {
 
 /// LHEVCDecoderConfigurationRecord, ISO/IEC 14496-15 clause 9: parameter sets of the layers above the base.
 struct LayerConfigurationRecord {
-    uint32_t configurationVersion;            ///< u(8), 1
-    uint32_t reserved_4bits;                  ///< u(4), 15 by the standard
-    uint32_t min_spatial_segmentation_idc;    ///< u(12)
-    uint32_t reserved_6bits_parallelismType;  ///< u(6), 63 by the standard
-    uint32_t parallelismType;                 ///< u(2)
-    uint32_t reserved_2bits;                  ///< u(2), 3 by the standard
-    uint32_t numTemporalLayers;               ///< u(3)
-    bool temporalIdNested;
-    uint32_t lengthSizeMinusOne;  ///< u(2), that of the `hvcC` beside it
+    uint32_t configurationVersion = 1;             ///< u(8), 1
+    uint32_t reserved_4bits = 15;                  ///< u(4), 15 by the standard
+    uint32_t min_spatial_segmentation_idc = 0;     ///< u(12)
+    uint32_t reserved_6bits_parallelismType = 63;  ///< u(6), 63 by the standard
+    uint32_t parallelismType = 0;                  ///< u(2)
+    uint32_t reserved_2bits = 3;                   ///< u(2), 3 by the standard
+    uint32_t numTemporalLayers = 0;                ///< u(3)
+    bool temporalIdNested = false;
+    uint32_t lengthSizeMinusOne = 3;  ///< u(2), that of the `hvcC` beside it
     UnitArrays arrays;
 
     /// Bytes after the fields above.

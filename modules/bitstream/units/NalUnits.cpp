@@ -1,6 +1,8 @@
 // The walk over the NAL units of a buffer: Annex B of H.264 and H.265, ISO/IEC 14496-15.
 #include "bitstream/units/NalUnits.h"
 
+#include <algorithm>
+
 #include "bitstream/avc/NalUnitType.h"
 #include "bitstream/syntax/Bits.h"
 #include "startcode/StartCodeSearch.h"
@@ -23,12 +25,7 @@ constexpr uint8_t kForbiddenZeroBit = 0x80;
 constexpr uint8_t kAvc3dExtensionFlag = 0x80;
 
 bool isZero(Bytes bytes) noexcept {
-    for (const uint8_t byte : bytes) {
-        if (byte != 0x00) {
-            return false;
-        }
-    }
-    return true;
+    return std::all_of(bytes.begin(), bytes.end(), [](uint8_t byte) { return byte == 0x00; });
 }
 
 uint32_t bigEndian(const uint8_t* bytes, size_t count) noexcept {
@@ -213,6 +210,7 @@ NalUnits::Iterator NalUnits::begin() const noexcept {
     return {buffer_, framing_, codec_};
 }
 
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): a search fills the list
 NalUnits::Iterator::Iterator(Bytes buffer, Framing framing, Codec codec) noexcept
     : buffer_(buffer), framing_(framing), codec_(codec) {
     if (buffer_.empty()) {

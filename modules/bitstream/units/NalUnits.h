@@ -123,7 +123,7 @@ public:
         : buffer_(buffer), framing_(framing), codec_(codec) {}
 
     Iterator begin() const noexcept;
-    End end() const noexcept { return {}; }
+    static End end() noexcept { return {}; }
 
 private:
     Bytes buffer_;
@@ -145,14 +145,15 @@ public:
     const NalUnit* operator->() const noexcept { return &unit_; }
 
     Iterator& operator++() noexcept;
+    // NOLINTNEXTLINE(cert-dcl21-cpp): iterators are not const
     Iterator operator++(int) noexcept {
         const Iterator before = *this;
         ++*this;
         return before;
     }
 
-    friend bool operator==(const Iterator& a, End) noexcept { return a.isAtEnd_; }
-    friend bool operator!=(const Iterator& a, End) noexcept { return !a.isAtEnd_; }
+    friend bool operator==(const Iterator& a, End /*end*/) noexcept { return a.isAtEnd_; }
+    friend bool operator!=(const Iterator& a, End /*end*/) noexcept { return !a.isAtEnd_; }
 
 private:
     friend class NalUnits;

@@ -17,7 +17,10 @@ namespace qv {
 /// Takes bytes in the order of their writing.
 class ByteSink {
 public:
+    ByteSink() = default;
     virtual ~ByteSink() = default;
+    ByteSink(const ByteSink&) = delete;
+    ByteSink& operator=(const ByteSink&) = delete;
 
     /// \p bytes is borrowed until the call returns.
     virtual void write(Bytes bytes) = 0;

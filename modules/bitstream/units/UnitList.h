@@ -16,7 +16,7 @@ namespace qv {
 /// NAL units, each after its length in 16 bits, as decoder configuration records hold them. Borrowed.
 struct UnitList {
     /// How many there are.
-    uint32_t count;
+    uint32_t count = 0;
 
     /// The lengths and the units. Where the record ends within the list, the rest of the record.
     Bytes coded;
