@@ -41,7 +41,7 @@ struct UnitArrays {
     static End end() noexcept { return {}; }
 };
 
-/// A place among the arrays of a record.
+/// An iterator over the arrays of a record.
 class UnitArrays::Iterator {
 public:
     using iterator_category = std::input_iterator_tag;

@@ -13,7 +13,7 @@ namespace {
 
 constexpr size_t kPrefixSize = 3;  // start_code_prefix_one_3bytes
 
-// How far a search looks ahead of the unit that is asked for.
+// Bytes that one search covers, at most.
 constexpr size_t kLookAhead = size_t{256} << 10;
 
 // The fewest bytes of a header with its extension (7.3.1).

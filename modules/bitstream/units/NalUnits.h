@@ -54,7 +54,8 @@ private:
 };
 
 /// One NAL unit of a buffer and what is around it. Its parts follow each other: leading bytes, start code or
-/// NALUnitLength, unit, trailing_zero_8bits. Every byte of a buffer is in a part of one unit.
+/// NALUnitLength, unit, trailing_zero_8bits. Every byte of the buffer belongs to exactly one part of one
+/// unit.
 struct NalUnit {
     /// The unit, from its header to its last byte, borrowed from the buffer. The pointer is one into the
     /// buffer even where the unit is empty.
@@ -131,7 +132,7 @@ private:
     Codec codec_;
 };
 
-/// A place among the units of a buffer. A copy goes its own way from there.
+/// An iterator over the units of a buffer. Copies are independent of each other.
 class NalUnits::Iterator {
 public:
     using iterator_category = std::input_iterator_tag;
@@ -140,7 +141,7 @@ public:
     using pointer = const NalUnit*;
     using reference = const NalUnit&;
 
-    /// The unit, valid until the iterator moves on or goes.
+    /// The unit. The reference is valid until the iterator advances or is destroyed.
     const NalUnit& operator*() const noexcept { return unit_; }
     const NalUnit* operator->() const noexcept { return &unit_; }
 

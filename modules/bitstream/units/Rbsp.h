@@ -38,8 +38,8 @@ constexpr size_t mostEscapedSize(size_t size) {
 size_t escapedSize(Bytes unit, size_t headerBytes) noexcept;
 
 /// Writes a unit, given as header and RBSP, with emulation prevention bytes: one between two zero bytes and a
-/// byte of 0 to 3, and one after an RBSP that ends with a zero byte, which a cabac_zero_word is the only one
-/// to have. unescape() restores the unit if its RBSP ends with whole cabac_zero_words or none.
+/// byte of 0 to 3, and one at the end when the RBSP ends with a zero byte, that is, with cabac_zero_words.
+/// unescape() restores a unit whose RBSP ends with whole cabac_zero_words or with none.
 ///
 /// \param out       the caller's; no byte of it may be the unit's
 /// \param capacity  bytes of \p out. mostEscapedSize() of the unit's size is always enough.

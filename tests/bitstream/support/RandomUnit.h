@@ -178,7 +178,7 @@ public:
         writer_.bytes(n, name, field);
     }
 
-    // Few enough bytes not to be taken for what hasBytes() is asked for.
+    // Always fewer bytes than hasBytes() asks for, so that a reader does not find what the record lacks.
     template <class Name>
     void restOfBytes(const Name& name, qv::Bytes& field) {
         const uint64_t n = pick(4);
