@@ -3,11 +3,13 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
 #include <vector>
 
 #include "../support/Hex.h"
 #include "../support/StructureChecks.h"
+#include "GuardedBuffer.h"
 
 namespace {
 
@@ -71,6 +73,51 @@ TEST(ConfigurationRecord, forms) {
                                      [&](const qv::NalUnit& unit) { units.push_back(hexOf(unit.bytes)); });
         EXPECT_EQ(units, row.units);
     }
+}
+
+template <class Record, class Read>
+void expectSameBytesWhenWritten(qv::Bytes bytes, Read read) {
+    const qv::Read<Record> result = read(bytes);
+    if (!result.ok()) {
+        return;
+    }
+    Bytes written;
+    ASSERT_TRUE(writeConfigurationRecord(result.record, written).ok());
+    ASSERT_EQ(hexOf(bytesOf(written)), hexOf(bytes));
+    ASSERT_EQ(sizeOf(result.record).bits, 8 * bytes.size);
+}
+
+// Whatever the bytes are: nothing outside is touched, units lie within them, and a record that reads without
+// a fault is written as it was read.
+TEST(ConfigurationRecord, damagedRecordsBetweenGuardPages) {
+    std::mt19937_64 random(5);
+    GuardedBuffer guarded(4096);
+    int whole = 0;
+    for (int round = 0; round < 20000; ++round) {
+        const Codec codec = round % 2 == 0 ? Codec::Avc : Codec::Hevc;
+        Bytes bytes = hex(codec == Codec::Avc ? kAvcRecord : kHevcRecord);
+        for (uint64_t changes = random() % 4; changes > 0; --changes) {
+            bytes[random() % bytes.size()] =
+                static_cast<uint8_t>(random() % 2 == 0 ? random() % 4 : random());
+        }
+        bytes.resize(random() % 4 == 0 ? random() % bytes.size() : bytes.size() + random() % 6);
+        SCOPED_TRACE(hexOf(bytesOf(bytes)));
+        const qv::Bytes place = {round % 4 < 2 ? guarded.placeAtEnd(bytes) : guarded.placeAtBegin(bytes),
+                                 bytes.size()};
+        qv::forEachConfigurationUnit(codec, place, [&](const qv::NalUnit& unit) {
+            ASSERT_GE(unit.bytes.begin(), place.begin());
+            ASSERT_LE(unit.bytes.end(), place.end());
+        });
+        whole += qv::hevc::readConfigurationRecord(place).ok() || qv::avc::readConfigurationRecord(place).ok()
+                     ? 1
+                     : 0;
+        expectSameBytesWhenWritten<qv::avc::ConfigurationRecord>(place, qv::avc::readConfigurationRecord);
+        expectSameBytesWhenWritten<qv::hevc::ConfigurationRecord>(place, qv::hevc::readConfigurationRecord);
+        expectSameBytesWhenWritten<qv::hevc::LayerConfigurationRecord>(
+            place, qv::hevc::readLayerConfigurationRecord);
+        ASSERT_FALSE(HasFailure());
+    }
+    EXPECT_GT(whole, 2000);
 }
 
 TEST(UnitList, appendUnit) {
