@@ -1,0 +1,71 @@
+#include "QVSpsCompletion.h"
+
+#include <stddef.h>
+
+#include "bitstream/Bytes.h"
+#include "bitstream/Read.h"
+#include "bitstream/avc/HrdRates.h"
+#include "bitstream/avc/Sps.h"
+
+namespace {
+
+// The result for a parameter set that could not be read to its end.
+int resultOf(const qv::Fault& fault) {
+    const bool isUnusable = fault.kind == qv::FaultKind::EndOfData || fault.kind == qv::FaultKind::OtherUnit;
+    return isUnusable ? QVResultInvalidData : QVResultFailed;
+}
+
+// Lengths, counts and table entries are small: their ranges end far below 2^31.
+int32_t signedOf(uint32_t value) {
+    return static_cast<int32_t>(value);
+}
+
+// video_signal_type and timing_info of vui_parameters(), E.1.1.
+void fillVui(QVAvcSps& sps, const qv::avc::Vui& vui) {
+    sps.video_signal_type_present_flag = vui.video_signal_type_present_flag;
+    sps.full_range = vui.video_full_range_flag;
+    sps.colour_description_present_flag = vui.colour_description_present_flag;
+    sps.colour_primaries = signedOf(vui.colour_primaries);
+    sps.transfer_characteristics = signedOf(vui.transfer_characteristics);
+    sps.colorspace = signedOf(vui.matrix_coefficients);
+
+    sps.timing_info_present_flag = vui.timing_info_present_flag;
+    sps.num_units_in_tick = vui.num_units_in_tick;
+    sps.time_scale = vui.time_scale;
+    sps.fixed_frame_rate_flag = vui.fixed_frame_rate_flag;
+
+    sps.pic_struct_present_flag = vui.pic_struct_present_flag;
+}
+
+// hrd_parameters(), E.1.2.
+void fillHrd(QVAvcSps& sps, const qv::avc::Vui& vui) {
+    sps.nal_hrd_parameters_present_flag = vui.nal_hrd_parameters_present_flag;
+    sps.vcl_hrd_parameters_present_flag = vui.vcl_hrd_parameters_present_flag;
+    const qv::avc::Hrd& hrd =
+        vui.nal_hrd_parameters_present_flag ? vui.nal_hrd_parameters : vui.vcl_hrd_parameters;
+    sps.cpb_cnt = signedOf(hrd.cpb_cnt_minus1) + 1;
+
+    const qv::avc::DelayLengths lengths = qv::avc::delayLengthsOf(vui);
+    sps.initial_cpb_removal_delay_length = signedOf(lengths.initial_cpb_removal_delay);
+    sps.cpb_removal_delay_length = signedOf(lengths.cpb_removal_delay);
+    sps.dpb_output_delay_length = signedOf(lengths.dpb_output_delay);
+    sps.time_offset_length = signedOf(lengths.time_offset);
+}
+
+}  // namespace
+
+int completeAvcSps(QVAvcSps* sps, const unsigned char* data, int size) {
+    if (sps == nullptr) {
+        return QVResultFailed;
+    }
+    if (data == nullptr || size < 1) {
+        return QVResultInvalidData;
+    }
+    const qv::Read<qv::avc::Sps> read = qv::avc::readSps({data, static_cast<size_t>(size)});
+    if (!read.ok()) {
+        return resultOf(read.fault);
+    }
+    fillVui(*sps, read.record.data.vui);
+    fillHrd(*sps, read.record.data.vui);
+    return QVResultOk;
+}

@@ -1,0 +1,45 @@
+/// \file
+/// The VUI and HRD fields of QVAvcSps and QVHevcSps.
+///
+/// parseAvcSps and parseHevcSps stop before the VUI. These functions read it, so that
+/// parserAvcBufferingPeriod, parserAvcPictureTiming and parserHevcPictureTiming find the lengths and flags
+/// that they depend on.
+///
+/// Clauses are those of ITU-T H.264 (08/2021) and H.265 (08/2021).
+#ifndef QV_DEMUXER_QVSPSCOMPLETION_H
+#define QV_DEMUXER_QVSPSCOMPLETION_H
+
+#include "QVAvcSps.h"
+#include "QVHevcSps.h"
+#include "QVResult.h"
+
+/// Fills the VUI and HRD fields of a record from a sequence parameter set (H.264 7.3.2.1.1, E.1.1, E.1.2).
+/// They are these, and all of them are set:
+///
+/// - video_signal_type_present_flag, full_range, colour_description_present_flag, colour_primaries,
+///   transfer_characteristics and colorspace (matrix_coefficients)
+/// - timing_info_present_flag, num_units_in_tick, time_scale and fixed_frame_rate_flag
+/// - nal_hrd_parameters_present_flag, vcl_hrd_parameters_present_flag and pic_struct_present_flag
+/// - cpb_cnt, initial_cpb_removal_delay_length, cpb_removal_delay_length, dpb_output_delay_length and
+///   time_offset_length: of the NAL HRD parameters or, without them, of the VCL ones. E.2.2 requires equal
+///   lengths in both. The counts may differ, but the record holds one: parserAvcBufferingPeriod then reads
+///   the VCL delays with the count of the NAL ones.
+///
+/// An element that is not present, also for want of a VUI, has the value that E.2.1 and E.2.2 infer: colour 2
+/// (unspecified), full_range 0, cpb_cnt 1, each length 24, otherwise 0.
+///
+/// Call it after parseAvcSps, which resets full_range, colorspace and time_offset_length. The other fields of
+/// the record are neither read nor written. Nothing is allocated or logged.
+///
+/// \param[in,out] sps  the caller's record; untouched unless the result is QVResultOk
+/// \param data         the NAL unit from its header on, without start code or length field, with its
+/// emulation
+///                     prevention bytes as in the stream; zero bytes after it are allowed
+/// \param size         bytes at data
+/// \return QVResultOk. QVResultFailed when sps is null or an element of the parameter set is out of its
+/// range.
+///         QVResultInvalidData when data is null, size is below 1, the unit is not of type 7, or it ends
+///         before the end of the parameter set.
+int completeAvcSps(QVAvcSps* sps, const unsigned char* data, int size);
+
+#endif
