@@ -220,7 +220,7 @@ void seq_parameter_set_rbsp(Syntax& s, Sps& sps, const Vps* vps) {
     sps_ref_pic_sets(s, sps);
     s.flag("sps_temporal_mvp_enabled_flag", sps.sps_temporal_mvp_enabled_flag);
     s.flag("strong_intra_smoothing_enabled_flag", sps.strong_intra_smoothing_enabled_flag);
-    infer_vui_parameters(s, sps.vui);
+    infer_vui_parameters(s, sps.vui, sps.profile_tier_level.general);
     s.flag("vui_parameters_present_flag", sps.vui_parameters_present_flag);
     if (sps.vui_parameters_present_flag) {
         vui_parameters(s, sps, !multiLayerExtSpsFlag(sps) || vps != nullptr);

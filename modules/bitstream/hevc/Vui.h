@@ -34,7 +34,7 @@ struct Vui {
 
     bool neutral_chroma_indication_flag;
     bool field_seq_flag;
-    bool frame_field_info_present_flag;
+    bool frame_field_info_present_flag;  ///< not present: 1 if both general source flags are 1
 
     bool default_display_window_flag;
     uint32_t def_disp_win_left_offset;    ///< ue(v), in SubWidthC

@@ -11,11 +11,13 @@ namespace qv::hevc {
 
 // The values of elements that are not present, E.3.1
 template <class Syntax>
-void infer_vui_parameters(Syntax& s, Vui& vui) {
+void infer_vui_parameters(Syntax& s, Vui& vui, const ProfileTier& general) {
     s.infer(vui.video_format, 5);
     s.infer(vui.colour_primaries, 2);
     s.infer(vui.transfer_characteristics, 2);
     s.infer(vui.matrix_coeffs, 2);
+    s.infer(vui.frame_field_info_present_flag,
+            general.progressive_source_flag && general.interlaced_source_flag);
     s.infer(vui.motion_vectors_over_pic_boundaries_flag, true);
     s.infer(vui.max_bytes_per_pic_denom, 2);
     s.infer(vui.max_bits_per_min_cu_denom, 1);

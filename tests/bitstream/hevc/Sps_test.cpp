@@ -395,6 +395,21 @@ TEST(HevcSps, valuesInferredWithoutVui) {
     EXPECT_EQ(vui.log2_max_mv_length_vertical, 15U);
 }
 
+// Pictures of a stream that may be either progressive or interlaced say which they are.
+TEST(HevcSps, frameFieldInfoInferredWithoutVui) {
+    BitWriter bits;
+    headOfSps(bits);
+    refPicSets(bits);
+    bits.u(1, "vui_parameters_present_flag", 0).u(1, "sps_extension_present_flag", 0);
+    std::vector<uint8_t> rbsp = bits.trailingBits().bytes();
+    for (const uint8_t sourceFlags : std::vector<uint8_t>{0x00, 0x40, 0x80, 0xC0}) {
+        rbsp[6] = sourceFlags;  // general_progressive_source_flag and the 7 bits after it
+        const qv::Read<Sps> read = qv::hevc::readSps(bytesOf(hevcUnitOf(33, rbsp)));
+        ASSERT_TRUE(read.ok());
+        EXPECT_EQ(read.record.vui.frame_field_info_present_flag, sourceFlags == 0xC0) << int{sourceFlags};
+    }
+}
+
 TEST(HevcSps, cutByHandAtEveryBit) {
     const BitWriter bits = wholeSps();
     const std::vector<uint8_t> unit = hevcUnit(33, bits);
