@@ -1,18 +1,10 @@
 #include "AvcVuiSyntax.h"
 
-#include "SyntaxElements.h"
+#include "SpsHead.h"
 
 namespace qv_test {
 
 namespace {
-
-void writeHead(BitWriter& bits) {
-    bits.u(8, "header", 0x67).u(8, "profile_idc", 77).u(8, "constraint flags", 0).u(8, "level_idc", 10);
-    bits.ue("seq_parameter_set_id", 3).ue("log2_max_frame_num_minus4", 0).ue("pic_order_cnt_type", 2);
-    bits.ue("max_num_ref_frames", 1).u(1, "gaps_in_frame_num_value_allowed_flag", 0);
-    bits.ue("pic_width_in_mbs_minus1", 0).ue("pic_height_in_map_units_minus1", 0);
-    bits.u(1, "frame_mbs_only_flag", 1).u(1, "direct_8x8_inference_flag", 1).u(1, "frame_cropping_flag", 0);
-}
 
 void writeHrd(BitWriter& bits, const AvcHrdSyntax& hrd) {
     bits.ue("cpb_cnt_minus1", hrd.cpb_cnt_minus1);
@@ -100,9 +92,8 @@ AvcHrdSyntax avcHrd(uint32_t cpb_cnt_minus1) {
     return hrd;
 }
 
-BitWriter avcSpsWithVui(const AvcVuiSyntax& vui) {
-    BitWriter bits;
-    writeHead(bits);
+BitWriter avcSpsWithVui(const AvcVuiSyntax& vui, const AvcSpsChange& change) {
+    BitWriter bits = spsHeadOf(avcSps(change));
     bits.u(1, "vui_parameters_present_flag", 1);
     writePicture(bits, vui);
     writeTiming(bits, vui);

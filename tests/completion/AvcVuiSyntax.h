@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "AvcSpsSyntax.h"
 #include "BitWriter.h"
 
 namespace qv_test {
@@ -68,9 +69,9 @@ struct AvcVuiSyntax {
     uint32_t max_dec_frame_buffering = 1;
 };
 
-// A Main profile parameter set of one macroblock that ends with these VUI parameters and
-// rbsp_trailing_bits(), header byte included, without emulation prevention.
-BitWriter avcSpsWithVui(const AvcVuiSyntax& vui);
+// A parameter set that ends with these VUI parameters and rbsp_trailing_bits(), header byte included, without
+// emulation prevention.
+BitWriter avcSpsWithVui(const AvcVuiSyntax& vui, const AvcSpsChange& change = {});
 
 }  // namespace qv_test
 

@@ -14,6 +14,7 @@
 #include "GuardedBuffer.h"
 #include "QVNaluParser.h"
 #include "QVSpsCompletion.h"
+#include "SpsHead.h"
 #include "SyntaxElements.h"
 
 namespace qv_test {
@@ -81,9 +82,7 @@ protected:
     int complete(const Bytes& unit) {
         return completeAvcSps(&sps, unit.data(), static_cast<int>(unit.size()));
     }
-    int complete(const AvcVuiSyntax& vui) {
-        return complete(withEmulationPrevention(avcSpsWithVui(vui).bytes()));
-    }
+    int complete(const AvcVuiSyntax& vui) { return complete(spsUnitOf(avcSpsWithVui(vui))); }
 
     // Into a pattern record, without a log line, leaving every byte as it was.
     void expectRefused(const Bytes& unit, int result) {
@@ -266,11 +265,12 @@ TEST_F(AvcSpsCompletion, completesAParsedRecord) {
 TEST_F(AvcSpsCompletion, emulationPreventionBytes) {
     AvcVuiSyntax vui = fullVui();
     vui.num_units_in_tick = 1;
-    Bytes rbsp = avcSpsWithVui(vui).bytes();
-    rbsp[1] = 0;  // profile_idc
-    rbsp[3] = 1;  // level_idc
-    const Bytes unit = withEmulationPrevention(rbsp);
-    ASSERT_EQ(unit.size(), rbsp.size() + 2);
+    const BitWriter syntax = avcSpsWithVui(vui, [](AvcSpsSyntax& head) {
+        head.profile_idc = 0;
+        head.level_idc = 1;
+    });
+    const Bytes unit = spsUnitOf(syntax);
+    ASSERT_EQ(unit.size(), syntax.bytes().size() + 2);
     ASSERT_EQ(complete(unit), QVResultOk);
     EXPECT_EQ(sps.transfer_characteristics, 16);
     EXPECT_EQ(sps.num_units_in_tick, 1U);
@@ -281,14 +281,14 @@ TEST_F(AvcSpsCompletion, emulationPreventionBytes) {
 
 // The scan of the library leaves trailing_zero_8bits in the unit before them.
 TEST_F(AvcSpsCompletion, zeroBytesAfterTheUnit) {
-    Bytes unit = withEmulationPrevention(avcSpsWithVui(fullVui()).bytes());
+    Bytes unit = spsUnitOf(avcSpsWithVui(fullVui()));
     unit.insert(unit.end(), 3, 0);
     EXPECT_EQ(complete(unit), QVResultOk);
     EXPECT_EQ(sps.cpb_cnt, 5);
 }
 
 TEST_F(AvcSpsCompletion, missingArguments) {
-    const Bytes unit = avcSpsWithVui(fullVui()).bytes();
+    const Bytes unit = spsUnitOf(avcSpsWithVui(fullVui()));
     const int size = static_cast<int>(unit.size());
     EXPECT_EQ(completeAvcSps(nullptr, unit.data(), size), QVResultFailed);
     EXPECT_EQ(completeAvcSps(nullptr, nullptr, 0), QVResultFailed);
@@ -304,7 +304,7 @@ TEST_F(AvcSpsCompletion, missingArguments) {
 }
 
 TEST_F(AvcSpsCompletion, otherUnits) {
-    Bytes unit = withEmulationPrevention(avcSpsWithVui(fullVui()).bytes());
+    Bytes unit = spsUnitOf(avcSpsWithVui(fullVui()));
     for (uint8_t type = 0; type < 32; ++type) {
         SCOPED_TRACE(int{type});
         unit[0] = static_cast<uint8_t>(0x60 | type);
@@ -322,16 +322,11 @@ TEST_F(AvcSpsCompletion, truncated) {
     const size_t end = endOf(syntax, "max_dec_frame_buffering");
     for (size_t bits = 8; bits < end; ++bits) {
         SCOPED_TRACE(std::to_string(bits) + "\n" + syntax.map());
-        BitWriter cut;
-        const Bytes whole = syntax.bytesCutAt(bits);
-        for (size_t bit = 0; bit < bits; ++bit) {
-            cut.u(1, "", static_cast<uint64_t>(whole[bit / 8] >> (7 - bit % 8) & 1));
-        }
-        expectRefused(withEmulationPrevention(cut.trailingBits().bytes()), QVResultInvalidData);
+        expectRefused(spsUnitCutAt(syntax, bits), QVResultInvalidData);
         ASSERT_FALSE(HasFailure());
     }
 
-    const Bytes unit = withEmulationPrevention(syntax.bytes());
+    const Bytes unit = spsUnitOf(syntax);
     GuardedBuffer guarded(unit.size());
     for (size_t size = 1; size < unit.size(); ++size) {
         SCOPED_TRACE(size);
@@ -363,7 +358,7 @@ TEST_F(AvcSpsCompletion, valuesOutOfRange) {
         SCOPED_TRACE(each.name);
         AvcVuiSyntax vui = fullVui();
         each.change(vui);
-        expectRefused(withEmulationPrevention(avcSpsWithVui(vui).bytes()), QVResultFailed);
+        expectRefused(spsUnitOf(avcSpsWithVui(vui)), QVResultFailed);
     }
     SCOPED_TRACE("an element before the VUI");
     expectRefused(avcSps([](AvcSpsSyntax& syntax) { syntax.seq_parameter_set_id = 32; }).bytes(),
@@ -371,7 +366,7 @@ TEST_F(AvcSpsCompletion, valuesOutOfRange) {
 }
 
 TEST_F(AvcSpsCompletion, allocatesNothing) {
-    const Bytes unit = withEmulationPrevention(avcSpsWithVui(fullVui()).bytes());
+    const Bytes unit = spsUnitOf(avcSpsWithVui(fullVui()));
     const int size = static_cast<int>(unit.size());
     const AllocationFault blocks(Allocator::Malloc, 0);
     const AllocationFault objects(Allocator::New, 0);

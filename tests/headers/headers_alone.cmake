@@ -1,7 +1,8 @@
 cmake_minimum_required(VERSION 3.22)
 
 # Each public header compiles alone and when included twice, without warnings.
-set(folders ${ROOT}/modules/core ${ROOT}/modules/core/standalone ${ROOT}/modules/demuxer/low_level/common)
+set(folders ${ROOT}/modules/core ${ROOT}/modules/core/standalone ${ROOT}/modules/demuxer/low_level/common
+  ${ROOT}/modules/demuxer/low_level/completion)
 set(flags -std=c++${STANDARD} -fsyntax-only -x c++ -Werror -Wall -Wextra -Wpedantic)
 if(COMPILER MATCHES "clang")
   # All warnings except those about features that older language versions lack and about padding in records.

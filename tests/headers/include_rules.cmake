@@ -3,10 +3,12 @@ cmake_minimum_required(VERSION 3.22)
 # The player's library includes only its own headers, the contracts of modules/core, the start-code search and the
 # standard library, so nothing of the stand-alone core. Nothing outside the library includes its detail/ folder. The
 # standards' library includes its own headers, the start-code search and the standard library. The start-code search
-# includes only itself and the standard library; only the libraries and the inspector include it.
+# includes only itself and the standard library; only the libraries and the inspector include it. The completion
+# includes public headers of both libraries.
 set(library ${ROOT}/modules/demuxer/low_level/common)
 set(bitstream ${ROOT}/modules/bitstream)
 set(startcode ${ROOT}/modules/startcode)
+set(completion ${ROOT}/modules/demuxer/low_level/completion)
 set(failures "")
 
 function(quoted_includes file result)
@@ -48,6 +50,17 @@ only_from(bitstream "^(bitstream|startcode)/")
 file(GLOB_RECURSE startcode_files ${startcode}/*.h ${startcode}/*.cpp)
 only_from(startcode "^startcode/")
 
+file(GLOB_RECURSE completion_files ${completion}/*.h ${completion}/*.cpp)
+foreach(file IN LISTS completion_files)
+  quoted_includes(${file} names)
+  foreach(name IN LISTS names)
+    if(name MATCHES "detail/|Syntax\\.h$" OR (NOT EXISTS ${completion}/${name} AND NOT EXISTS ${library}/${name}
+       AND NOT (name MATCHES "^bitstream/" AND EXISTS ${ROOT}/modules/${name})))
+      list(APPEND failures "${file} includes ${name}")
+    endif()
+  endforeach()
+endforeach()
+
 file(GLOB_RECURSE other_files
   ${ROOT}/modules/core/*.h ${ROOT}/modules/core/*.cpp ${ROOT}/tools/*.h ${ROOT}/tools/*.cpp
   ${ROOT}/tests/*.h ${ROOT}/tests/*.cpp ${ROOT}/bench/*.cpp ${ROOT}/fuzz/*.cpp ${ROOT}/examples/*.cpp)
@@ -74,7 +87,7 @@ if(failures)
   string(REPLACE ";" "\n" failures "${failures}")
   message(FATAL_ERROR "${failures}")
 endif()
-foreach(folder library bitstream startcode)
+foreach(folder library bitstream startcode completion)
   list(LENGTH ${folder}_files count)
   if(count EQUAL 0)
     message(FATAL_ERROR "no sources below ${${folder}}")

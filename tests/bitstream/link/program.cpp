@@ -1,4 +1,5 @@
-// A program that links the player's library, the standards' library or both, and asks what it links.
+// A program that links the player's library, the standards' library, both, or the completion on top of them,
+// and asks what it links.
 #include <cstddef>
 #include <cstdio>
 
@@ -10,6 +11,9 @@
 #endif
 #if defined(WITH_BITSTREAM)
 #include "bitstream/units/NalUnits.h"
+#endif
+#if defined(WITH_COMPLETION)
+#include "QVSpsCompletion.h"
 #endif
 
 namespace {
@@ -36,6 +40,14 @@ size_t unitsOfStandardsLibrary() {
 }
 #endif
 
+#if defined(WITH_COMPLETION)
+// A parameter set that ends after its second byte.
+bool completionFindsTheEnd() {
+    QVAvcSps sps = {};
+    return completeAvcSps(&sps, kStream + 4, 2) == QVResultInvalidData;
+}
+#endif
+
 }  // namespace
 
 int main() {
@@ -48,6 +60,12 @@ int main() {
 #if defined(WITH_BITSTREAM)
     if (unitsOfStandardsLibrary() != kUnits) {
         std::puts("the standards' library finds other units");
+        return 1;
+    }
+#endif
+#if defined(WITH_COMPLETION)
+    if (!completionFindsTheEnd()) {
+        std::puts("the completion misses the end of the data");
         return 1;
     }
 #endif

@@ -6,8 +6,13 @@
 #include "bitstream/Read.h"
 #include "bitstream/avc/HrdRates.h"
 #include "bitstream/avc/Sps.h"
+#include "bitstream/hevc/Sps.h"
 
 namespace {
+
+bool isBuffer(const unsigned char* data, int size) {
+    return data != nullptr && size >= 1;
+}
 
 // The result for a parameter set that could not be read to its end.
 int resultOf(const qv::Fault& fault) {
@@ -20,7 +25,7 @@ int32_t signedOf(uint32_t value) {
     return static_cast<int32_t>(value);
 }
 
-// video_signal_type and timing_info of vui_parameters(), E.1.1.
+// vui_parameters() of H.264, E.1.1.
 void fillVui(QVAvcSps& sps, const qv::avc::Vui& vui) {
     sps.video_signal_type_present_flag = vui.video_signal_type_present_flag;
     sps.full_range = vui.video_full_range_flag;
@@ -37,7 +42,7 @@ void fillVui(QVAvcSps& sps, const qv::avc::Vui& vui) {
     sps.pic_struct_present_flag = vui.pic_struct_present_flag;
 }
 
-// hrd_parameters(), E.1.2.
+// hrd_parameters() of H.264, E.1.2.
 void fillHrd(QVAvcSps& sps, const qv::avc::Vui& vui) {
     sps.nal_hrd_parameters_present_flag = vui.nal_hrd_parameters_present_flag;
     sps.vcl_hrd_parameters_present_flag = vui.vcl_hrd_parameters_present_flag;
@@ -52,13 +57,40 @@ void fillHrd(QVAvcSps& sps, const qv::avc::Vui& vui) {
     sps.time_offset_length = signedOf(lengths.time_offset);
 }
 
+// vui_parameters() of H.265, E.2.1.
+void fillVui(QVHevcSps& sps, const qv::hevc::Vui& vui) {
+    sps.aspect_ratio_info_present_flag = vui.aspect_ratio_info_present_flag;
+    sps.aspect_ratio_idc = signedOf(vui.aspect_ratio_idc);
+    sps.sar_width = signedOf(vui.sar_width);
+    sps.sar_height = signedOf(vui.sar_height);
+
+    sps.overscan_info_present_flag = vui.overscan_info_present_flag;
+    sps.overscan_appropriate_flag = vui.overscan_appropriate_flag;
+
+    sps.video_signal_type_present_flag = vui.video_signal_type_present_flag;
+    sps.video_format = signedOf(vui.video_format);
+    sps.video_full_range_flag = vui.video_full_range_flag;
+    sps.colour_description_present_flag = vui.colour_description_present_flag;
+    sps.colour_primaries = signedOf(vui.colour_primaries);
+    sps.transfer_characteristics = signedOf(vui.transfer_characteristics);
+    sps.matrix_coeffs = signedOf(vui.matrix_coeffs);
+
+    sps.chroma_loc_info_present_flag = vui.chroma_loc_info_present_flag;
+    sps.chroma_sample_loc_type_top_field = signedOf(vui.chroma_sample_loc_type_top_field);
+    sps.chroma_sample_loc_type_bottom_field = signedOf(vui.chroma_sample_loc_type_bottom_field);
+
+    sps.neutral_chroma_indication_flag = vui.neutral_chroma_indication_flag;
+    sps.field_seq_flag = vui.field_seq_flag;
+    sps.frame_field_info_present_flag = vui.frame_field_info_present_flag;
+}
+
 }  // namespace
 
 int completeAvcSps(QVAvcSps* sps, const unsigned char* data, int size) {
     if (sps == nullptr) {
         return QVResultFailed;
     }
-    if (data == nullptr || size < 1) {
+    if (!isBuffer(data, size)) {
         return QVResultInvalidData;
     }
     const qv::Read<qv::avc::Sps> read = qv::avc::readSps({data, static_cast<size_t>(size)});
@@ -67,5 +99,21 @@ int completeAvcSps(QVAvcSps* sps, const unsigned char* data, int size) {
     }
     fillVui(*sps, read.record.data.vui);
     fillHrd(*sps, read.record.data.vui);
+    return QVResultOk;
+}
+
+int completeHevcSps(QVHevcSps* sps, const unsigned char* data, int size) {
+    if (sps == nullptr) {
+        return QVResultFailed;
+    }
+    if (!isBuffer(data, size)) {
+        return QVResultInvalidData;
+    }
+    const qv::Read<qv::hevc::Sps> read = qv::hevc::readSps({data, static_cast<size_t>(size)});
+    if (!read.ok()) {
+        return resultOf(read.fault);
+    }
+    sps->vui_parameters_present_flag = read.record.vui_parameters_present_flag;
+    fillVui(*sps, read.record.vui);
     return QVResultOk;
 }

@@ -42,4 +42,25 @@
 ///         before the end of the parameter set.
 int completeAvcSps(QVAvcSps* sps, const unsigned char* data, int size);
 
+/// Fills the VUI fields of a record from a sequence parameter set (H.265 7.3.2.2, E.2.1): all fields from
+/// vui_parameters_present_flag to frame_field_info_present_flag are set. The record has no HRD fields.
+///
+/// An element that is not present, also for want of a VUI, has the value that E.3.1 infers: video_format 5
+/// and colour 2 (unspecified), frame_field_info_present_flag 1 when general_progressive_source_flag and
+/// general_interlaced_source_flag are both 1, otherwise 0.
+///
+/// The other fields of the record are neither read nor written. Nothing is allocated or logged.
+///
+/// \param[in,out] sps  the caller's record; untouched unless the result is QVResultOk
+/// \param data         the NAL unit from its header on, without start code or length field, with its
+/// emulation
+///                     prevention bytes as in the stream; zero bytes after it are allowed
+/// \param size         bytes at data
+/// \return QVResultOk. QVResultFailed when sps is null or an element of the parameter set is out of its
+/// range,
+///         also when the unit has a nuh_layer_id above 0 and depends on its VPS for elements that follow.
+///         QVResultInvalidData when data is null, size is below 1, the unit is not of type 33, or it ends
+///         before the end of the parameter set.
+int completeHevcSps(QVHevcSps* sps, const unsigned char* data, int size);
+
 #endif
