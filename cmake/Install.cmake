@@ -17,10 +17,20 @@ endif()
 
 install(FILES ${qvnalu_public_headers} DESTINATION ${headers} COMPONENT development)
 
+install(FILES ${PROJECT_SOURCE_DIR}/modules/demuxer/low_level/completion/QVSpsCompletion.h
+  DESTINATION ${headers} COMPONENT development)
+# The headers of the standards' library keep their folders. Those of its syntax functions and of their uses are
+# private, except the reader, which a public record contains.
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/modules/bitstream DESTINATION ${headers} COMPONENT development
+  FILES_MATCHING PATTERN "*.h"
+  PATTERN "*Syntax.h" EXCLUDE
+  REGEX "/syntax/(EmulationPrevention|Tracer|Uses|Writer)\\.h$" EXCLUDE
+  REGEX "/units/(ConfigurationFault|SpsHead)\\.h$" EXCLUDE)
+
 install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md
   DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
 
-install(TARGETS qvnalu EXPORT qvnalu_${kind}
+install(TARGETS qvnalu qvbitstream qvsps_completion EXPORT qvnalu_${kind}
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
   INCLUDES DESTINATION ${headers} ${CMAKE_INSTALL_INCLUDEDIR})
@@ -28,6 +38,8 @@ install(TARGETS qvcore_standalone EXPORT qvnalu_core
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
   INCLUDES DESTINATION ${headers} ${CMAKE_INSTALL_INCLUDEDIR})
 set_target_properties(qvnalu PROPERTIES EXPORT_NAME nalu)
+set_target_properties(qvbitstream PROPERTIES EXPORT_NAME bitstream)
+set_target_properties(qvsps_completion PROPERTIES EXPORT_NAME sps_completion)
 set_target_properties(qvcore_standalone PROPERTIES EXPORT_NAME core_standalone)
 foreach(targets ${kind} core)
   install(EXPORT qvnalu_${targets} FILE qvnalu-${targets}-targets.cmake NAMESPACE qv::
@@ -45,7 +57,7 @@ install(FILES ${PROJECT_BINARY_DIR}/qvnaluConfig.cmake ${PROJECT_BINARY_DIR}/qvn
 set(from_here ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig)
 file(RELATIVE_PATH QVNALU_PC_PREFIX ${from_here} ${CMAKE_INSTALL_PREFIX})
 file(RELATIVE_PATH QVNALU_PC_INCLUDEDIR ${from_here} ${CMAKE_INSTALL_FULL_INCLUDEDIR})
-foreach(name qvnalu qvcore_standalone)
+foreach(name qvnalu qvbitstream qvsps_completion qvcore_standalone)
   configure_file(${PROJECT_SOURCE_DIR}/cmake/${name}.pc.in ${PROJECT_BINARY_DIR}/${name}.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/${name}.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)

@@ -59,11 +59,17 @@ class QvnaluConan(ConanFile):
 
     def package_info(self):
         self.cpp_info.set_property("cmake_file_name", "qvnalu")
-        # Neither requires the other: the core may be the program's own. A program that links both names the
+        # The library does not require the core, which may be the program's own. A program that links both names the
         # library first.
-        for component, library in (("nalu", "qvnalu"), ("core_standalone", "qvcore_standalone")):
+        for component, library, requires in (
+            ("nalu", "qvnalu", []),
+            ("core_standalone", "qvcore_standalone", []),
+            ("bitstream", "qvbitstream", []),
+            ("sps_completion", "qvsps_completion", ["nalu", "bitstream"]),
+        ):
             info = self.cpp_info.components[component]
             info.libs = [library]
+            info.requires = requires
             info.includedirs = [os.path.join("include", "qvnalu"), "include"]
             info.set_property("cmake_target_name", f"qv::{component}")
             info.set_property("pkg_config_name", library)

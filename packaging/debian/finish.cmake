@@ -24,5 +24,5 @@ set(sections --remove-section=.comment --remove-section=.note)
 staged(archives *.a)
 execute_process(COMMAND strip --strip-debug ${sections} --enable-deterministic-archives ${archives}
   COMMAND_ERROR_IS_FATAL ANY)
-staged(programs libqvnalu.so.*.*.* bin/qvinspect)
+staged(programs libqvnalu.so.*.*.* libqvbitstream.so.*.*.* bin/qvinspect)
 execute_process(COMMAND strip --strip-unneeded ${sections} ${programs} COMMAND_ERROR_IS_FATAL ANY)

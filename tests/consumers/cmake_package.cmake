@@ -6,7 +6,7 @@ write_readme_program(${WORK}/readme.cpp)
 configure(${SOURCE}/examples ${WORK}/build
   -DCMAKE_BUILD_TYPE=Debug -DCMAKE_PREFIX_PATH=${PREFIX} -DUNITS_SOURCE=${WORK}/readme.cpp)
 run(${CMAKE_COMMAND} --build ${WORK}/build)
-foreach(program units player)
+foreach(program units timing player)
   expect_kind(${KIND} ${WORK}/build/${program})
 endforeach()
 run_examples(${WORK}/build)

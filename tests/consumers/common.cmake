@@ -57,9 +57,12 @@ function(write_prefixed_program file)
   file(WRITE ${file} "${prefixed}")
 endfunction()
 
-# run_examples(FOLDER): both programs print what is expected.
+# run_examples(FOLDER): the programs print what is expected.
 function(run_examples folder)
   expect_output(units.txt ${folder}/units ${SOURCE}/samples/hevc_hdr10.h265)
+  foreach(stream avc_hrd_picstruct.h264 hevc_interlace_tff.h265)
+    expect_output(timing_${stream}.txt ${folder}/timing ${SOURCE}/tests/streams/bundled/${stream})
+  endforeach()
   foreach(sample avc_avc1 hevc_hdr_vivid)
     expect_output(player_${sample}.txt ${folder}/player ${SOURCE}/samples/${sample}.mp4)
   endforeach()

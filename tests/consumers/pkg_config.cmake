@@ -15,6 +15,7 @@ write_readme_program(${WORK}/readme.cpp)
 build(units ${WORK}/readme.cpp "qvnalu;qvcore_standalone")
 write_prefixed_program(${WORK}/prefixed.cpp)
 build(prefixed ${WORK}/prefixed.cpp "qvnalu;qvcore_standalone")
+build(timing ${SOURCE}/examples/timing.cpp "qvsps_completion;qvcore_standalone")
 build(player "${SOURCE}/examples/player/player.cpp;${SOURCE}/examples/player/core.cpp"
   "qvnalu;libavformat;libavcodec;libavutil")
 run(${PKG_CONFIG} --modversion qvnalu)
@@ -26,3 +27,19 @@ endif()
 set(ENV{LD_LIBRARY_PATH} ${PREFIX}/lib)
 run_examples(${WORK})
 expect_output(units.txt ${WORK}/prefixed ${SOURCE}/samples/hevc_hdr10.h265)
+
+# Every installed header of the standards' library compiles, and the library links alone.
+file(GLOB_RECURSE headers RELATIVE ${PREFIX}/include/qvnalu ${PREFIX}/include/qvnalu/bitstream/*.h)
+list(LENGTH headers count)
+if(count LESS 40)
+  message(FATAL_ERROR "only ${count} headers of the standards' library are installed")
+endif()
+list(TRANSFORM headers REPLACE "(.+)" "#include \"\\1\"\n")
+list(JOIN headers "" includes)
+file(WRITE ${WORK}/bitstream.cpp "${includes}
+int main() { return qv::avc::readSps({}).ok() ? 1 : 0; }
+")
+run(${PKG_CONFIG} --cflags --libs qvbitstream)
+separate_arguments(flags UNIX_COMMAND "${output}")
+run(${LAUNCHER} ${COMPILER} -std=c++17 -Wall -Wextra -Werror -o ${WORK}/bitstream ${WORK}/bitstream.cpp ${flags})
+run(${WORK}/bitstream)
