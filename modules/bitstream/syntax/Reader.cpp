@@ -9,9 +9,6 @@ namespace {
 
 constexpr size_t kWindowBytes = 8;
 
-// Bits of a window that has no room for another byte.
-constexpr uint32_t kFullWindow = 57;
-
 // The end of the last byte of [begin, end) that is not zero: cabac_zero_words, the emulation prevention byte
 // that ends a unit after one (H.264 7.4.1, H.265 7.4.2.1), and trailing_zero_8bits are past it.
 const uint8_t* endOfStopBit(const uint8_t* unit, const uint8_t* begin, const uint8_t* end) noexcept {
@@ -120,15 +117,8 @@ void Reader::endOfWindow() noexcept {
     }
 }
 
-// A code that the window did not hold: it crosses the end of the window, is longer than any window, or ends
-// with the data.
+// A code that a full window does not hold: it is longer than any window, or ends with the data.
 uint32_t Reader::longCodeNum(Element element) noexcept {
-    if (count_ < kFullWindow) {
-        refill(kFullWindow);
-    }
-    if (holdsCode()) {
-        return static_cast<uint32_t>(take(2 * detail::leadingZeroBits(bits_) + 1)) - 1;
-    }
     const uint64_t firstBit = position();
     const uint32_t leadingZeroBits =
         bits_ != 0 ? detail::leadingZeroBits(bits_) : static_cast<uint32_t>(count_);

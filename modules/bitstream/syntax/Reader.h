@@ -250,6 +250,9 @@ public:
 private:
     static constexpr uint32_t kMostLeadingZeroBits = 31;
 
+    // Bits of a window that has no room for another byte.
+    static constexpr uint32_t kFullWindow = 57;
+
     // Bits of the ue(v) code of a code number.
     static uint32_t ueWidth(uint32_t code) noexcept {
         return 127 - 2 * detail::leadingZeroBits(uint64_t{code} + 1);
@@ -283,7 +286,12 @@ private:
             return 0;
         }
         if (!holdsCode()) {
-            return longCodeNum(detail::elementOf(name));
+            if (count_ < kFullWindow) {
+                refill(kFullWindow);
+            }
+            if (!holdsCode()) {
+                return longCodeNum(detail::elementOf(name));
+            }
         }
         return static_cast<uint32_t>(take(2 * detail::leadingZeroBits(bits_) + 1)) - 1;
     }
