@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "../../support/BitWriter.h"
+#include "../support/CodedUnit.h"
 #include "../support/StructureChecks.h"
 #include "bitstream/hevc/Vps.h"
 
@@ -19,18 +20,9 @@ namespace qv_test {
 // A unit of bytes of an RBSP: with its header and emulation prevention bytes.
 inline std::vector<uint8_t> hevcUnitOf(uint32_t nal_unit_type, const std::vector<uint8_t>& rbsp,
                                        uint32_t nuh_layer_id = 0) {
-    std::vector<uint8_t> unit = {static_cast<uint8_t>(nal_unit_type << 1 | nuh_layer_id >> 5),
-                                 static_cast<uint8_t>((nuh_layer_id & 31) << 3 | 1)};
-    int zeros = 0;
-    for (const uint8_t byte : rbsp) {
-        if (zeros == 2 && byte <= 3) {
-            unit.push_back(3);
-            zeros = 0;
-        }
-        unit.push_back(byte);
-        zeros = byte == 0 ? zeros + 1 : 0;
-    }
-    return unit;
+    return coded({static_cast<uint8_t>(nal_unit_type << 1 | nuh_layer_id >> 5),
+                  static_cast<uint8_t>((nuh_layer_id & 31) << 3 | 1)},
+                 rbsp);
 }
 
 // A unit with rbsp_trailing_bits() after the elements.
