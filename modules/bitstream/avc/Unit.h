@@ -1,0 +1,38 @@
+/// \file
+/// Any H.264 NAL unit: its elements, and its bytes written from its record.
+#ifndef QV_BITSTREAM_AVC_UNIT_H
+#define QV_BITSTREAM_AVC_UNIT_H
+
+#include <cstdint>
+#include <vector>
+
+#include "bitstream/Bytes.h"
+#include "bitstream/avc/ParameterSets.h"
+#include "bitstream/syntax/Trace.h"
+#include "bitstream/units/UnitUses.h"
+
+namespace qv::avc {
+
+/// The syntax structure of the RBSP of a type, Table 7-1, without parentheses:
+/// "seq_parameter_set_rbsp". Null for reserved and unspecified types.
+const char* structureOf(uint32_t nal_unit_type) noexcept;
+
+/// Reports every element of a unit in bitstream order: all of parameter sets (types 7, 8, 13 and 15),
+/// delimiters (9), ends (10 and 11), filler data (12) and prefix units (14), and the header of all others.
+///
+/// \param unit  one NAL unit from its header on, without start code or length
+/// \param sets  the sets in force before the unit. A PPS is read with the chroma_format_idc of the SPS that
+///              it refers to, and with that of 4:2:0 when there is none.
+UnitTrace traceUnit(Bytes unit, const ParameterSets& sets, TraceVisitor& visitor);
+
+/// Reads a unit of one of the types that traceUnit() covers whole into its record, and appends what is
+/// written from the record to \p out. When the unit is of another type, has a fault, or would have other
+/// bytes, nothing is appended.
+///
+/// \param unit  one NAL unit from its header on; must not be part of \p out
+/// \param sets  the sets in force before the unit
+UnitRewritten rewriteUnit(Bytes unit, const ParameterSets& sets, std::vector<uint8_t>& out);
+
+}  // namespace qv::avc
+
+#endif
