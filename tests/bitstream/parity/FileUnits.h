@@ -1,0 +1,25 @@
+// The NAL units of a stream file, raw or in a container, found without the library under test.
+#ifndef QV_TESTS_BITSTREAM_FILEUNITS_H
+#define QV_TESTS_BITSTREAM_FILEUNITS_H
+
+#include <cstdint>
+#include <filesystem>
+#include <vector>
+
+#include "bitstream/Codec.h"
+
+namespace qv_test {
+
+struct FileUnits {
+    qv::Codec codec = qv::Codec::Avc;
+
+    // Configuration record first, then in stream order. Trailing zero bytes belong to no unit.
+    std::vector<std::vector<uint8_t>> units;
+};
+
+// Throws std::runtime_error for a file that holds no H.264 or H.265 video.
+FileUnits unitsOf(const std::filesystem::path& file);
+
+}  // namespace qv_test
+
+#endif
