@@ -29,6 +29,10 @@ Bytes cut(const Bytes& data, size_t from) {
 
 void addUnit(Seeds& seeds, const Bytes& unit, bool isHevc) {
     const unsigned type = isHevc ? unit[0] >> 1U & 0x3FU : unit[0] & 0x1FU;
+    constexpr uint8_t kAvc420 = 2;
+    if (isHevc ? type >= 32 && type <= 38 : type >= 7 && type <= 15) {
+        add(seeds, "bitstream_rewrite_fuzz", {isHevc ? uint8_t{1} : kAvc420}, unit);
+    }
     if (isHevc && type == 33) {
         add(seeds, "hevc_sps_fuzz", {}, unit);
     } else if (isHevc && (type == 39 || type == 40)) {
@@ -49,10 +53,12 @@ void addStream(Seeds& seeds, const Bytes& stream, bool isHevc) {
     add(seeds, "key_frame_fuzz", {codec}, stream);
     add(seeds, "reframe_fuzz", {4, 0}, stream);
     add(seeds, "raw_reader_fuzz", {codec, 200, 255, 100}, stream);
+    add(seeds, "bitstream_read_fuzz", {codec}, stream);
     std::vector<unsigned char> lengths;
     if (QVNaluParser::converAnnexBToAvcC(stream.data(), static_cast<int>(stream.size()), lengths) ==
         QVResultOk) {
         add(seeds, "length_scan_fuzz", {4}, lengths);
+        add(seeds, "bitstream_read_fuzz", {static_cast<uint8_t>(codec + 8)}, lengths);
         add(seeds, "key_frame_fuzz", {codec}, lengths);
         add(seeds, "reframe_fuzz", {4, 64}, lengths);
     }

@@ -1,0 +1,93 @@
+// The standard's library on the bytes of a stream: any bytes, in any framing. Each byte must be in exactly
+// one part of one unit, a trace must report the elements of the read without a gap, and the parameter sets in
+// force must be those of the units.
+#include "FuzzCheck.h"
+#include "FuzzInput.h"
+#include "bitstream/avc/Unit.h"
+#include "bitstream/hevc/Unit.h"
+#include "bitstream/units/CodecProbe.h"
+#include "bitstream/units/CodecString.h"
+#include "bitstream/units/ConfigurationRecord.h"
+#include "bitstream/units/NalUnits.h"
+
+namespace {
+
+using qv::Bytes;
+using qv::Codec;
+using qv::Framing;
+
+// Elements follow each other bit by bit.
+class Order : public qv::TraceVisitor {
+public:
+    void begin(const qv::Structure& /*structure*/) override { ++depth_; }
+    void end() override {
+        FUZZ_CHECK(depth_ > 0);
+        --depth_;
+    }
+    void element(const qv::TracedElement& element) override {
+        FUZZ_CHECK(depth_ > 0);
+        FUZZ_CHECK(element.firstBit == next_);
+        next_ += element.width;
+    }
+
+    uint64_t next() const { return next_; }
+    bool isAtRest() const { return depth_ == 0; }
+
+private:
+    uint64_t next_ = 0;
+    int depth_ = 0;
+};
+
+template <class Sets, class Trace>
+void checkUnit(Bytes unit, Sets& sets, const Trace& traceUnit) {
+    Order order;
+    const qv::UnitTrace trace = traceUnit(unit, sets, order);
+    FUZZ_CHECK(order.isAtRest());
+    FUZZ_CHECK(order.next() <= 8 * uint64_t{unit.size});
+    FUZZ_CHECK(!trace.fault || trace.fault.firstBit >= order.next());
+    FUZZ_CHECK(qv::textOf(trace.fault).empty() == trace.ok());
+    const qv::SetTaken taken = sets.take(unit);
+    FUZZ_CHECK(!trace.ok() || taken.event != qv::SetEvent::Broken);
+}
+
+template <class Sets, class Trace>
+void checkUnits(Bytes buffer, Framing framing, Codec codec, const Trace& traceUnit) {
+    Sets sets;
+    size_t end = 0;
+    for (const qv::NalUnit& unit : qv::NalUnits(buffer, framing, codec)) {
+        FUZZ_CHECK(unit.begin() == end);
+        end = unit.end();
+        checkUnit(unit.bytes, sets, traceUnit);
+    }
+    FUZZ_CHECK(end == buffer.size);
+}
+
+void checkConfiguration(Codec codec, Bytes configuration) {
+    size_t bytes = 0;
+    qv::forEachConfigurationUnit(codec, configuration,
+                                 [&bytes](const qv::NalUnit& unit) { bytes += unit.bytes.size; });
+    FUZZ_CHECK(bytes <= configuration.size);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
+    static constexpr Framing kFramings[] = {Framing::StartCodes, Framing::Lengths1, Framing::Lengths2,
+                                            Framing::Lengths3, Framing::Lengths4};
+    qv_fuzz::FuzzInput input(bytes, size);
+    const uint8_t kind = input.byte();
+    const Codec codec = kind % 2 == 0 ? Codec::Avc : Codec::Hevc;
+    const Framing framing = kFramings[kind / 2 % 5];
+    const qv_fuzz::ExactBlock rest = input.rest();
+    const Bytes buffer = {rest.data(), static_cast<size_t>(rest.size())};
+    qv::probeCodec(buffer);
+    checkConfiguration(codec, buffer);
+    if (codec == Codec::Avc) {
+        qv::avc::codecStringOfSps(buffer);
+        checkUnits<qv::avc::ParameterSets>(buffer, framing, codec, qv::avc::traceUnit);
+    } else {
+        qv::hevc::codecStringOfSps(buffer);
+        checkUnits<qv::hevc::ParameterSets>(buffer, framing, codec, qv::hevc::traceUnit);
+    }
+    return 0;
+}
