@@ -16,9 +16,6 @@ else()
 endif()
 
 install(FILES ${qvnalu_public_headers} DESTINATION ${headers} COMPONENT development)
-
-install(FILES ${PROJECT_SOURCE_DIR}/modules/demuxer/low_level/completion/QVSpsCompletion.h
-  DESTINATION ${headers} COMPONENT development)
 # The headers of the standards' library keep their folders. Those of its syntax functions and of their uses are
 # private, except the reader, which a public record contains.
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/modules/bitstream DESTINATION ${headers} COMPONENT development

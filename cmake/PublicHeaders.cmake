@@ -4,7 +4,8 @@
 file(GLOB qvnalu_public_headers CONFIGURE_DEPENDS
   ${PROJECT_SOURCE_DIR}/modules/core/*.h
   ${PROJECT_SOURCE_DIR}/modules/core/standalone/*.h
-  ${PROJECT_SOURCE_DIR}/modules/demuxer/low_level/common/*.h)
+  ${PROJECT_SOURCE_DIR}/modules/demuxer/low_level/common/*.h
+  ${PROJECT_SOURCE_DIR}/modules/demuxer/low_level/completion/*.h)
 list(FILTER qvnalu_public_headers EXCLUDE REGEX "/QVSideDataLayout\\.h$")
 
 set(qvnalu_prefixed_headers ${PROJECT_BINARY_DIR}/include)

@@ -59,8 +59,8 @@ class QvnaluConan(ConanFile):
 
     def package_info(self):
         self.cpp_info.set_property("cmake_file_name", "qvnalu")
-        # The library does not require the core, which may be the program's own. A program that links both names the
-        # library first.
+        # The library and the core do not require each other: the core may be the program's own. A program that links
+        # both names the library first.
         for component, library, requires in (
             ("nalu", "qvnalu", []),
             ("core_standalone", "qvcore_standalone", []),

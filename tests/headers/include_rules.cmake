@@ -1,10 +1,10 @@
 cmake_minimum_required(VERSION 3.22)
 
-# The player's library includes only its own headers, the contracts of modules/core, the start-code search and the
-# standard library, so nothing of the stand-alone core. Nothing outside the library includes its detail/ folder. The
-# standards' library includes its own headers, the start-code search and the standard library. The start-code search
-# includes only itself and the standard library; only the libraries and the inspector include it. The completion
-# includes public headers of both libraries.
+# The library includes only its own headers, the contracts of modules/core, the start-code search and the standard
+# library, so nothing of the stand-alone core. Nothing outside the library includes its detail/ folder. The standards'
+# library includes only its own headers, the start-code search and the standard library. The start-code search includes
+# only itself and the standard library; only the libraries and the inspector include it. The completion includes public
+# headers of both libraries.
 set(library ${ROOT}/modules/demuxer/low_level/common)
 set(bitstream ${ROOT}/modules/bitstream)
 set(startcode ${ROOT}/modules/startcode)

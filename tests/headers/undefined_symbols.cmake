@@ -1,6 +1,6 @@
 cmake_minimum_required(VERSION 3.22)
 
-# The only undefined symbols of the LIBRARY are the platform functions, where PLATFORM allows them, and the C++ runtime.
+# The only undefined symbols of LIBRARY are the C++ runtime and, with PLATFORM, the platform functions.
 execute_process(COMMAND ${NM} --undefined-only --extern-only --format=posix ${LIBRARY}
                 OUTPUT_VARIABLE undefined_output RESULT_VARIABLE undefined_result)
 execute_process(COMMAND ${NM} --defined-only --extern-only --format=posix ${LIBRARY}
