@@ -48,11 +48,12 @@ Units lengthUnits(const Bytes& stream) {
     return units;
 }
 
-Bytes convert(const std::filesystem::path& path, qvinspect::Framing framing) {
+Bytes convert(const std::filesystem::path& path, qvinspect::Framing framing,
+              qvinspect::UnitSource source = qvinspect::UnitSource::Stream) {
     const TemporaryFolder folder;
     const std::string out = folder.path() / "out";
     qvinspect::Presenters presenters;
-    presenters.push_back(std::make_unique<qvinspect::StreamWriter>(out, framing));
+    presenters.push_back(std::make_unique<qvinspect::StreamWriter>(out, framing, source));
     qvinspect::inspectFile(path, {}, presenters);
     presenters.front()->finish();
     return fileContent(out);
@@ -191,6 +192,15 @@ TEST_P(Conversion, rawStreams) {
         const Units expected = annexBUnits(stream.bytes);
         EXPECT_TRUE(annexBUnits(convert(folder() / stream.name, qvinspect::Framing::AnnexB)) == expected);
         EXPECT_TRUE(lengthUnits(convert(folder() / stream.name, qvinspect::Framing::Lengths4)) == expected);
+    }
+}
+
+TEST_P(Conversion, rewritingGivesTheSameStream) {
+    for (const Stream& stream : streamsIn(folder())) {
+        SCOPED_TRACE(stream.name);
+        const std::filesystem::path path = folder() / stream.name;
+        EXPECT_TRUE(convert(path, qvinspect::Framing::AnnexB, qvinspect::UnitSource::Records) ==
+                    convert(path, qvinspect::Framing::AnnexB));
     }
 }
 

@@ -38,11 +38,9 @@ const Choices<std::optional<QVCodecID>> kCodecs = {
 const Choices<InputFormat> kFormats = {{"auto", InputFormat::Auto},    {"annexb", InputFormat::AnnexB},
                                        {"lp1", InputFormat::Lengths1}, {"lp2", InputFormat::Lengths2},
                                        {"lp4", InputFormat::Lengths4}, {"container", InputFormat::Container}};
-const Choices<Level> kLevels = {{"summary", Level::Summary},
-                                {"samples", Level::Samples},
-                                {"nalus", Level::Nalus},
-                                {"sei", Level::Sei},
-                                {"fields", Level::Fields}};
+const Choices<Level> kLevels = {{"summary", Level::Summary}, {"samples", Level::Samples},
+                                {"nalus", Level::Nalus},     {"sei", Level::Sei},
+                                {"fields", Level::Fields},   {"elements", Level::Elements}};
 const Choices<ColorUse> kColors = {
     {"auto", ColorUse::Auto}, {"always", ColorUse::Always}, {"never", ColorUse::Never}};
 
@@ -172,7 +170,8 @@ void addInputOptions(CLI::App& app, CommandLine& line, Words& words) {
 
 void addShownOptions(CLI::App& app, CommandLine& line, Words& words) {
     app.add_option("--level", words.level,
-                   "summary, samples, nalus, sei or fields: how deep to go;\n"
+                   "summary, samples, nalus, sei, fields, elements: how deep\n"
+                   "to go;\n"
                    "without it a summary, or as deep as filters need,\n"
                    "and everything in JSON and NDJSON")
         ->type_name("LEVEL")
@@ -206,6 +205,14 @@ void addOutputOptions(CLI::App& app, CommandLine& line, Words& words) {
     file("--html", line.html, "a report to open in a browser");
     file("--to-annexb", line.toAnnexB, "the stream with start codes");
     file("--to-lengths", line.toLengths, "the stream with 4-byte lengths");
+    app.add_flag("--rewrite", line.rewrite,
+                 "to standard output: as --to-annexb, with each unit that can\n"
+                 "be read into a record written from it")
+        ->group(kOutputGroup);
+    app.add_flag("--elements", line.elements,
+                 "to standard output: the syntax elements of each NAL unit,\n"
+                 "a JSON object on each line")
+        ->group(kOutputGroup);
     file("--extract-sei", line.extractSei, "a new folder of SEI items, a file for each, and an index", "DIR");
     app.add_option("--color", words.color, "auto, always or never: colours of the listing")
         ->type_name("WHEN")
@@ -275,9 +282,14 @@ constexpr const char* kFooter =
 using NamedOutputs = std::vector<std::pair<const char*, std::string>>;
 
 NamedOutputs outputsOf(const CommandLine& line) {
-    NamedOutputs outputs = {
-        {"--json", line.json}, {"--ndjson", line.ndjson},      {"--csv", line.csv},
-        {"--html", line.html}, {"--to-annexb", line.toAnnexB}, {"--to-lengths", line.toLengths}};
+    NamedOutputs outputs = {{"--json", line.json},
+                            {"--ndjson", line.ndjson},
+                            {"--csv", line.csv},
+                            {"--html", line.html},
+                            {"--to-annexb", line.toAnnexB},
+                            {"--to-lengths", line.toLengths},
+                            {"--rewrite", line.rewrite ? "-" : ""},
+                            {"--elements", line.elements ? "-" : ""}};
     outputs.erase(std::remove_if(outputs.begin(), outputs.end(),
                                  [](const auto& output) { return output.second.empty(); }),
                   outputs.end());
@@ -360,9 +372,11 @@ void understand(CommandLine& line, const Words& words) {
         throw std::invalid_argument(fmt::format(
             "--stream chooses in a container and --format {} is none; leave one of them out", words.format));
     }
-    const bool takesOneInput = !line.toAnnexB.empty() || !line.toLengths.empty() || !line.extractSei.empty();
+    const bool takesOneInput =
+        !line.toAnnexB.empty() || !line.toLengths.empty() || line.rewrite || !line.extractSei.empty();
     if (takesOneInput && line.files.size() > 1) {
-        throw std::invalid_argument("--to-annexb, --to-lengths and --extract-sei take one FILE at a time");
+        throw std::invalid_argument(
+            "--to-annexb, --to-lengths, --rewrite and --extract-sei take one FILE at a time");
     }
 }
 

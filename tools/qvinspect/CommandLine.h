@@ -33,6 +33,10 @@ struct CommandLine {
     std::string toLengths;
     std::string extractSei;  // a folder
 
+    // To standard output.
+    bool rewrite = false;
+    bool elements = false;
+
     std::vector<Check> checks;
     bool strict = false;
 

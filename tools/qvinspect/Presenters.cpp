@@ -10,6 +10,7 @@
 
 #include "report/CheckLines.h"
 #include "report/Csv.h"
+#include "report/ElementLines.h"
 #include "report/Html.h"
 #include "report/Json.h"
 #include "report/Listing.h"
@@ -26,11 +27,13 @@ namespace {
 bool isStdoutTaken(const CommandLine& line) {
     const std::vector<std::string> outputs = {line.json, line.ndjson,   line.csv,
                                               line.html, line.toAnnexB, line.toLengths};
-    return std::count(outputs.begin(), outputs.end(), "-") > 0;
+    return line.rewrite || line.elements || std::count(outputs.begin(), outputs.end(), "-") > 0;
 }
 
 JsonOptions jsonOptions(const CommandLine& line) {
-    return {line.level.value_or(Level::Fields), line.stamp ? stampText(std::time(nullptr)) : std::string()};
+    // The elements have an output of their own.
+    const Level level = std::min(line.level.value_or(Level::Fields), Level::Fields);
+    return {level, line.stamp ? stampText(std::time(nullptr)) : std::string()};
 }
 
 std::unique_ptr<Presenter> makeHtml(const CommandLine& line) {
@@ -71,6 +74,12 @@ Presenters makePresenters(const CommandLine& line) {
     }
     if (!line.toLengths.empty()) {
         presenters.push_back(std::make_unique<StreamWriter>(line.toLengths, Framing::Lengths4));
+    }
+    if (line.rewrite) {
+        presenters.push_back(std::make_unique<StreamWriter>("-", Framing::AnnexB, UnitSource::Records));
+    }
+    if (line.elements) {
+        presenters.push_back(std::make_unique<ElementLines>("-", line.files.size() > 1));
     }
     if (!line.extractSei.empty()) {
         presenters.push_back(std::make_unique<SeiExtractor>(line.extractSei));

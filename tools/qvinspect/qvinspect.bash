@@ -14,7 +14,7 @@ _qvinspect() {
     case $previous in
         --codec) words='auto h264 h265' ;;
         --format) words='auto annexb lp1 lp2 lp4 container' ;;
-        --level) words='summary samples nalus sei fields' ;;
+        --level) words='summary samples nalus sei fields elements' ;;
         --color) words='auto always never' ;;
         --check)
             words='max-key-interval= max-unit-size= max-access-unit-size= parameter-sets-first hdr10
@@ -33,7 +33,7 @@ _qvinspect() {
             if [[ $current == -?* && $previous != --@(json|ndjson|csv|html|to-annexb|to-lengths) ]]; then
                 words='--codec --format --stream --frame-rate --start --duration --limit --level --type --sei
                     --t35 --key-only --errors-only --request --json --ndjson --csv --html --to-annexb
-                    --to-lengths --extract-sei --schema --color --stamp --check --list-checks --strict --help
+                    --to-lengths --rewrite --elements --extract-sei --schema --color --stamp --check --list-checks --strict --help
                     --version'
             fi
             ;;

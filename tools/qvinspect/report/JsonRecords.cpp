@@ -27,6 +27,7 @@ const char* levelName(Level level) {
         case Level::Sei:
             return "sei";
         case Level::Fields:
+        case Level::Elements:
             break;
     }
     return "fields";

@@ -1,4 +1,4 @@
-// How deep a report goes. Each level holds what the ones before it hold.
+// How deep a report goes. Each level up to Fields holds what the ones before it hold.
 #ifndef QVINSPECT_LEVEL_H
 #define QVINSPECT_LEVEL_H
 
@@ -11,7 +11,8 @@ enum class Level {
     Samples,  // a line for each access unit
     Nalus,    // a line for each NAL unit
     Sei,      // a line for each SEI message
-    Fields    // every parsed field, and bytes in hexadecimal
+    Fields,   // every parsed field, and bytes in hexadecimal
+    Elements  // the syntax elements of each NAL unit, bit by bit, in place of messages and fields
 };
 
 // The first level that shows what the filter chooses; the summary without a filter.

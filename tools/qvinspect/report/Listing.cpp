@@ -4,9 +4,11 @@
 
 #include <algorithm>
 
+#include "analysis/ElementMeaning.h"
 #include "analysis/FirstBytes.h"
 #include "analysis/NalUnitNames.h"
 #include "analysis/SeiNames.h"
+#include "analysis/UnitBytes.h"
 #include "input/AvcUnitTypes.h"
 #include "input/HevcUnitTypes.h"
 #include "report/FramingName.h"
@@ -77,6 +79,30 @@ std::string headerText(QVCodecID codec, const UnitView& unit) {
                        second & 7U);
 }
 
+// A line for each element: bit, name, bits as coded, value, and what it means.
+class ElementTable : public qv::TraceVisitor {
+public:
+    ElementTable(Page& page, QVCodecID codec) : page_(page), codec_(codec) {}
+
+    void begin(const qv::Structure& structure) override {
+        page_.add(Style::Faint, "{}{:<48}{}", kFieldIndent, structure.name, structure.clause).endLine();
+    }
+
+    void element(const qv::TracedElement& element) override {
+        page_.add("{:>21}  {:<44}  {:>18}  {:>10}", element.firstBit, qv::textOf(element.element),
+                  codedBits(element), element.value);
+        const std::string meaning = elementMeaning(codec_, element);
+        if (!meaning.empty()) {
+            page_.add("  {}", meaning);
+        }
+        page_.endLine();
+    }
+
+private:
+    Page& page_;
+    QVCodecID codec_;
+};
+
 }  // namespace
 
 Listing::Listing(const std::string& path, Level level, PageFormat format)
@@ -111,8 +137,12 @@ void Listing::begin(const StreamHead& head) {
             addSps(sps);
         }
     }
-    if (level_ >= Level::Sei) {
+    if (showsSei()) {
         addRecordSei();
+    }
+    if (level_ == Level::Elements) {
+        sets_.emplace(head_.info.parameters.codecId);
+        addRecordElements(head_.info.configuration);
     }
 }
 
@@ -141,16 +171,30 @@ void Listing::addColumns() {
     if (level_ >= Level::Nalus) {
         page_.add(Style::Faint, "           {:>12}  {:>10}  type", "offset", "length").endLine();
     }
+    if (level_ == Level::Elements) {
+        page_.add(Style::Faint, "{:>21}  {:<44}  {:>18}  {:>10}  meaning", "bit", "element", "coded",
+                  "value");
+        page_.endLine();
+    }
 }
 
 void Listing::add(const AccessUnitView& view) {
-    if (level_ == Level::Summary || !view.isShown) {
+    if (level_ == Level::Elements) {
+        addRecordElements(view.accessUnit.newConfiguration);
+    }
+    if (level_ == Level::Summary) {
+        return;
+    }
+    if (!view.isShown) {
+        takeSets(view);
         return;
     }
     hasShown_ = true;
     addAccessUnit(view);
     addFindings(view.accessUnit.findings);
-    if (level_ >= Level::Nalus) {
+    if (level_ == Level::Elements) {
+        addUnitElements(view);
+    } else if (level_ >= Level::Nalus) {
         for (const UnitView& unit : view.units) {
             addUnit(unit);
         }
@@ -158,7 +202,7 @@ void Listing::add(const AccessUnitView& view) {
         addBrokenUnits(view);
     }
     addFindings(view.report.findings);
-    if (level_ >= Level::Sei && view.details.seiItems > 0) {
+    if (showsSei() && view.details.seiItems > 0) {
         page_.add("         {} SEI item{}, {} bytes of side data", view.details.seiItems,
                   view.details.seiItems == 1 ? "" : "s", view.details.sideDataSize);
         page_.endLine();
@@ -210,8 +254,52 @@ void Listing::addUnit(const UnitView& unit) {
     if (level_ == Level::Fields && report.length > 0) {
         addUnitFields(unit);
     }
-    if (level_ >= Level::Sei && unit.details->sei) {
+    if (showsSei() && unit.details->sei) {
         addSei(unit);
+    }
+}
+
+// Sets of units that are not shown are in force too.
+void Listing::takeSets(const AccessUnitView& view) {
+    if (sets_) {
+        forEachUnit(view, [this](const UnitBytes& unit) { sets_->take(unit.bytes); });
+    }
+}
+
+void Listing::addUnitElements(const AccessUnitView& view) {
+    auto shown = view.units.begin();
+    forEachUnit(view, [&](const UnitBytes& unit) {
+        if (unit.isShown) {
+            addUnit(*shown++);
+            addElements(unit.bytes);
+        }
+        sets_->take(unit.bytes);
+    });
+}
+
+void Listing::addRecordElements(const std::vector<uint8_t>& record) {
+    const QVCodecID codec = head_.info.parameters.codecId;
+    forEachRecordUnit(codec, record, [&](const UnitBytes& unit) {
+        page_.add(Style::Heading, "configuration record").endLine();
+        const uint32_t type = sets_->typeOf(unit.bytes);
+        page_.add("         {:>14}  {:>10}  {:>4}  {}", unit.offset, unit.bytes.size, type,
+                  nalUnitName(codec, type));
+        page_.endLine();
+        addElements(unit.bytes);
+        sets_->take(unit.bytes);
+    });
+}
+
+void Listing::addElements(qv::Bytes unit) {
+    ElementTable table(page_, head_.info.parameters.codecId);
+    const qv::UnitTrace trace = sets_->trace(unit, table);
+    if (trace.fault) {
+        page_.add("{}", kFieldIndent).add(Style::Bad, "error: {}", qv::textOf(trace.fault)).endLine();
+    }
+    if (trace.trailing.bits > 0) {
+        page_.add("{}{} bits before rbsp_trailing_bits() that no element covers", kFieldIndent,
+                  trace.trailing.bits);
+        page_.endLine();
     }
 }
 

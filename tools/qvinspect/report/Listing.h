@@ -4,9 +4,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "analysis/StreamSets.h"
 #include "report/Level.h"
 #include "report/Page.h"
 #include "report/Presenter.h"
@@ -28,6 +30,11 @@ private:
     void addAccessUnit(const AccessUnitView& view);
     void addBrokenUnits(const AccessUnitView& view);
     void addUnit(const UnitView& unit);
+    bool showsSei() const { return level_ == Level::Sei || level_ == Level::Fields; }
+    void takeSets(const AccessUnitView& view);
+    void addUnitElements(const AccessUnitView& view);
+    void addRecordElements(const std::vector<uint8_t>& record);
+    void addElements(qv::Bytes unit);
     void addUnitFields(const UnitView& unit);
     void addSps(const SequenceParameterSet& sps);
     void addSei(const UnitView& unit);
@@ -43,7 +50,8 @@ private:
     Level level_;
     StreamHead head_;
     bool isFirst_ = true;
-    bool hasShown_ = false;  // an access unit of the stream
+    bool hasShown_ = false;           // an access unit of the stream
+    std::optional<StreamSets> sets_;  // at Level::Elements
 };
 
 }  // namespace qvinspect

@@ -112,13 +112,6 @@ private:
     std::set<std::string_view> leading_;
 };
 
-void appendWithLength(std::vector<uint8_t>& out, const std::vector<uint8_t>& unit) {
-    for (int shift = 24; shift >= 0; shift -= 8) {
-        out.push_back(static_cast<uint8_t>(unit.size() >> static_cast<unsigned>(shift)));
-    }
-    out.insert(out.end(), unit.begin(), unit.end());
-}
-
 struct AnnexB {
     std::unique_ptr<unsigned char, QvFree> bytes;
     size_t size = 0;
@@ -155,8 +148,11 @@ size_t countUnits(const AnnexB& stream) {
 
 }  // namespace
 
-StreamWriter::StreamWriter(const std::string& path, Framing framing)
-    : output_(path), outputName_(outputName(path)), framing_(framing) {}
+StreamWriter::StreamWriter(const std::string& path, Framing framing, UnitSource source)
+    : output_(path),
+      outputName_(outputName(path)),
+      framing_(framing),
+      isRewriting_(source == UnitSource::Records) {}
 
 void StreamWriter::fail(const std::string&, const std::string&) {
     hasFailed_ = true;
@@ -164,6 +160,9 @@ void StreamWriter::fail(const std::string&, const std::string&) {
 
 void StreamWriter::begin(const StreamHead& head) {
     streamName_ = head.name;
+    if (isRewriting_) {
+        rewriter_.emplace(head.info.parameters.codecId);
+    }
     useConfiguration(head.info.parameters.codecId, head.info.configuration, 1);
 }
 
@@ -184,15 +183,15 @@ void StreamWriter::useConfiguration(QVCodecID codec, const std::vector<uint8_t>&
 
 // Parameter sets of a type that the access unit brings are its own business; an SEI unit
 // of the record is missing unless the very same is there.
-StreamWriter::Units StreamWriter::missingUnits(const AccessUnitView& view) const {
+StreamWriter::LengthUnits StreamWriter::missingUnits(const AccessUnitView& view) {
     const QVCodecID codec = view.accessUnit.parameters.codecId;
-    Units missing;
+    LengthUnits missing;
     const PresentUnits present(view);
     for (const ConfigurationUnit& unit : configuration_) {
         const bool isThere =
             isParameterSet(codec, unit.type) ? present.hasType(unit.type) : present.has(unit.bytes);
         if (!isThere) {
-            appendWithLength(missing.bytes, unit.bytes);
+            appendWithLength(missing.bytes, {unit.bytes.data(), unit.bytes.size()});
             ++missing.count;
         }
     }
@@ -200,7 +199,7 @@ StreamWriter::Units StreamWriter::missingUnits(const AccessUnitView& view) const
 }
 
 // The first time they are: the record is no larger than the file.
-bool StreamWriter::isInProportion(const Units& missing) {
+bool StreamWriter::isInProportion(const LengthUnits& missing) {
     const bool isFirst = recordBytes_ == 0;
     if (!isFirst && recordBytes_ + missing.bytes.size() > repeatedRecordBytes(bytes_)) {
         return false;
@@ -210,7 +209,7 @@ bool StreamWriter::isInProportion(const Units& missing) {
 }
 
 void StreamWriter::addConfiguration(const AccessUnitView& view) {
-    const Units missing = missingUnits(view);
+    const LengthUnits missing = missingUnits(view);
     if (missing.count == 0) {
         return;
     }
@@ -263,7 +262,6 @@ void StreamWriter::add(const AccessUnitView& view) {
 // In runs without empty units: with a start code an empty unit would swallow the next one's.
 void StreamWriter::convertUnits(const AccessUnitView& view, size_t first, size_t last) {
     const auto& units = view.report.units;
-    const Places places(view);
     const auto isEmpty = [](const UnitReport& unit) { return unit.length == 0; };
     for (size_t begin = first; begin < last; ++begin) {
         const auto stop = std::find_if(units.begin() + static_cast<std::ptrdiff_t>(begin),
@@ -272,14 +270,40 @@ void StreamWriter::convertUnits(const AccessUnitView& view, size_t first, size_t
         if (end == begin) {
             continue;
         }
-        const size_t at = places.begin(begin);
-        const std::string problem = convert(view.accessUnit.data + at, places.end(end - 1) - at,
-                                            view.accessUnit.parameters, end - begin);
+        const std::string problem = convertRun(view, begin, end);
         if (!problem.empty()) {
             lose(view.number, fmt::format("NAL units from {} to {} {}", units[begin].offset,
                                           units[end - 1].offset + units[end - 1].length, problem));
         }
         begin = end;
+    }
+}
+
+// The units of [first, last), none of which is empty; returns what convert() does.
+std::string StreamWriter::convertRun(const AccessUnitView& view, size_t first, size_t last) {
+    const Places places(view);
+    const AccessUnit& accessUnit = view.accessUnit;
+    if (!isRewriting_) {
+        const size_t begin = places.begin(first);
+        return convert(accessUnit.data + begin, places.end(last - 1) - begin, accessUnit.parameters,
+                       last - first);
+    }
+    std::vector<uint8_t> units;
+    for (size_t i = first; i < last; ++i) {
+        appendWithLength(units, {accessUnit.data + places.unit(i), view.report.units[i].length});
+    }
+    return convert(units.data(), units.size(), kFourByteLengths, last - first);
+}
+
+// Written from its record when that is asked for.
+void StreamWriter::appendWithLength(std::vector<uint8_t>& out, qv::Bytes unit) {
+    for (int shift = 24; shift >= 0; shift -= 8) {
+        out.push_back(static_cast<uint8_t>(unit.size >> static_cast<unsigned>(shift)));
+    }
+    if (isRewriting_) {
+        rewriter_->append(unit, out);
+    } else {
+        out.insert(out.end(), unit.begin(), unit.end());
     }
 }
 
@@ -338,6 +362,9 @@ void StreamWriter::finish() {
         return;
     }
     output_.close();
+    if (rewriter_) {
+        complain(fmt::format("{}: {}", outputName_, rewriter_->summary()));
+    }
     if (losses_ > 0) {
         throw OutputError(fmt::format(
             "{} is not the whole stream: {} could not be converted; "

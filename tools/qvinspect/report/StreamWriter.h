@@ -3,13 +3,21 @@
 #define QVINSPECT_STREAMWRITER_H
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "report/Output.h"
 #include "report/Presenter.h"
+#include "report/UnitRewriter.h"
 
 namespace qvinspect {
+
+enum class UnitSource {
+    Stream,  // units keep their bytes
+    Records  // units are written from the records that they are read into, if there are any; finish() reports
+             // how many
+};
 
 enum class Framing {
     AnnexB,   // 4-byte start codes
@@ -28,7 +36,7 @@ enum class Framing {
 // inspected leaves a file as it was.
 class StreamWriter : public Presenter {
 public:
-    StreamWriter(const std::string& path, Framing framing);
+    StreamWriter(const std::string& path, Framing framing, UnitSource source = UnitSource::Stream);
 
     void fail(const std::string& name, const std::string& reason) override;
     void begin(const StreamHead& head) override;
@@ -43,7 +51,7 @@ private:
     };
 
     // Behind 4-byte lengths.
-    struct Units {
+    struct LengthUnits {
         std::vector<uint8_t> bytes;
         size_t count = 0;
     };
@@ -51,9 +59,11 @@ private:
     // accessUnit: the number of the one that the record comes with.
     void useConfiguration(QVCodecID codec, const std::vector<uint8_t>& record, uint64_t accessUnit);
     void addConfiguration(const AccessUnitView& view);
-    Units missingUnits(const AccessUnitView& view) const;
-    bool isInProportion(const Units& missing);
+    LengthUnits missingUnits(const AccessUnitView& view);
+    bool isInProportion(const LengthUnits& missing);
     void convertUnits(const AccessUnitView& view, size_t first, size_t last);
+    std::string convertRun(const AccessUnitView& view, size_t first, size_t last);
+    void appendWithLength(std::vector<uint8_t>& out, qv::Bytes unit);
     std::string convert(const unsigned char* data, size_t size, const QVCodecParameters& from, size_t units);
     void lose(uint64_t accessUnit, const std::string& what);
     void loseAt(const std::string& place, const std::string& what);
@@ -61,6 +71,8 @@ private:
     Output output_;
     std::string outputName_;
     Framing framing_;
+    bool isRewriting_;
+    std::optional<UnitRewriter> rewriter_;  // of the input
     std::string streamName_;
     std::vector<ConfigurationUnit> configuration_;
     bool isFirst_ = true;

@@ -1,0 +1,57 @@
+// The parameter sets in force of the stream, and its units read by them.
+#ifndef QVINSPECT_STREAMSETS_H
+#define QVINSPECT_STREAMSETS_H
+
+#include <cstdint>
+#include <vector>
+
+#include "QVCodecParameters.h"
+#include "bitstream/avc/Unit.h"
+#include "bitstream/hevc/Unit.h"
+
+namespace qvinspect {
+
+// Units are given in the order of the stream: first what trace() or rewrite() reads, then take() for what
+// follows. Units are given from their header on and are borrowed for the call.
+class StreamSets {
+public:
+    explicit StreamSets(QVCodecID codec) : isAvc_(codec == QVCodecIDAvc) {}
+
+    // nal_unit_type; 0 for an empty unit.
+    uint32_t typeOf(qv::Bytes unit) const {
+        if (unit.empty()) {
+            return 0;
+        }
+        return isAvc_ ? unit[0] & 0x1FU : unit[0] >> 1U & 0x3FU;
+    }
+
+    // The syntax structure of the unit's RBSP; null for reserved and unspecified types.
+    const char* structureOf(qv::Bytes unit) const {
+        return isAvc_ ? qv::avc::structureOf(typeOf(unit)) : qv::hevc::structureOf(typeOf(unit));
+    }
+
+    qv::UnitTrace trace(qv::Bytes unit, qv::TraceVisitor& visitor) const {
+        return isAvc_ ? qv::avc::traceUnit(unit, avc_, visitor) : qv::hevc::traceUnit(unit, hevc_, visitor);
+    }
+
+    qv::UnitRewritten rewrite(qv::Bytes unit, std::vector<uint8_t>& out) const {
+        return isAvc_ ? qv::avc::rewriteUnit(unit, avc_, out) : qv::hevc::rewriteUnit(unit, hevc_, out);
+    }
+
+    void take(qv::Bytes unit) {
+        if (isAvc_) {
+            avc_.take(unit);
+        } else {
+            hevc_.take(unit);
+        }
+    }
+
+private:
+    bool isAvc_;
+    qv::avc::ParameterSets avc_;
+    qv::hevc::ParameterSets hevc_;
+};
+
+}  // namespace qvinspect
+
+#endif
