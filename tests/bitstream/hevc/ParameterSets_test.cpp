@@ -335,31 +335,31 @@ TEST_F(HevcParameterSets, aSetOfALayerComesFirst) {
 }
 
 TEST_F(HevcParameterSets, setsOfTwoViews) {
-    EXPECT_EQ(take(bytesOfHex(kVpsOfTwoViews)), SetEvent::First);
-    EXPECT_EQ(take(bytesOfHex(kSpsOfBaseView)), SetEvent::First);
-    EXPECT_EQ(take(bytesOfHex(kSpsOfSecondView)), SetEvent::First);
+    EXPECT_EQ(take(hex(kVpsOfTwoViews)), SetEvent::First);
+    EXPECT_EQ(take(hex(kSpsOfBaseView)), SetEvent::First);
+    EXPECT_EQ(take(hex(kSpsOfSecondView)), SetEvent::First);
     EXPECT_EQ(sets->sps(1, 1)->pic_width_in_luma_samples, 192U);
     EXPECT_EQ(sets->sps(1, 0), nullptr);
 }
 
 // A layer's SPS may come before its VPS, and is read again when the VPS changes.
 TEST_F(HevcParameterSets, aLayerTakesItsSizeFromTheVpsOfNow) {
-    EXPECT_EQ(take(bytesOfHex(kSpsOfSecondView)), SetEvent::First);
+    EXPECT_EQ(take(hex(kSpsOfSecondView)), SetEvent::First);
     const qv::hevc::Sps* const layer = sets->sps(1, 1);
     EXPECT_EQ(layer->pic_width_in_luma_samples, 0U);
     take(pps(1, 1, 0, 1));
     EXPECT_EQ(sets->activate(1, SliceBegins::CodedVideoSequence, 1).problem, ActivationProblem::NoVps);
-    take(bytesOfHex(kVpsOfTwoViews));
+    take(hex(kVpsOfTwoViews));
     EXPECT_EQ(sets->sps(1, 1)->pic_width_in_luma_samples, 192U);
     Activation activation = sets->activate(1, SliceBegins::CodedVideoSequence, 1);
     EXPECT_EQ(activation.problem, ActivationProblem::None);
     EXPECT_TRUE(activation.spsIsNew);
-    EXPECT_EQ(take(bytesOfHex(kVpsOfTwoViews)), SetEvent::Repeated);
+    EXPECT_EQ(take(hex(kVpsOfTwoViews)), SetEvent::Repeated);
     EXPECT_FALSE(sets->activate(1, SliceBegins::Picture, 1).spsIsNew);
     // Without the extension the VPS has no size for the layer.
     EXPECT_EQ(take(vps(0)), SetEvent::Changed);
     EXPECT_EQ(sets->sps(1, 1)->pic_width_in_luma_samples, 0U);
-    EXPECT_EQ(take(bytesOfHex(kVpsOfTwoViews)), SetEvent::Returned);
+    EXPECT_EQ(take(hex(kVpsOfTwoViews)), SetEvent::Returned);
     EXPECT_EQ(sets->sps(1, 1)->pic_width_in_luma_samples, 192U);
     // A VPS with another identifier has no effect.
     EXPECT_EQ(take(vps(3)), SetEvent::First);
@@ -368,13 +368,13 @@ TEST_F(HevcParameterSets, aLayerTakesItsSizeFromTheVpsOfNow) {
 
 // The content of an SPS names another VPS, whose number of contents is the same as that of the first.
 TEST_F(HevcParameterSets, aLayerThatTurnsToAnotherVps) {
-    std::vector<uint8_t> second = bytesOfHex(kSpsOfSecondView);
-    take(bytesOfHex(kVpsOfTwoViews));
+    std::vector<uint8_t> second = hex(kSpsOfSecondView);
+    take(hex(kVpsOfTwoViews));
     take(second);
     second[2] = static_cast<uint8_t>(second[2] | 0x10);  // sps_video_parameter_set_id 1
     EXPECT_EQ(take(second), SetEvent::Changed);
     EXPECT_EQ(sets->sps(1, 1)->pic_width_in_luma_samples, 0U);
-    std::vector<uint8_t> other = bytesOfHex(kVpsOfTwoViews);
+    std::vector<uint8_t> other = hex(kVpsOfTwoViews);
     other[2] = static_cast<uint8_t>(other[2] | 0x10);  // vps_video_parameter_set_id 1
     EXPECT_EQ(take(other), SetEvent::First);
     EXPECT_EQ(sets->sps(1, 1)->pic_width_in_luma_samples, 192U);
@@ -395,7 +395,7 @@ TEST_F(HevcParameterSets, layersHaveAGreatestNumberOfSets) {
     EXPECT_EQ(take(sps(0, 800, 0, 1)), SetEvent::Changed);
     EXPECT_EQ(take(sps(7)), SetEvent::First);
     EXPECT_EQ(take(pps(1, 0, 0, 62)), SetEvent::TooMany);
-    EXPECT_EQ(take(bytesOfHex(kSpsOfSecondView)), SetEvent::TooMany);
+    EXPECT_EQ(take(hex(kSpsOfSecondView)), SetEvent::TooMany);
 }
 
 // --- SEI messages ---
@@ -427,8 +427,8 @@ TEST_F(HevcParameterSets, messagesReferToTheSpsOfTheNextPicture) {
 // --- Memory ---
 
 TEST_F(HevcParameterSets, onlyTakingAllocates) {
-    const std::vector<uint8_t> units[] = {bytesOfHex(kVpsOfTwoViews), bytesOfHex(kSpsOfBaseView),
-                                          bytesOfHex(kSpsOfSecondView), pps(0, 0), pps(1, 1, 0, 1)};
+    const std::vector<uint8_t> units[] = {hex(kVpsOfTwoViews), hex(kSpsOfBaseView), hex(kSpsOfSecondView),
+                                          pps(0, 0), pps(1, 1, 0, 1)};
     for (const std::vector<uint8_t>& unit : units) {
         take(unit);
     }

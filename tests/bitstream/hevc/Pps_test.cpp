@@ -464,12 +464,12 @@ TEST(HevcPps, extensionsThatAreNotDefinedAreKept) {
 // --- As encoders wrote them ---
 
 TEST(HevcPps, setsOfTwoViewsAndOfAnAlphaLayer) {
-    for (const char* const hex :
+    for (const char* const text :
          {"4401c572b462a014", "440948572b062a0140", "4401c172b46240", "440948172b0624"}) {
-        SCOPED_TRACE(hex);
-        expectRewritten(pps(), bytesOfHex(hex));
+        SCOPED_TRACE(text);
+        expectRewritten(pps(), hex(text));
     }
-    const Pps second = readPps(bytesOf(bytesOfHex("440948572b062a0140"))).record;
+    const Pps second = readPps(bytesOf(hex("440948572b062a0140"))).record;
     EXPECT_EQ(second.header.nuh_layer_id, 1U);
     EXPECT_TRUE(second.pps_multilayer_extension_flag);
     EXPECT_EQ(second.multilayer.num_ref_loc_offsets, 0U);

@@ -619,14 +619,14 @@ TEST(HevcSps, writerTakesNoBoundsFromAnInferredValue) {
 
 TEST(HevcSps, setsOfTwoViews) {
     const std::vector<uint8_t> base =
-        bytesOfHex("42010101600000030090000003000003001ea018206165959a4932b80400000fa0000186a05010");
+        hex("42010101600000030090000003000003001ea018206165959a4932b80400000fa0000186a05010");
     const qv::Read<Sps> read = qv::hevc::readSps(bytesOf(base));
     ASSERT_TRUE(read.ok()) << qv::textOf(read.fault);
     EXPECT_TRUE(read.record.sps_multilayer_extension_flag);
     EXPECT_EQ(qv::hevc::sizeOf(read.record).bits, 288U);
     expectRewritten(sps(), base);
 
-    const std::vector<uint8_t> second = bytesOfHex("42090e85924cae005030");
+    const std::vector<uint8_t> second = hex("42090e85924cae005030");
     const qv::Read<Sps> layer = qv::hevc::readSps(bytesOf(second));
     ASSERT_TRUE(layer.ok()) << qv::textOf(layer.fault);
     EXPECT_EQ(layer.record.header.nuh_layer_id, 1U);

@@ -5,13 +5,13 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "../../support/BitWriter.h"
 #include "../support/CodedUnit.h"
+#include "../support/Hex.h"
 #include "../support/StructureChecks.h"
 #include "bitstream/hevc/Vps.h"
 
@@ -37,14 +37,6 @@ inline std::vector<uint8_t> hevcUnitCutAt(uint32_t nal_unit_type, const BitWrite
     bytes.resize(bits / 8 + 1);
     bytes[bits / 8] = static_cast<uint8_t>(bytes[bits / 8] | 0x80 >> bits % 8);
     return hevcUnitOf(nal_unit_type, bytes);
-}
-
-inline std::vector<uint8_t> bytesOfHex(const std::string& hex) {
-    std::vector<uint8_t> bytes;
-    for (size_t i = 0; i + 1 < hex.size(); i += 2) {
-        bytes.push_back(static_cast<uint8_t>(std::strtoul(hex.substr(i, 2).c_str(), nullptr, 16)));
-    }
-    return bytes;
 }
 
 // The 88 bits of the Main profile and a level.

@@ -279,7 +279,7 @@ TEST(HevcVps, moreDimensionsThanTheLayerIdentifierHasBits) {
 // --- As encoders wrote them ---
 
 TEST(HevcVps, twoViews) {
-    const std::vector<uint8_t> unit = bytesOfHex(
+    const std::vector<uint8_t> unit = hex(
         "40010c11ffff01600000030090000003000003001e959815bf1e20001828b2e0c040000013f100000300000303d1a018000c"
         "14010"
         "a566e90");
@@ -306,7 +306,7 @@ TEST(HevcVps, twoViews) {
 }
 
 TEST(HevcVps, alphaLayer) {
-    const std::vector<uint8_t> unit = bytesOfHex(
+    const std::vector<uint8_t> unit = hex(
         "40010c11ffff02200000030090000003000003001e959815bf1e1800010704384004000004ec400000030000f46806000305"
         "22514"
         "acd48");

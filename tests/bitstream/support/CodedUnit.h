@@ -5,19 +5,14 @@
 #include <cstdint>
 #include <vector>
 
+#include "BitWriter.h"
+
 namespace qv_test {
 
 // A unit of its header and an RBSP, with emulation prevention bytes.
 inline std::vector<uint8_t> coded(std::vector<uint8_t> header, const std::vector<uint8_t>& rbsp) {
-    int zeros = 0;
-    for (const uint8_t byte : rbsp) {
-        if (zeros == 2 && byte <= 3) {
-            header.push_back(3);
-            zeros = 0;
-        }
-        header.push_back(byte);
-        zeros = byte == 0 ? zeros + 1 : 0;
-    }
+    const std::vector<uint8_t> escaped = withEmulationPrevention(rbsp);
+    header.insert(header.end(), escaped.begin(), escaped.end());
     return header;
 }
 

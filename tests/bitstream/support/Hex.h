@@ -42,6 +42,10 @@ inline std::string hexOf(qv::Bytes bytes) {
     return text;
 }
 
+inline qv::Bytes bytesOf(const std::vector<uint8_t>& bytes) {
+    return {bytes.data(), bytes.size()};
+}
+
 inline std::vector<uint8_t> copyOf(qv::Bytes bytes) {
     return {bytes.begin(), bytes.end()};
 }

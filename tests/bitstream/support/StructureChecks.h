@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "Hex.h"
 #include "RandomUnit.h"
 #include "bitstream/Read.h"
 #include "bitstream/syntax/EmulationPrevention.h"
@@ -62,10 +63,6 @@ struct StructureUnderTest {
 inline std::string textOf(const qv::TracedElement& element) {
     return std::to_string(element.firstBit) + " " + std::to_string(element.width) + " " +
            qv::textOf(element.element) + " " + std::to_string(element.value);
-}
-
-inline qv::Bytes bytesOf(const std::vector<uint8_t>& bytes) {
-    return {bytes.data(), bytes.size()};
 }
 
 // For each byte of the RBSP the byte of the coded unit, found the slow way. One more for what follows the

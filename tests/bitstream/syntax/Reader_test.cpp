@@ -22,10 +22,6 @@ using qv::CodedBits;
 using qv::FaultKind;
 using qv::Reader;
 
-qv::Bytes view(const Bytes& bytes) {
-    return {bytes.data(), bytes.size()};
-}
-
 void skipHeader(Reader& reader, uint32_t bytes) {
     reader.header(bytes);
     uint32_t value = 0;
@@ -105,7 +101,7 @@ TEST(Reader, emulationPrevention) {
         SCOPED_TRACE(row.unit);
         const Bytes unit = hex(row.unit);
         for (uint32_t n = 1; n <= 57; ++n) {
-            Reader reader(view(unit));
+            Reader reader(bytesOf(unit));
             skipHeader(reader, row.headerBytes);
             EXPECT_EQ(bitsLeft(reader, n), dataBits(hex(row.rbsp))) << n << " bits at a time";
             EXPECT_FALSE(reader.failed());
@@ -139,7 +135,7 @@ TEST(Reader, emulationPreventionAcrossTheWindow) {
                 for (uint32_t first = 0; first < 33 && first <= expected.size(); ++first) {
                     const std::vector<bool> rest(expected.begin() + first, expected.end());
                     for (const uint32_t n : {1U, 7U, 32U, 57U}) {
-                        Reader reader(view(unit));
+                        Reader reader(bytesOf(unit));
                         skipHeader(reader, 1);
                         uint64_t value = 0;
                         reader.u(first, "first", value);
@@ -178,7 +174,7 @@ TEST(Reader, expGolombCodesOfEveryLengthAtEveryBit) {
                 const Bytes unit = unitWithCode(before, zeroBits, suffix);
                 const auto codeNum = static_cast<uint32_t>(most + suffix);
 
-                Reader unsignedReader(view(unit));
+                Reader unsignedReader(bytesOf(unit));
                 skipHeader(unsignedReader, 1);
                 uint64_t skipped = 0;
                 unsignedReader.u(static_cast<uint32_t>(before / 2), "before", skipped);
@@ -190,7 +186,7 @@ TEST(Reader, expGolombCodesOfEveryLengthAtEveryBit) {
                 ASSERT_FALSE(unsignedReader.more_rbsp_data());
                 ASSERT_FALSE(unsignedReader.failed());
 
-                Reader signedReader(view(unit));
+                Reader signedReader(bytesOf(unit));
                 skipHeader(signedReader, 1);
                 signedReader.u(static_cast<uint32_t>(before / 2), "before", skipped);
                 signedReader.u(static_cast<uint32_t>(before - before / 2), "before", skipped);
@@ -217,7 +213,7 @@ TEST(Reader, expGolombCodesThatAreTooLong) {
             }
             bits.u(1, "marker", 1).u(40, "suffix", 0x123456789A).trailingBits();
             const Bytes unit = withEmulationPrevention(bits.bytes());
-            Reader reader(view(unit));
+            Reader reader(bytesOf(unit));
             skipHeader(reader, 1);
             uint64_t skipped = 0;
             reader.u(static_cast<uint32_t>(before / 2), "before", skipped);
@@ -240,7 +236,7 @@ TEST(Reader, expGolombCodeOfZeroBitsUpToTheEnd) {
         bits.u(8, "header", 0x67).u(zeroBits < 64 ? zeroBits : 64, "zero", 0);
         bits.u(zeroBits < 64 ? 0 : zeroBits - 64, "zero", 0).trailingBits();
         const Bytes unit = withEmulationPrevention(bits.bytes());
-        Reader reader(view(unit));
+        Reader reader(bytesOf(unit));
         skipHeader(reader, 1);
         uint32_t value = 1;
         reader.ue("code", value);
@@ -356,7 +352,7 @@ TEST(Reader, endOfDataInEveryDescriptor) {
                     bits.u(1, "element", i == 3 && descriptor.bits == 7 ? 1 : 0);
                 }
                 const Bytes unit = withEmulationPrevention(bits.trailingBits().bytes());
-                Reader reader(view(unit));
+                Reader reader(bytesOf(unit));
                 skipHeader(reader, 1);
                 for (size_t i = 0; i < before; ++i) {
                     bool one = false;
@@ -395,7 +391,7 @@ TEST(Reader, aUnitWithoutBytes) {
 
 TEST(Reader, aUnitThatEndsInItsHeader) {
     const Bytes unit = hex("40");
-    Reader reader(view(unit));
+    Reader reader(bytesOf(unit));
     reader.header(2);
     uint32_t first = 0;
     uint32_t second = 9;
@@ -417,7 +413,7 @@ TEST(Reader, aUnitWithoutRbsp) {
     for (const Row& row : {Row{"0A", true, true}, Row{"0A 00", false, true}, Row{"0A 00 00 03", false, true},
                            Row{"0A 80", false, false}, Row{"0A 03", false, false}}) {
         const Bytes unit = hex(row.unit);
-        Reader reader(view(unit));
+        Reader reader(bytesOf(unit));
         uint32_t header = 0;
         reader.header(1);
         reader.u(8, "header", header);
@@ -434,7 +430,7 @@ TEST(Reader, aUnitWithoutRbsp) {
 
 TEST(Reader, theFirstFaultIsKept) {
     const Bytes unit = hex("67 FF FF 80");
-    Reader reader(view(unit));
+    Reader reader(bytesOf(unit));
     skipHeader(reader, 1);
     uint32_t value = 0;
     reader.u(4, "fine", value);
@@ -457,7 +453,7 @@ TEST(Reader, everythingReadsZeroAfterAFault) {
     const Bytes unit = hex("67 FF FF FF FF FF FF FF FF FF FF FF FF 80");
     for (const Descriptor& descriptor : kDescriptors) {
         SCOPED_TRACE(descriptor.text);
-        Reader reader(view(unit));
+        Reader reader(bytesOf(unit));
         skipHeader(reader, 1);
         reader.fail(FaultKind::NoSuchSet, "reason", 3);
         EXPECT_EQ(reader.fault().value, 3);
@@ -503,7 +499,7 @@ TEST(Reader, rangesAndTheirFaults) {
     for (const Row& row : rows) {
         SCOPED_TRACE(row.unit);
         const Bytes unit = hex(row.unit);
-        Reader reader(view(unit));
+        Reader reader(bytesOf(unit));
         skipHeader(reader, 1);
         row.read(reader);
         if (row.least > row.most) {
@@ -525,7 +521,7 @@ TEST(Reader, signedNumbersOfEveryWidth) {
             BitWriter bits;
             bits.u(8, "header", 0x67).u(n, "value", static_cast<uint64_t>(value)).trailingBits();
             const Bytes unit = withEmulationPrevention(bits.bytes());
-            Reader reader(view(unit));
+            Reader reader(bytesOf(unit));
             skipHeader(reader, 1);
             int32_t read = 9;
             reader.i(n, "value", read);
@@ -539,7 +535,7 @@ TEST(Reader, structuresOfAFault) {
     static constexpr qv::Structure kInner = {"inner()", "1.2"};
     const Bytes unit = hex("67 FF 80");
     for (const int depth : {0, 1, 2, 3}) {
-        Reader reader(view(unit));
+        Reader reader(bytesOf(unit));
         if (depth == 0) {
             reader.fail(FaultKind::OtherUnit, "x", 0);
         }
@@ -578,7 +574,7 @@ TEST(Reader, moreRbspDataAndTrailingAtEveryBit) {
                 const size_t end = unit.size();
                 const Bytes zeroWords = hex(after);
                 unit.insert(unit.end(), zeroWords.begin(), zeroWords.end());
-                Reader reader(view(unit));
+                Reader reader(bytesOf(unit));
                 skipHeader(reader, 1);
                 for (uint32_t i = 0; i < read; ++i) {
                     ASSERT_TRUE(reader.more_rbsp_data());
@@ -603,7 +599,7 @@ TEST(Reader, anRbspOfZeroBytes) {
     for (const char* const text :
          {"67 00", "67 00 00", "67 00 00 03", "67 00 00 03 00 00 03", "67 00 00 00"}) {
         const Bytes unit = hex(text);
-        Reader reader(view(unit));
+        Reader reader(bytesOf(unit));
         skipHeader(reader, 1);
         EXPECT_FALSE(reader.more_rbsp_data()) << text;
         EXPECT_EQ(reader.trailing().bytes.size, unit.size() - 1) << text;
@@ -623,7 +619,7 @@ TEST(Reader, rbspTrailingBitsThatAreMissing) {
     for (const Row& row : {Row{"0C 80", true}, Row{"0C", false}, Row{"0C 00 00", false},
                            Row{"0C 00 00 03", false}, Row{"0C FF 80", true}}) {
         const Bytes unit = hex(row.unit);
-        Reader reader(view(unit));
+        Reader reader(bytesOf(unit));
         skipHeader(reader, 1);
         while (reader.more_rbsp_data()) {
             uint32_t value = 0;
@@ -652,7 +648,7 @@ TEST(Reader, keptBitsReadAgainFromEveryBitToEveryBit) {
             SCOPED_TRACE(std::to_string(count) + " bits from bit " + std::to_string(first));
             SlowReader slow(kUnitToKeep, 1);
             slow.u(8);
-            Reader reader(view(kUnitToKeep));
+            Reader reader(bytesOf(kUnitToKeep));
             skipHeader(reader, 1);
             for (uint64_t i = 0; i < first; ++i) {
                 bool flag = false;
@@ -690,7 +686,7 @@ TEST(Reader, keptBitsReadAgainFromEveryBitToEveryBit) {
 }
 
 TEST(Reader, nothingIsKeptAfterAFault) {
-    Reader reader(view(kUnitToKeep));
+    Reader reader(bytesOf(kUnitToKeep));
     skipHeader(reader, 1);
     CodedBits kept;
     reader.keep(kept, [](Reader& in) {
@@ -706,7 +702,7 @@ TEST(Reader, extensionDataIsKeptUpToTheTrailingBits) {
     for (uint32_t read = 0; read < 100; ++read) {
         SlowReader slow(kUnitToKeep, 1);
         slow.u(8);
-        Reader reader(view(kUnitToKeep));
+        Reader reader(bytesOf(kUnitToKeep));
         skipHeader(reader, 1);
         for (uint32_t i = 0; i < read; ++i) {
             bool flag = false;
@@ -898,7 +894,7 @@ TEST(Reader, randomUnitsReadAsTheSlowReaderReadsThem) {
         const size_t headerBytes = std::min(below(random, 5), unit.size());
         const uint8_t* const place = round % 2 == 0 ? guarded.placeAtEnd(unit) : guarded.placeAtBegin(unit);
         SCOPED_TRACE("round " + std::to_string(round) + ", header of " + std::to_string(headerBytes) + ": " +
-                     hexOf(view(unit)));
+                     hexOf(bytesOf(unit)));
         Pair pair({place, unit.size()}, unit, headerBytes);
         pair.compare();
         for (int step = 0; step < 40 && !pair.failed(); ++step) {
@@ -925,7 +921,7 @@ TEST(Reader, noReadAllocates) {
     const AllocationFault blocks(Allocator::Malloc, 0);
     uint64_t sum = 0;
     for (const Bytes& unit : units) {
-        Reader reader(view(unit));
+        Reader reader(bytesOf(unit));
         reader.header(1);
         uint32_t value = 0;
         reader.u(8, "header", value);

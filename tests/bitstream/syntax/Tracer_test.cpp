@@ -20,10 +20,6 @@ using qv::TracedElement;
 using qv::Tracer;
 using Texts = std::vector<std::string>;
 
-qv::Bytes view(const Bytes& bytes) {
-    return {bytes.data(), bytes.size()};
-}
-
 // "name descriptor firstBit+width = value (bits) byte", and the structures.
 class Lines : public qv::TraceVisitor {
 public:
@@ -53,7 +49,7 @@ TEST(Tracer, everyDescriptor) {
     bits.ue("ue", 4).se("se", -3).u(5, "f", 21).u(1, "flag", 0).u(2, "u", 2).trailingBits();
     const Bytes unit = withEmulationPrevention(bits.bytes());
     Lines lines;
-    Tracer tracer(view(unit), lines);
+    Tracer tracer(bytesOf(unit), lines);
     uint32_t u = 0;
     int32_t i = 0;
     bool flag = false;
@@ -105,7 +101,7 @@ TEST(Tracer, everyDescriptor) {
 TEST(Tracer, anElementWithAFaultIsNotReported) {
     const Bytes unit = hex("67 A5 80");
     Lines lines;
-    Tracer tracer(view(unit), lines);
+    Tracer tracer(bytesOf(unit), lines);
     uint32_t value = 0;
     tracer.header(1);
     tracer.u(8, "header", value);
@@ -129,7 +125,7 @@ TEST(Tracer, trailingBitsAreReportedWhereTheyAre) {
                            Row{"67 00 00 03", 1, false}, Row{"67 80 00 00 03", 9, true}}) {
         const Bytes unit = hex(row.unit);
         Lines lines;
-        Tracer tracer(view(unit), lines);
+        Tracer tracer(bytesOf(unit), lines);
         uint32_t value = 0;
         tracer.header(1);
         tracer.u(8, "header", value);
@@ -148,7 +144,7 @@ TEST(Tracer, flagsOfAnExtensionInRuns) {
     }
     const Bytes unit = withEmulationPrevention(bits.trailingBits().bytes());
     Lines lines;
-    Tracer tracer(view(unit), lines);
+    Tracer tracer(bytesOf(unit), lines);
     uint32_t value = 0;
     qv::CodedBits kept;
     tracer.header(1);
@@ -170,7 +166,7 @@ TEST(Tracer, flagsOfAnExtensionInRuns) {
 TEST(Tracer, keptBitsAreReportedAsTheyAreRead) {
     const Bytes unit = hex("67 00 00 03 01 A5 80");
     Lines lines;
-    Tracer tracer(view(unit), lines);
+    Tracer tracer(bytesOf(unit), lines);
     uint32_t value = 0;
     tracer.header(1);
     tracer.u(8, "header", value);
@@ -188,7 +184,7 @@ TEST(Tracer, keptBitsAreReportedAsTheyAreRead) {
 TEST(Tracer, wholeBytes) {
     const Bytes record = hex("00 03 00 00 03 00 00 03 01 02");
     Lines lines;
-    Tracer tracer(view(record), lines);
+    Tracer tracer(bytesOf(record), lines);
     uint32_t length = 0;
     qv::Bytes unit;
     qv::Bytes kept;
@@ -221,9 +217,9 @@ TEST(Tracer, codedPositionsOfRandomUnits) {
             byte = random() % 4 == 0 ? static_cast<uint8_t>(random()) : kBytes[random() % sizeof kBytes];
         }
         const size_t headerBytes = std::min<size_t>(random() % 5, unit.size());
-        SCOPED_TRACE("header of " + std::to_string(headerBytes) + ": " + hexOf(view(unit)));
+        SCOPED_TRACE("header of " + std::to_string(headerBytes) + ": " + hexOf(bytesOf(unit)));
         Lines lines;
-        Tracer tracer(view(unit), lines);
+        Tracer tracer(bytesOf(unit), lines);
         SlowReader slow(unit, headerBytes);
         tracer.header(static_cast<uint32_t>(headerBytes));
         uint64_t value = 0;

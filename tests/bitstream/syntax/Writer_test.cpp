@@ -20,10 +20,6 @@ using qv::Reader;
 using qv::Sizer;
 using qv::Writer;
 
-qv::Bytes view(const Bytes& bytes) {
-    return {bytes.data(), bytes.size()};
-}
-
 // --- Bits ---
 
 // What one element is written as: a header byte, the element, and rbsp_trailing_bits().
@@ -38,7 +34,7 @@ std::string written(const std::function<void(Writer&)>& element) {
     writer.rbsp_trailing_bits();
     const qv::Written result = writer.finish();
     EXPECT_EQ(result.size, out.size());
-    return result.ok() ? hexOf(view(out).from(1)) : qv::textOf(result.fault);
+    return result.ok() ? hexOf(bytesOf(out).from(1)) : qv::textOf(result.fault);
 }
 
 template <class Field>
@@ -219,15 +215,17 @@ TEST(Writer, emulationPrevention) {
         {2, "42 00", "42 00"},  // a header alone
     };
     for (const Row& row : rows) {
-        EXPECT_EQ(hexOf(view(writtenBytes(hex(row.bytes), row.headerBytes))), hexOf(view(hex(row.written))))
+        EXPECT_EQ(hexOf(bytesOf(writtenBytes(hex(row.bytes), row.headerBytes))),
+                  hexOf(bytesOf(hex(row.written))))
             << row.bytes;
     }
 }
 
 // Bytes of an earlier unit are not part of this one.
 TEST(Writer, appendsToWhatIsThere) {
-    EXPECT_EQ(hexOf(view(writtenBytes(hex("01 80"), 0, hex("00 00")))), "00 00 01 80");
-    EXPECT_EQ(hexOf(view(writtenBytes(hex("00 00 01 80"), 1, hex("00 00 00")))), "00 00 00 00 00 03 01 80");
+    EXPECT_EQ(hexOf(bytesOf(writtenBytes(hex("01 80"), 0, hex("00 00")))), "00 00 01 80");
+    EXPECT_EQ(hexOf(bytesOf(writtenBytes(hex("00 00 01 80"), 1, hex("00 00 00")))),
+              "00 00 00 00 00 03 01 80");
 }
 
 // --- Against the bit writer of the tests ---
@@ -300,7 +298,7 @@ TEST(Writer, copiesKeptBits) {
             for (uint32_t before = 0; before < 9; ++before) {
                 SCOPED_TRACE(std::to_string(count) + " bits from " + std::to_string(first) + " to " +
                              std::to_string(before));
-                Reader reader(view(source));
+                Reader reader(bytesOf(source));
                 uint64_t value = 0;
                 reader.header(1);
                 reader.u(8, "header", value);
@@ -352,15 +350,15 @@ TEST(Writer, bytesWithoutEmulationPrevention) {
     uint32_t length = 6;
     writer.header(2);
     writer.u(16, "length", length);
-    writer.bytes(6, "unit", view(bytes));
-    writer.keepBytes(view(bytes), [](auto&) { FAIL(); });
-    writer.restOfBytes("rest", view(bytes).first(1));
+    writer.bytes(6, "unit", bytesOf(bytes));
+    writer.keepBytes(bytesOf(bytes), [](auto&) { FAIL(); });
+    writer.restOfBytes("rest", bytesOf(bytes).first(1));
     EXPECT_EQ(writer.position(), 8U * 15);
     EXPECT_EQ(writer.finish().size, 15U);
-    EXPECT_EQ(hexOf(view(out)), "DE 00 06 00 00 01 00 00 03 00 00 01 00 00 03 00");
+    EXPECT_EQ(hexOf(bytesOf(out)), "DE 00 06 00 00 01 00 00 03 00 00 01 00 00 03 00");
 
     Writer other(out);
-    other.bytes(5, "unit", view(bytes));
+    other.bytes(5, "unit", bytesOf(bytes));
     EXPECT_EQ(qv::textOf(other.finish().fault), "unit at bit 0: 6 instead of 5");
     EXPECT_EQ(out.size(), 16U);
 }

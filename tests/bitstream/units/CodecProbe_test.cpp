@@ -21,10 +21,6 @@ using Answer = qv::CodecProbe::Answer;
 using Confidence = qv::CodecProbe::Confidence;
 using Units = std::vector<Bytes>;
 
-qv::Bytes view(const Bytes& bytes) {
-    return {bytes.data(), bytes.size()};
-}
-
 Bytes framed(const Units& units, Framing framing = Framing::StartCodes) {
     Bytes bytes;
     for (const Bytes& unit : units) {
@@ -49,7 +45,7 @@ Units operator+(Units units, const Units& more) {
 }
 
 Answer answerTo(const Bytes& bytes) {
-    return qv::probeCodec(view(bytes)).answer;
+    return qv::probeCodec(bytesOf(bytes)).answer;
 }
 
 Answer answerTo(const Units& units) {
@@ -134,7 +130,7 @@ TEST(CodecProbe, unspecifiedHevcTypesSayNothing) {
     for (int i = 0; i < 100; ++i) {
         units = units + Units{kHevcTrail, kHevcRpu, kHevcEnhancement};
     }
-    const CodecProbe probe = qv::probeCodec(view(framed(units)));
+    const CodecProbe probe = qv::probeCodec(bytesOf(framed(units)));
     EXPECT_EQ(probe.answer, Answer::Hevc);
     EXPECT_EQ(probe.confidence, Confidence::High);
     EXPECT_EQ(probe.hevc.silent, 200U);
@@ -146,7 +142,7 @@ TEST(CodecProbe, unspecifiedHevcTypesSayNothing) {
 TEST(CodecProbe, everyTypeBesideSlices) {
     for (uint32_t type = 0; type < 32; ++type) {
         const Bytes unit = {static_cast<uint8_t>(type), 0x9A, 0x24, 0x6C, 0x80};
-        const CodecProbe probe = qv::probeCodec(view(framed({unit})), Framing::StartCodes);
+        const CodecProbe probe = qv::probeCodec(bytesOf(framed({unit})), Framing::StartCodes);
         const bool isReserved = type == 0 || (type >= 16 && type <= 18) || (type >= 21);
         if (isReserved) {
             EXPECT_EQ(probe.avc.silent, 1U) << type;
@@ -155,7 +151,7 @@ TEST(CodecProbe, everyTypeBesideSlices) {
     }
     for (uint32_t type = 0; type < 64; ++type) {
         const Bytes unit = {static_cast<uint8_t>(type << 1), 0x01, 0xFF, 0xFF, 0x80};
-        const CodecProbe probe = qv::probeCodec(view(framed({unit})), Framing::StartCodes);
+        const CodecProbe probe = qv::probeCodec(bytesOf(framed({unit})), Framing::StartCodes);
         const bool isReserved = (type >= 10 && type <= 15) || (type >= 22 && type <= 31) || type >= 41;
         if (isReserved) {
             EXPECT_EQ(probe.hevc.silent, 1U) << type;
@@ -205,11 +201,11 @@ TEST(CodecProbe, implausibleAvcSlices) {
 TEST(CodecProbe, implausibleAvcUnits) {
     for (const char* const unit :
          {"26 05 80", "2A", "2B", "2C FF 80", "28 00 00 00 80", "29 10", "09 11", "09 50 80"}) {
-        EXPECT_EQ(qv::probeCodec(view(framed({hex(unit)})), Framing::StartCodes).avc.against, 1U) << unit;
+        EXPECT_EQ(qv::probeCodec(bytesOf(framed({hex(unit)})), Framing::StartCodes).avc.against, 1U) << unit;
     }
     for (const char* const unit :
          {"06 05 80", "0A", "0B", "0C FF 80", "68 CE 0F C8", "6E 40 00 07 80", "6E"}) {
-        EXPECT_EQ(qv::probeCodec(view(framed({hex(unit)})), Framing::StartCodes).avc.silent, 1U) << unit;
+        EXPECT_EQ(qv::probeCodec(bytesOf(framed({hex(unit)})), Framing::StartCodes).avc.silent, 1U) << unit;
     }
 }
 
@@ -229,9 +225,9 @@ TEST(CodecProbe, implausibleHevcUnits) {
     EXPECT_EQ(changed(kHevcSps, 3, 0x42), Answer::Neither);  // general_profile_space 1
     EXPECT_EQ(changed(kHevcSps, 3, 0x0C), Answer::Neither);  // general_profile_idc 12
     for (const char* const unit : {"40", "02 41 D0 80", "44 01 01 00 80", "46 01 51", "02 01"}) {
-        EXPECT_EQ(qv::probeCodec(view(framed({hex(unit)})), Framing::StartCodes).hevc.against, 1U) << unit;
+        EXPECT_EQ(qv::probeCodec(bytesOf(framed({hex(unit)})), Framing::StartCodes).hevc.against, 1U) << unit;
     }
-    EXPECT_EQ(qv::probeCodec(view(framed({hex("46 01 50")})), Framing::StartCodes).hevc.plausible, 1U);
+    EXPECT_EQ(qv::probeCodec(bytesOf(framed({hex("46 01 50")})), Framing::StartCodes).hevc.plausible, 1U);
 }
 
 // Damage does not hide a stream, but a parameter set among nonsense does not make one.
@@ -252,13 +248,13 @@ TEST(CodecProbe, everyFraming) {
     for (const Framing framing : kFramings) {
         SCOPED_TRACE(qv::textOf(framing));
         const CodecProbe avc =
-            qv::probeCodec(view(framed(Units{kAvcSps, kAvcPps, kAvcIdr} + 20 * kAvcSlice, framing)));
+            qv::probeCodec(bytesOf(framed(Units{kAvcSps, kAvcPps, kAvcIdr} + 20 * kAvcSlice, framing)));
         EXPECT_EQ(avc.answer, Answer::Avc);
         EXPECT_EQ(avc.framing, framing);
         EXPECT_EQ(avc.confidence, Confidence::High);
         EXPECT_EQ(avc.beginsWithStartCode, framing == Framing::StartCodes);
         const CodecProbe hevc =
-            qv::probeCodec(view(framed(Units{kHevcVps, kHevcSps, kHevcPps} + 20 * kHevcTrail, framing)));
+            qv::probeCodec(bytesOf(framed(Units{kHevcVps, kHevcSps, kHevcPps} + 20 * kHevcTrail, framing)));
         EXPECT_EQ(hevc.answer, Answer::Hevc);
         EXPECT_EQ(hevc.framing, framing);
     }
@@ -267,11 +263,11 @@ TEST(CodecProbe, everyFraming) {
 // The sample of a container, whose parameter sets are elsewhere.
 TEST(CodecProbe, aSampleWithOneSlice) {
     for (const Framing framing : {Framing::Lengths2, Framing::Lengths3, Framing::Lengths4}) {
-        const CodecProbe avc = qv::probeCodec(view(framed({kAvcSlice}, framing)));
+        const CodecProbe avc = qv::probeCodec(bytesOf(framed({kAvcSlice}, framing)));
         EXPECT_EQ(avc.answer, Answer::Avc);
         EXPECT_EQ(avc.framing, framing);
         EXPECT_EQ(avc.confidence, Confidence::Low);
-        EXPECT_EQ(qv::probeCodec(view(framed({kHevcTrail}, framing))).answer, Answer::Hevc);
+        EXPECT_EQ(qv::probeCodec(bytesOf(framed({kHevcTrail}, framing))).answer, Answer::Hevc);
     }
 }
 
@@ -279,7 +275,7 @@ TEST(CodecProbe, aSampleWithOneSlice) {
 TEST(CodecProbe, lengthsThatReadAsStartCodes) {
     Bytes slice = kAvcSlice;
     slice.resize(300, 0x55);
-    const CodecProbe probe = qv::probeCodec(view(framed(10 * slice, Framing::Lengths4)));
+    const CodecProbe probe = qv::probeCodec(bytesOf(framed(10 * slice, Framing::Lengths4)));
     EXPECT_EQ(probe.answer, Answer::Avc);
     EXPECT_EQ(probe.framing, Framing::Lengths4);
 }
@@ -288,14 +284,14 @@ TEST(CodecProbe, lengthsThatReadAsStartCodes) {
 TEST(CodecProbe, dataThatEndsWithinAUnit) {
     Bytes bytes = framed(Units{kAvcSps} + 20 * kAvcSlice, Framing::Lengths4);
     bytes.pop_back();
-    EXPECT_EQ(qv::probeCodec(view(bytes)).framing, Framing::Lengths4);
-    EXPECT_EQ(qv::probeCodec(view(bytes)).answer, Answer::Avc);
+    EXPECT_EQ(qv::probeCodec(bytesOf(bytes)).framing, Framing::Lengths4);
+    EXPECT_EQ(qv::probeCodec(bytesOf(bytes)).answer, Answer::Avc);
     EXPECT_EQ(answerTo(hex("00 00 10 00 41 9A 24 6C 43 7F 80")), Answer::Neither);
 }
 
 TEST(CodecProbe, startOfTheStream) {
     const auto beginsWithStartCode = [](const char* text) {
-        return qv::probeCodec(view(hex(text)), Framing::StartCodes).beginsWithStartCode;
+        return qv::probeCodec(bytesOf(hex(text)), Framing::StartCodes).beginsWithStartCode;
     };
     EXPECT_TRUE(beginsWithStartCode("00 00 01 09 F0"));
     EXPECT_TRUE(beginsWithStartCode("00 00 00 00 00 01 09 F0"));
@@ -307,7 +303,7 @@ TEST(CodecProbe, startOfTheStream) {
 
 TEST(CodecProbe, confidence) {
     const auto confidenceIn = [](const Units& units) {
-        return qv::probeCodec(view(framed(units))).confidence;
+        return qv::probeCodec(bytesOf(framed(units))).confidence;
     };
     EXPECT_EQ(confidenceIn({kAvcSps}), Confidence::High);
     EXPECT_EQ(confidenceIn({kAvcSps, kAvcSlice, hex("B8 00 12")}), Confidence::Medium);
@@ -318,10 +314,10 @@ TEST(CodecProbe, confidence) {
 
 TEST(CodecProbe, text) {
     EXPECT_EQ(
-        qv::textOf(qv::probeCodec(view(framed({kAvcSps, kAvcPps, kAvcIdr, kAvcSlice})))),
+        qv::textOf(qv::probeCodec(bytesOf(framed({kAvcSps, kAvcPps, kAvcIdr, kAvcSlice})))),
         "H.264 with start codes, confidence high: as H.264 1 parameter sets, 2 plausible units, 0 against, 1 "
         "silent; as H.265 0 parameter sets, 0 plausible units, 4 against, 0 silent");
-    EXPECT_EQ(qv::textOf(qv::probeCodec(view(framed({kHevcTrail}, Framing::Lengths4)))),
+    EXPECT_EQ(qv::textOf(qv::probeCodec(bytesOf(framed({kHevcTrail}, Framing::Lengths4)))),
               "H.265 with lengths of 4 bytes, confidence low: as H.264 0 parameter sets, 0 plausible units, "
               "0 against, "
               "1 silent; as H.265 0 parameter sets, 1 plausible units, 0 against, 0 silent");
@@ -329,14 +325,14 @@ TEST(CodecProbe, text) {
               "neither H.264 nor H.265: as H.264 0 parameter sets, 0 plausible units, 0 against, 0 silent; "
               "as H.265 0 "
               "parameter sets, 0 plausible units, 0 against, 0 silent");
-    EXPECT_NE(qv::textOf(qv::probeCodec(view(framed({kAvcSps, kHevcVps})))).find("H.264 or H.265 with"),
+    EXPECT_NE(qv::textOf(qv::probeCodec(bytesOf(framed({kAvcSps, kHevcVps})))).find("H.264 or H.265 with"),
               std::string::npos);
 }
 
 TEST(CodecProbe, codec) {
-    EXPECT_EQ(qv::probeCodec(view(framed({kAvcSps}))).codec(), qv::Codec::Avc);
-    EXPECT_EQ(qv::probeCodec(view(framed({kHevcSps}))).codec(), qv::Codec::Hevc);
-    EXPECT_EQ(qv::probeCodec(view(framed({kAvcSps, kHevcVps}))).codec(), std::nullopt);
+    EXPECT_EQ(qv::probeCodec(bytesOf(framed({kAvcSps}))).codec(), qv::Codec::Avc);
+    EXPECT_EQ(qv::probeCodec(bytesOf(framed({kHevcSps}))).codec(), qv::Codec::Hevc);
+    EXPECT_EQ(qv::probeCodec(bytesOf(framed({kAvcSps, kHevcVps}))).codec(), std::nullopt);
     EXPECT_EQ(qv::probeCodec({}).codec(), std::nullopt);
 }
 
@@ -345,7 +341,7 @@ TEST(CodecProbe, theWorkIsBounded) {
     bytes.resize(2 * qv::kProbeBytes, 0x55);
     const Bytes late = framed(50 * kHevcVps);
     bytes.insert(bytes.end(), late.begin(), late.end());
-    const CodecProbe probe = qv::probeCodec(view(bytes));
+    const CodecProbe probe = qv::probeCodec(bytesOf(bytes));
     EXPECT_EQ(probe.bytes, qv::kProbeBytes);
     EXPECT_EQ(probe.hevc.parameterSets, 0U);
     EXPECT_EQ(probe.avc.units(), 0U);  // the SPS may be cut: its end was not seen
@@ -356,7 +352,7 @@ TEST(CodecProbe, theUnitThatTheProbeEndsIn) {
     Bytes bytes = framed({kAvcSps, kAvcIdr});
     bytes.resize(qv::kProbeBytes - 4, 0x55);
     bytes = bytes + framed({kAvcSlice, kAvcSlice});
-    const CodecProbe probe = qv::probeCodec(view(bytes));
+    const CodecProbe probe = qv::probeCodec(bytesOf(bytes));
     EXPECT_EQ(probe.avc.units(), 2U);
     EXPECT_EQ(probe.confidence, Confidence::High);
 }
@@ -385,7 +381,7 @@ TEST(CodecProbe, randomBytes) {
         for (uint8_t& byte : bytes) {
             byte = static_cast<uint8_t>(random());
         }
-        EXPECT_EQ(answerTo(bytes), Answer::Neither) << qv::textOf(qv::probeCodec(view(bytes)));
+        EXPECT_EQ(answerTo(bytes), Answer::Neither) << qv::textOf(qv::probeCodec(bytesOf(bytes)));
     }
 }
 
@@ -411,7 +407,7 @@ TEST(CodecProbe, nothingIsAllocated) {
     const Bytes bytes = framed(Units{kAvcSps} + 20 * kAvcSlice, Framing::Lengths2);
     const AllocationFault allocations(Allocator::New, 0);
     const AllocationFault blocks(Allocator::Malloc, 0);
-    EXPECT_EQ(qv::probeCodec(view(bytes)).answer, Answer::Avc);
+    EXPECT_EQ(qv::probeCodec(bytesOf(bytes)).answer, Answer::Avc);
     EXPECT_EQ(allocations.seen(), 0);
     EXPECT_EQ(blocks.seen(), 0);
 }

@@ -28,10 +28,6 @@ using testing::ElementsAre;
 
 using Texts = std::vector<std::string>;
 
-qv::Bytes view(const Bytes& bytes) {
-    return {bytes.data(), bytes.size()};
-}
-
 std::vector<NalUnit> unitsOf(qv::Bytes bytes, Framing framing, Codec codec = Codec::Avc) {
     std::vector<NalUnit> units;
     for (const NalUnit& unit : NalUnits(bytes, framing, codec)) {
@@ -43,7 +39,7 @@ std::vector<NalUnit> unitsOf(qv::Bytes bytes, Framing framing, Codec codec = Cod
 // "offset: bytes of the unit" of each unit, with its faults.
 Texts textsOf(const Bytes& buffer, Framing framing, Codec codec = Codec::Avc) {
     Texts texts;
-    for (const NalUnit& unit : NalUnits(view(buffer), framing, codec)) {
+    for (const NalUnit& unit : NalUnits(bytesOf(buffer), framing, codec)) {
         std::string text = std::to_string(unit.offset) + ": " + hexOf(unit.bytes);
         text += unit.faults ? " (" + qv::textOf(unit.faults) + ")" : "";
         texts.push_back(text);
@@ -104,7 +100,7 @@ TEST(NalUnits, startCodes) {
 
 TEST(NalUnits, partsAroundTheUnits) {
     const Bytes buffer = hex("00 00 00 000001 65 88 00 00 000001 41 00000001 42 00");
-    const std::vector<NalUnit> units = unitsOf(view(buffer), Framing::StartCodes);
+    const std::vector<NalUnit> units = unitsOf(bytesOf(buffer), Framing::StartCodes);
     ASSERT_EQ(units.size(), 3U);
     EXPECT_EQ(units[0].leadingBytes, 2U);
     EXPECT_EQ(units[0].prefixSize, 4U);
@@ -164,7 +160,7 @@ TEST(NalUnits, lengths) {
 
 TEST(NalUnits, theLengthAsCodedAndTheBytesLeft) {
     const Bytes buffer = hex("0001 41 1234 65 88");
-    const std::vector<NalUnit> units = unitsOf(view(buffer), Framing::Lengths2);
+    const std::vector<NalUnit> units = unitsOf(bytesOf(buffer), Framing::Lengths2);
     ASSERT_EQ(units.size(), 2U);
     EXPECT_EQ(units[0].NALUnitLength, 1U);
     EXPECT_EQ(units[0].prefixSize, 2U);
@@ -172,7 +168,7 @@ TEST(NalUnits, theLengthAsCodedAndTheBytesLeft) {
     EXPECT_EQ(units[1].bytes.size, 2U);
 
     const Bytes cut = hex("00000001 41 AA BB CC");
-    const std::vector<NalUnit> two = unitsOf(view(cut), Framing::Lengths4);
+    const std::vector<NalUnit> two = unitsOf(bytesOf(cut), Framing::Lengths4);
     ASSERT_EQ(two.size(), 2U);
     EXPECT_EQ(hexOf(two[1].leading()), "AA BB CC");
     EXPECT_EQ(two[1].begin(), 5U);
@@ -185,7 +181,7 @@ TEST(NalUnits, theLengthAsCodedAndTheBytesLeft) {
 TEST(NalUnits, avcHeaders) {
     for (uint32_t byte = 0; byte < 0x80; ++byte) {
         const Bytes buffer = {0, 0, 1, static_cast<uint8_t>(byte), 0xC1, 0x82, 0x43, 0x80};
-        const NalUnit unit = unitsOf(view(buffer), Framing::StartCodes).at(0);
+        const NalUnit unit = unitsOf(bytesOf(buffer), Framing::StartCodes).at(0);
         EXPECT_EQ(unit.nal_ref_idc, byte >> 5);
         EXPECT_EQ(unit.nal_unit_type, byte & 31);
         EXPECT_EQ(unit.nuh_layer_id, 0U);
@@ -203,7 +199,7 @@ TEST(NalUnits, avcHeaders) {
 
 TEST(NalUnits, avcHeaderExtensions) {
     const Bytes svc = hex("6E D5 93 6B 80");  // 1 1 010101 1 001 0011 011 0 1 0 11
-    const auto scalable = qv::avc::readNalUnitHeader(view(svc)).record;
+    const auto scalable = qv::avc::readNalUnitHeader(bytesOf(svc)).record;
     EXPECT_TRUE(scalable.svc_extension_flag);
     EXPECT_TRUE(scalable.svc.idr_flag);
     EXPECT_EQ(scalable.svc.priority_id, 21U);
@@ -217,7 +213,7 @@ TEST(NalUnits, avcHeaderExtensions) {
     EXPECT_EQ(scalable.svc.reserved_three_2bits, 3U);
 
     const Bytes mvc = hex("74 41 40 4D 80");  // 0 1 000001 0101000001 001 1 0 1
-    const auto view1 = qv::avc::readNalUnitHeader(view(mvc)).record;
+    const auto view1 = qv::avc::readNalUnitHeader(bytesOf(mvc)).record;
     EXPECT_FALSE(view1.svc_extension_flag);
     EXPECT_TRUE(view1.mvc.non_idr_flag);
     EXPECT_EQ(view1.mvc.priority_id, 1U);
@@ -228,7 +224,7 @@ TEST(NalUnits, avcHeaderExtensions) {
     EXPECT_TRUE(view1.mvc.reserved_one_bit);
 
     const Bytes depth = hex("75 82 EB");  // 1 00000101 1 1 010 1 1
-    const auto view2 = qv::avc::readNalUnitHeader(view(depth)).record;
+    const auto view2 = qv::avc::readNalUnitHeader(bytesOf(depth)).record;
     EXPECT_TRUE(view2.avc_3d_extension_flag);
     EXPECT_EQ(view2.avc_3d.view_idx, 5U);
     EXPECT_TRUE(view2.avc_3d.depth_flag);
@@ -239,14 +235,14 @@ TEST(NalUnits, avcHeaderExtensions) {
 
     for (const char* const text : {"", "6E", "6E D5", "6E D5 93", "75 82", "75 02 EB", "E7"}) {
         const Bytes cut = hex(text);
-        EXPECT_FALSE(qv::avc::readNalUnitHeader(view(cut)).ok()) << text;
+        EXPECT_FALSE(qv::avc::readNalUnitHeader(bytesOf(cut)).ok()) << text;
     }
 }
 
 TEST(NalUnits, hevcHeaders) {
     for (uint32_t header = 0; header < 0x8000; header += 7) {
         const Bytes buffer = {0, 0, 1, static_cast<uint8_t>(header >> 8), static_cast<uint8_t>(header), 0x80};
-        const NalUnit unit = unitsOf(view(buffer), Framing::StartCodes, Codec::Hevc).at(0);
+        const NalUnit unit = unitsOf(bytesOf(buffer), Framing::StartCodes, Codec::Hevc).at(0);
         EXPECT_EQ(unit.nal_unit_type, header >> 9);
         EXPECT_EQ(unit.nuh_layer_id, header >> 3 & 63);
         EXPECT_EQ(unit.nuh_temporal_id_plus1, header & 7);
@@ -260,14 +256,14 @@ TEST(NalUnits, hevcHeaders) {
     EXPECT_THAT(textsOf(cut, Framing::StartCodes, Codec::Hevc),
                 ElementsAre("3: C2 (the unit ends within its header; forbidden_zero_bit is 1)", "7: 40 01",
                             "12: 40 (the unit ends within its header)"));
-    EXPECT_EQ(unitsOf(view(cut), Framing::StartCodes, Codec::Hevc)[2].nal_unit_type, 32U);
+    EXPECT_EQ(unitsOf(bytesOf(cut), Framing::StartCodes, Codec::Hevc)[2].nal_unit_type, 32U);
 }
 
 // --- The iterator ---
 
 TEST(NalUnits, iteratorsGoTheirOwnWays) {
     const Bytes buffer = hex("000001 65 000001 41 000001 42 000001 43");
-    const NalUnits units(view(buffer), Framing::StartCodes, Codec::Avc);
+    const NalUnits units(bytesOf(buffer), Framing::StartCodes, Codec::Avc);
     NalUnits::Iterator first = units.begin();
     const NalUnits::Iterator before = first++;
     NalUnits::Iterator other = first;
@@ -295,7 +291,7 @@ TEST(NalUnits, farApartAndCloseTogether) {
         buffer.insert(buffer.end(), {0, 0, 1, 0x42});
     }
     const std::vector<SlowUnit> expected = slowUnits(buffer, Framing::StartCodes, Codec::Avc);
-    const std::vector<NalUnit> units = unitsOf(view(buffer), Framing::StartCodes);
+    const std::vector<NalUnit> units = unitsOf(bytesOf(buffer), Framing::StartCodes);
     ASSERT_EQ(units.size(), 205U);
     ASSERT_EQ(units.size(), expected.size());
     for (size_t i = 0; i < units.size(); ++i) {
@@ -336,13 +332,13 @@ void expectAsPlayersLibrary(const Bytes& buffer) {
         return;
     }
     NalIndexList units;
-    for (const NalUnit& unit : NalUnits(view(buffer), Framing::StartCodes, Codec::Avc)) {
+    for (const NalUnit& unit : NalUnits(bytesOf(buffer), Framing::StartCodes, Codec::Avc)) {
         if (unit.bytes.empty()) {
             return;
         }
         units.emplace_back(unit.offset, unit.bytes.size + unit.trailingZeroBytes);
     }
-    ASSERT_EQ(units, reference) << hexOf(view(buffer));
+    ASSERT_EQ(units, reference) << hexOf(bytesOf(buffer));
 }
 
 // Every buffer of up to seven bytes over an alphabet of start codes, short lengths and emulation prevention;
@@ -360,7 +356,7 @@ TEST(NalUnits, everySmallBuffer) {
                 rest /= 5;
             }
             for (const Framing framing : kFramings) {
-                expectAsSlow(buffer, view(buffer), framing, number % 2 == 0 ? Codec::Avc : Codec::Hevc);
+                expectAsSlow(buffer, bytesOf(buffer), framing, number % 2 == 0 ? Codec::Avc : Codec::Hevc);
             }
             expectAsPlayersLibrary(buffer);
             if (HasFatalFailure()) {
@@ -389,7 +385,7 @@ TEST(NalUnits, everyBufferOfNineBytesWithAStartCode) {
         middle.insert(middle.end(), {0, 0, 1});
         middle.insert(middle.end(), rest.begin() + 3, rest.end());
         for (const Bytes& buffer : {first, last, middle}) {
-            expectAsSlow(buffer, view(buffer), Framing::StartCodes, Codec::Avc);
+            expectAsSlow(buffer, bytesOf(buffer), Framing::StartCodes, Codec::Avc);
             expectAsPlayersLibrary(buffer);
         }
         ASSERT_FALSE(HasFailure());
@@ -401,7 +397,7 @@ TEST(NalUnits, everyBufferOfNineBytesWithAStartCode) {
             byte = kAlphabet[digits % 3];
             digits /= 3;
         }
-        expectAsSlow(buffer, view(buffer), Framing::StartCodes, Codec::Hevc);
+        expectAsSlow(buffer, bytesOf(buffer), Framing::StartCodes, Codec::Hevc);
         expectAsPlayersLibrary(buffer);
         ASSERT_FALSE(HasFailure());
     }
@@ -442,7 +438,7 @@ TEST(NalUnits, nothingIsAllocated) {
     const AllocationFault blocks(Allocator::Malloc, 0);
     size_t bytes = 0;
     for (const Framing framing : kFramings) {
-        for (const NalUnit& unit : NalUnits(view(buffer), framing, Codec::Avc)) {
+        for (const NalUnit& unit : NalUnits(bytesOf(buffer), framing, Codec::Avc)) {
             bytes += unit.end() - unit.begin();
         }
     }

@@ -18,19 +18,15 @@ namespace {
 
 using namespace qv_test;
 
-qv::Bytes view(const Bytes& bytes) {
-    return {bytes.data(), bytes.size()};
-}
-
 Bytes unescaped(const Bytes& unit, size_t headerBytes) {
     Bytes out(unit.size());
-    out.resize(qv::unescape(view(unit), headerBytes, out.data(), out.size()));
+    out.resize(qv::unescape(bytesOf(unit), headerBytes, out.data(), out.size()));
     return out;
 }
 
 Bytes escaped(const Bytes& unit, size_t headerBytes) {
     Bytes out(qv::mostEscapedSize(unit.size()));
-    out.resize(qv::escape(view(unit), headerBytes, out.data(), out.size()));
+    out.resize(qv::escape(bytesOf(unit), headerBytes, out.data(), out.size()));
     return out;
 }
 
@@ -67,13 +63,14 @@ const Row kRows[] = {
 TEST(Rbsp, bothWays) {
     for (const Row& row : kRows) {
         SCOPED_TRACE(row.coded);
-        EXPECT_EQ(hexOf(view(unescaped(hex(row.coded), row.headerBytes))), hexOf(view(hex(row.unescaped))));
-        EXPECT_EQ(qv::unescapedSize(view(hex(row.coded)), row.headerBytes), hex(row.unescaped).size());
+        EXPECT_EQ(hexOf(bytesOf(unescaped(hex(row.coded), row.headerBytes))),
+                  hexOf(bytesOf(hex(row.unescaped))));
+        EXPECT_EQ(qv::unescapedSize(bytesOf(hex(row.coded)), row.headerBytes), hex(row.unescaped).size());
         const Bytes coded = escaped(hex(row.unescaped), row.headerBytes);
-        EXPECT_EQ(coded.size(), qv::escapedSize(view(hex(row.unescaped)), row.headerBytes));
+        EXPECT_EQ(coded.size(), qv::escapedSize(bytesOf(hex(row.unescaped)), row.headerBytes));
         const bool endsWithHalfZeroWord = std::string(row.unescaped) == "67 00 00 00";
-        EXPECT_EQ(hexOf(view(coded)),
-                  endsWithHalfZeroWord ? "67 00 00 03 00 03" : hexOf(view(hex(row.coded))));
+        EXPECT_EQ(hexOf(bytesOf(coded)),
+                  endsWithHalfZeroWord ? "67 00 00 03 00 03" : hexOf(bytesOf(hex(row.coded))));
     }
 }
 
@@ -85,20 +82,20 @@ TEST(Rbsp, anEmulationPreventionByteThatWasNotNeeded) {
 
 TEST(Rbsp, theGreatestSizeIsThatOfZeroBytes) {
     for (size_t size = 0; size < 40; ++size) {
-        EXPECT_EQ(qv::escapedSize(view(Bytes(size)), 0), qv::mostEscapedSize(size));
-        EXPECT_LE(qv::escapedSize(view(Bytes(size)), 1), qv::mostEscapedSize(size));
+        EXPECT_EQ(qv::escapedSize(bytesOf(Bytes(size)), 0), qv::mostEscapedSize(size));
+        EXPECT_LE(qv::escapedSize(bytesOf(Bytes(size)), 1), qv::mostEscapedSize(size));
     }
 }
 
 TEST(Rbsp, findEmulationPrevention) {
     const Bytes unit = hex("67 00 00 03 01 00 00 03 00 03 03 03 03 03 03 03 03 00 00 03");
-    EXPECT_EQ(qv::findEmulationPrevention(view(unit), 1, 0), 3U);
-    EXPECT_EQ(qv::findEmulationPrevention(view(unit), 1, 3), 3U);
-    EXPECT_EQ(qv::findEmulationPrevention(view(unit), 1, 4), 7U);
-    EXPECT_EQ(qv::findEmulationPrevention(view(unit), 4, 0), 7U);
-    EXPECT_EQ(qv::findEmulationPrevention(view(unit), 1, 8), 19U);
-    EXPECT_EQ(qv::findEmulationPrevention(view(unit), 1, 20), 20U);
-    EXPECT_EQ(qv::findEmulationPrevention(view(unit), 1, 100), 20U);
+    EXPECT_EQ(qv::findEmulationPrevention(bytesOf(unit), 1, 0), 3U);
+    EXPECT_EQ(qv::findEmulationPrevention(bytesOf(unit), 1, 3), 3U);
+    EXPECT_EQ(qv::findEmulationPrevention(bytesOf(unit), 1, 4), 7U);
+    EXPECT_EQ(qv::findEmulationPrevention(bytesOf(unit), 4, 0), 7U);
+    EXPECT_EQ(qv::findEmulationPrevention(bytesOf(unit), 1, 8), 19U);
+    EXPECT_EQ(qv::findEmulationPrevention(bytesOf(unit), 1, 20), 20U);
+    EXPECT_EQ(qv::findEmulationPrevention(bytesOf(unit), 1, 100), 20U);
     EXPECT_EQ(qv::findEmulationPrevention({}, 1, 0), 0U);
 }
 
@@ -147,8 +144,8 @@ Bytes writtenByWriter(const Bytes& unit, size_t headerBytes) {
 }
 
 void expectPositions(const Bytes& unit, size_t headerBytes, const std::vector<size_t>& codedBytes) {
-    qv::RbspPositions forward(view(unit), headerBytes);
-    qv::RbspPositions back(view(unit), headerBytes);
+    qv::RbspPositions forward(bytesOf(unit), headerBytes);
+    qv::RbspPositions back(bytesOf(unit), headerBytes);
     for (size_t i = 0; i < codedBytes.size(); ++i) {
         const size_t last = codedBytes.size() - 1 - i;
         ASSERT_EQ(forward.codedByte(i), codedBytes[i]) << i;
@@ -173,14 +170,14 @@ void expectAsSlow(const Bytes& unit, size_t headerBytes) {
     std::vector<size_t> codedBytes;
     const Bytes expected = slowUnescaped(unit, headerBytes, codedBytes);
     ASSERT_EQ(unescaped(unit, headerBytes), expected);
-    ASSERT_EQ(qv::unescapedSize(view(unit), headerBytes), expected.size());
+    ASSERT_EQ(qv::unescapedSize(bytesOf(unit), headerBytes), expected.size());
     const Bytes coded = slowEscaped(unit, headerBytes);
     ASSERT_EQ(escaped(unit, headerBytes), coded);
-    ASSERT_EQ(qv::escapedSize(view(unit), headerBytes), coded.size());
+    ASSERT_EQ(qv::escapedSize(bytesOf(unit), headerBytes), coded.size());
     ASSERT_LE(coded.size(), qv::mostEscapedSize(unit.size()));
     expectPositions(unit, headerBytes, codedBytes);
     Bytes inPlace = unit;
-    inPlace.resize(qv::unescape(view(inPlace), headerBytes, inPlace.data(), inPlace.size()));
+    inPlace.resize(qv::unescape(bytesOf(inPlace), headerBytes, inPlace.data(), inPlace.size()));
     ASSERT_EQ(inPlace, expected);
     if (headerBytes <= unit.size()) {
         ASSERT_EQ(writtenByWriter(unit, headerBytes), coded);
@@ -198,7 +195,7 @@ TEST(Rbsp, everySmallUnit) {
                 byte = kAlphabet[rest % 4];
                 rest /= 4;
             }
-            SCOPED_TRACE(hexOf(view(unit)));
+            SCOPED_TRACE(hexOf(bytesOf(unit)));
             expectAsSlow(unit, number % 5);
             ASSERT_FALSE(HasFailure());
         }
@@ -221,7 +218,7 @@ TEST(Rbsp, randomUnits) {
     Generator random(3);
     for (int round = 0; round < 5000; ++round) {
         const Bytes unit = randomUnit(random);
-        SCOPED_TRACE(hexOf(view(unit)));
+        SCOPED_TRACE(hexOf(bytesOf(unit)));
         expectAsSlow(unit, random() % 5);
         ASSERT_FALSE(HasFailure());
     }
@@ -234,7 +231,7 @@ TEST(Rbsp, escapingAndBack) {
         const size_t headerBytes = random() % std::min(unit.size() + 1, size_t{5});
         unit.push_back(0x80);
         unit.insert(unit.end(), 2 * (random() % 3), 0x00);  // cabac_zero_words
-        ASSERT_EQ(unescaped(escaped(unit, headerBytes), headerBytes), unit) << hexOf(view(unit));
+        ASSERT_EQ(unescaped(escaped(unit, headerBytes), headerBytes), unit) << hexOf(bytesOf(unit));
     }
 }
 
@@ -242,7 +239,7 @@ TEST(Rbsp, escapingAndBack) {
 
 TEST(Rbsp, bitPositions) {
     const Bytes unit = hex("67 00 00 03 01 80");
-    qv::RbspPositions positions(view(unit), 1);
+    qv::RbspPositions positions(bytesOf(unit), 1);
     EXPECT_EQ(positions.codedBit(0), 0U);
     EXPECT_EQ(positions.codedBit(23), 23U);
     EXPECT_EQ(positions.codedBit(24), 32U);
@@ -280,7 +277,7 @@ TEST(Rbsp, nothingIsWrittenPastTheRoom) {
             ASSERT_TRUE(std::equal(end, end + room, whole.begin()));
         }
     }
-    EXPECT_EQ(qv::unescape(view(hex("67 00 00 03 01")), 1, nullptr, 0), 4U);
+    EXPECT_EQ(qv::unescape(bytesOf(hex("67 00 00 03 01")), 1, nullptr, 0), 4U);
 }
 
 TEST(Rbsp, nothingIsAllocated) {
@@ -289,7 +286,7 @@ TEST(Rbsp, nothingIsAllocated) {
     Bytes out(40000);
     const AllocationFault allocations(Allocator::New, 0);
     const AllocationFault blocks(Allocator::Malloc, 0);
-    const size_t size = qv::escape(view(unit), 1, out.data(), out.size());
+    const size_t size = qv::escape(bytesOf(unit), 1, out.data(), out.size());
     EXPECT_EQ(qv::unescape({out.data(), size}, 1, out.data(), out.size()), unit.size());
     qv::RbspPositions positions({out.data(), size}, 1);
     EXPECT_GT(positions.codedByte(10000), 0U);

@@ -19,10 +19,6 @@ using qv::Framing;
 using qv::ReframeFault;
 using qv::Reframing;
 
-qv::Bytes view(const Bytes& bytes) {
-    return {bytes.data(), bytes.size()};
-}
-
 constexpr Framing kFramings[] = {Framing::StartCodes, Framing::Lengths1, Framing::Lengths2, Framing::Lengths3,
                                  Framing::Lengths4};
 
@@ -79,7 +75,7 @@ TEST(Reframe, rows) {
                      ": " + row.in);
         const Bytes in = hex(row.in);
         Bytes out = {0xDE, 0xAD};
-        const qv::Reframed reframed = qv::reframe(view(in), row.reframing, out);
+        const qv::Reframed reframed = qv::reframe(bytesOf(in), row.reframing, out);
         ASSERT_GE(out.size(), 2U);
         EXPECT_EQ(out[0], 0xDE);
         EXPECT_EQ(Bytes(out.begin() + 2, out.end()), hex(row.out));
@@ -93,7 +89,7 @@ TEST(Reframe, rows) {
 
 TEST(Reframe, allFaultsAreCounted) {
     const Bytes in = hex("FF 000001 000001 65 000001");
-    const qv::Reframed reframed = qv::reframedSize(view(in), kFromStartCodes);
+    const qv::Reframed reframed = qv::reframedSize(bytesOf(in), kFromStartCodes);
     EXPECT_EQ(reframed.faultyUnits, 2U);
     EXPECT_EQ(reframed.units, 1U);
     EXPECT_EQ(reframed.droppedBytes, 1U);
@@ -124,12 +120,12 @@ TEST(Reframe, aUnitThatDoesNotFitItsLength) {
         const Reframing reframing = {Framing::StartCodes, limit.to};
         Bytes out;
         const Bytes fits = unitsOfSizes({1, limit.most});
-        EXPECT_TRUE(qv::reframe(view(fits), reframing, out).ok());
+        EXPECT_TRUE(qv::reframe(bytesOf(fits), reframing, out).ok());
         EXPECT_EQ(out.size(), limit.most + 1 + 2 * qv::lengthSizeOf(limit.to));
 
         const Bytes tooLong = unitsOfSizes({1, 2, limit.most + 1, 3});
         Bytes untouched = {0xDE, 0xAD};
-        const qv::Reframed reframed = qv::reframe(view(tooLong), reframing, untouched);
+        const qv::Reframed reframed = qv::reframe(bytesOf(tooLong), reframing, untouched);
         EXPECT_EQ(untouched, Bytes({0xDE, 0xAD}));
         EXPECT_EQ(reframed.size, 0U);
         EXPECT_EQ(reframed.units, 0U);
@@ -158,7 +154,7 @@ TEST(Reframe, aSinkTakesTheSameBytes) {
     for (const Row& row : kRows) {
         const Bytes in = hex(row.in);
         Collector sink;
-        const qv::Reframed reframed = qv::reframe(view(in), row.reframing, sink);
+        const qv::Reframed reframed = qv::reframe(bytesOf(in), row.reframing, sink);
         EXPECT_EQ(sink.all, hex(row.out)) << row.in;
         EXPECT_EQ(reframed.size, sink.all.size());
         EXPECT_EQ(static_cast<size_t>(sink.calls), 2 * reframed.units);
@@ -169,9 +165,9 @@ TEST(Reframe, aListGrowsOnce) {
     const Bytes in = unitsOfSizes(std::vector<size_t>(500, 9));
     Bytes out;
     const AllocationFault allocations(Allocator::New, 0);
-    const qv::Reframed size = qv::reframedSize(view(in), kFromStartCodes);
+    const qv::Reframed size = qv::reframedSize(bytesOf(in), kFromStartCodes);
     EXPECT_EQ(allocations.seen(), 0);
-    qv::reframe(view(in), kFromStartCodes, out);
+    qv::reframe(bytesOf(in), kFromStartCodes, out);
     EXPECT_EQ(allocations.seen(), 1);
     EXPECT_EQ(out.size(), size.size);
 }
@@ -218,9 +214,9 @@ TEST(Reframe, fromEveryFramingToEveryOther) {
             for (const Framing to : kFramings) {
                 Bytes out;
                 const Bytes in = framed(units, from);
-                const qv::Reframed reframed = qv::reframe(view(in), {from, to}, out);
+                const qv::Reframed reframed = qv::reframe(bytesOf(in), {from, to}, out);
                 ASSERT_TRUE(reframed.ok()) << qv::textOf(reframed.fault);
-                ASSERT_EQ(out, framed(units, to)) << hexOf(view(in));
+                ASSERT_EQ(out, framed(units, to)) << hexOf(bytesOf(in));
                 ASSERT_EQ(reframed.units, units.size());
                 ASSERT_EQ(reframed.droppedBytes, 0U);
             }

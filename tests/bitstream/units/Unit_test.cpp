@@ -7,6 +7,7 @@
 
 #include "../../support/BitWriter.h"
 #include "../support/CodedUnit.h"
+#include "../support/Hex.h"
 #include "bitstream/avc/Unit.h"
 #include "bitstream/hevc/Unit.h"
 
@@ -14,10 +15,6 @@ namespace {
 
 using namespace qv_test;
 using Buffer = std::vector<uint8_t>;
-
-qv::Bytes bytesOf(const Buffer& buffer) {
-    return {buffer.data(), buffer.size()};
-}
 
 class Names : public qv::TraceVisitor {
 public:
