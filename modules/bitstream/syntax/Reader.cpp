@@ -9,6 +9,11 @@ namespace {
 
 constexpr size_t kWindowBytes = 8;
 
+// The first bits of a window, 0 to 64, with zeros after them.
+uint64_t firstBits(uint64_t bits, uint64_t count) noexcept {
+    return count != 0 ? bits & ~uint64_t{0} << (64 - count) : 0;
+}
+
 // The end of the last byte of [begin, end) that is not zero: cabac_zero_words, the emulation prevention byte
 // that ends a unit after one (H.264 7.4.1, H.265 7.4.2.1), and trailing_zero_8bits are past it.
 const uint8_t* endOfStopBit(const uint8_t* unit, const uint8_t* begin, const uint8_t* end) noexcept {
@@ -69,7 +74,7 @@ uint64_t Reader::nextBytes() const noexcept {
 }
 
 // Adds to the window, which has room for a byte at least, what fits of the next eight bytes, without the
-// emulation prevention bytes among them.
+// emulation prevention bytes among them. That is nothing when the data ends with one.
 void Reader::addBytes() noexcept {
     uint64_t bytes = nextBytes();
     const auto left = static_cast<uint64_t>(end_ - next_);
@@ -92,7 +97,7 @@ void Reader::addBytes() noexcept {
     }
     bits_ |= bytes >> count_;
     count_ += 8 * taken;
-    bits_ &= ~uint64_t{0} << (64 - count_);
+    bits_ = firstBits(bits_, count_);
     loaded_ += 8 * taken;
     next_ += taken + passed;
 }
@@ -113,7 +118,7 @@ void Reader::endOfWindow() noexcept {
     if (next_ == end_ && tail_ != 0) {
         count_ -= tail_;
         loaded_ -= tail_;
-        bits_ &= count_ != 0 ? ~uint64_t{0} << (64 - count_) : 0;
+        bits_ = firstBits(bits_, count_);
     }
 }
 

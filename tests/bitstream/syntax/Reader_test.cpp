@@ -404,6 +404,21 @@ TEST(Reader, aUnitThatEndsInItsHeader) {
     EXPECT_EQ(reader.fault().firstBit, 8U);
 }
 
+// Without rbsp() the data does not end before an emulation prevention byte: here one is all that is left for
+// the second window.
+TEST(Reader, dataThatEndsWithAnEmulationPreventionByte) {
+    const Bytes unit = hex("28 01 AF 1D 20 87 00 00 03");
+    Reader reader(bytesOf(unit));
+    uint64_t front = 0;
+    uint32_t back = 0;
+    reader.u(56, "front", front);
+    reader.u(8, "back", back);
+    EXPECT_EQ(front, 0x2801AF1D208700U);
+    EXPECT_FALSE(reader.more_rbsp_data());
+    EXPECT_EQ(reader.position(), 64U);
+    EXPECT_FALSE(reader.failed());
+}
+
 TEST(Reader, aUnitWithoutRbsp) {
     struct Row {
         const char* unit;
