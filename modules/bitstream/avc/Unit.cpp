@@ -7,7 +7,7 @@
 #include "bitstream/avc/NalUnitHeaderSyntax.h"
 #include "bitstream/avc/NalUnitType.h"
 #include "bitstream/avc/PrefixNalUnit.h"
-#include "bitstream/syntax/Uses.h"
+#include "bitstream/syntax/Tracer.h"
 #include "bitstream/units/UnitUsesTemplates.h"
 
 namespace qv::avc {
@@ -34,9 +34,12 @@ uint32_t chromaFormatFor(Bytes unit, const ParameterSets& sets) {
     return chromaFormatFor(readPps(unit, 1).record, sets);
 }
 
-Read<NalUnitHeader> traceHeader(Bytes unit, TraceVisitor& visitor) {
-    return detail::traceUnit<NalUnitHeader>(
-        unit, visitor, [](auto& s, NalUnitHeader& header) { nal_unit_header(s, header); });
+// Of a unit that is not traced whole: what follows the header is not looked at.
+Fault traceHeader(Bytes unit, TraceVisitor& visitor) {
+    NalUnitHeader header = {};
+    Tracer tracer(unit, visitor);
+    nal_unit_header(tracer, header);
+    return tracer.fault();
 }
 
 }  // namespace
@@ -118,7 +121,7 @@ UnitTrace traceUnit(Bytes unit, const ParameterSets& sets, TraceVisitor& visitor
             break;
         default:
             trace.isWhole = false;
-            trace.fault = traceHeader(unit, visitor).fault;
+            trace.fault = traceHeader(unit, visitor);
             break;
     }
     return trace;

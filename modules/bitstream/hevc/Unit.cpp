@@ -4,7 +4,7 @@
 #include "bitstream/hevc/NalUnitHeaderSyntax.h"
 #include "bitstream/hevc/NalUnitType.h"
 #include "bitstream/hevc/SmallUnits.h"
-#include "bitstream/syntax/Uses.h"
+#include "bitstream/syntax/Tracer.h"
 #include "bitstream/units/UnitUsesTemplates.h"
 
 namespace qv::hevc {
@@ -20,9 +20,12 @@ const Vps* vpsOf(Bytes unit, const ParameterSets& sets) {
     return sets.vps(readSps(unit).record.sps_video_parameter_set_id);
 }
 
-Read<NalUnitHeader> traceHeader(Bytes unit, TraceVisitor& visitor) {
-    return detail::traceUnit<NalUnitHeader>(
-        unit, visitor, [](auto& s, NalUnitHeader& header) { nal_unit_header(s, header); });
+// Of a unit that is not traced whole: what follows the header is not looked at.
+Fault traceHeader(Bytes unit, TraceVisitor& visitor) {
+    NalUnitHeader header = {};
+    Tracer tracer(unit, visitor);
+    nal_unit_header(tracer, header);
+    return tracer.fault();
 }
 
 }  // namespace
@@ -83,7 +86,7 @@ UnitTrace traceUnit(Bytes unit, const ParameterSets& sets, TraceVisitor& visitor
             break;
         default:
             trace.isWhole = false;
-            trace.fault = traceHeader(unit, visitor).fault;
+            trace.fault = traceHeader(unit, visitor);
             break;
     }
     return trace;

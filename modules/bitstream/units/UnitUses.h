@@ -20,6 +20,8 @@ struct UnitTrace {
     bool isWhole = false;
 
     Fault fault;
+
+    /// What is left over after the RBSP; nothing when only the header is traced.
     Trailing trailing;
 
     bool ok() const { return !fault; }

@@ -136,6 +136,7 @@ TEST(AvcUnit, OfOtherTypesTheHeaderIsTraced) {
         EXPECT_EQ(unit.names, header) << type;
         EXPECT_TRUE(unit.trace.ok());
         EXPECT_FALSE(unit.trace.isWhole);
+        EXPECT_EQ(unit.trace.trailing.bits, 0U);
         EXPECT_EQ(unit.trace.nal_unit_type, static_cast<uint32_t>(type));
     }
     EXPECT_EQ(traced({0x74, 0x40, 0x12, 0x07, 0x80}).names,
@@ -150,6 +151,7 @@ TEST(HevcUnit, OfOtherTypesTheHeaderIsTraced) {
         EXPECT_EQ(unit.names, "forbidden_zero_bit nal_unit_type nuh_layer_id nuh_temporal_id_plus1");
         EXPECT_TRUE(unit.trace.ok());
         EXPECT_FALSE(unit.trace.isWhole);
+        EXPECT_EQ(unit.trace.trailing.bits, 0U);
         EXPECT_EQ(unit.trace.nal_unit_type, static_cast<uint32_t>(type));
     }
 }
