@@ -2,6 +2,7 @@
 #ifndef QV_BITSTREAM_HEVC_SPSSYNTAX_H
 #define QV_BITSTREAM_HEVC_SPSSYNTAX_H
 
+#include "bitstream/hevc/Dpb.h"
 #include "bitstream/hevc/NalUnitHeaderSyntax.h"
 #include "bitstream/hevc/NalUnitType.h"
 #include "bitstream/hevc/ProfileTierLevelSyntax.h"
@@ -16,7 +17,6 @@
 namespace qv::hevc {
 
 constexpr uint32_t kChromaFormat444 = 3;
-constexpr uint32_t kMostMaxDpbSize = 16;
 
 // The rep_format() of an SPS that takes its format from the VPS; null when the VPS has none for it.
 const RepFormat* repFormatOf(const Sps& sps, const Vps* vps) noexcept;
