@@ -17,8 +17,8 @@ struct FrameRate {
     Ratio framesPerSecond;
 
     /// Clock ticks from one picture to the next: elemental_duration_in_tc_minus1 + 1 of the highest sub-layer
-    /// where fixed_pic_rate_within_cvs_flag is 1; otherwise what a difference of 1 in picture order count
-    /// stands for, where that is proportional to time; otherwise 1.
+    /// where fixed_pic_rate_within_cvs_flag is 1; otherwise those of a difference of 1 in picture order
+    /// count, where that is proportional to time; otherwise 1.
     uint64_t ticksPerPicture = 0;
 
     /// fixed_pic_rate_within_cvs_flag of the highest sub-layer: every picture lasts as long.

@@ -50,7 +50,8 @@ constexpr uint32_t kConstraintSet5 = 0x04;
 struct ProfileEntry {
     Profile profile;
     uint32_t profile_idc;
-    uint32_t constraints;  ///< the constraint flags that are 1 and tell the profile from those after it
+    uint32_t
+        constraints;  ///< the constraint flags that are 1 and distinguish the profile from those after it
     const char* name;
     const char* clause;
     uint32_t cpbBrVclFactor;  ///< Table A-2, H.10.2.1, G.10.2.1: bit/s for each unit of MaxBR
