@@ -70,11 +70,13 @@ SetTaken ParameterSets::takePps(Bytes unit) {
     const uint32_t spsId = read.record.seq_parameter_set_id;
     const bool spsIsKnown = sps_[spsId] != nullptr || subsetSps_[spsId] != nullptr;
     const bool isWhole = read.ok() && read.trailing.bits == 0;
-    const bool is444 = spsIsKnown ? chromaFormatIs444(spsId, sps_[spsId] == nullptr) : !isWhole;
-    const uint32_t chroma_format_idc = is444 ? kChromaFormat444 : kChromaFormat420;
+    bool is444 = spsIsKnown ? chromaFormatIs444(spsId, sps_[spsId] == nullptr) : !isWhole;
     if (is444) {
-        read = readPps(unit, chroma_format_idc);
+        const Read<Pps> read444 = readPps(unit, kChromaFormat444);
+        is444 = spsIsKnown || read444.ok() || !read.ok();
+        read = is444 ? read444 : read;
     }
+    const uint32_t chroma_format_idc = is444 ? kChromaFormat444 : kChromaFormat420;
     const uint32_t id = read.record.pic_parameter_set_id;
     bool isReadNow = false;
     const SetTaken taken = takeSet(pps_, unit, read, kFirstBitOfOtherId, id, [&](Bytes copy) {

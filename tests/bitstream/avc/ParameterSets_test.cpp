@@ -262,6 +262,19 @@ TEST_F(AvcParameterSets, aPpsMayComeBeforeItsSps) {
     }
 }
 
+// With 4:2:0 elements are left over after it, with 4:4:4 the ninth list runs past its end.
+TEST_F(AvcParameterSets, aPpsBeforeItsSpsHasAFaultOnlyInEveryFormat) {
+    BitWriter bits = ppsHead(4, 1, 0);
+    bits.bits("transform_8x8_mode_flag, pic_scaling_matrix_present_flag", "11");
+    bits.bits("pic_scaling_list_present_flag[0..7]", "0000 0000");
+    bits.se("second_chroma_qp_index_offset", 0).u(8, "left over", 0);
+    const std::vector<uint8_t> unit = avcUnit(8, bits);
+    EXPECT_FALSE(qv::avc::readPps(bytesOf(unit), 3).ok());
+    EXPECT_EQ(take(unit), SetEvent::First);
+    ASSERT_NE(sets->pps(4), nullptr);
+    EXPECT_TRUE(sets->pps(4)->transform_8x8_mode_flag);
+}
+
 TEST_F(AvcParameterSets, aPpsIsReadWithTheFormatOfItsSps) {
     take(sps(0, 11, 1));
     EXPECT_EQ(take(pps444(0, 0)), SetEvent::Broken);
