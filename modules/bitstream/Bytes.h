@@ -11,14 +11,22 @@ namespace qv {
 /// A borrowed run of bytes: a pointer and a size. The bytes must outlive every use of it. A null pointer is
 /// allowed with size 0.
 struct Bytes {
-    const uint8_t* data = nullptr;
-    size_t size = 0;
+    const uint8_t* data = nullptr;  ///< the first byte
+    size_t size = 0;                ///< how many there are
 
+    /// No bytes.
     constexpr Bytes() = default;
+
+    /// \p count bytes from \p first on.
     constexpr Bytes(const uint8_t* first, size_t count) : data(first), size(count) {}
 
+    /// True when there are none.
     constexpr bool empty() const { return size == 0; }
+
+    /// The first byte.
     constexpr const uint8_t* begin() const { return data; }
+
+    /// The end: after the last byte.
     constexpr const uint8_t* end() const { return data + size; }
 
     /// The byte at \p position, which must be less than size.

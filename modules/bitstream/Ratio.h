@@ -10,14 +10,18 @@ namespace qv {
 
 /// A ratio of two positive numbers without a common divisor, or 0:0 when there is none.
 struct Ratio {
-    uint64_t numerator = 0;
-    uint64_t denominator = 0;
+    uint64_t numerator = 0;    ///< 0 when unknown
+    uint64_t denominator = 0;  ///< 0 when unknown
 
+    /// False for 0:0.
     constexpr bool isKnown() const { return denominator != 0; }
 
+    /// True when both are the same; 0:0 equals itself.
     friend constexpr bool operator==(const Ratio& a, const Ratio& b) {
         return a.numerator == b.numerator && a.denominator == b.denominator;
     }
+
+    /// True when they differ.
     friend constexpr bool operator!=(const Ratio& a, const Ratio& b) { return !(a == b); }
 };
 

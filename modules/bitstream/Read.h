@@ -13,7 +13,7 @@ namespace qv {
 
 /// What went wrong first.
 enum class FaultKind : uint8_t {
-    None,
+    None,            ///< no fault
     EndOfData,       ///< the RBSP ends before or within the element
     OutOfRange,      ///< the element has a value that its semantics do not allow
     CodeTooLong,     ///< an Exp-Golomb code with more than 31 leading zero bits (H.264 9.1, H.265 9.2)
@@ -25,7 +25,7 @@ enum class FaultKind : uint8_t {
 /// The first thing that is wrong with a structure: what, where, and by which clause. A default-constructed
 /// fault is none.
 struct Fault {
-    FaultKind kind = FaultKind::None;
+    FaultKind kind = FaultKind::None;  ///< what is wrong
 
     /// The element that was being read or written.
     Element element;
@@ -70,9 +70,9 @@ struct Trailing {
 /// fault on is 0.
 template <class Record>
 struct Read {
-    Record record;
-    Fault fault;
-    Trailing trailing;
+    Record record;      ///< what was read
+    Fault fault;        ///< the first fault
+    Trailing trailing;  ///< what is left over
 
     /// True when the whole structure was read without a fault.
     bool ok() const { return !fault; }
@@ -86,6 +86,7 @@ struct Written {
     /// OutOfRange when an element does not fit its descriptor or its range.
     Fault fault;
 
+    /// True when there is no fault.
     bool ok() const { return !fault; }
 };
 
@@ -98,6 +99,7 @@ struct Sized {
     /// OutOfRange when an element does not fit its descriptor or its range.
     Fault fault;
 
+    /// True when there is no fault.
     bool ok() const { return !fault; }
 };
 

@@ -15,7 +15,7 @@ namespace qv::avc {
 
 /// A NAL unit of type 9: its header and access_unit_delimiter_rbsp(), H.264 7.3.2.4 and 7.4.2.4.
 struct AccessUnitDelimiter {
-    NalUnitHeader header;
+    NalUnitHeader header;       ///< the NAL unit header
     uint32_t primary_pic_type;  ///< u(3), Table 7-5: the slice types of the primary coded picture
 };
 

@@ -15,12 +15,12 @@ namespace qv::avc {
 
 /// A NAL unit of type 10: end_of_seq_rbsp(), H.264 7.3.2.5, which is empty.
 struct EndOfSequence {
-    NalUnitHeader header;
+    NalUnitHeader header;  ///< the NAL unit header
 };
 
 /// A NAL unit of type 11: end_of_stream_rbsp(), H.264 7.3.2.6, which is empty.
 struct EndOfStream {
-    NalUnitHeader header;
+    NalUnitHeader header;  ///< the NAL unit header
 };
 
 /// Reads an end of sequence.

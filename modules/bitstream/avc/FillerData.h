@@ -15,7 +15,7 @@ namespace qv::avc {
 
 /// A NAL unit of type 12: its header and filler_data_rbsp(), H.264 7.3.2.7 and 7.4.2.7.
 struct FillerData {
-    NalUnitHeader header;
+    NalUnitHeader header;    ///< the NAL unit header
     uint64_t ff_byte_count;  ///< how many ff_byte, each 0xFF, the unit has
 };
 

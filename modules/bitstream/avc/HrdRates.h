@@ -47,10 +47,10 @@ constexpr uint64_t maxCpbSize(const ProfileEntry& profile, const LevelEntry& lev
 
 /// Bits of the elements of buffering period and picture timing SEI messages that HRD parameters set.
 struct DelayLengths {
-    uint32_t initial_cpb_removal_delay;
-    uint32_t cpb_removal_delay;
-    uint32_t dpb_output_delay;
-    uint32_t time_offset;
+    uint32_t initial_cpb_removal_delay;  ///< also of initial_cpb_removal_delay_offset; 1..32
+    uint32_t cpb_removal_delay;          ///< 1..32
+    uint32_t dpb_output_delay;           ///< 1..32
+    uint32_t time_offset;                ///< 0..31; 0 when there is no time_offset
 };
 
 /// The lengths of the NAL HRD parameters or else of the VCL ones, which are equal to them when both are

@@ -13,37 +13,37 @@ namespace qv::avc {
 
 /// nal_unit_header_svc_extension(), H.264 G.7.3.1.1.
 struct SvcExtension {
-    bool idr_flag;
-    uint32_t priority_id;  ///< u(6)
-    bool no_inter_layer_pred_flag;
-    uint32_t dependency_id;  ///< u(3)
-    uint32_t quality_id;     ///< u(4)
-    uint32_t temporal_id;    ///< u(3)
-    bool use_ref_base_pic_flag;
-    bool discardable_flag;
-    bool output_flag;
+    bool idr_flag;                  ///< u(1)
+    uint32_t priority_id;           ///< u(6)
+    bool no_inter_layer_pred_flag;  ///< u(1)
+    uint32_t dependency_id;         ///< u(3)
+    uint32_t quality_id;            ///< u(4)
+    uint32_t temporal_id;           ///< u(3)
+    bool use_ref_base_pic_flag;     ///< u(1)
+    bool discardable_flag;          ///< u(1)
+    bool output_flag;               ///< u(1)
     uint32_t reserved_three_2bits;  ///< u(2), 3
 };
 
 /// nal_unit_header_mvc_extension(), H.264 H.7.3.1.1.
 struct MvcExtension {
-    bool non_idr_flag;
-    uint32_t priority_id;  ///< u(6)
-    uint32_t view_id;      ///< u(10)
-    uint32_t temporal_id;  ///< u(3)
-    bool anchor_pic_flag;
-    bool inter_view_flag;
+    bool non_idr_flag;      ///< u(1)
+    uint32_t priority_id;   ///< u(6)
+    uint32_t view_id;       ///< u(10)
+    uint32_t temporal_id;   ///< u(3)
+    bool anchor_pic_flag;   ///< u(1)
+    bool inter_view_flag;   ///< u(1)
     bool reserved_one_bit;  ///< 1
 };
 
 /// nal_unit_header_3davc_extension(), H.264 J.7.3.1.1.
 struct Avc3dExtension {
-    uint32_t view_idx;  ///< u(8)
-    bool depth_flag;
-    bool non_idr_flag;
+    uint32_t view_idx;     ///< u(8)
+    bool depth_flag;       ///< u(1); 0 when not present
+    bool non_idr_flag;     ///< u(1)
     uint32_t temporal_id;  ///< u(3)
-    bool anchor_pic_flag;
-    bool inter_view_flag;
+    bool anchor_pic_flag;  ///< u(1)
+    bool inter_view_flag;  ///< u(1)
 };
 
 /// The header of nal_unit(), H.264 7.3.1, with the extension of types 14, 20 and 21.

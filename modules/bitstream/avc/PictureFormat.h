@@ -39,11 +39,12 @@ constexpr uint32_t chromaArrayType(const SpsData& sps) {
 
 /// A part of a frame, in luma samples. A rectangle without samples has width and height 0.
 struct Rectangle {
-    uint64_t left = 0;
-    uint64_t top = 0;
-    uint64_t width = 0;
-    uint64_t height = 0;
+    uint64_t left = 0;    ///< columns left of it
+    uint64_t top = 0;     ///< rows above it
+    uint64_t width = 0;   ///< columns
+    uint64_t height = 0;  ///< rows
 
+    /// True for one without samples.
     constexpr bool isEmpty() const { return width == 0; }
 };
 
@@ -64,13 +65,13 @@ struct PictureFormat {
     Ratio sampleAspectRatio;   ///< 0:0 when it is unspecified
     Ratio displayAspectRatio;  ///< of the cropped picture; 0:0 without a sample aspect ratio
 
-    ChromaFormat chroma = kChromaFormats[0];
-    uint32_t bitDepthLuma = 0;
+    ChromaFormat chroma = kChromaFormats[0];  ///< Table 6-1, from chroma_format_idc
+    uint32_t bitDepthLuma = 0;                ///< 8..14
 
     /// 0 for monochrome, and that of luma for separate colour planes, whose three planes are coded as luma.
     uint32_t bitDepthChroma = 0;
 
-    FieldCoding fieldCoding = FieldCoding::Frames;
+    FieldCoding fieldCoding = FieldCoding::Frames;  ///< of the sequence
 };
 
 /// The cropping rectangle of a frame, H.264 7.4.2.1.1 (7-19) to (7-22): empty when the offsets leave nothing

@@ -19,16 +19,16 @@ namespace qv::avc {
 /// A NAL unit of type 8: its header and pic_parameter_set_rbsp(), H.264 7.3.2.2 and 7.4.2.2. An element that
 /// is not present has the value that its semantics infer, otherwise 0.
 struct Pps {
-    static constexpr uint32_t kMostSliceGroups = 8;
+    static constexpr uint32_t kMostSliceGroups = 8;  ///< the greatest num_slice_groups_minus1, plus 1
 
     /// MaxFS of level 6.2, Table A-1.
     static constexpr uint32_t kMostMapUnits = 139264;
 
-    NalUnitHeader header;
-    uint32_t pic_parameter_set_id;  ///< ue(v), 0..255
-    uint32_t seq_parameter_set_id;  ///< ue(v), 0..31
-    bool entropy_coding_mode_flag;  ///< 1: CABAC; 0: CAVLC
-    bool bottom_field_pic_order_in_frame_present_flag;
+    NalUnitHeader header;                               ///< the NAL unit header
+    uint32_t pic_parameter_set_id;                      ///< ue(v), 0..255
+    uint32_t seq_parameter_set_id;                      ///< ue(v), 0..31
+    bool entropy_coding_mode_flag;                      ///< 1: CABAC; 0: CAVLC
+    bool bottom_field_pic_order_in_frame_present_flag;  ///< u(1)
 
     uint32_t num_slice_groups_minus1;              ///< ue(v), 0..7
     uint32_t slice_group_map_type;                 ///< ue(v), 0..6
@@ -44,20 +44,20 @@ struct Pps {
 
     uint32_t num_ref_idx_l0_default_active_minus1;  ///< ue(v), 0..31
     uint32_t num_ref_idx_l1_default_active_minus1;  ///< ue(v), 0..31
-    bool weighted_pred_flag;
-    uint32_t weighted_bipred_idc;    ///< u(2), 0..2
-    int32_t pic_init_qp_minus26;     ///< se(v), -62..25; the least value is -26 - QpBdOffsetY
-    int32_t pic_init_qs_minus26;     ///< se(v), -26..25
-    int32_t chroma_qp_index_offset;  ///< se(v), -12..12
-    bool deblocking_filter_control_present_flag;
-    bool constrained_intra_pred_flag;
-    bool redundant_pic_cnt_present_flag;
+    bool weighted_pred_flag;                        ///< u(1)
+    uint32_t weighted_bipred_idc;                   ///< u(2), 0..2
+    int32_t pic_init_qp_minus26;                    ///< se(v), -62..25; the least value is -26 - QpBdOffsetY
+    int32_t pic_init_qs_minus26;                    ///< se(v), -26..25
+    int32_t chroma_qp_index_offset;                 ///< se(v), -12..12
+    bool deblocking_filter_control_present_flag;    ///< u(1)
+    bool constrained_intra_pred_flag;               ///< u(1)
+    bool redundant_pic_cnt_present_flag;            ///< u(1)
 
     /// True when the RBSP goes on with transform_8x8_mode_flag and what follows it.
     bool transform_8x8_mode_flag_present;
 
-    bool transform_8x8_mode_flag;
-    bool pic_scaling_matrix_present_flag;
+    bool transform_8x8_mode_flag;           ///< u(1)
+    bool pic_scaling_matrix_present_flag;   ///< u(1)
     int32_t second_chroma_qp_index_offset;  ///< se(v), -12..12; chroma_qp_index_offset when not present
 
     // Arrays come last: a read sets them as far as their counts go, not beyond.

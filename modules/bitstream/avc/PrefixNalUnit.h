@@ -19,13 +19,14 @@ struct DecRefBasePicMarking {
     /// More operations than this are a fault. A marking process of 32 fields needs no more.
     static constexpr uint32_t kMostOperations = 64;
 
+    /// One operation of the list.
     struct Operation {
         uint32_t memory_management_base_control_operation;  ///< ue(v), 0..2; 0 ends the list
         uint32_t difference_of_base_pic_nums_minus1;        ///< ue(v), with operation 1
         uint32_t long_term_base_pic_num;                    ///< ue(v), with operation 2
     };
 
-    bool adaptive_ref_base_pic_marking_mode_flag;
+    bool adaptive_ref_base_pic_marking_mode_flag;  ///< u(1)
 
     /// With adaptive_ref_base_pic_marking_mode_flag 1: set up to the operation 0, not beyond.
     Operation operations[kMostOperations];
@@ -34,7 +35,7 @@ struct DecRefBasePicMarking {
 /// A NAL unit of type 14: its header and prefix_nal_unit_rbsp(), H.264 7.3.2.12, which is empty after an MVC
 /// header and prefix_nal_unit_svc(), G.7.3.2.12.1, after an SVC header.
 struct PrefixNalUnit {
-    NalUnitHeader header;
+    NalUnitHeader header;  ///< the NAL unit header
 
     bool store_ref_base_pic_flag;  ///< with an SVC header and nal_ref_idc other than 0
 

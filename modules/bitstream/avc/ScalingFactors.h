@@ -17,8 +17,8 @@ namespace qv::avc {
 /// and inter Cb, intra and inter Cr for 8x8. Chroma has 8x8 transforms in 4:4:4 alone; in other formats its
 /// 8x8 lists are those that fall-back rule A makes of the luma ones, and nothing uses them.
 struct ScalingFactors {
-    uint8_t list4x4[6][16];
-    uint8_t list8x8[6][64];
+    uint8_t list4x4[6][16];  ///< 1..255
+    uint8_t list8x8[6][64];  ///< 1..255
 };
 
 /// The factors of pictures that refer to a sequence parameter set and to a picture parameter set without

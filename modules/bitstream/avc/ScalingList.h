@@ -18,11 +18,11 @@ struct ScalingList {
 /// The lists of a parameter set: six of 4x4 (intra Y, Cb, Cr, inter Y, Cb, Cr), then six of 8x8 (intra and
 /// inter Y, intra and inter Cb, intra and inter Cr); Table 7-2.
 struct ScalingMatrix {
-    static constexpr uint32_t kMostLists = 12;
-    static constexpr uint32_t k4x4Lists = 6;
+    static constexpr uint32_t kMostLists = 12;  ///< lists in all
+    static constexpr uint32_t k4x4Lists = 6;    ///< lists of 4x4, which come first
 
-    bool scaling_list_present_flag[kMostLists];
-    ScalingList scaling_list[kMostLists];
+    bool scaling_list_present_flag[kMostLists];  ///< u(1)
+    ScalingList scaling_list[kMostLists];        ///< set with scaling_list_present_flag
 };
 
 }  // namespace qv::avc

@@ -17,7 +17,7 @@ namespace qv::avc {
 /// A NAL unit of type 13: its header and seq_parameter_set_extension_rbsp(), H.264 7.3.2.1.2 and 7.4.2.1.2.
 /// It describes the auxiliary coded pictures that go with a sequence parameter set, such as alpha planes.
 struct SpsExtension {
-    NalUnitHeader header;
+    NalUnitHeader header;           ///< the NAL unit header
     uint32_t seq_parameter_set_id;  ///< ue(v), 0..31
     uint32_t aux_format_idc;        ///< ue(v), 0..3; 0 when there are no auxiliary coded pictures
 

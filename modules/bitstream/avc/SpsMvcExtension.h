@@ -31,18 +31,18 @@ struct Views {
 
 /// seq_parameter_set_mvc_extension(), H.264 H.7.3.2.1.4 and H.7.4.2.1.4.
 struct SpsMvcExtension {
-    Views views;
+    Views views;  ///< the views and the operation points
 
     // Profile 134, MFC High.
 
-    uint32_t mfc_format_idc;  ///< u(6); 2..63 are reserved
-    bool default_grid_position_flag;
-    uint32_t view0_grid_position_x;  ///< u(4)
-    uint32_t view0_grid_position_y;  ///< u(4)
-    uint32_t view1_grid_position_x;  ///< u(4)
-    uint32_t view1_grid_position_y;  ///< u(4)
-    bool rpu_filter_enabled_flag;
-    bool rpu_field_processing_flag;
+    uint32_t mfc_format_idc;          ///< u(6); 2..63 are reserved
+    bool default_grid_position_flag;  ///< u(1)
+    uint32_t view0_grid_position_x;   ///< u(4)
+    uint32_t view0_grid_position_y;   ///< u(4)
+    uint32_t view1_grid_position_x;   ///< u(4)
+    uint32_t view1_grid_position_y;   ///< u(4)
+    bool rpu_filter_enabled_flag;     ///< u(1)
+    bool rpu_field_processing_flag;   ///< u(1)
 };
 
 /// mvc_vui_parameters_extension(), H.264 H.14.1 and H.14.2, or mvcd_vui_parameters_extension(), I.14.1 and
@@ -59,17 +59,17 @@ struct MvcVuiExtension {
 
 /// seq_parameter_set_mvcd_extension(), H.264 I.7.3.2.1.5 and I.7.4.2.1.5.
 struct SpsMvcdExtension {
-    Views views;
-    bool mvcd_vui_parameters_present_flag;
-    MvcVuiExtension mvcd_vui;
-    bool texture_vui_parameters_present_flag;
-    MvcVuiExtension texture_vui;
+    Views views;                               ///< the views and the operation points
+    bool mvcd_vui_parameters_present_flag;     ///< u(1)
+    MvcVuiExtension mvcd_vui;                  ///< with mvcd_vui_parameters_present_flag
+    bool texture_vui_parameters_present_flag;  ///< u(1)
+    MvcVuiExtension texture_vui;               ///< with texture_vui_parameters_present_flag
 };
 
 /// What a view is predicted from in anchor, or in non-anchor, view components. Elements beyond the counts are
 /// not set.
 struct InterViewReferences {
-    static constexpr uint32_t kMostReferences = 15;
+    static constexpr uint32_t kMostReferences = 15;  ///< the greatest number of references in a list
 
     uint32_t num_refs_l0;  ///< ue(v), 0..Min( 15, num_views_minus1 )
     uint32_t num_refs_l1;  ///< ue(v), 0..Min( 15, num_views_minus1 )
@@ -124,7 +124,7 @@ struct OperationPoint {
     uint32_t applicable_op_num_texture_views_minus1;  ///< ue(v), 0..1023; MVCD
     uint32_t applicable_op_num_depth_views;           ///< ue(v), 0..1024; MVCD
 
-    TargetView target_views[kMostViews];
+    TargetView target_views[kMostViews];  ///< applicable_op_num_target_views_minus1 + 1 of them
 };
 
 /// Reads the operation points of a multiview stream, in order of the levels.
@@ -148,9 +148,9 @@ private:
 struct VuiOperationPoint {
     uint32_t temporal_id;                     ///< u(3)
     uint32_t num_target_output_views_minus1;  ///< ue(v), 0..1023
-    VuiExtensionTiming timing;
+    VuiExtensionTiming timing;                ///< of the operation point
 
-    TargetView target_output_views[kMostViews];
+    TargetView target_output_views[kMostViews];  ///< num_target_output_views_minus1 + 1 of them
 };
 
 /// Reads the operation points of mvc_vui_parameters_extension() or mvcd_vui_parameters_extension(), in order.

@@ -14,10 +14,10 @@ namespace qv::avc {
 /// seq_parameter_set_svc_extension(), H.264 G.7.3.2.1.4 and G.7.4.2.1.4. An element that is not present has
 /// the value that its semantics infer, otherwise 0.
 struct SpsSvcExtension {
-    bool inter_layer_deblocking_filter_control_present_flag;
-    uint32_t extended_spatial_scalability_idc;  ///< u(2), 0..2
-    bool chroma_phase_x_plus1_flag;             ///< 1 when not present
-    uint32_t chroma_phase_y_plus1;              ///< u(2), 0..2; 1 when not present
+    bool inter_layer_deblocking_filter_control_present_flag;  ///< u(1)
+    uint32_t extended_spatial_scalability_idc;                ///< u(2), 0..2
+    bool chroma_phase_x_plus1_flag;                           ///< 1 when not present
+    uint32_t chroma_phase_y_plus1;                            ///< u(2), 0..2; 1 when not present
 
     // With extended_spatial_scalability_idc 1. The offsets are in units of two luma samples.
 
@@ -28,9 +28,9 @@ struct SpsSvcExtension {
     int32_t seq_scaled_ref_layer_right_offset;     ///< se(v), -2^15..2^15 - 1
     int32_t seq_scaled_ref_layer_bottom_offset;    ///< se(v), -2^15..2^15 - 1
 
-    bool seq_tcoeff_level_prediction_flag;
-    bool adaptive_tcoeff_level_prediction_flag;
-    bool slice_header_restriction_flag;
+    bool seq_tcoeff_level_prediction_flag;       ///< u(1)
+    bool adaptive_tcoeff_level_prediction_flag;  ///< u(1)
+    bool slice_header_restriction_flag;          ///< u(1)
 };
 
 /// svc_vui_parameters_extension(), H.264 G.14.1 and G.14.2.
@@ -46,7 +46,7 @@ struct SvcVuiEntry {
     uint32_t vui_ext_dependency_id;  ///< u(3)
     uint32_t vui_ext_quality_id;     ///< u(4)
     uint32_t vui_ext_temporal_id;    ///< u(3)
-    VuiExtensionTiming timing;
+    VuiExtensionTiming timing;       ///< of the entry
 };
 
 /// Reads the entries of svc_vui_parameters_extension(), in order.

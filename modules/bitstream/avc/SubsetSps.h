@@ -21,23 +21,23 @@ namespace qv::avc {
 /// layers above the base layer of a scalable stream, or the views other than the base view of a multiview
 /// stream. Its seq_parameter_set_id has a space of values apart from that of Sps.
 struct SubsetSps {
-    NalUnitHeader header;
+    NalUnitHeader header;  ///< the NAL unit header
 
     // Profiles 83 and 86.
 
-    SpsSvcExtension svc;
-    bool svc_vui_parameters_present_flag;
-    SvcVuiExtension svc_vui;
+    SpsSvcExtension svc;                   ///< seq_parameter_set_svc_extension()
+    bool svc_vui_parameters_present_flag;  ///< u(1)
+    SvcVuiExtension svc_vui;               ///< with svc_vui_parameters_present_flag
 
     // Profiles 118, 128 and 134.
 
-    SpsMvcExtension mvc;
-    bool mvc_vui_parameters_present_flag;
-    MvcVuiExtension mvc_vui;
+    SpsMvcExtension mvc;                   ///< seq_parameter_set_mvc_extension()
+    bool mvc_vui_parameters_present_flag;  ///< u(1)
+    MvcVuiExtension mvc_vui;               ///< with mvc_vui_parameters_present_flag
 
     // Profiles 135, 138 and 139.
 
-    SpsMvcdExtension mvcd;
+    SpsMvcdExtension mvcd;  ///< seq_parameter_set_mvcd_extension()
 
     /// Profile 139: seq_parameter_set_3davc_extension() (J.7.3.2.1.5) and everything after it up to
     /// rbsp_trailing_bits(), borrowed from the unit. This library does not read it.
@@ -50,7 +50,7 @@ struct SubsetSps {
 
     // Last, because of the arrays at its end: a read sets them as far as their counts go, not beyond.
 
-    SpsData data;
+    SpsData data;  ///< seq_parameter_set_data()
 };
 
 /// Reads a subset sequence parameter set.

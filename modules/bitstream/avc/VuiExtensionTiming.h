@@ -13,17 +13,17 @@ namespace qv::avc {
 /// mvc_vui_parameters_extension() (H.14.1) or mvcd_vui_parameters_extension() (I.14.1). The standard prefixes
 /// the names of the elements with vui_ext_, vui_mvc_ and vui_mvcd_.
 struct VuiExtensionTiming {
-    bool timing_info_present_flag;
-    uint32_t num_units_in_tick;  ///< u(32), above 0
-    uint32_t time_scale;         ///< u(32), above 0
-    bool fixed_frame_rate_flag;
+    bool timing_info_present_flag;  ///< u(1)
+    uint32_t num_units_in_tick;     ///< u(32), above 0
+    uint32_t time_scale;            ///< u(32), above 0
+    bool fixed_frame_rate_flag;     ///< u(1)
 
-    bool nal_hrd_parameters_present_flag;
-    Hrd nal_hrd_parameters;
-    bool vcl_hrd_parameters_present_flag;
-    Hrd vcl_hrd_parameters;
-    bool low_delay_hrd_flag;
-    bool pic_struct_present_flag;
+    bool nal_hrd_parameters_present_flag;  ///< u(1)
+    Hrd nal_hrd_parameters;                ///< with nal_hrd_parameters_present_flag
+    bool vcl_hrd_parameters_present_flag;  ///< u(1)
+    Hrd vcl_hrd_parameters;                ///< with vcl_hrd_parameters_present_flag
+    bool low_delay_hrd_flag;               ///< u(1)
+    bool pic_struct_present_flag;          ///< u(1)
 };
 
 }  // namespace qv::avc

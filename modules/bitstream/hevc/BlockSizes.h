@@ -19,10 +19,10 @@ struct BlockSizes {
     uint32_t Log2MaxIpcmCbSizeY = 0;  ///< 3..5; 0 without pcm_enabled_flag
     uint64_t PicWidthInMinCbsY =
         0;  ///< less than the whole width for one that is no multiple, a fault of the SPS
-    uint64_t PicHeightInMinCbsY = 0;
-    uint64_t PicWidthInCtbsY = 0;
-    uint64_t PicHeightInCtbsY = 0;
-    uint64_t PicSizeInCtbsY = 0;
+    uint64_t PicHeightInMinCbsY = 0;  ///< as PicWidthInMinCbsY
+    uint64_t PicWidthInCtbsY = 0;     ///< rounded up
+    uint64_t PicHeightInCtbsY = 0;    ///< rounded up
+    uint64_t PicSizeInCtbsY = 0;      ///< PicWidthInCtbsY * PicHeightInCtbsY
 };
 
 /// PicSizeInSamplesY, H.265 7.4.3.2.1.

@@ -18,7 +18,7 @@ enum class HrdType : uint32_t {
     Nal,  ///< everything
 };
 
-// (value_minus1 + 1) * 2^(base + scale): a scale has 4 bits, so that the result is at most 2^53.
+/// (value_minus1 + 1) * 2^(base + scale): a scale has 4 bits, so that the result is at most 2^53.
 constexpr uint64_t scaledHrdValue(uint32_t value_minus1, uint32_t base, uint32_t scale) {
     return (uint64_t{value_minus1} + 1) << (base + (scale & 15));
 }

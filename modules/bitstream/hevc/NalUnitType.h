@@ -7,34 +7,34 @@
 
 namespace qv::hevc {
 
-constexpr uint32_t kNalTrailN = 0;
-constexpr uint32_t kNalTrailR = 1;
-constexpr uint32_t kNalTsaN = 2;
-constexpr uint32_t kNalTsaR = 3;
-constexpr uint32_t kNalStsaN = 4;
-constexpr uint32_t kNalStsaR = 5;
-constexpr uint32_t kNalRadlN = 6;
-constexpr uint32_t kNalRadlR = 7;
-constexpr uint32_t kNalRaslN = 8;
-constexpr uint32_t kNalRaslR = 9;
-constexpr uint32_t kNalRsvVclN14 = 14;
-constexpr uint32_t kNalBlaWLp = 16;
-constexpr uint32_t kNalBlaWRadl = 17;
-constexpr uint32_t kNalBlaNLp = 18;
-constexpr uint32_t kNalIdrWRadl = 19;
-constexpr uint32_t kNalIdrNLp = 20;
-constexpr uint32_t kNalCra = 21;
-constexpr uint32_t kNalRsvIrapVcl23 = 23;
-constexpr uint32_t kNalVps = 32;
-constexpr uint32_t kNalSps = 33;
-constexpr uint32_t kNalPps = 34;
-constexpr uint32_t kNalAccessUnitDelimiter = 35;
-constexpr uint32_t kNalEndOfSequence = 36;
-constexpr uint32_t kNalEndOfBitstream = 37;
-constexpr uint32_t kNalFillerData = 38;
-constexpr uint32_t kNalPrefixSei = 39;
-constexpr uint32_t kNalSuffixSei = 40;
-constexpr uint32_t kNalUnspecified48 = 48;
+constexpr uint32_t kNalTrailN = 0;  ///< TRAIL_N, a trailing picture, sub-layer non-reference
+constexpr uint32_t kNalTrailR = 1;  ///< TRAIL_R, a trailing picture, sub-layer reference
+constexpr uint32_t kNalTsaN = 2;    ///< TSA_N, temporal sub-layer access, sub-layer non-reference
+constexpr uint32_t kNalTsaR = 3;    ///< TSA_R, temporal sub-layer access, sub-layer reference
+constexpr uint32_t kNalStsaN = 4;   ///< STSA_N, step-wise temporal sub-layer access, sub-layer non-reference
+constexpr uint32_t kNalStsaR = 5;   ///< STSA_R, step-wise temporal sub-layer access, sub-layer reference
+constexpr uint32_t kNalRadlN = 6;   ///< RADL_N, a decodable leading picture, sub-layer non-reference
+constexpr uint32_t kNalRadlR = 7;   ///< RADL_R, a decodable leading picture, sub-layer reference
+constexpr uint32_t kNalRaslN = 8;   ///< RASL_N, a skipped leading picture, sub-layer non-reference
+constexpr uint32_t kNalRaslR = 9;   ///< RASL_R, a skipped leading picture, sub-layer reference
+constexpr uint32_t kNalRsvVclN14 = 14;     ///< RSV_VCL_N14, the last reserved sub-layer non-reference type
+constexpr uint32_t kNalBlaWLp = 16;        ///< BLA_W_LP, broken link access, may have leading pictures
+constexpr uint32_t kNalBlaWRadl = 17;      ///< BLA_W_RADL, broken link access, may have RADL pictures
+constexpr uint32_t kNalBlaNLp = 18;        ///< BLA_N_LP, broken link access without leading pictures
+constexpr uint32_t kNalIdrWRadl = 19;      ///< IDR_W_RADL, an IDR picture, may have RADL pictures
+constexpr uint32_t kNalIdrNLp = 20;        ///< IDR_N_LP, an IDR picture without leading pictures
+constexpr uint32_t kNalCra = 21;           ///< CRA_NUT, clean random access
+constexpr uint32_t kNalRsvIrapVcl23 = 23;  ///< RSV_IRAP_VCL23, the last type of an IRAP picture
+constexpr uint32_t kNalVps = 32;           ///< VPS_NUT, video_parameter_set_rbsp()
+constexpr uint32_t kNalSps = 33;           ///< SPS_NUT, seq_parameter_set_rbsp()
+constexpr uint32_t kNalPps = 34;           ///< PPS_NUT, pic_parameter_set_rbsp()
+constexpr uint32_t kNalAccessUnitDelimiter = 35;  ///< AUD_NUT, access_unit_delimiter_rbsp()
+constexpr uint32_t kNalEndOfSequence = 36;        ///< EOS_NUT, end_of_seq_rbsp()
+constexpr uint32_t kNalEndOfBitstream = 37;       ///< EOB_NUT, end_of_bitstream_rbsp()
+constexpr uint32_t kNalFillerData = 38;           ///< FD_NUT, filler_data_rbsp()
+constexpr uint32_t kNalPrefixSei = 39;            ///< PREFIX_SEI_NUT, sei_rbsp() before the slices
+constexpr uint32_t kNalSuffixSei = 40;            ///< SUFFIX_SEI_NUT, sei_rbsp() after the first slice
+constexpr uint32_t kNalUnspecified48 = 48;        ///< UNSPEC48, the first unspecified type
 
 /// True for the types of the VCL, 0 to 31, the reserved ones included.
 constexpr bool isVcl(uint32_t nal_unit_type) {

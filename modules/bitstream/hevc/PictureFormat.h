@@ -14,11 +14,12 @@ namespace qv::hevc {
 
 /// A part of a picture, in luma samples. A rectangle without samples has width and height 0.
 struct Rectangle {
-    uint64_t left = 0;
-    uint64_t top = 0;
-    uint64_t width = 0;
-    uint64_t height = 0;
+    uint64_t left = 0;    ///< columns left of it
+    uint64_t top = 0;     ///< rows above it
+    uint64_t width = 0;   ///< columns
+    uint64_t height = 0;  ///< rows
 
+    /// True for one without samples.
     constexpr bool isEmpty() const { return width == 0; }
 };
 
@@ -40,8 +41,8 @@ struct PictureFormat {
     /// ratio.
     Ratio displayAspectRatio;
 
-    ChromaFormat chroma = kChromaFormats[0];
-    uint32_t bitDepthLuma = 0;
+    ChromaFormat chroma = kChromaFormats[0];  ///< Table 6-1, from chroma_format_idc
+    uint32_t bitDepthLuma = 0;                ///< 8..16
 
     /// 0 for monochrome, and that of luma for separate colour planes, whose three planes are coded as luma.
     uint32_t bitDepthChroma = 0;
@@ -49,8 +50,8 @@ struct PictureFormat {
     bool picturesAreFields = false;  ///< field_seq_flag
 };
 
-// The part of a rectangle that offsets on its sides leave, H.265 7.4.3.2.1 (conformance window) and E.3.1
-// (default display window): offsets are in units of SubWidthC and SubHeightC luma samples.
+/// The part of a rectangle that offsets on its sides leave, H.265 7.4.3.2.1 (conformance window) and E.3.1
+/// (default display window): offsets are in units of SubWidthC and SubHeightC luma samples.
 constexpr Rectangle cropped(const Rectangle& outer, const ChromaFormat& chroma, uint64_t left, uint64_t right,
                             uint64_t top, uint64_t bottom) {
     const uint64_t columns = chroma.SubWidthC * (left + right);

@@ -23,68 +23,68 @@ namespace qv::hevc {
 struct Pps {
     /// Table A.8 allows 20 by 22 tiles at most; a stream of level 8.5 may have more.
     static constexpr uint32_t kMostTileColumns = 256;
-    static constexpr uint32_t kMostTileRows = 256;
-    static constexpr uint32_t kMostRefLocOffsets = 62;
+    static constexpr uint32_t kMostTileRows = 256;      ///< see kMostTileColumns
+    static constexpr uint32_t kMostRefLocOffsets = 62;  ///< the greatest num_ref_loc_offsets
 
-    NalUnitHeader header;
+    NalUnitHeader header;  ///< the NAL unit header
 
-    uint32_t pps_pic_parameter_set_id;  ///< ue(v), 0..63
-    uint32_t pps_seq_parameter_set_id;  ///< ue(v), 0..15
-    bool dependent_slice_segments_enabled_flag;
-    bool output_flag_present_flag;
-    uint32_t num_extra_slice_header_bits;  ///< u(3)
-    bool sign_data_hiding_enabled_flag;
-    bool cabac_init_present_flag;
-    uint32_t num_ref_idx_l0_default_active_minus1;  ///< ue(v), 0..14
-    uint32_t num_ref_idx_l1_default_active_minus1;  ///< ue(v), 0..14
-    int32_t init_qp_minus26;                        ///< se(v), -(26 + QpBdOffsetY)..25; at least -74
-    bool constrained_intra_pred_flag;
-    bool transform_skip_enabled_flag;
-    bool cu_qp_delta_enabled_flag;
-    uint32_t diff_cu_qp_delta_depth;  ///< ue(v), 0..3
-    int32_t pps_cb_qp_offset;         ///< se(v), -12..12
-    int32_t pps_cr_qp_offset;         ///< se(v), -12..12
-    bool pps_slice_chroma_qp_offsets_present_flag;
-    bool weighted_pred_flag;
-    bool weighted_bipred_flag;
-    bool transquant_bypass_enabled_flag;
-    bool tiles_enabled_flag;
-    bool entropy_coding_sync_enabled_flag;
-    uint32_t num_tile_columns_minus1;            ///< ue(v), 0..255
-    uint32_t num_tile_rows_minus1;               ///< ue(v), 0..255
-    bool uniform_spacing_flag;                   ///< 1 when not present
-    bool loop_filter_across_tiles_enabled_flag;  ///< 1 when not present
-    bool pps_loop_filter_across_slices_enabled_flag;
-    bool deblocking_filter_control_present_flag;
-    bool deblocking_filter_override_enabled_flag;
-    bool pps_deblocking_filter_disabled_flag;
-    int32_t pps_beta_offset_div2;  ///< se(v), -6..6
-    int32_t pps_tc_offset_div2;    ///< se(v), -6..6
-    bool pps_scaling_list_data_present_flag;
-    bool lists_modification_present_flag;
-    uint32_t log2_parallel_merge_level_minus2;  ///< ue(v), 0..4
-    bool slice_segment_header_extension_present_flag;
+    uint32_t pps_pic_parameter_set_id;                 ///< ue(v), 0..63
+    uint32_t pps_seq_parameter_set_id;                 ///< ue(v), 0..15
+    bool dependent_slice_segments_enabled_flag;        ///< u(1)
+    bool output_flag_present_flag;                     ///< u(1)
+    uint32_t num_extra_slice_header_bits;              ///< u(3)
+    bool sign_data_hiding_enabled_flag;                ///< u(1)
+    bool cabac_init_present_flag;                      ///< u(1)
+    uint32_t num_ref_idx_l0_default_active_minus1;     ///< ue(v), 0..14
+    uint32_t num_ref_idx_l1_default_active_minus1;     ///< ue(v), 0..14
+    int32_t init_qp_minus26;                           ///< se(v), -(26 + QpBdOffsetY)..25; at least -74
+    bool constrained_intra_pred_flag;                  ///< u(1)
+    bool transform_skip_enabled_flag;                  ///< u(1)
+    bool cu_qp_delta_enabled_flag;                     ///< u(1)
+    uint32_t diff_cu_qp_delta_depth;                   ///< ue(v), 0..3
+    int32_t pps_cb_qp_offset;                          ///< se(v), -12..12
+    int32_t pps_cr_qp_offset;                          ///< se(v), -12..12
+    bool pps_slice_chroma_qp_offsets_present_flag;     ///< u(1)
+    bool weighted_pred_flag;                           ///< u(1)
+    bool weighted_bipred_flag;                         ///< u(1)
+    bool transquant_bypass_enabled_flag;               ///< u(1)
+    bool tiles_enabled_flag;                           ///< u(1)
+    bool entropy_coding_sync_enabled_flag;             ///< u(1)
+    uint32_t num_tile_columns_minus1;                  ///< ue(v), 0..255
+    uint32_t num_tile_rows_minus1;                     ///< ue(v), 0..255
+    bool uniform_spacing_flag;                         ///< 1 when not present
+    bool loop_filter_across_tiles_enabled_flag;        ///< 1 when not present
+    bool pps_loop_filter_across_slices_enabled_flag;   ///< u(1)
+    bool deblocking_filter_control_present_flag;       ///< u(1)
+    bool deblocking_filter_override_enabled_flag;      ///< u(1)
+    bool pps_deblocking_filter_disabled_flag;          ///< u(1)
+    int32_t pps_beta_offset_div2;                      ///< se(v), -6..6
+    int32_t pps_tc_offset_div2;                        ///< se(v), -6..6
+    bool pps_scaling_list_data_present_flag;           ///< u(1)
+    bool lists_modification_present_flag;              ///< u(1)
+    uint32_t log2_parallel_merge_level_minus2;         ///< ue(v), 0..4
+    bool slice_segment_header_extension_present_flag;  ///< u(1)
 
-    bool pps_extension_present_flag;
-    bool pps_range_extension_flag;
-    bool pps_multilayer_extension_flag;
-    bool pps_3d_extension_flag;
-    bool pps_scc_extension_flag;
-    uint32_t pps_extension_4bits;  ///< u(4)
-    PpsRangeExtension range;
-    PpsMultilayerExtension multilayer;
-    Pps3dExtension three_d;
-    PpsSccExtension scc;
-    CodedBits pps_extension_data_flag;  ///< extensions that this edition does not define
+    bool pps_extension_present_flag;     ///< u(1)
+    bool pps_range_extension_flag;       ///< u(1)
+    bool pps_multilayer_extension_flag;  ///< u(1)
+    bool pps_3d_extension_flag;          ///< u(1)
+    bool pps_scc_extension_flag;         ///< u(1)
+    uint32_t pps_extension_4bits;        ///< u(4)
+    PpsRangeExtension range;             ///< with pps_range_extension_flag
+    PpsMultilayerExtension multilayer;   ///< with pps_multilayer_extension_flag
+    Pps3dExtension three_d;              ///< with pps_3d_extension_flag
+    PpsSccExtension scc;                 ///< with pps_scc_extension_flag
+    CodedBits pps_extension_data_flag;   ///< extensions that this edition does not define
 
     // Arrays come last: a read sets them as far as their counts go, not beyond.
 
-    uint16_t column_width_minus1[kMostTileColumns];  ///< ue(v); num_tile_columns_minus1 of them
-    uint16_t row_height_minus1[kMostTileRows];       ///< ue(v); num_tile_rows_minus1 of them
-    uint16_t cm_ref_layer_id[ColourMappingTable::kMostLayers];
+    uint16_t column_width_minus1[kMostTileColumns];             ///< ue(v); num_tile_columns_minus1 of them
+    uint16_t row_height_minus1[kMostTileRows];                  ///< ue(v); num_tile_rows_minus1 of them
+    uint16_t cm_ref_layer_id[ColourMappingTable::kMostLayers];  ///< u(6); set up to num_cm_ref_layers_minus1
     uint16_t pps_palette_predictor_initializer[3][kMostPaletteEntries];  ///< u(v), the entry's bit depth
-    RefLocOffset ref_loc_offset[kMostRefLocOffsets];
-    ScalingListData scaling_list_data;  ///< as coded; see ScalingFactors.h
+    RefLocOffset ref_loc_offset[kMostRefLocOffsets];                     ///< num_ref_loc_offsets of them
+    ScalingListData scaling_list_data;                                   ///< as coded; see ScalingFactors.h
 };
 
 /// Reads a picture parameter set.
@@ -110,11 +110,11 @@ Sized sizeOf(const Pps& pps) noexcept;
 /// counts the PartNumY << cm_octant_depth parts of luma, cb and cr the 1 << cm_octant_depth parts of chroma.
 /// Cells of an octant that is not split are set where the octant begins and 0 elsewhere.
 struct ColourMapping {
-    static constexpr uint32_t kMostLumaParts = 8;
-    static constexpr uint32_t kMostChromaParts = 2;
+    static constexpr uint32_t kMostLumaParts = 8;    ///< of cells along y
+    static constexpr uint32_t kMostChromaParts = 2;  ///< of cells along cb and along cr
 
-    bool split_octant_flag;  ///< of the whole cube
-    bool coded_res_flag[kMostLumaParts][kMostChromaParts][kMostChromaParts][4];
+    bool split_octant_flag;                                                      ///< of the whole cube
+    bool coded_res_flag[kMostLumaParts][kMostChromaParts][kMostChromaParts][4];  ///< u(1), of each vertex
 
     /// (res_coeff_q << CMResLSBits) + res_coeff_r with the sign res_coeff_s, for vertex j and component c;
     /// below 2^50 in magnitude.
@@ -126,13 +126,13 @@ bool colourMappingOf(const Pps& pps, ColourMapping& mapping) noexcept;
 
 /// One depth look-up table of pps_3d_extension() and delta_dlt() (H.265 I.7.3.2.3.7, I.7.3.2.3.8).
 struct DepthLookupTable {
-    bool dlt_flag;
-    bool dlt_pred_flag;
-    bool dlt_val_flags_present_flag;
-    uint32_t num_val_delta_dlt;  ///< u(v), pps_bit_depth_for_depth_layers_minus8 + 8 bits
-    uint32_t max_diff;           ///< u(v); 0 when not present
-    uint32_t min_diff_minus1;    ///< u(v); max_diff - 1 when not present, 0 for max_diff 0
-    uint32_t delta_dlt_val0;     ///< u(v)
+    bool dlt_flag;                    ///< u(1)
+    bool dlt_pred_flag;               ///< u(1)
+    bool dlt_val_flags_present_flag;  ///< u(1)
+    uint32_t num_val_delta_dlt;       ///< u(v), pps_bit_depth_for_depth_layers_minus8 + 8 bits
+    uint32_t max_diff;                ///< u(v); 0 when not present
+    uint32_t min_diff_minus1;         ///< u(v); max_diff - 1 when not present, 0 for max_diff 0
+    uint32_t delta_dlt_val0;          ///< u(v)
 
     /// With dlt_val_flags_present_flag the flags dlt_value_flag[i][j], one bit each; otherwise
     /// delta_val_diff_minus_min[k], num_val_delta_dlt - 1 of them with Ceil(Log2(max_diff - min_diff_minus1))

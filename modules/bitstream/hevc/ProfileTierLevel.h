@@ -23,10 +23,10 @@ struct ProfileTier {
     /// profile_compatibility_flag[j] is bit j, the least significant bit being bit 0.
     uint32_t profile_compatibility_flag;
 
-    bool progressive_source_flag;
-    bool interlaced_source_flag;
-    bool non_packed_constraint_flag;
-    bool frame_only_constraint_flag;
+    bool progressive_source_flag;     ///< u(1)
+    bool interlaced_source_flag;      ///< u(1)
+    bool non_packed_constraint_flag;  ///< u(1)
+    bool frame_only_constraint_flag;  ///< u(1)
 
     bool max_14bit_constraint_flag;         ///< profiles 5, 9, 10 and 11
     bool max_12bit_constraint_flag;         ///< profiles 4 to 11
@@ -50,10 +50,10 @@ struct ProfileTier {
 
 /// What profile_tier_level() says of one temporal sub-layer below the highest.
 struct SubLayerProfile {
-    bool profile_present_flag;
-    bool level_present_flag;
-    uint32_t level_idc;   ///< u(8), 30 times the level's number; 0 when not present
-    ProfileTier profile;  ///< all 0 when not present
+    bool profile_present_flag;  ///< u(1)
+    bool level_present_flag;    ///< u(1)
+    uint32_t level_idc;         ///< u(8), 30 times the level's number; 0 when not present
+    ProfileTier profile;        ///< all 0 when not present
 };
 
 /// profile_tier_level(), H.265 7.3.3 and 7.4.4.

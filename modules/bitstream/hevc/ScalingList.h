@@ -11,11 +11,11 @@ namespace qv::hevc {
 /// 32x32), the second matrixId (intra Y, Cb, Cr, inter Y, Cb, Cr). With sizeId 3 only matrixId 0 and 3 are
 /// coded; the other elements are not set.
 struct ScalingListData {
-    static constexpr uint32_t kSizes = 4;
-    static constexpr uint32_t kMatrices = 6;
-    static constexpr uint32_t kMostCoefs = 64;
+    static constexpr uint32_t kSizes = 4;       ///< values of sizeId
+    static constexpr uint32_t kMatrices = 6;    ///< values of matrixId
+    static constexpr uint32_t kMostCoefs = 64;  ///< coefficients of a list, at most
 
-    bool scaling_list_pred_mode_flag[kSizes][kMatrices];
+    bool scaling_list_pred_mode_flag[kSizes][kMatrices];  ///< u(1)
 
     /// ue(v), 0..matrixId, and with sizeId 3 0..matrixId / 3; set with scaling_list_pred_mode_flag 0.
     uint32_t scaling_list_pred_matrix_id_delta[kSizes][kMatrices];

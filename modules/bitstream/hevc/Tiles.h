@@ -15,8 +15,8 @@ namespace qv::hevc {
 struct TileGrid {
     uint32_t columns;  ///< num_tile_columns_minus1 + 1; 0 when the PPS does not fit the SPS
     uint32_t rows;     ///< num_tile_rows_minus1 + 1; 0 when the PPS does not fit the SPS
-    uint32_t colWidth[Pps::kMostTileColumns];
-    uint32_t rowHeight[Pps::kMostTileRows];
+    uint32_t colWidth[Pps::kMostTileColumns];  ///< of each column, above 0
+    uint32_t rowHeight[Pps::kMostTileRows];    ///< of each row, above 0
 };
 
 /// The tiles of pictures that refer to \p pps and, through it, to \p sps (6-3, 6-4). The result has no

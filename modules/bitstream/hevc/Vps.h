@@ -20,18 +20,18 @@ namespace qv::hevc {
 /// extensions of F.7.3.2.1 and I.7.3.2.1. An element that is not present has the value that its semantics
 /// infer, otherwise 0. The record is about 50 KB.
 struct Vps {
-    static constexpr uint32_t kMostLayerSets = 1024;
+    static constexpr uint32_t kMostLayerSets = 1024;  ///< the greatest vps_num_layer_sets_minus1, plus 1
 
-    NalUnitHeader header;
+    NalUnitHeader header;  ///< the NAL unit header
 
     uint32_t vps_video_parameter_set_id;  ///< u(4)
-    bool vps_base_layer_internal_flag;
-    bool vps_base_layer_available_flag;
-    uint32_t vps_max_layers_minus1;      ///< u(6)
-    uint32_t vps_max_sub_layers_minus1;  ///< u(3), 0..6
-    bool vps_temporal_id_nesting_flag;
+    bool vps_base_layer_internal_flag;    ///< u(1)
+    bool vps_base_layer_available_flag;   ///< u(1)
+    uint32_t vps_max_layers_minus1;       ///< u(6)
+    uint32_t vps_max_sub_layers_minus1;   ///< u(3), 0..6
+    bool vps_temporal_id_nesting_flag;    ///< u(1)
     uint32_t vps_reserved_0xffff_16bits;  ///< u(16), 0xFFFF
-    ProfileTierLevel profile_tier_level;
+    ProfileTierLevel profile_tier_level;  ///< of the base layer
 
     /// For each sub-layer. Without vps_sub_layer_ordering_info_present_flag all have the values of the
     /// highest.
@@ -43,19 +43,19 @@ struct Vps {
     uint32_t vps_max_layer_id;           ///< u(6), 0..62
     uint32_t vps_num_layer_sets_minus1;  ///< ue(v), 0..1023
 
-    bool vps_timing_info_present_flag;
-    uint32_t vps_num_units_in_tick;  ///< u(32), above 0
-    uint32_t vps_time_scale;         ///< u(32), above 0
-    bool vps_poc_proportional_to_timing_flag;
+    bool vps_timing_info_present_flag;           ///< u(1)
+    uint32_t vps_num_units_in_tick;              ///< u(32), above 0
+    uint32_t vps_time_scale;                     ///< u(32), above 0
+    bool vps_poc_proportional_to_timing_flag;    ///< u(1)
     uint32_t vps_num_ticks_poc_diff_one_minus1;  ///< ue(v), 0..2^32 - 2
     uint32_t vps_num_hrd_parameters;             ///< ue(v), 0..vps_num_layer_sets_minus1 + 1
     CodedBits hrd_parameters;                    ///< hrd_layer_set_idx and what follows; see VpsHrdReader
 
-    bool vps_extension_flag;
-    bool vps_extension2_flag;
-    bool vps_3d_extension_flag;
-    bool vps_extension3_flag;
-    Vps3dExtension three_d;
+    bool vps_extension_flag;            ///< u(1)
+    bool vps_extension2_flag;           ///< u(1)
+    bool vps_3d_extension_flag;         ///< u(1)
+    bool vps_extension3_flag;           ///< u(1)
+    Vps3dExtension three_d;             ///< with vps_3d_extension_flag
     CodedBits vps_extension_data_flag;  ///< extensions that this edition does not define
 
     VpsExtension extension;  ///< with vps_extension_flag

@@ -30,7 +30,7 @@ struct VpsLayers {
     /// The layers that layer i refers to itself (direct_dependency_flag), and all that it depends on
     /// (DependencyFlag).
     uint64_t directReferences[kMostLayers];
-    uint64_t dependencies[kMostLayers];
+    uint64_t dependencies[kMostLayers];  ///< as directReferences; layer j is bit j
 
     /// The same by nuh_layer_id: what the layer depends on, nuh_layer_id j being bit j.
     uint64_t dependencyIds[kMostLayers + 1];
@@ -49,9 +49,10 @@ uint32_t viewIdOf(const Vps& vps, const VpsLayers& layers, uint32_t i) noexcept;
 
 /// The layer sets of a VPS: those that it lists and those that its extension adds.
 struct LayerSets {
+    /// The greatest NumLayerSets.
     static constexpr uint32_t kMost = Vps::kMostLayerSets + VpsExtension::kMostAddedLayerSets;
 
-    VpsLayers layers;
+    VpsLayers layers;  ///< of the VPS
 
     uint32_t signalled;     ///< vps_num_layer_sets_minus1 + 1
     uint32_t NumLayerSets;  ///< signalled + num_add_layer_sets
@@ -85,12 +86,12 @@ struct OutputLayerSet {
     uint64_t output_layer_flag;                    ///< OutputLayerFlag, coded or inferred
     uint64_t NecessaryLayerFlag;                   ///< output layers and those that they depend on
     uint16_t profile_tier_level_idx[kMostLayers];  ///< u(v); 0 when not present
-    bool alt_output_layer_flag;
+    bool alt_output_layer_flag;                    ///< u(1)
 
     // dpb_size(), all 0 for output layer set 0. Sub-layers without sub_layer_dpb_info_present_flag have the
     // values of the one before.
 
-    bool sub_layer_flag_info_present_flag;
+    bool sub_layer_flag_info_present_flag;     ///< u(1)
     uint32_t sub_layer_dpb_info_present_flag;  ///< bit j for sub-layer j
     uint32_t MaxSubLayersInLayerSetMinus1;     ///< the highest sub-layer, 0..6
     uint32_t max_vps_dec_pic_buffering_minus1[kMostLayers]
@@ -156,11 +157,11 @@ bool readVpsHrd(const Vps& vps, uint32_t i, VpsHrd& hrd) noexcept;
 
 /// Rates of a layer set, one entry for each sub-layer (H.265 F.7.3.2.1.4); 0 when not present.
 struct LayerSetRates {
-    uint32_t layerSetIdx;
-    uint32_t subLayers;  ///< entries that are set, 0..7
+    uint32_t layerSetIdx;  ///< the index of the layer set
+    uint32_t subLayers;    ///< entries that are set, 0..7
 
-    bool bit_rate_present_flag[kMostSubLayers];
-    bool pic_rate_present_flag[kMostSubLayers];
+    bool bit_rate_present_flag[kMostSubLayers];      ///< u(1)
+    bool pic_rate_present_flag[kMostSubLayers];      ///< u(1)
     uint16_t avg_bit_rate[kMostSubLayers];           ///< u(16), as in the semantics of F.7.4.3.1.4
     uint16_t max_bit_rate[kMostSubLayers];           ///< u(16)
     uint16_t constant_pic_rate_idc[kMostSubLayers];  ///< u(2)
@@ -189,8 +190,8 @@ struct LayerDependency {
     uint32_t direct_dependency_type;            ///< u(v): 0 samples, 1 motion, 2 both
     uint32_t max_tid_il_ref_pics_plus1;         ///< u(3); 7 when not present
     uint32_t min_spatial_segment_offset_plus1;  ///< ue(v); 0 when not present
-    bool ctu_based_offset_enabled_flag;
-    uint32_t min_horizontal_ctu_offset_plus1;  ///< ue(v)
+    bool ctu_based_offset_enabled_flag;         ///< u(1)
+    uint32_t min_horizontal_ctu_offset_plus1;   ///< ue(v)
 };
 
 /// What \p vps, read without a fault, says of layer \p i and the layer \p j that it refers to directly; all 0
@@ -200,11 +201,11 @@ LayerDependency layerDependencyOf(const Vps& vps, uint32_t i, uint32_t j) noexce
 /// The camera parameters of a view in vps_3d_extension() (H.265 I.7.3.2.1). Entries from num_cp on are not
 /// set, and the last four are set with cp_in_slice_segment_header_flag 0.
 struct CameraParameters {
-    static constexpr uint32_t kMost = 63;
+    static constexpr uint32_t kMost = 63;  ///< the greatest num_cp
 
-    uint32_t viewOrderIdx;  ///< ViewOIdxList[n]
-    uint32_t num_cp;        ///< u(6)
-    bool cp_in_slice_segment_header_flag;
+    uint32_t viewOrderIdx;                       ///< ViewOIdxList[n]
+    uint32_t num_cp;                             ///< u(6)
+    bool cp_in_slice_segment_header_flag;        ///< u(1)
     uint32_t cp_ref_voi[kMost];                  ///< ue(v)
     int32_t vps_cp_scale[kMost];                 ///< se(v)
     int32_t vps_cp_off[kMost];                   ///< se(v)

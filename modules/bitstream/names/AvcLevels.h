@@ -14,8 +14,8 @@ constexpr uint32_t kLevelIdc1b = 9;
 
 /// A level and its limits, H.264 Table A-1.
 struct LevelEntry {
-    uint32_t level_idc;  ///< 10 times the level; 9 for level 1b
-    const char* name;
+    uint32_t level_idc;     ///< 10 times the level; 9 for level 1b
+    const char* name;       ///< `5.1`
     uint32_t MaxMBPS;       ///< macroblocks in a second
     uint32_t MaxFS;         ///< macroblocks in a frame
     uint32_t MaxDpbMbs;     ///< macroblocks in the decoded picture buffer

@@ -9,53 +9,52 @@ namespace qv::avc {
 
 /// A profile, H.264 A.2, G.10.1, H.10.1, I.10.1 and J.10.1.
 enum class Profile : uint32_t {
-    ConstrainedBaseline,
-    Baseline,
-    Main,
-    Extended,
-    ConstrainedHigh,
-    ProgressiveHigh,
-    High,
-    High10Intra,
-    ProgressiveHigh10,
-    High10,
-    High422Intra,
-    High422,
-    High444Intra,
-    High444Predictive,
-    Cavlc444Intra,
-    ScalableConstrainedBaseline,
-    ScalableBaseline,
-    ScalableHighIntra,
-    ScalableConstrainedHigh,
-    ScalableHigh,
-    MultiviewHigh,
-    StereoHigh,
-    MfcHigh,
-    MfcDepthHigh,
-    MultiviewDepthHigh,
-    EnhancedMultiviewDepthHigh,
+    ConstrainedBaseline,          ///< Constrained Baseline, A.2.1.1
+    Baseline,                     ///< Baseline, A.2.1
+    Main,                         ///< Main, A.2.2
+    Extended,                     ///< Extended, A.2.3
+    ConstrainedHigh,              ///< Constrained High, A.2.4.2
+    ProgressiveHigh,              ///< Progressive High, A.2.4.1
+    High,                         ///< High, A.2.4
+    High10Intra,                  ///< High 10 Intra, A.2.8
+    ProgressiveHigh10,            ///< Progressive High 10, A.2.5.1
+    High10,                       ///< High 10, A.2.5
+    High422Intra,                 ///< High 4:2:2 Intra, A.2.9
+    High422,                      ///< High 4:2:2, A.2.6
+    High444Intra,                 ///< High 4:4:4 Intra, A.2.10
+    High444Predictive,            ///< High 4:4:4 Predictive, A.2.7
+    Cavlc444Intra,                ///< CAVLC 4:4:4 Intra, A.2.11
+    ScalableConstrainedBaseline,  ///< Scalable Constrained Baseline, G.10.1.1.1
+    ScalableBaseline,             ///< Scalable Baseline, G.10.1.1
+    ScalableHighIntra,            ///< Scalable High Intra, G.10.1.3
+    ScalableConstrainedHigh,      ///< Scalable Constrained High, G.10.1.2.1
+    ScalableHigh,                 ///< Scalable High, G.10.1.2
+    MultiviewHigh,                ///< Multiview High, H.10.1.1
+    StereoHigh,                   ///< Stereo High, H.10.1.2
+    MfcHigh,                      ///< MFC High, H.10.1.3
+    MfcDepthHigh,                 ///< MFC Depth High, I.10.1.2
+    MultiviewDepthHigh,           ///< Multiview Depth High, I.10.1.1
+    EnhancedMultiviewDepthHigh,   ///< Enhanced Multiview Depth High, J.10.1.1
 };
 
 // The constraint flags as the byte after profile_idc has them, reserved_zero_2bits in the lowest places.
 
-constexpr uint32_t kConstraintSet0 = 0x80;
-constexpr uint32_t kConstraintSet1 = 0x40;
-constexpr uint32_t kConstraintSet2 = 0x20;
-constexpr uint32_t kConstraintSet3 = 0x10;
-constexpr uint32_t kConstraintSet4 = 0x08;
-constexpr uint32_t kConstraintSet5 = 0x04;
+constexpr uint32_t kConstraintSet0 = 0x80;  ///< constraint_set0_flag
+constexpr uint32_t kConstraintSet1 = 0x40;  ///< constraint_set1_flag
+constexpr uint32_t kConstraintSet2 = 0x20;  ///< constraint_set2_flag
+constexpr uint32_t kConstraintSet3 = 0x10;  ///< constraint_set3_flag
+constexpr uint32_t kConstraintSet4 = 0x08;  ///< constraint_set4_flag
+constexpr uint32_t kConstraintSet5 = 0x04;  ///< constraint_set5_flag
 
 /// What is known of a profile.
 struct ProfileEntry {
-    Profile profile;
-    uint32_t profile_idc;
-    uint32_t
-        constraints;  ///< the constraint flags that are 1 and distinguish the profile from those after it
-    const char* name;
-    const char* clause;
+    Profile profile;          ///< which one it is
+    uint32_t profile_idc;     ///< as coded in the SPS
+    uint32_t constraints;     ///< the constraint flags that are 1 here and not in the profiles after it
+    const char* name;         ///< as the standard calls it: `Main`
+    const char* clause;       ///< of H.264
     uint32_t cpbBrVclFactor;  ///< Table A-2, H.10.2.1, G.10.2.1: bit/s for each unit of MaxBR
-    uint32_t cpbBrNalFactor;
+    uint32_t cpbBrNalFactor;  ///< the same with the NAL HRD parameters
 };
 
 /// Every profile; one that is a subset of another with the same profile_idc comes before it.

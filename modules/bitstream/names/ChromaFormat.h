@@ -9,12 +9,13 @@ namespace qv {
 
 /// A value of chroma_format_idc.
 struct ChromaFormat {
-    uint32_t chroma_format_idc;
-    const char* name;
-    uint32_t SubWidthC;   ///< luma samples to a chroma sample in a row; 1 for monochrome
-    uint32_t SubHeightC;  ///< luma samples to a chroma sample in a column; 1 for monochrome
+    uint32_t chroma_format_idc;  ///< 0..3; another only in a reserved entry
+    const char* name;            ///< `4:2:0`
+    uint32_t SubWidthC;          ///< luma samples to a chroma sample in a row; 1 for monochrome
+    uint32_t SubHeightC;         ///< luma samples to a chroma sample in a column; 1 for monochrome
 };
 
+/// Table 6-1; the index is chroma_format_idc.
 constexpr ChromaFormat kChromaFormats[] = {
     {0, "4:0:0", 1, 1},
     {1, "4:2:0", 2, 2},

@@ -10,16 +10,16 @@ namespace qv::hevc {
 /// A level and its limits, H.265 Tables A.8 and A.9. Where two values are given, the first is for the Main
 /// tier and the second for the High tier, 0 where the level has no High tier.
 struct LevelEntry {
-    uint32_t level_idc;  ///< 30 times the number of the level
-    const char* name;    ///< `5.1`
-    uint32_t MaxLumaPs;  ///< luma samples of a picture
-    uint32_t MaxCPB[2];  ///< in CpbVclFactor or CpbNalFactor bits
-    uint32_t MaxSliceSegmentsPerPicture;
-    uint32_t MaxTileRows;
-    uint32_t MaxTileCols;
-    uint64_t MaxLumaSr;     ///< luma samples per second
-    uint32_t MaxBR[2];      ///< in BrVclFactor or BrNalFactor bits per second
-    uint32_t MinCrBase[2];  ///< minimum compression ratio
+    uint32_t level_idc;                   ///< 30 times the number of the level
+    const char* name;                     ///< `5.1`
+    uint32_t MaxLumaPs;                   ///< luma samples of a picture
+    uint32_t MaxCPB[2];                   ///< in CpbVclFactor or CpbNalFactor bits
+    uint32_t MaxSliceSegmentsPerPicture;  ///< slice segments of a picture
+    uint32_t MaxTileRows;                 ///< rows of tiles of a picture
+    uint32_t MaxTileCols;                 ///< columns of tiles of a picture
+    uint64_t MaxLumaSr;                   ///< luma samples per second
+    uint32_t MaxBR[2];                    ///< in BrVclFactor or BrNalFactor bits per second
+    uint32_t MinCrBase[2];                ///< minimum compression ratio
 };
 
 /// Tables A.8 and A.9, in ascending order.

@@ -11,66 +11,66 @@ namespace qv::hevc {
 
 /// A profile, H.265 A.3, G.11.1, H.11.1 and I.11.1.
 enum class Profile : uint32_t {
-    Main,
-    Main10StillPicture,
-    Main10,
-    MainStillPicture,
-    Monochrome,
-    Monochrome10,
-    Monochrome12,
-    Monochrome16,
-    Main12,
-    Main42210,
-    Main42212,
-    Main444,
-    Main44410,
-    Main44412,
-    MainIntra,
-    Main10Intra,
-    Main12Intra,
-    Main42210Intra,
-    Main42212Intra,
-    Main444Intra,
-    Main44410Intra,
-    Main44412Intra,
-    Main44416Intra,
-    Main444StillPicture,
-    Main44416StillPicture,
-    HighThroughput444,
-    HighThroughput44410,
-    HighThroughput44414,
-    HighThroughput44416Intra,
-    MultiviewMain,
-    ScalableMain,
-    ScalableMain10,
-    ThreeDMain,
-    ScreenExtendedMain,
-    ScreenExtendedMain10,
-    ScreenExtendedMain444,
-    ScreenExtendedMain44410,
-    ScalableMonochrome,
-    ScalableMonochrome12,
-    ScalableMonochrome16,
-    ScalableMain444,
-    ScreenExtendedHighThroughput444,
-    ScreenExtendedHighThroughput44410,
-    ScreenExtendedHighThroughput44414,
+    Main,                               ///< Main, A.3.2
+    Main10StillPicture,                 ///< Main 10 Still Picture, A.3.3
+    Main10,                             ///< Main 10, A.3.3
+    MainStillPicture,                   ///< Main Still Picture, A.3.4
+    Monochrome,                         ///< Monochrome, A.3.5
+    Monochrome10,                       ///< Monochrome 10, A.3.5
+    Monochrome12,                       ///< Monochrome 12, A.3.5
+    Monochrome16,                       ///< Monochrome 16, A.3.5
+    Main12,                             ///< Main 12, A.3.5
+    Main42210,                          ///< Main 4:2:2 10, A.3.5
+    Main42212,                          ///< Main 4:2:2 12, A.3.5
+    Main444,                            ///< Main 4:4:4, A.3.5
+    Main44410,                          ///< Main 4:4:4 10, A.3.5
+    Main44412,                          ///< Main 4:4:4 12, A.3.5
+    MainIntra,                          ///< Main Intra, A.3.5
+    Main10Intra,                        ///< Main 10 Intra, A.3.5
+    Main12Intra,                        ///< Main 12 Intra, A.3.5
+    Main42210Intra,                     ///< Main 4:2:2 10 Intra, A.3.5
+    Main42212Intra,                     ///< Main 4:2:2 12 Intra, A.3.5
+    Main444Intra,                       ///< Main 4:4:4 Intra, A.3.5
+    Main44410Intra,                     ///< Main 4:4:4 10 Intra, A.3.5
+    Main44412Intra,                     ///< Main 4:4:4 12 Intra, A.3.5
+    Main44416Intra,                     ///< Main 4:4:4 16 Intra, A.3.5
+    Main444StillPicture,                ///< Main 4:4:4 Still Picture, A.3.5
+    Main44416StillPicture,              ///< Main 4:4:4 16 Still Picture, A.3.5
+    HighThroughput444,                  ///< High Throughput 4:4:4, A.3.6
+    HighThroughput44410,                ///< High Throughput 4:4:4 10, A.3.6
+    HighThroughput44414,                ///< High Throughput 4:4:4 14, A.3.6
+    HighThroughput44416Intra,           ///< High Throughput 4:4:4 16 Intra, A.3.6
+    MultiviewMain,                      ///< Multiview Main, G.11.1.1
+    ScalableMain,                       ///< Scalable Main, H.11.1.1
+    ScalableMain10,                     ///< Scalable Main 10, H.11.1.1
+    ThreeDMain,                         ///< 3D Main, I.11.1.1
+    ScreenExtendedMain,                 ///< Screen-Extended Main, A.3.7
+    ScreenExtendedMain10,               ///< Screen-Extended Main 10, A.3.7
+    ScreenExtendedMain444,              ///< Screen-Extended Main 4:4:4, A.3.7
+    ScreenExtendedMain44410,            ///< Screen-Extended Main 4:4:4 10, A.3.7
+    ScalableMonochrome,                 ///< Scalable Monochrome, H.11.1.2
+    ScalableMonochrome12,               ///< Scalable Monochrome 12, H.11.1.2
+    ScalableMonochrome16,               ///< Scalable Monochrome 16, H.11.1.2
+    ScalableMain444,                    ///< Scalable Main 4:4:4, H.11.1.2
+    ScreenExtendedHighThroughput444,    ///< Screen-Extended High Throughput 4:4:4, A.3.8
+    ScreenExtendedHighThroughput44410,  ///< Screen-Extended High Throughput 4:4:4 10, A.3.8
+    ScreenExtendedHighThroughput44414,  ///< Screen-Extended High Throughput 4:4:4 14, A.3.8
 };
 
 /// What is known of a profile.
 struct ProfileEntry {
-    Profile profile;
-    uint32_t profile_idc;
+    Profile profile;       ///< which one it is
+    uint32_t profile_idc;  ///< general_profile_idc
 
     /// The constraint flags max_14bit, max_12bit, max_10bit, max_8bit, max_422chroma, max_420chroma,
     /// max_monochrome, intra, one_picture_only and lower_bit_rate, in this order: `0`, `1`, or `-` for either
     /// value.
     const char* constraints;
 
-    const char* name;
-    const char* clause;
+    const char* name;       ///< as the standard calls it: `Main`
+    const char* clause;     ///< of H.265
     uint32_t CpbVclFactor;  ///< Table A.10: bits for each unit of MaxCPB
-    uint32_t CpbNalFactor;
+    uint32_t CpbNalFactor;  ///< the same with the NAL HRD parameters
 };
 
 /// Every profile.
@@ -149,6 +149,7 @@ constexpr const char* kProfileFamilyNames[] = {
     "High throughput screen content coding extensions",
 };
 
+/// True when \p profile has the constraint flags of \p constraints, in the form of ProfileEntry::constraints.
 constexpr bool hasConstraints(const ProfileTier& profile, const char* constraints) {
     const bool flags[] = {profile.max_14bit_constraint_flag,        profile.max_12bit_constraint_flag,
                           profile.max_10bit_constraint_flag,        profile.max_8bit_constraint_flag,

@@ -10,9 +10,9 @@ namespace qv {
 
 /// A value, what the standards call it, and the clause or table that says so. Both texts are string literals.
 struct Name {
-    uint32_t number;
-    const char* name;
-    const char* clause;
+    uint32_t number;     ///< the value
+    const char* name;    ///< what it is called
+    const char* clause;  ///< where it is defined
 };
 
 /// The name of \p number in a table that is ordered by number; \p otherwise with that number when the table

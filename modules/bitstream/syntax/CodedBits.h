@@ -29,6 +29,7 @@ struct CodedBits {
     /// Bits of the RBSP in the run.
     uint64_t count = 0;
 
+    /// True when there are no bits.
     bool empty() const { return count == 0; }
 };
 

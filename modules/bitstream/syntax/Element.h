@@ -11,7 +11,7 @@ namespace qv {
 /// The name of a syntax element and its subscripts, as the standards print them:
 /// `bit_rate_value_minus1[ 0 ]`.
 struct Element {
-    static constexpr uint32_t kMostSubscripts = 5;
+    static constexpr uint32_t kMostSubscripts = 5;  ///< the most that an element has
 
     /// The standard's name: a string literal, or null for no element.
     const char* name = nullptr;
@@ -19,7 +19,7 @@ struct Element {
     /// How many of \ref subscripts are used, 0 to 5.
     uint32_t subscriptCount = 0;
 
-    uint32_t subscripts[kMostSubscripts] = {};
+    uint32_t subscripts[kMostSubscripts] = {};  ///< the outermost one first
 };
 
 namespace detail {

@@ -228,7 +228,10 @@ public:
     /// Records a fault that is not that of one element's value.
     QV_NEVER_INLINE void fail(FaultKind kind, const char* name, int64_t value) noexcept;
 
+    /// The first fault; none while the data is as it should be.
     const Fault& fault() const noexcept { return fault_; }
+
+    /// True when there is a fault. Every element from there on reads 0.
     bool failed() const noexcept { return static_cast<bool>(fault_); }
 
     /// The next bit, counted in the unit without emulation prevention bytes.
@@ -347,8 +350,11 @@ QV_ALWAYS_INLINE void flag_of(Syntax& s, const Name& name, Mask& mask, uint32_t 
 template <class Syntax>
 class Within {
 public:
+    /// Enters \p structure, which must live as long as the program.
     QV_ALWAYS_INLINE Within(Syntax& syntax, const Structure& structure)
         : syntax_(syntax), outer_(syntax.enter(&structure)) {}
+
+    /// Returns to the structure around it.
     QV_ALWAYS_INLINE ~Within() { syntax_.leave(outer_); }
     Within(const Within&) = delete;
     Within& operator=(const Within&) = delete;

@@ -11,12 +11,19 @@
 namespace qv {
 
 /// How an element is coded (H.264 7.2, H.265 7.2). Bytes are a run of whole bytes.
-enum class Descriptor : uint8_t { u, i, f, ue, se, bytes };
+enum class Descriptor : uint8_t {
+    u,      ///< u(n), an unsigned number of n bits
+    i,      ///< i(n), a signed number of n bits
+    f,      ///< f(n), n bits with a fixed value
+    ue,     ///< ue(v), an unsigned Exp-Golomb code
+    se,     ///< se(v), a signed Exp-Golomb code
+    bytes,  ///< whole bytes
+};
 
 /// One syntax element as it was read.
 struct TracedElement {
-    Element element;
-    Descriptor descriptor = Descriptor::u;
+    Element element;                        ///< its name
+    Descriptor descriptor = Descriptor::u;  ///< how it is coded
 
     /// The first bit, counted in the unit without emulation prevention bytes, the NAL unit header included,
     /// from 0.
@@ -38,6 +45,7 @@ struct TracedElement {
 /// Receives the elements of a trace.
 class TraceVisitor {
 public:
+    /// Visitors are owned by the caller.
     virtual ~TraceVisitor() = default;
 
     /// A syntax structure begins. \p structure lives as long as the program.

@@ -36,6 +36,7 @@ struct CodecEvidence {
 
 /// What a probe found.
 struct CodecProbe {
+    /// Which codec the bytes are coded with.
     enum class Answer : uint8_t {
         Neither,    ///< nothing shows either codec
         Avc,        ///< H.264
@@ -51,8 +52,8 @@ struct CodecProbe {
         High,    ///< a parameter set, and no unit against it
     };
 
-    Answer answer = Answer::Neither;
-    Confidence confidence = Confidence::None;
+    Answer answer = Answer::Neither;           ///< which codec it is
+    Confidence confidence = Confidence::None;  ///< how sure the answer is
 
     /// The framing that the evidence was found with. StartCodes when there is no answer.
     Framing framing = Framing::StartCodes;
@@ -60,8 +61,8 @@ struct CodecProbe {
     /// With start codes: nothing but zero bytes precedes the first of them (B.1.1).
     bool beginsWithStartCode = false;
 
-    CodecEvidence avc;
-    CodecEvidence hevc;
+    CodecEvidence avc;   ///< the units read as H.264
+    CodecEvidence hevc;  ///< the units read as H.265
 
     /// Bytes that were looked at.
     size_t bytes = 0;

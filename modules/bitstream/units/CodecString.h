@@ -19,8 +19,9 @@ namespace qv {
 
 /// The type of a sample entry in small letters: "avc1".
 struct SampleEntry {
-    char type[5];
+    char type[5];  ///< four characters and a zero
 
+    /// The four characters.
     constexpr std::string_view text() const { return {type, 4}; }
 };
 
@@ -89,6 +90,7 @@ struct DolbyVisionCodecString {
     uint32_t dv_level;        ///< 0..63
 };
 
+/// The string as text: profile and level have two digits.
 std::string textOf(const DolbyVisionCodecString& string);
 
 /// What a codec string says. monostate: it is none of these.
@@ -99,13 +101,16 @@ struct CodecStringFault {
     const char* expected = nullptr;  ///< what should be there; null without a fault
     size_t offset = 0;               ///< the character where it should be
 
+    /// True when there is a fault.
     explicit operator bool() const { return expected != nullptr; }
 };
 
+/// What parseCodecString() returns.
 struct ParsedCodecString {
-    CodecString string;  ///< monostate with a fault
-    CodecStringFault fault;
+    CodecString string;      ///< monostate with a fault
+    CodecStringFault fault;  ///< what is wrong
 
+    /// True when there is no fault.
     bool ok() const { return !fault; }
 };
 

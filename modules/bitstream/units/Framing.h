@@ -12,11 +12,11 @@ namespace qv {
 /// unit follows a NALUnitLength of 1 to 4 bytes, big-endian. A value without a name here is treated as
 /// Lengths4.
 enum class Framing : uint8_t {
-    StartCodes = 0,
-    Lengths1 = 1,
-    Lengths2 = 2,
-    Lengths3 = 3,  ///< not allowed by ISO/IEC 14496-15, and found in files
-    Lengths4 = 4,
+    StartCodes = 0,  ///< Annex B of both standards
+    Lengths1 = 1,    ///< lengths of 1 byte
+    Lengths2 = 2,    ///< lengths of 2 bytes
+    Lengths3 = 3,    ///< of 3 bytes: not allowed by ISO/IEC 14496-15, and found in files
+    Lengths4 = 4,    ///< lengths of 4 bytes
 };
 
 /// Bytes of each NALUnitLength; 0 with start codes.

@@ -37,27 +37,47 @@ struct UnitArrays {
     /// Their bytes. Where the record ends within an array, it is the last one, with the units that are there.
     Bytes coded;
 
+    /// The first array.
     Iterator begin() const noexcept;
+
+    /// The end: after the last array.
     static End end() noexcept { return {}; }
 };
 
 /// An iterator over the arrays of a record.
 class UnitArrays::Iterator {
 public:
+    /// Each array is read once, in order.
     using iterator_category = std::input_iterator_tag;
+
+    /// What it refers to.
     using value_type = UnitArray;
+
+    /// Of any iterator.
     using difference_type = std::ptrdiff_t;
+
+    /// What operator->() returns.
     using pointer = const UnitArray*;
+
+    /// What operator*() returns.
     using reference = const UnitArray&;
 
+    /// The array. The reference is valid until the iterator advances or is destroyed.
     const UnitArray& operator*() const noexcept { return array_; }
+
+    /// A member of the array.
     const UnitArray* operator->() const noexcept { return &array_; }
+
+    /// Goes on to the next array. Not allowed at the end.
     Iterator& operator++() noexcept {
         read();
         return *this;
     }
 
+    /// True after the last array.
     friend bool operator==(const Iterator& a, End /*end*/) noexcept { return a.isAtEnd_; }
+
+    /// True while there is an array.
     friend bool operator!=(const Iterator& a, End /*end*/) noexcept { return !a.isAtEnd_; }
 
 private:
@@ -75,9 +95,9 @@ private:
 /// coded. A record that was not read has the version and the reserved bits of the standard, and lengths of
 /// four bytes.
 struct ConfigurationRecord {
-    uint32_t configurationVersion = 1;   ///< u(8), 1; 0 in records of early writers
-    uint32_t general_profile_space = 0;  ///< u(2)
-    bool general_tier_flag = false;
+    uint32_t configurationVersion = 1;                 ///< u(8), 1; 0 in records of early writers
+    uint32_t general_profile_space = 0;                ///< u(2)
+    bool general_tier_flag = false;                    ///< u(1): 0 Main tier, 1 High tier
     uint32_t general_profile_idc = 0;                  ///< u(5)
     uint32_t general_profile_compatibility_flags = 0;  ///< u(32), flag 0 in the most significant bit
     uint64_t general_constraint_indicator_flags = 0;   ///< u(48), general_progressive_source_flag first
@@ -95,9 +115,9 @@ struct ConfigurationRecord {
     uint32_t avgFrameRate = 0;                    ///< u(16), frames in 256 seconds; 0 when unspecified
     uint32_t constantFrameRate = 0;               ///< u(2): 0 unknown, 1 constant, 2 in each temporal layer
     uint32_t numTemporalLayers = 0;               ///< u(3), 0 when unknown
-    bool temporalIdNested = false;
+    bool temporalIdNested = false;                ///< u(1)
     uint32_t lengthSizeMinusOne = 3;  ///< u(2); 2 is not allowed by the standard, and no fault here
-    UnitArrays arrays;
+    UnitArrays arrays;                ///< the units by type
 
     /// Bytes after the fields above.
     Bytes rest;
@@ -112,9 +132,9 @@ struct LayerConfigurationRecord {
     uint32_t parallelismType = 0;                  ///< u(2)
     uint32_t reserved_2bits = 3;                   ///< u(2), 3 by the standard
     uint32_t numTemporalLayers = 0;                ///< u(3)
-    bool temporalIdNested = false;
-    uint32_t lengthSizeMinusOne = 3;  ///< u(2), that of the `hvcC` beside it
-    UnitArrays arrays;
+    bool temporalIdNested = false;                 ///< u(1)
+    uint32_t lengthSizeMinusOne = 3;               ///< u(2), that of the `hvcC` beside it
+    UnitArrays arrays;                             ///< the units by type
 
     /// Bytes after the fields above.
     Bytes rest;
@@ -124,6 +144,8 @@ struct LayerConfigurationRecord {
 constexpr Framing framingOf(const ConfigurationRecord& record) {
     return framingOfLengthSizeMinusOne(record.lengthSizeMinusOne);
 }
+
+/// The framing of the samples that an `lhvC` record is for.
 constexpr Framing framingOf(const LayerConfigurationRecord& record) {
     return framingOfLengthSizeMinusOne(record.lengthSizeMinusOne);
 }
@@ -162,10 +184,14 @@ Read<LayerConfigurationRecord> traceLayerConfigurationRecord(Bytes bytes, TraceV
 /// the
 ///         units of an array, are faults, with which \p out stays as it was.
 Written writeConfigurationRecord(const ConfigurationRecord& record, std::vector<uint8_t>& out);
+
+/// Appends an `lhvC` record, as above.
 Written writeConfigurationRecord(const LayerConfigurationRecord& record, std::vector<uint8_t>& out);
 
 /// The size of a record as coded.
 Sized sizeOf(const ConfigurationRecord& record) noexcept;
+
+/// The size of an `lhvC` record as coded.
 Sized sizeOf(const LayerConfigurationRecord& record) noexcept;
 
 /// What a record says of a stream beside its profile, tier, level and temporal sub-layers.
@@ -175,8 +201,8 @@ struct StreamFacts {
     uint32_t bit_depth_chroma_minus8 = 0;       ///< of the active SPS
     uint32_t min_spatial_segmentation_idc = 0;  ///< the least of the VUIs; 0 when a SPS does not have it
     uint32_t parallelismType = 0;               ///< see parallelismTypeOf()
-    uint32_t avgFrameRate = 0;
-    uint32_t constantFrameRate = 0;
+    uint32_t avgFrameRate = 0;                  ///< frames in 256 seconds; 0 when unspecified
+    uint32_t constantFrameRate = 0;             ///< 0 unknown, 1 constant, 2 in each temporal layer
 
     /// All parameter sets are in the record, none is in the stream: sample entry `hvc1`. Sets
     /// array_completeness of VPS, SPS and PPS.
@@ -185,8 +211,8 @@ struct StreamFacts {
 
 /// What a picture parameter set says of decoding in parallel.
 struct PpsParallelism {
-    bool tiles_enabled_flag;
-    bool entropy_coding_sync_enabled_flag;
+    bool tiles_enabled_flag;                ///< of the PPS
+    bool entropy_coding_sync_enabled_flag;  ///< of the PPS
 };
 
 /// parallelismType for a stream with these picture parameter sets: 0 without min_spatial_segmentation_idc,

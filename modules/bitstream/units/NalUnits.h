@@ -40,13 +40,19 @@ enum class UnitFault : uint32_t {
 /// The faults of one unit.
 class UnitFaults {
 public:
+    /// True when \p fault is one of them.
     constexpr bool has(UnitFault fault) const { return (bits_ & static_cast<uint32_t>(fault)) != 0; }
+
+    /// Adds \p fault.
     constexpr void add(UnitFault fault) { bits_ |= static_cast<uint32_t>(fault); }
 
     /// True when there is a fault.
     explicit constexpr operator bool() const { return bits_ != 0; }
 
+    /// True when both have the same faults.
     friend constexpr bool operator==(UnitFaults a, UnitFaults b) { return a.bits_ == b.bits_; }
+
+    /// True when they differ.
     friend constexpr bool operator!=(UnitFaults a, UnitFaults b) { return a.bits_ != b.bits_; }
 
 private:
@@ -77,7 +83,7 @@ struct NalUnit {
     /// trailing_zero_8bits after the unit; 0 with lengths.
     size_t trailingZeroBytes = 0;
 
-    UnitFaults faults;
+    UnitFaults faults;  ///< what is wrong with it
 
     /// Bytes of the NAL unit header: H.264 1, or with its extension 3 (3D-AVC) or 4; H.265 2. Fewer with
     /// HeaderCut; the fields of a header that is cut are 0 where their bits are missing.
@@ -123,7 +129,10 @@ public:
     NalUnits(Bytes buffer, Framing framing, Codec codec) noexcept
         : buffer_(buffer), framing_(framing), codec_(codec) {}
 
+    /// The first unit. Finds it.
     Iterator begin() const noexcept;
+
+    /// The end: after the last unit.
     static End end() noexcept { return {}; }
 
 private:
@@ -135,17 +144,31 @@ private:
 /// An iterator over the units of a buffer. Copies are independent of each other.
 class NalUnits::Iterator {
 public:
+    /// Each unit is read once, in order.
     using iterator_category = std::input_iterator_tag;
+
+    /// What it refers to.
     using value_type = NalUnit;
+
+    /// Of any iterator.
     using difference_type = std::ptrdiff_t;
+
+    /// What operator->() returns.
     using pointer = const NalUnit*;
+
+    /// What operator*() returns.
     using reference = const NalUnit&;
 
     /// The unit. The reference is valid until the iterator advances or is destroyed.
     const NalUnit& operator*() const noexcept { return unit_; }
+
+    /// A member of the unit.
     const NalUnit* operator->() const noexcept { return &unit_; }
 
+    /// Goes on to the next unit. Not allowed at the end.
     Iterator& operator++() noexcept;
+
+    /// Goes on to the next unit, and returns a copy of the iterator as it was.
     // NOLINTNEXTLINE(cert-dcl21-cpp): iterators are not const
     Iterator operator++(int) noexcept {
         const Iterator before = *this;
@@ -153,7 +176,10 @@ public:
         return before;
     }
 
+    /// True after the last unit.
     friend bool operator==(const Iterator& a, End /*end*/) noexcept { return a.isAtEnd_; }
+
+    /// True while there is a unit.
     friend bool operator!=(const Iterator& a, End /*end*/) noexcept { return !a.isAtEnd_; }
 
 private:

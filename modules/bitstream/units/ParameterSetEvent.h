@@ -29,7 +29,7 @@ constexpr size_t kMostSetBytes = 65535;
 
 /// What a NAL unit did to the sets in force.
 struct SetTaken {
-    SetEvent event = SetEvent::NotASet;
+    SetEvent event = SetEvent::NotASet;  ///< what became of the unit
 
     /// nal_unit_type.
     uint32_t nal_unit_type = 0;
@@ -50,7 +50,7 @@ struct SetTaken {
 /// What a slice begins. The first slice of a picture begins the picture, in H.265 for each layer.
 enum class SliceBegins : uint8_t {
     Nothing,  ///< a further slice of a picture
-    Picture,
+    Picture,  ///< the first slice of a picture
 
     /// A picture that may activate another SPS, or one whose content has changed: an IDR picture in H.264, an
     /// IRAP picture with NoRaslOutputFlag 1 in H.265.
@@ -59,7 +59,7 @@ enum class SliceBegins : uint8_t {
 
 /// Why a slice cannot use its parameter sets, or may not (H.264 7.4.1.2.1, H.265 7.4.2.4.2).
 enum class ActivationProblem : uint8_t {
-    None,
+    None,        ///< the sets are active
     NoPps,       ///< there is no PPS with the identifier
     FaultyPps,   ///< the PPS has a fault
     NoSps,       ///< there is no SPS with the identifier that the PPS has

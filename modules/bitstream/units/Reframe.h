@@ -17,7 +17,10 @@ namespace qv {
 /// Takes bytes in the order of their writing.
 class ByteSink {
 public:
+    /// A sink without bytes.
     ByteSink() = default;
+
+    /// Sinks are owned by the caller.
     virtual ~ByteSink() = default;
     ByteSink(const ByteSink&) = delete;
     ByteSink& operator=(const ByteSink&) = delete;
@@ -28,8 +31,8 @@ public:
 
 /// Which framing is changed into which.
 struct Reframing {
-    Framing from = Framing::StartCodes;
-    Framing to = Framing::Lengths4;
+    Framing from = Framing::StartCodes;  ///< of the input
+    Framing to = Framing::Lengths4;      ///< of the output
 
     /// Bytes of each start code that is written: 3, or 4 for every other value. Annex B asks for 4 bytes
     /// before parameter sets and at the start of an access unit (B.1.2), and allows them everywhere.
@@ -38,14 +41,15 @@ struct Reframing {
 
 /// What was found wrong first.
 struct ReframeFault {
+    /// What is wrong.
     enum class Kind : uint8_t {
-        None,
+        None,             ///< nothing
         Input,            ///< see \ref input; what there is of the unit is written
         StartCodeInUnit,  ///< a start code in a unit with a length; a reader of the output finds two units
         UnitTooLong,      ///< the unit does not fit its length; nothing is written
     };
 
-    Kind kind = Kind::None;
+    Kind kind = Kind::None;  ///< what is wrong
 
     /// Input: what is wrong with the framing of the input. Headers of units are not looked at.
     UnitFaults input;
@@ -73,6 +77,7 @@ struct Reframed {
     size_t faultyUnits = 0;  ///< units with a fault, written or not
     ReframeFault fault;      ///< of the first of them, or UnitTooLong
 
+    /// True when there is no fault.
     bool ok() const { return !fault; }
 };
 

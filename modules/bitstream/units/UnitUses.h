@@ -19,11 +19,13 @@ struct UnitTrace {
     /// True when the whole RBSP is traced; false when only the header is.
     bool isWhole = false;
 
+    /// The first fault.
     Fault fault;
 
     /// What is left over after the RBSP; nothing when only the header is traced.
     Trailing trailing;
 
+    /// True when there is no fault.
     bool ok() const { return !fault; }
 };
 
