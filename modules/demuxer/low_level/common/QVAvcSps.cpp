@@ -1,5 +1,6 @@
 // The H.264 sequence parameter set: seq_parameter_set_data() and scaling_list(), ITU-T H.264 (08/2021)
-// 7.3.2.1.1, 7.3.2.1.1.1 and 7.4.2.1.1. Emulation prevention bytes are read as data (D06).
+// 7.3.2.1.1, 7.3.2.1.1.1 and 7.4.2.1.1. Emulation prevention bytes are read as data (D06), bits past
+// the end as 0 (D39).
 #include "QVAvcSps.h"
 
 #include <cstddef>
@@ -383,7 +384,7 @@ void makeScalingFlat(QVAvcSps* sps) {
 
 // The head of the parameter set. Nothing is stored until its identifier has been accepted.
 bool parseHead(QVAvcSps* sps, PlainWindow& in) {
-    in.skip(8);  // nal_unit() header
+    in.skip(8);  // nal_unit() header (D40)
     const uint32_t profile_idc = in.u(8);
     const uint32_t constraint_set_flags = in.u(6);
     in.skip(2);  // reserved_zero_2bits

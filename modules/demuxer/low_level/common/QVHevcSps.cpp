@@ -1,6 +1,6 @@
 // The head of the H.265 sequence parameter set: seq_parameter_set_rbsp() and profile_tier_level(), ITU-T
-// H.265 (08/2021) 7.3.2.2.1 and 7.3.3. No value is checked against its range (D12), and nuh_layer_id is not
-// examined (D30).
+// H.265 (08/2021) 7.3.2.2.1 and 7.3.3. No value is checked against its range (D12), nuh_layer_id is not
+// examined (D30), and bits past the end are read as 0 (D39).
 #include "QVHevcSps.h"
 
 #include "detail/BitWindow.h"
@@ -95,7 +95,7 @@ bool parseHevcSps(QVHevcSps* sps, std::shared_ptr<QVByteStream> stream) {
         return false;
     }
     RbspWindow in(*stream);
-    in.drop(16);  // nal_unit_header()
+    in.drop(16);  // nal_unit_header() (D40)
     sps->sps_video_parameter_set_id = asField(in.u(4));
     sps->sps_max_sub_layers_minus1 = asField(in.u(3));
     sps->sps_temporal_id_nesting_flag = in.flag();
