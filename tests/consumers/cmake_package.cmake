@@ -7,8 +7,9 @@ configure(${SOURCE}/examples ${WORK}/build
   -DCMAKE_BUILD_TYPE=Debug -DCMAKE_PREFIX_PATH=${PREFIX} -DUNITS_SOURCE=${WORK}/readme.cpp)
 run(${CMAKE_COMMAND} --build ${WORK}/build)
 foreach(program units timing player)
-  expect_kind(${KIND} ${WORK}/build/${program})
+  expect_kind(${KIND} qvnalu ${WORK}/build/${program})
 endforeach()
+expect_kind(${KIND} qvbitstream ${WORK}/build/parameter_sets)
 run_examples(${WORK}/build)
 
 write_prefixed_program(${WORK}/prefixed.cpp)

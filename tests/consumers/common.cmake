@@ -60,7 +60,9 @@ endfunction()
 # run_examples(FOLDER): the programs print what is expected.
 function(run_examples folder)
   expect_output(units.txt ${folder}/units ${SOURCE}/samples/hevc_hdr10.h265)
+  expect_output(parameter_sets_hevc_hdr10.h265.txt ${folder}/parameter_sets ${SOURCE}/samples/hevc_hdr10.h265)
   foreach(stream avc_hrd_picstruct.h264 hevc_interlace_tff.h265)
+    expect_output(parameter_sets_${stream}.txt ${folder}/parameter_sets ${SOURCE}/tests/streams/bundled/${stream})
     expect_output(timing_${stream}.txt ${folder}/timing ${SOURCE}/tests/streams/bundled/${stream})
   endforeach()
   foreach(sample avc_avc1 hevc_hdr_vivid)
@@ -68,10 +70,10 @@ function(run_examples folder)
   endforeach()
 endfunction()
 
-# expect_kind(KIND PROGRAM): the program is linked to the static or to the shared library.
-function(expect_kind kind program)
+# expect_kind(KIND LIBRARY PROGRAM): the program is linked to the static or to the shared LIBRARY.
+function(expect_kind kind library program)
   run(${READELF} -d ${program})
-  string(FIND "${output}" "[libqvnalu.so." needed)
+  string(FIND "${output}" "[lib${library}.so." needed)
   if(kind STREQUAL "shared" AND needed EQUAL -1)
     message(FATAL_ERROR "${program} does not load the shared library:\n${output}")
   elseif(kind STREQUAL "static" AND NOT needed EQUAL -1)

@@ -3,20 +3,21 @@
 include(${CMAKE_CURRENT_LIST_DIR}/common.cmake)
 
 set(ENV{PKG_CONFIG_PATH} ${PREFIX}/lib/pkgconfig)
-function(build program sources packages)
+function(build program standard library sources packages)
   run(${PKG_CONFIG} --cflags --libs ${packages})
   separate_arguments(flags UNIX_COMMAND "${output}")
-  run(${LAUNCHER} ${COMPILER} -std=c++11 -o ${WORK}/${program} ${sources} ${flags})
-  expect_kind(${KIND} ${WORK}/${program})
+  run(${LAUNCHER} ${COMPILER} -std=${standard} -o ${WORK}/${program} ${sources} ${flags})
+  expect_kind(${KIND} ${library} ${WORK}/${program})
 endfunction()
 
 file(MAKE_DIRECTORY ${WORK})
 write_readme_program(${WORK}/readme.cpp)
-build(units ${WORK}/readme.cpp "qvnalu;qvcore_standalone")
+build(units c++11 qvnalu ${WORK}/readme.cpp "qvnalu;qvcore_standalone")
 write_prefixed_program(${WORK}/prefixed.cpp)
-build(prefixed ${WORK}/prefixed.cpp "qvnalu;qvcore_standalone")
-build(timing ${SOURCE}/examples/timing.cpp "qvsps_completion;qvcore_standalone")
-build(player "${SOURCE}/examples/player/player.cpp;${SOURCE}/examples/player/core.cpp"
+build(prefixed c++11 qvnalu ${WORK}/prefixed.cpp "qvnalu;qvcore_standalone")
+build(parameter_sets c++17 qvbitstream ${SOURCE}/examples/parameter_sets.cpp qvbitstream)
+build(timing c++11 qvnalu ${SOURCE}/examples/timing.cpp "qvsps_completion;qvcore_standalone")
+build(player c++11 qvnalu "${SOURCE}/examples/player/player.cpp;${SOURCE}/examples/player/core.cpp"
   "qvnalu;libavformat;libavcodec;libavutil")
 run(${PKG_CONFIG} --modversion qvnalu)
 string(STRIP "${output}" version)
