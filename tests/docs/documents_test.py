@@ -89,6 +89,10 @@ class ReadmeTest(unittest.TestCase):
     def test_shows_the_summary_as_it_is(self):
         self.assertIn("```\n%s```\n" % text_of("tests/inspect/golden/hdr10_summary.txt"), text_of("README.md"))
 
+    def test_shows_what_the_example_prints(self):
+        expected = text_of("tests/consumers/expected/parameter_sets_hevc_hdr10.h265.txt")
+        self.assertIn("```\n%s```\n" % expected, text_of("README.md"))
+
     def test_has_one_program(self):
         programs = re.findall(r"^```cpp\n(.*?)^```\n", text_of("README.md"), re.M | re.S)
         self.assertEqual([program.count("int main(") for program in programs], [1])
