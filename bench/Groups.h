@@ -23,9 +23,13 @@ std::vector<Group> parameterSetGroups();
 std::vector<Group> seiGroups();
 std::vector<Group> readerGroups();
 std::vector<Group> allocationGroups();
+std::vector<Group> wholeParameterSetGroups();
 
 // The rows on encoded streams: x264.h264 and x265.h265 in the folder at path.
 std::vector<Group> streamGroups(const std::string& path);
+
+// The rows of the walk over units: on pools, and on x264-50.h264 and x265-50.h265 in the folder at path.
+std::vector<Group> unitGroups(const std::string& path);
 
 }  // namespace qv_bench
 

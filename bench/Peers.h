@@ -25,6 +25,14 @@ PeerScan gstreamerScan(QVCodecID codec);
 std::function<int()> gstreamerAvcSps(const Bytes& unit);
 std::function<int()> gstreamerHevcSps(const Bytes& unit);
 
+// Parse one parameter set unit whole, header included. Each returns the last element of the unit that is not
+// 0 in those of the benchmark, or 0 if the unit is rejected. A PPS refers to the sequence parameter set sps.
+std::function<int()> gstreamerAvcWholeSps(const Bytes& unit);               // max_dec_frame_buffering
+std::function<int()> gstreamerAvcPps(const Bytes& unit, const Bytes& sps);  // second_chroma_qp_index_offset
+std::function<int()> gstreamerHevcVps(const Bytes& unit);       // vps_max_dec_pic_buffering_minus1
+std::function<int()> gstreamerHevcWholeSps(const Bytes& unit);  // vui_time_scale
+std::function<int()> gstreamerHevcPps(const Bytes& unit, const Bytes& sps);  // diff_cu_qp_delta_depth
+
 // Parses one SEI unit, header included, and returns the number of its messages.
 std::function<int()> gstreamerAvcSei(const Bytes& unit);
 

@@ -131,6 +131,64 @@ std::function<int()> gstreamerHevcSps(const Bytes& unit) {
     };
 }
 
+std::function<int()> gstreamerAvcWholeSps(const Bytes& unit) {
+    return [state = std::make_shared<AvcUnit>(unit), sps = std::make_shared<GstH264SPS>()] {
+        const bool isParsed =
+            gst_h264_parser_parse_sps(state->parser.get(), &state->nalu, sps.get()) == GST_H264_PARSER_OK;
+        const int last = isParsed ? static_cast<int>(sps->vui_parameters.max_dec_frame_buffering) : 0;
+        gst_h264_sps_clear(sps.get());
+        return last;
+    };
+}
+
+std::function<int()> gstreamerAvcPps(const Bytes& unit, const Bytes& sps) {
+    AvcUnit spsState(sps);
+    const auto state = std::make_shared<AvcUnit>(unit);
+    state->parser = spsState.parser;
+    GstH264SPS parsed;
+    require(gst_h264_parser_parse_sps(state->parser.get(), &spsState.nalu, &parsed) == GST_H264_PARSER_OK,
+            "an SPS for GStreamer");
+    gst_h264_sps_clear(&parsed);
+    return [state, pps = std::make_shared<GstH264PPS>()] {
+        const bool isParsed =
+            gst_h264_parser_parse_pps(state->parser.get(), &state->nalu, pps.get()) == GST_H264_PARSER_OK;
+        // GStreamer keeps the signed element in a guint8.
+        const int last = isParsed ? static_cast<int8_t>(pps->second_chroma_qp_index_offset) : 0;
+        gst_h264_pps_clear(pps.get());
+        return last;
+    };
+}
+
+std::function<int()> gstreamerHevcVps(const Bytes& unit) {
+    return [state = std::make_shared<HevcUnit>(unit), vps = std::make_shared<GstH265VPS>()] {
+        const bool isParsed =
+            gst_h265_parser_parse_vps(state->parser.get(), &state->nalu, vps.get()) == GST_H265_PARSER_OK;
+        return isParsed ? vps->max_dec_pic_buffering_minus1[vps->max_sub_layers_minus1] : 0;
+    };
+}
+
+std::function<int()> gstreamerHevcWholeSps(const Bytes& unit) {
+    return [state = std::make_shared<HevcUnit>(unit), sps = std::make_shared<GstH265SPS>()] {
+        const bool isParsed =
+            gst_h265_parser_parse_sps(state->parser.get(), &state->nalu, sps.get(), 1) == GST_H265_PARSER_OK;
+        return isParsed ? static_cast<int>(sps->vui_params.time_scale) : 0;
+    };
+}
+
+std::function<int()> gstreamerHevcPps(const Bytes& unit, const Bytes& sps) {
+    HevcUnit spsState(sps);
+    const auto state = std::make_shared<HevcUnit>(unit);
+    state->parser = spsState.parser;
+    GstH265SPS parsed;
+    require(gst_h265_parser_parse_sps(state->parser.get(), &spsState.nalu, &parsed, 1) == GST_H265_PARSER_OK,
+            "an SPS for GStreamer");
+    return [state, pps = std::make_shared<GstH265PPS>()] {
+        const bool isParsed =
+            gst_h265_parser_parse_pps(state->parser.get(), &state->nalu, pps.get()) == GST_H265_PARSER_OK;
+        return isParsed ? pps->diff_cu_qp_delta_depth : 0;
+    };
+}
+
 std::function<int()> gstreamerAvcSei(const Bytes& unit) {
     return [state = std::make_shared<AvcUnit>(unit)] {
         GArray* messages = nullptr;
@@ -161,6 +219,26 @@ std::function<int()> gstreamerAvcSps(const Bytes& /*unit*/) {
 }
 
 std::function<int()> gstreamerHevcSps(const Bytes& /*unit*/) {
+    return {};
+}
+
+std::function<int()> gstreamerAvcWholeSps(const Bytes& /*unit*/) {
+    return {};
+}
+
+std::function<int()> gstreamerAvcPps(const Bytes& /*unit*/, const Bytes& /*sps*/) {
+    return {};
+}
+
+std::function<int()> gstreamerHevcVps(const Bytes& /*unit*/) {
+    return {};
+}
+
+std::function<int()> gstreamerHevcWholeSps(const Bytes& /*unit*/) {
+    return {};
+}
+
+std::function<int()> gstreamerHevcPps(const Bytes& /*unit*/, const Bytes& /*sps*/) {
     return {};
 }
 

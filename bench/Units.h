@@ -11,8 +11,18 @@ namespace qv_bench {
 // High, level 1.2, 320x180, no VUI; header included.
 const Bytes& avcSpsUnit();
 
-// Main 10, 320x180 coded as 320x184; header included.
+// Main 10, 320x180 coded as 320x184; header included. With a VUI: colour description, timing.
 const Bytes& hevcSpsUnit();
+
+// Parameter sets of streams of x264 and x265, and of SVT-HEVC the VPS of several sub-layers with timing;
+// headers included. The sequence parameter sets have a VUI with colour description, timing and NAL HRD
+// parameters.
+const Bytes& avcWholeSpsUnit();
+const Bytes& avcPpsUnit();
+const Bytes& hevcVpsUnit();
+const Bytes& hevcVpsOfSubLayersUnit();
+const Bytes& hevcHrdSpsUnit();
+const Bytes& hevcPpsUnit();
 
 constexpr size_t kSeiPayload = 700;
 

@@ -19,8 +19,10 @@ using namespace qv_bench;
 constexpr const char* kUsage =
     "usage: qvnalu_bench --streams=FOLDER [--only=GROUP] [--docs=FILE] [--commit=TEXT] [--curves=FOLDER] "
     "[GOOGLE BENCHMARK OPTION...]\n"
-    "  --streams=FOLDER  read x264.h264 and x265.h265 from FOLDER; scripts/dev/bench makes them\n"
-    "  --only=GROUP      run only scan, lengths, key, reframe, sps, sei, reader, allocations or streams\n"
+    "  --streams=FOLDER  read the encoded streams from FOLDER; scripts/dev/bench makes them\n"
+    "  --only=GROUP      run only scan, lengths, key, reframe, sps, sei, reader, allocations, streams, sets "
+    "or\n"
+    "                    units\n"
     "  --docs=FILE       write the table into FILE, between its markers\n"
     "  --commit=TEXT     name the commit in the head of the table\n"
     "  --curves=FOLDER   also measure cost against size and density, and write it to FOLDER for gnuplot\n";
@@ -122,7 +124,8 @@ std::vector<Group> groups(const Options& options) {
     std::vector<Group> all;
     for (const auto& some :
          {scanGroups(), lengthScanGroups(), keyFrameGroups(), reframeGroups(), parameterSetGroups(),
-          seiGroups(), readerGroups(), allocationGroups(), streamGroups(options.streams)}) {
+          seiGroups(), readerGroups(), allocationGroups(), streamGroups(options.streams),
+          wholeParameterSetGroups(), unitGroups(options.streams)}) {
         all.insert(all.end(), some.begin(), some.end());
     }
     return all;
