@@ -1,7 +1,10 @@
 // The reader's window, its end and its faults.
 #include "bitstream/syntax/Reader.h"
 
+#include <cstring>
+
 #include "bitstream/syntax/EmulationPrevention.h"
+#include "bitstream/syntax/Uses.h"
 
 namespace qv {
 
@@ -29,6 +32,10 @@ const uint8_t* endOfStopBit(const uint8_t* unit, const uint8_t* begin, const uin
 }
 
 }  // namespace
+
+void detail::setToZero(void* bytes, size_t size) noexcept {
+    std::memset(bytes, 0, size);
+}
 
 Reader::Reader(const CodedBits& bits) noexcept : Reader(bits.unit) {
     next_ += bits.byte;
@@ -73,6 +80,15 @@ uint64_t Reader::nextBytes() const noexcept {
     return bytes;
 }
 
+// Adds the first bytes of eight, at least one, to the window, which has room for them.
+QV_ALWAYS_INLINE void Reader::append(uint64_t bytes, uint64_t taken) noexcept {
+    bits_ |= bytes >> count_;
+    count_ += 8 * taken;
+    bits_ &= ~uint64_t{0} << (64 - count_);
+    loaded_ += 8 * taken;
+    next_ += taken;
+}
+
 // Adds to the window, which has room for a byte at least, what fits of the next eight bytes, without the
 // emulation prevention bytes among them. That is nothing when the data ends with one.
 void Reader::addBytes() noexcept {
@@ -95,15 +111,27 @@ void Reader::addBytes() noexcept {
             taken = taken + passed > coded ? coded - passed : taken;
         }
     }
-    bits_ |= bytes >> count_;
-    count_ += 8 * taken;
-    bits_ = firstBits(bits_, count_);
-    loaded_ += 8 * taken;
-    next_ += taken + passed;
+    if (taken != 0) {
+        append(bytes, taken);
+    }
+    next_ += passed;
 }
 
 // Fills the window, which holds fewer bits than are wanted, to those, 57 at most, or with what is left.
 void Reader::refill(uint64_t wanted) noexcept {
+    // Mostly the data goes on after the next eight bytes, and they hold no byte to step over.
+    if (bytesInReach() > kWindowBytes) {
+        const uint64_t bytes = detail::loadBigEndian64(next_);
+        if (detail::bytesOf03(bytes) == 0) {
+            append(bytes, (64 - count_) / 8);
+            return;
+        }
+    }
+    refillToEnd(wanted);
+}
+
+// As above, over emulation prevention bytes and up to the end of the data.
+void Reader::refillToEnd(uint64_t wanted) noexcept {
     if (next_ == end_) {
         return;
     }

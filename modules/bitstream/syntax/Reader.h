@@ -76,7 +76,7 @@ public:
     /// u(1).
     template <class Name>
     QV_ALWAYS_INLINE void flag(const Name& name, bool& field) noexcept {
-        field = static_cast<bool>(bits(1, name));
+        field = bit(name);
     }
 
     /// u(1) with one value that is allowed.
@@ -261,16 +261,43 @@ private:
         return 127 - 2 * detail::leadingZeroBits(uint64_t{code} + 1);
     }
 
+    // The window is a value of its own up to the merge of both paths: a compiler that would load it there has
+    // to wait for the store of the element before.
     template <class Name>
     QV_ALWAYS_INLINE uint64_t bits(uint32_t n, const Name& name) noexcept {
-        if (n > count_) {
+        uint64_t window = bits_;
+        uint64_t count = count_;
+        if (n > count) {
             refill(n);
             if (n > count_) {
                 endOfData(detail::elementOf(name));
                 return 0;
             }
+            window = bits_;
+            count = count_;
         }
-        return take(n);
+        bits_ = window << n;
+        count_ = count - n;
+        return window >> 1 >> (63 - n);
+    }
+
+    // The same for one bit. The comparison is one with 0, not a number that is cut to a bool.
+    template <class Name>
+    QV_ALWAYS_INLINE bool bit(const Name& name) noexcept {
+        uint64_t window = bits_;
+        uint64_t count = count_;
+        if (count == 0) {
+            refill(1);
+            if (count_ == 0) {
+                endOfData(detail::elementOf(name));
+                return false;
+            }
+            window = bits_;
+            count = count_;
+        }
+        bits_ = window << 1;
+        count_ = count - 1;
+        return static_cast<int64_t>(window) < 0;
     }
 
     // Flags that the data ends in, one at a time up to the one that is missing.
@@ -283,24 +310,32 @@ private:
 
     template <class Name>
     QV_ALWAYS_INLINE uint32_t codeNum(const Name& name) noexcept {
+        uint64_t window = bits_;
+        uint64_t count = count_;
         // Most elements are 0. As a branch, the next element need not wait for the length of this one.
-        if (bits_ >> 63 != 0) {
-            take(1);
+        if (window >> 63 != 0) {
+            bits_ = window << 1;
+            count_ = count - 1;
             return 0;
         }
-        if (!holdsCode()) {
-            if (count_ < kFullWindow) {
+        if (!holdsCode(window, count)) {
+            if (count < kFullWindow) {
                 refill(kFullWindow);
             }
-            if (!holdsCode()) {
+            window = bits_;
+            count = count_;
+            if (!holdsCode(window, count)) {
                 return longCodeNum(detail::elementOf(name));
             }
         }
-        return static_cast<uint32_t>(take(2 * detail::leadingZeroBits(bits_) + 1)) - 1;
+        const uint32_t length = 2 * detail::leadingZeroBits(window) + 1;
+        bits_ = window << length;
+        count_ = count - length;
+        return static_cast<uint32_t>(window >> (64 - length)) - 1;
     }
 
-    QV_ALWAYS_INLINE bool holdsCode() const noexcept {
-        return bits_ != 0 && 2 * detail::leadingZeroBits(bits_) + 1 <= count_;
+    QV_ALWAYS_INLINE static bool holdsCode(uint64_t window, uint64_t count) noexcept {
+        return window != 0 && 2 * detail::leadingZeroBits(window) + 1 <= count;
     }
 
     // The next n bits, 0 to 63, which the window holds.
@@ -313,8 +348,10 @@ private:
 
     uint64_t bytesInReach() const noexcept { return static_cast<uint64_t>(end_ - next_); }
     uint64_t nextBytes() const noexcept;
+    void append(uint64_t bytes, uint64_t taken) noexcept;
     void addBytes() noexcept;
     void refill(uint64_t wanted) noexcept;
+    void refillToEnd(uint64_t wanted) noexcept;
     void endOfWindow() noexcept;
     bool isEmulationPrevention(const uint8_t* byte) const noexcept;
     uint32_t longCodeNum(Element element) noexcept;

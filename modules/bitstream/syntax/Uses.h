@@ -2,6 +2,7 @@
 #ifndef QV_BITSTREAM_SYNTAX_USES_H
 #define QV_BITSTREAM_SYNTAX_USES_H
 
+#include <cstddef>
 #include <cstring>
 #include <type_traits>
 #include <vector>
@@ -18,10 +19,20 @@ namespace qv::detail {
 template <class Record>
 constexpr size_t kClearedBytes = sizeof(Record);
 
+// memset() as a call. A compiler that knows the size may write rep stos instead, which is slow to start: 13
+// ns for 200 bytes, where the call takes 3.
+void setToZero(void* bytes, size_t size) noexcept;
+
+constexpr size_t kMostBytesOfCall = 512;
+
 template <class Record>
 void clear(Record& record) noexcept {
     static_assert(std::is_trivially_copyable_v<Record>, "records are plain data");
-    std::memset(static_cast<void*>(&record), 0, kClearedBytes<Record>);
+    if constexpr (kClearedBytes<Record> <= kMostBytesOfCall) {
+        setToZero(&record, kClearedBytes<Record>);
+    } else {
+        std::memset(static_cast<void*>(&record), 0, kClearedBytes<Record>);
+    }
 }
 
 // A table is a function object that takes a use and a record.
