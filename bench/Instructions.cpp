@@ -11,6 +11,12 @@
 #include "QVCoreStandalone.h"
 #include "QVNaluParser.h"
 #include "Units.h"
+#include "bitstream/avc/Pps.h"
+#include "bitstream/avc/Sps.h"
+#include "bitstream/hevc/Pps.h"
+#include "bitstream/hevc/Sps.h"
+#include "bitstream/hevc/Vps.h"
+#include "bitstream/units/NalUnits.h"
 
 // Valgrind's client requests are macros that cause these warnings.
 #pragma GCC diagnostic ignored "-Wold-style-cast"
@@ -185,6 +191,46 @@ void countReads() {
     }
 }
 
+qv::Bytes borrowed(const Bytes& bytes) {
+    return {bytes.data(), bytes.size()};
+}
+
+void countWholeParameterSets() {
+    const auto read = [](const std::string& name, const auto& reader, const Bytes& unit) {
+        count(name, [&] { require(reader(borrowed(unit)).ok(), name.c_str()); });
+    };
+    const auto readHevcVps = [](qv::Bytes unit) { return qv::hevc::readVps(unit); };
+    const auto readHevcSps = [](qv::Bytes unit) { return qv::hevc::readSps(unit); };
+    read(
+        "avc::readSps, VUI and HRD", [](qv::Bytes unit) { return qv::avc::readSps(unit); },
+        avcWholeSpsUnit());
+    read(
+        "avc::readPps", [](qv::Bytes unit) { return qv::avc::readPps(unit, 1); }, avcPpsUnit());
+    read("hevc::readVps", readHevcVps, hevcVpsUnit());
+    read("hevc::readVps, sub-layers and timing", readHevcVps, hevcVpsOfSubLayersUnit());
+    read("hevc::readSps, VUI", readHevcSps, hevcSpsUnit());
+    read("hevc::readSps, VUI and HRD", readHevcSps, hevcHrdSpsUnit());
+    read(
+        "hevc::readPps", [](qv::Bytes unit) { return qv::hevc::readPps(unit); }, hevcPpsUnit());
+}
+
+void countWalk(const std::string& name, const Bytes& bytes, qv::Framing framing, size_t units) {
+    count("NalUnits, " + name, [&] {
+        size_t found = 0;
+        for (const qv::NalUnit& unit : qv::NalUnits(borrowed(bytes), framing, qv::Codec::Avc)) {
+            found += unit.ok() ? 1U : 0U;
+        }
+        require(found == units, name.c_str());
+    });
+}
+
+void countWalks() {
+    countWalk("units of 5 KB", byteStream(kPool, 5000), qv::Framing::StartCodes, 53);
+    countWalk("units of 40 KB", byteStream(kPool, 40000), qv::Framing::StartCodes, 7);
+    countWalk("lengths, units of 5 KB", lengthPrefixed(cut(byteStream(kPool, 5000), kPool)).bytes,
+              qv::Framing::Lengths4, 53);
+}
+
 }  // namespace
 
 int main() {
@@ -199,4 +245,6 @@ int main() {
         countCapture(distance);
     }
     countReads();
+    countWholeParameterSets();
+    countWalks();
 }
