@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "MemoryChecks.h"
 #include "StructureChecks.h"
 #include "bitstream/avc/AccessUnitDelimiterSyntax.h"
 
@@ -38,6 +39,10 @@ TEST(AvcAccessUnitDelimiter, everyRange) {
 
 TEST(AvcAccessUnitDelimiter, cutAtEveryBit) {
     checkCuts(delimiter(), unitRounds(50));
+}
+
+TEST(AvcAccessUnitDelimiter, noAllocationAndNoByteOutside) {
+    checkMemory(delimiter(), unitRounds(25));
 }
 
 TEST(AvcAccessUnitDelimiter, readsTheBytesOfAnEncoder) {

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "MemoryChecks.h"
 #include "StructureChecks.h"
 #include "bitstream/avc/EndOfSequenceSyntax.h"
 
@@ -49,6 +50,11 @@ TEST(AvcEndOfSequence, roundTrips) {
 TEST(AvcEndOfSequence, everyRange) {
     checkRanges(endOfSequence(), unitRounds());
     checkRanges(endOfStream(), unitRounds());
+}
+
+TEST(AvcEndOfSequence, noAllocationAndNoByteOutside) {
+    checkMemory(endOfSequence(), unitRounds(25));
+    checkMemory(endOfStream(), unitRounds(25));
 }
 
 TEST(AvcEndOfSequence, isOneByte) {

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "MemoryChecks.h"
 #include "StructureChecks.h"
 #include "bitstream/avc/FillerDataSyntax.h"
 
@@ -37,6 +38,10 @@ TEST(AvcFillerData, everyRange) {
 
 TEST(AvcFillerData, cutAtEveryBit) {
     checkCuts(filler(), unitRounds(50));
+}
+
+TEST(AvcFillerData, noAllocationAndNoByteOutside) {
+    checkMemory(filler(), unitRounds(25));
 }
 
 TEST(AvcFillerData, countsTheBytes) {

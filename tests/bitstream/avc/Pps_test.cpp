@@ -5,8 +5,10 @@
 #include <gtest/gtest.h>
 
 #include "BitWriter.h"
+#include "MemoryChecks.h"
 #include "StructureChecks.h"
 #include "bitstream/avc/PpsSyntax.h"
+#include "bitstream/avc/ScalingFactors.h"
 
 namespace {
 
@@ -57,6 +59,30 @@ TEST(AvcPps, everyRange) {
 
 TEST(AvcPps, cutAtEveryBit) {
     checkCuts(pps(3), unitRounds(50));
+}
+
+const std::vector<Derivation<Pps>> kDerivations = {
+    {"SliceGroupIds",
+     [](const Pps& pps) {
+         qv::avc::SliceGroupIds ids(pps);
+         uint64_t sum = 0;
+         for (uint32_t id = 0; ids.next(id);) {
+             sum += 1 + id;
+         }
+         return sum;
+     }},
+    {"scalingFactorsOf",
+     [](const Pps& pps) {
+         qv::avc::SpsData sps = {};
+         sps.chroma_format_idc = 3;
+         const qv::avc::ScalingFactors factors = qv::avc::scalingFactorsOf(sps, pps);
+         return uint64_t{factors.list4x4[5][15]} + factors.list8x8[5][63];
+     }},
+};
+
+TEST(AvcPps, noAllocationAndNoByteOutside) {
+    checkMemory(pps(1), unitRounds(25), kDerivations);
+    checkMemory(pps(3), unitRounds(25), kDerivations);
 }
 
 // A picture parameter set by hand: what comes before and after the slice groups.

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "BitWriter.h"
+#include "MemoryChecks.h"
 #include "StructureChecks.h"
 #include "bitstream/avc/PrefixNalUnitSyntax.h"
 
@@ -42,6 +43,10 @@ TEST(AvcPrefixNalUnit, everyRange) {
 
 TEST(AvcPrefixNalUnit, cutAtEveryBit) {
     checkCuts(prefix(), unitRounds(50));
+}
+
+TEST(AvcPrefixNalUnit, noAllocationAndNoByteOutside) {
+    checkMemory(prefix(), unitRounds(25));
 }
 
 // nal_ref_idc 3, type 14, then an SVC header: idr_flag 0, priority_id 5, no_inter_layer_pred_flag 1,

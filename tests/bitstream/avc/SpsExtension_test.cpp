@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "MemoryChecks.h"
 #include "StructureChecks.h"
 #include "bitstream/avc/SpsExtensionSyntax.h"
 
@@ -40,6 +41,10 @@ TEST(AvcSpsExtension, everyRange) {
 
 TEST(AvcSpsExtension, cutAtEveryBit) {
     checkCuts(extension(), unitRounds(50));
+}
+
+TEST(AvcSpsExtension, noAllocationAndNoByteOutside) {
+    checkMemory(extension(), unitRounds(25));
 }
 
 // seq_parameter_set_id 2, aux_format_idc 1, bit_depth_aux_minus8 0, alpha_incr_flag 0, alpha_opaque_value

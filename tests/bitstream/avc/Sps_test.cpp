@@ -4,8 +4,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <numeric>
+
 #include "BitWriter.h"
+#include "MemoryChecks.h"
 #include "StructureChecks.h"
+#include "bitstream/avc/Dpb.h"
+#include "bitstream/avc/FrameRate.h"
+#include "bitstream/avc/HrdRates.h"
+#include "bitstream/avc/PictureFormat.h"
+#include "bitstream/avc/ScalingFactors.h"
 #include "bitstream/avc/SpsSyntax.h"
 
 namespace {
@@ -61,6 +69,61 @@ TEST(AvcSps, everyRange) {
 
 TEST(AvcSps, cutAtEveryBit) {
     checkCuts(sps(), unitRounds(50));
+}
+
+uint64_t sumOf(const qv::avc::ScalingFactors& factors) {
+    uint64_t sum = 0;
+    for (const auto& list : factors.list4x4) {
+        sum = std::accumulate(std::begin(list), std::end(list), sum);
+    }
+    for (const auto& list : factors.list8x8) {
+        sum = std::accumulate(std::begin(list), std::end(list), sum);
+    }
+    return sum;
+}
+
+uint64_t sumOf(const qv::avc::Hrd& hrd) {
+    uint64_t sum = 0;
+    for (uint32_t i = 0; i <= hrd.cpb_cnt_minus1; ++i) {
+        sum += qv::avc::bitRate(hrd, i) + qv::avc::cpbSize(hrd, i);
+    }
+    return sum;
+}
+
+const std::vector<Derivation<Sps>> kDerivations = {
+    {"pictureFormatOf",
+     [](const Sps& sps) {
+         const qv::avc::PictureFormat format = qv::avc::pictureFormatOf(sps.data);
+         return format.codedWidth + format.crop.width + format.sampleAspectRatio.numerator;
+     }},
+    {"frameRateOf",
+     [](const Sps& sps) { return qv::avc::frameRateOf(sps.data.vui).framesPerSecond.numerator; }},
+    {"maxDpbFrames", [](const Sps& sps) { return qv::avc::maxDpbFrames(sps.data).value_or(0); }},
+    {"maxDecFrameBuffering",
+     [](const Sps& sps) { return qv::avc::maxDecFrameBuffering(sps.data).value_or(0); }},
+    {"maxNumReorderFrames",
+     [](const Sps& sps) { return qv::avc::maxNumReorderFrames(sps.data).value_or(0); }},
+    {"profileOf",
+     [](const Sps& sps) -> uint64_t {
+         const qv::avc::ProfileEntry* const profile = qv::avc::profileOf(sps.data);
+         const qv::avc::LevelEntry* const level = qv::avc::levelOf(sps.data);
+         return profile == nullptr || level == nullptr
+                    ? 0
+                    : qv::avc::maxBitRate(*profile, *level, qv::avc::HrdType::Nal) +
+                          qv::avc::maxCpbSize(*profile, *level, qv::avc::HrdType::Vcl);
+     }},
+    {"bitRate",
+     [](const Sps& sps) {
+         const qv::avc::Vui& vui = sps.data.vui;
+         return (vui.nal_hrd_parameters_present_flag ? sumOf(vui.nal_hrd_parameters) : 0) +
+                (vui.vcl_hrd_parameters_present_flag ? sumOf(vui.vcl_hrd_parameters) : 0) +
+                qv::avc::delayLengthsOf(vui).time_offset;
+     }},
+    {"scalingFactorsOf", [](const Sps& sps) { return sumOf(qv::avc::scalingFactorsOf(sps.data)); }},
+};
+
+TEST(AvcSps, noAllocationAndNoByteOutside) {
+    checkMemory(sps(), unitRounds(50), kDerivations);
 }
 
 // --- By hand ---

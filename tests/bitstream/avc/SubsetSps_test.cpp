@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "BitWriter.h"
+#include "MemoryChecks.h"
 #include "StructureChecks.h"
 #include "bitstream/avc/SubsetSpsSyntax.h"
 
@@ -112,6 +113,48 @@ TEST(AvcSubsetSps, cutAtEveryBit) {
     for (const auto& profiles : {kSvc, kMvc, kMvcd, kNoExtension}) {
         checkCuts(subsetSps(profiles), unitRounds(20));
     }
+}
+
+uint64_t sumOf(const qv::avc::Views& views) {
+    uint64_t sum = 0;
+    qv::avc::View view = {};
+    for (qv::avc::ViewList list(views); list.next(view);) {
+        sum += view.view_id + view.anchor_refs.num_refs_l0 + view.non_anchor_refs.num_refs_l1;
+    }
+    qv::avc::OperationPoint point;
+    for (qv::avc::OperationPoints points(views); points.next(point);) {
+        sum += point.level_idc + point.target_views[point.applicable_op_num_target_views_minus1].view_id;
+    }
+    return sum;
+}
+
+uint64_t sumOf(const qv::avc::MvcVuiExtension& vui) {
+    uint64_t sum = 0;
+    qv::avc::VuiOperationPoint point;
+    for (qv::avc::VuiOperationPoints points(vui); points.next(point);) {
+        sum += 1 + point.target_output_views[point.num_target_output_views_minus1].view_id;
+    }
+    return sum;
+}
+
+TEST(AvcSubsetSps, noAllocationAndNoByteOutside) {
+    checkMemory(subsetSps(kSvc), unitRounds(25), {{"SvcVuiEntries", [](const SubsetSps& sps) {
+                                                       uint64_t sum = 0;
+                                                       qv::avc::SvcVuiEntry entry = {};
+                                                       for (qv::avc::SvcVuiEntries entries(sps.svc_vui);
+                                                            entries.next(entry);) {
+                                                           sum += 1 + entry.timing.time_scale;
+                                                       }
+                                                       return sum;
+                                                   }}});
+    checkMemory(subsetSps(kMvc), unitRounds(25),
+                {{"Views", [](const SubsetSps& sps) { return sumOf(sps.mvc.views); }},
+                 {"VuiOperationPoints", [](const SubsetSps& sps) { return sumOf(sps.mvc_vui); }}});
+    checkMemory(subsetSps(kMvcd), unitRounds(25),
+                {{"Views", [](const SubsetSps& sps) { return sumOf(sps.mvcd.views); }},
+                 {"depth VUI", [](const SubsetSps& sps) { return sumOf(sps.mvcd.mvcd_vui); }},
+                 {"texture VUI", [](const SubsetSps& sps) { return sumOf(sps.mvcd.texture_vui); }}});
+    checkMemory(subsetSps(kNoExtension), unitRounds(25));
 }
 
 // --- By hand ---

@@ -6,9 +6,12 @@
 
 #include <memory>
 
+#include "../support/MemoryChecks.h"
 #include "../support/StructureChecks.h"
 #include "Units.h"
 #include "bitstream/hevc/PpsSyntax.h"
+#include "bitstream/hevc/ScalingFactors.h"
+#include "bitstream/hevc/Tiles.h"
 
 namespace {
 
@@ -47,6 +50,40 @@ TEST(HevcPps, everyRange) {
 
 TEST(HevcPps, cutAtEveryBit) {
     checkCuts(pps(), unitRounds(25));
+}
+
+const std::vector<Derivation<Pps>> kDerivations = {
+    {"colourMappingOf",
+     [](const Pps& pps) -> uint64_t {
+         ColourMapping mapping;
+         return colourMappingOf(pps, mapping) ? 1 : 0;
+     }},
+    {"depthLookupTableOf",
+     [](const Pps& pps) {
+         uint64_t sum = 0;
+         DepthLookupTable table;
+         for (uint32_t i = 0; depthLookupTableOf(pps, i, table); ++i) {
+             sum += 1 + table.max_diff;
+         }
+         return sum;
+     }},
+    {"scalingFactorsOf",
+     [](const Pps& pps) -> uint64_t {
+         static Sps sps;
+         sps.scaling_list_enabled_flag = true;
+         return scalingFactorsOf(sps, pps).at(3, 5, 31, 31);
+     }},
+    {"tileGridOf",
+     [](const Pps& pps) -> uint64_t {
+         static Sps sps;
+         sps.pic_width_in_luma_samples = 8192;
+         sps.pic_height_in_luma_samples = 4320;
+         return tileGridOf(pps, sps).columns;
+     }},
+};
+
+TEST(HevcPps, noAllocationAndNoByteOutside) {
+    checkMemory(pps(), unitRounds(50), kDerivations);
 }
 
 TEST(HevcPps, everyElementOneAboveItsRange) {

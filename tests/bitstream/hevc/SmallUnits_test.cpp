@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "../support/MemoryChecks.h"
 #include "../support/StructureChecks.h"
 #include "Units.h"
 #include "bitstream/hevc/SmallUnitsSyntax.h"
@@ -63,6 +64,13 @@ StructureUnderTest<FillerData> fillerData() {
     structure.violable = 4;
     structure.steer = [](RandomUnit& unit, Random&) { unit.choose("nal_unit_type", {38}); };
     return structure;
+}
+
+TEST(HevcSmallUnits, noAllocationAndNoByteOutside) {
+    checkMemory(delimiter(), unitRounds(25));
+    checkMemory(endOfSequence(), unitRounds(25));
+    checkMemory(endOfBitstream(), unitRounds(25));
+    checkMemory(fillerData(), unitRounds(25));
 }
 
 TEST(HevcSmallUnits, delimiter) {

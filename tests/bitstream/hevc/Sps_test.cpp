@@ -6,8 +6,16 @@
 
 #include <memory>
 
+#include "../support/MemoryChecks.h"
 #include "../support/StructureChecks.h"
 #include "Units.h"
+#include "bitstream/hevc/BlockSizes.h"
+#include "bitstream/hevc/Dpb.h"
+#include "bitstream/hevc/FrameRate.h"
+#include "bitstream/hevc/HrdRates.h"
+#include "bitstream/hevc/PictureFormat.h"
+#include "bitstream/hevc/ProfileLevel.h"
+#include "bitstream/hevc/ScalingFactors.h"
 #include "bitstream/hevc/SpsSyntax.h"
 #include "bitstream/hevc/Vps.h"
 
@@ -68,6 +76,55 @@ TEST(HevcSps, everyRange) {
 
 TEST(HevcSps, cutAtEveryBit) {
     checkCuts(sps(), unitRounds(25));
+}
+
+const std::vector<Derivation<Sps>> kDerivations = {
+    {"pictureFormatOf",
+     [](const Sps& sps) {
+         const qv::hevc::PictureFormat format = qv::hevc::pictureFormatOf(sps);
+         return format.crop.width + format.display.height + format.sampleAspectRatio.numerator;
+     }},
+    {"blockSizesOf",
+     [](const Sps& sps) {
+         const qv::hevc::BlockSizes sizes = qv::hevc::blockSizesOf(sps);
+         return sizes.PicSizeInCtbsY + sizes.PicWidthInMinCbsY + sizes.Log2MaxIpcmCbSizeY;
+     }},
+    {"frameRateOf", [](const Sps& sps) { return qv::hevc::frameRateOf(sps).framesPerSecond.numerator; }},
+    {"maxDpbSize", [](const Sps& sps) { return qv::hevc::maxDpbSize(sps).value_or(0); }},
+    {"maxDecPicBuffering", [](const Sps& sps) { return qv::hevc::maxDecPicBuffering(sps).value_or(0); }},
+    {"maxNumReorderPics", [](const Sps& sps) { return qv::hevc::maxNumReorderPics(sps).value_or(0); }},
+    {"maxLatencyPictures", [](const Sps& sps) { return qv::hevc::maxLatencyPictures(sps).value_or(0); }},
+    {"profileOf",
+     [](const Sps& sps) {
+         const qv::hevc::ProfileTierLevel& ptl = sps.profile_tier_level;
+         return uint64_t{qv::hevc::profileOf(ptl) != nullptr} + uint64_t{qv::hevc::levelOf(ptl) != nullptr} +
+                qv::hevc::maxBitRate(ptl, qv::hevc::HrdType::Nal) +
+                qv::hevc::maxCpbSize(ptl, qv::hevc::HrdType::Vcl);
+     }},
+    {"bitRate",
+     [](const Sps& sps) -> uint64_t {
+         if (!sps.vui.vui_hrd_parameters_present_flag) {
+             return 0;
+         }
+         const qv::hevc::Hrd& hrd = sps.vui.hrd_parameters;
+         uint64_t sum = 0;
+         for (uint32_t i = 0; i <= hrd.sub_layer[0].cpb_cnt_minus1; ++i) {
+             sum += qv::hevc::bitRate(hrd.common, hrd.sub_layer[0].nal, i) +
+                    qv::hevc::cpbSizeDu(hrd.common, hrd.sub_layer[0].vcl, i);
+         }
+         return sum;
+     }},
+    {"scalingFactorsOf",
+     [](const Sps& sps) {
+         static const qv::hevc::Pps pps = {};
+         return uint64_t{qv::hevc::scalingFactorsOf(sps, pps).at(3, 5, 31, 31)};
+     }},
+};
+
+TEST(HevcSps, noAllocationAndNoByteOutside) {
+    checkMemory(sps(), unitRounds(50), kDerivations);
+    const std::unique_ptr<Vps> vps = threeLayers();
+    checkMemory(sps({3, 9}, vps.get()), unitRounds(25), kDerivations);
 }
 
 TEST(HevcSps, everyElementOneAboveItsRange) {
@@ -284,6 +341,36 @@ TEST(HevcSps, elementsOfTheHead) {
     EXPECT_TRUE(record.sps_temporal_mvp_enabled_flag);
     EXPECT_FALSE(record.strong_intra_smoothing_enabled_flag);
     expectRewritten(sps(), unit);
+}
+
+// The zero bits of profile_tier_level() need emulation prevention bytes before anything else is read.
+TEST(HevcSps, separateColourPlanesOfDifferentDepthsAfterEmulationPrevention) {
+    BitWriter bits;
+    bits.u(4, "sps_video_parameter_set_id", 0).u(3, "sps_max_sub_layers_minus1", 0);
+    bits.u(1, "sps_temporal_id_nesting_flag", 1);
+    mainProfileTierLevel(bits);
+    bits.ue("sps_seq_parameter_set_id", 0).ue("chroma_format_idc", 3).u(1, "separate_colour_plane_flag", 1);
+    bits.ue("pic_width_in_luma_samples", 640).ue("pic_height_in_luma_samples", 480);
+    bits.u(1, "conformance_window_flag", 0);
+    bits.ue("bit_depth_luma_minus8", 4).ue("bit_depth_chroma_minus8", 1);
+    bits.ue("log2_max_pic_order_cnt_lsb_minus4", 4).u(1, "sps_sub_layer_ordering_info_present_flag", 1);
+    bits.ue("sps_max_dec_pic_buffering_minus1", 4).ue("sps_max_num_reorder_pics", 2);
+    bits.ue("sps_max_latency_increase_plus1", 0).ue("log2_min_luma_coding_block_size_minus3", 0);
+    bits.ue("log2_diff_max_min_luma_coding_block_size", 3);
+    bits.ue("log2_min_luma_transform_block_size_minus2", 0);
+    bits.ue("log2_diff_max_min_luma_transform_block_size", 3);
+    bits.ue("max_transform_hierarchy_depth_inter", 0).ue("max_transform_hierarchy_depth_intra", 0);
+    bits.bits("scaling lists, AMP, SAO, PCM", "0100").ue("num_short_term_ref_pic_sets", 0);
+    bits.bits("long-term, temporal MVP, smoothing, VUI, extension", "01100");
+    const std::vector<uint8_t> unit = hevcUnit(33, bits);
+    EXPECT_EQ(std::vector<uint8_t>(unit.begin() + 4, unit.begin() + 9), hex("60 00 00 03 00"));
+    expectRewritten(sps(), unit);
+    const qv::Read<Sps> read = qv::hevc::readSps(bytesOf(unit));
+    EXPECT_EQ(read.record.profile_tier_level.general_level_idc, 93U);
+    EXPECT_TRUE(read.record.separate_colour_plane_flag);
+    EXPECT_EQ(qv::hevc::chromaArrayType(read.record), 0U);
+    EXPECT_EQ(read.record.bit_depth_luma_minus8, 4U);
+    EXPECT_EQ(read.record.bit_depth_chroma_minus8, 1U);
 }
 
 TEST(HevcSps, subLayersWithoutOrderingInfoHaveThatOfTheHighest) {

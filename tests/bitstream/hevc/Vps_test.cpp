@@ -6,8 +6,11 @@
 
 #include <memory>
 
+#include "../support/MemoryChecks.h"
 #include "../support/StructureChecks.h"
 #include "Units.h"
+#include "bitstream/hevc/FrameRate.h"
+#include "bitstream/hevc/VpsLayers.h"
 #include "bitstream/hevc/VpsSyntax.h"
 
 namespace {
@@ -65,6 +68,75 @@ TEST(HevcVps, everyRange) {
 
 TEST(HevcVps, cutAtEveryBit) {
     checkCuts(vps(), unitRounds(25));
+}
+
+uint64_t sumOfLayers(const Vps& vps) {
+    const qv::hevc::LayerSets sets = qv::hevc::layerSetsOf(vps);
+    uint16_t ids[qv::hevc::kMostLayers] = {};
+    uint64_t sum = qv::hevc::layersOf(vps).NumViews + qv::hevc::viewIdOf(vps, sets.layers, 1);
+    for (uint32_t i = 0; i < sets.NumLayerSets; ++i) {
+        sum += qv::hevc::layerIdListOf(sets, i, ids) + ids[0] +
+               qv::hevc::maxSubLayersInLayerSetMinus1(vps, sets, i);
+    }
+    return sum;
+}
+
+const std::vector<Derivation<Vps>> kDerivations = {
+    {"layerSetsOf", sumOfLayers},
+    {"frameRateOf",
+     [](const Vps& vps) { return qv::hevc::frameRateOf(vps, false).framesPerSecond.numerator; }},
+    {"OutputLayerSetReader",
+     [](const Vps& vps) {
+         qv::hevc::OutputLayerSet set;
+         uint64_t sum = 0;
+         for (qv::hevc::OutputLayerSetReader reader(vps); reader.next(set);) {
+             sum += 1 + set.NumLayersInIdList;
+         }
+         return sum;
+     }},
+    {"VpsHrdReader",
+     [](const Vps& vps) {
+         qv::hevc::VpsHrd hrd;
+         uint64_t sum = 0;
+         for (qv::hevc::VpsHrdReader reader(vps); reader.next(hrd);) {
+             sum += 1 + hrd.hrd_parameters.sub_layer[0].cpb_cnt_minus1;
+         }
+         return sum;
+     }},
+    {"readVpsHrd",
+     [](const Vps& vps) -> uint64_t {
+         qv::hevc::VpsHrd hrd;
+         return qv::hevc::readVpsHrd(vps, 1, hrd) ? 1 : 0;
+     }},
+    {"LayerSetRateReader",
+     [](const Vps& vps) {
+         qv::hevc::LayerSetRates rates;
+         uint64_t sum = 0;
+         for (qv::hevc::LayerSetRateReader reader(vps); reader.next(rates);) {
+             sum += 1 + rates.layerSetIdx;
+         }
+         return sum;
+     }},
+    {"layerDependencyOf",
+     [](const Vps& vps) {
+         const qv::hevc::LayerDependency dependency = qv::hevc::layerDependencyOf(vps, 2, 1);
+         return uint64_t{dependency.max_tid_il_ref_pics_plus1} + dependency.direct_dependency_type;
+     }},
+};
+
+TEST(HevcVps, noAllocationAndNoByteOutside) {
+    checkMemory(vps(), unitRounds(40), kDerivations);
+    StructureUnderTest<Vps> ofViews = vps();
+    ofViews.steer = [](RandomUnit& unit, Random& random) {
+        vps().steer(unit, random);
+        unit.choose("vps_extension_flag", {1}).choose("vps_3d_extension_flag", {1});
+        unit.choose("vps_max_layers_minus1", {1, 2}).choose("scalability_mask_flag", {0, 1});
+    };
+    checkMemory(ofViews, unitRounds(40), {{"cameraParametersOf", [](const Vps& vps) -> uint64_t {
+                                               qv::hevc::CameraParameters parameters;
+                                               return qv::hevc::cameraParametersOf(vps, 1, parameters) ? 1
+                                                                                                       : 0;
+                                           }}});
 }
 
 TEST(HevcVps, everyElementOneAboveItsRange) {

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "../support/Hex.h"
+#include "../support/MemoryChecks.h"
 #include "../support/StructureChecks.h"
-#include "AllocationFault.h"
 #include "GuardedBuffer.h"
 #include "bitstream/units/HevcConfigurationRecordSyntax.h"
 
@@ -282,19 +282,21 @@ TEST(HevcConfigurationRecord, roundTrips) {
 }
 
 TEST(HevcConfigurationRecord, everyRange) {
-    checkRanges(structure(), unitRounds(500));
-    checkRanges(layerStructure(), unitRounds(500));
+    EXPECT_EQ(checkRanges(structure(), unitRounds(500)).count("configurationVersion"), 1U);
+    EXPECT_EQ(checkRanges(layerStructure(), unitRounds(500)).count("configurationVersion"), 1U);
 }
 
-TEST(HevcConfigurationRecord, nothingIsAllocated) {
-    const AllocationFault allocations(Allocator::New, 0);
-    const AllocationFault blocks(Allocator::Malloc, 0);
-    size_t bytes = 0;
-    const auto read = qv::hevc::readConfigurationRecord(bytesOf(kMain10));
-    qv::hevc::forEachUnit(read.record, [&](const qv::NalUnit& unit) { bytes += unit.bytes.size; });
-    EXPECT_EQ(bytes, 115U);
-    EXPECT_EQ(allocations.seen(), 0);
-    EXPECT_EQ(blocks.seen(), 0);
+template <class Record>
+uint64_t bytesOfUnits(const Record& record) {
+    uint64_t bytes = 0;
+    qv::hevc::forEachUnit(record, [&](const qv::NalUnit& unit) { bytes += unit.bytes.size; });
+    return bytes;
+}
+
+TEST(HevcConfigurationRecord, noAllocationAndNoByteOutside) {
+    checkMemory(structure(), unitRounds(25), {{"forEachUnit", bytesOfUnits<qv::hevc::ConfigurationRecord>}});
+    checkMemory(layerStructure(), unitRounds(25),
+                {{"forEachUnit", bytesOfUnits<qv::hevc::LayerConfigurationRecord>}});
 }
 
 // --- Writing ---
