@@ -40,14 +40,15 @@ std::string textOf(const Element& element) {
 }
 
 std::string textOf(const Fault& fault) {
-    if (!fault) {
+    const std::string problem = problemOf(fault);
+    if (problem.empty()) {
         return {};
     }
     std::string text = textOf(fault.element);
     if (fault.structure != nullptr) {
         text += std::string(" in ") + fault.structure->name + " (" + fault.structure->clause + ")";
     }
-    return text + " at bit " + std::to_string(fault.firstBit) + ": " + problemOf(fault);
+    return text + " at bit " + std::to_string(fault.firstBit) + ": " + problem;
 }
 
 }  // namespace qv

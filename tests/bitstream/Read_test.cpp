@@ -49,6 +49,8 @@ TEST(Fault, text) {
     Fault outside = faultOf(FaultKind::EndOfData);
     outside.structure = nullptr;
     EXPECT_EQ(qv::textOf(outside), "cpb_cnt_minus1[2] at bit 197: the data ends");
+    EXPECT_EQ(qv::textOf(Fault()), "");
+    EXPECT_EQ(qv::textOf(faultOf(static_cast<FaultKind>(99))), "");
 }
 
 TEST(Fault, isTrueWhenThereIsOne) {

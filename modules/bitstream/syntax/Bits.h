@@ -91,7 +91,7 @@ QV_ALWAYS_INLINE uint64_t bytesOf03(uint64_t bytes) noexcept {
 // Ceil(Log2(x)) of the standards: the bits that distinguish x values. 0 for x of 0 and 1.
 constexpr uint32_t ceilLog2(uint64_t x) noexcept {
     uint32_t bits = 0;
-    while (bits < 63 && (uint64_t{1} << bits) < x) {
+    for (uint64_t greatest = x > 0 ? x - 1 : 0; greatest != 0; greatest >>= 1) {
         ++bits;
     }
     return bits;

@@ -64,7 +64,7 @@ bool Reader::isEmulationPrevention(const uint8_t* byte) const noexcept {
     return detail::isEmulationPrevention(begin_, static_cast<size_t>(byte - begin_));
 }
 
-// The eight bytes at next_, the first one on top; zero bytes stand in for those past the end.
+// The eight bytes at next_, the first one on top, with zero bytes in place of those past the end.
 uint64_t Reader::nextBytes() const noexcept {
     const auto left = static_cast<size_t>(end_ - next_);
     if (left >= kWindowBytes) {
@@ -101,7 +101,7 @@ void Reader::addBytes() noexcept {
     for (uint64_t candidates = detail::bytesOf03(bytes); candidates != 0;) {
         const uint64_t position = detail::leadingZeroBits(candidates) / 8;
         candidates &= ~(detail::kTopByte >> 8 * position);
-        if (position > taken + passed || position >= coded) {
+        if (position > taken + passed) {
             break;
         }
         if (isEmulationPrevention(next_ + position)) {

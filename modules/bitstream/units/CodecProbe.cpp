@@ -257,20 +257,11 @@ CodecEvidence evidenceOf(Bytes data, bool goesOn, Framing framing, Codec codec) 
         if (goesOn && unit.end() == data.size) {
             break;
         }
-        switch (judge(unit, codec)) {
-            case Verdict::Against:
-                ++evidence.against;
-                break;
-            case Verdict::Silent:
-                ++evidence.silent;
-                break;
-            case Verdict::Plausible:
-                ++evidence.plausible;
-                break;
-            case Verdict::ParameterSet:
-                ++evidence.parameterSets;
-                break;
-        }
+        const Verdict verdict = judge(unit, codec);
+        evidence.against += verdict == Verdict::Against ? 1 : 0;
+        evidence.silent += verdict == Verdict::Silent ? 1 : 0;
+        evidence.plausible += verdict == Verdict::Plausible ? 1 : 0;
+        evidence.parameterSets += verdict == Verdict::ParameterSet ? 1 : 0;
     }
     return evidence;
 }

@@ -30,10 +30,11 @@ std::string byteText(uint32_t value, const char* digits) {
 // Without leading zeros.
 std::string hexText(uint32_t value) {
     std::string text;
-    for (; value != 0; value >>= 4) {
+    do {
         text.insert(text.begin(), kCapitalDigits[value & 15]);
-    }
-    return text.empty() ? "0" : text;
+        value >>= 4;
+    } while (value != 0);
+    return text;
 }
 
 std::string twoDigits(uint32_t value) {

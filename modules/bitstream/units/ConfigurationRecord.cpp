@@ -37,15 +37,11 @@ ConfigurationKind configurationKindOf(Codec codec, Bytes configuration) noexcept
 }
 
 std::optional<Framing> framingOf(Codec codec, Bytes configuration) noexcept {
-    switch (configurationKindOf(codec, configuration)) {
-        case ConfigurationKind::None:
-            break;
-        case ConfigurationKind::Record:
-            return framingOfLengthSizeMinusOne(configuration[lengthSizeAt(codec)]);
-        case ConfigurationKind::ByteStream:
-            return Framing::StartCodes;
+    const ConfigurationKind kind = configurationKindOf(codec, configuration);
+    if (kind == ConfigurationKind::Record) {
+        return framingOfLengthSizeMinusOne(configuration[lengthSizeAt(codec)]);
     }
-    return std::nullopt;
+    return kind == ConfigurationKind::ByteStream ? std::optional<Framing>(Framing::StartCodes) : std::nullopt;
 }
 
 }  // namespace qv

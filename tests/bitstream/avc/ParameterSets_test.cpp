@@ -304,6 +304,32 @@ TEST_F(AvcParameterSets, aPpsMayReferToAnSpsAndToASubsetSps) {
     EXPECT_NE(base.pps, view.pps);
 }
 
+TEST_F(AvcParameterSets, aPpsIsReadAsThatOfASetThatIsNotThere) {
+    take(sps(0, 11, 3));
+    take(pps444(0, 0));
+    EXPECT_EQ(sets->pps(0, false)->second_chroma_qp_index_offset, 5);
+    EXPECT_NE(sets->pps(0, true), nullptr);
+    take(subsetSps(3, 22, 3));
+    take(pps444(1, 3));
+    EXPECT_EQ(sets->pps(1, true)->second_chroma_qp_index_offset, 5);
+    EXPECT_NE(sets->pps(1, false), nullptr);
+}
+
+TEST_F(AvcParameterSets, ofSeveralProblemsTheOneOfTheLowestValue) {
+    take(sps(0, 11));
+    take(pps(0, 0));
+    sets->activate(0, SliceBegins::CodedVideoSequence);
+    take(pps(0, 3));
+    EXPECT_EQ(sets->activate(0, SliceBegins::Nothing).problem, ActivationProblem::NoSps)
+        << "and the PPS has changed";
+}
+
+TEST_F(AvcParameterSets, aUnitOfZeroBytes) {
+    const std::vector<uint8_t> unit = {0x68, 0x00, 0x00, 0x00};
+    EXPECT_EQ(take(unit), SetEvent::Broken);
+    EXPECT_EQ(take(unit), SetEvent::Broken);
+}
+
 TEST_F(AvcParameterSets, aPpsOfASubsetSpsAlone) {
     take(subsetSps(3, 22, 3));
     EXPECT_EQ(take(pps444(0, 3)), SetEvent::First);

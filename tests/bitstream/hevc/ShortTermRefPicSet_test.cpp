@@ -12,6 +12,7 @@
 #include "Units.h"
 #include "bitstream/hevc/ShortTermRefPicSetSyntax.h"
 #include "bitstream/hevc/Sps.h"
+#include "bitstream/syntax/Tracer.h"
 
 namespace {
 
@@ -233,15 +234,17 @@ TEST(HevcShortTermRefPicSet, setOfASlice) {
     slice.u(1, "inter_ref_pic_set_prediction_flag", 1).ue("delta_idx_minus1", 1).u(1, "delta_rps_sign", 1);
     slice.ue("abs_delta_rps_minus1", 0).bits("used_by_curr_pic_flag", "11");
     const std::vector<uint8_t> unit = hevcUnit(1, slice);
-    qv::Reader reader(bytesOf(unit));
-    reader.header(2);
+    RecordingVisitor visitor;
+    qv::Tracer tracer(bytesOf(unit), visitor);
+    tracer.header(2);
     uint32_t header = 0;
-    reader.u(16, "header", header);
-    reader.rbsp();
+    tracer.u(16, "header", header);
+    tracer.rbsp();
     ShortTermRefPicSet set = {};
-    st_ref_pic_set(reader, sps.st_ref_pic_set, 2, 2, set);
-    EXPECT_FALSE(reader.failed());
-    EXPECT_FALSE(reader.more_rbsp_data());
+    st_ref_pic_set(tracer, sps.st_ref_pic_set, 2, 2, set);
+    EXPECT_FALSE(tracer.failed());
+    EXPECT_FALSE(tracer.more_rbsp_data());
+    EXPECT_EQ(textOf(visitor.elements.at(2)), "17 3 delta_idx_minus1 1");
     EXPECT_EQ(set.delta_idx_minus1, 1U);
     EXPECT_THAT(picturesOf(set), ElementsAre(Picture{-1, true}, Picture{-6, true}));
 }

@@ -608,6 +608,16 @@ TEST(HevcSps, layerMayNameAnotherFormat) {
     EXPECT_EQ(read.record.sps_rep_format_idx, 0U);
 }
 
+TEST(HevcSps, layerMayNameAFormatThatItsVpsDoesNotHave) {
+    const std::unique_ptr<Vps> vps = threeLayers();
+    Sps sps = {};
+    sps.header.nuh_layer_id = 3;
+    sps.sps_ext_or_max_sub_layers_minus1 = 7;
+    EXPECT_EQ(qv::hevc::repFormatOf(sps, vps.get()), &vps->extension.rep_format[1]);
+    vps->extension.vps_rep_format_idx[1] = 2;
+    EXPECT_EQ(qv::hevc::repFormatOf(sps, vps.get()), nullptr);
+}
+
 TEST(HevcSps, layerWithoutItsVpsHasNoFormat) {
     BitWriter bits = layerSps(false, 0);
     bits.bits("vui, extension", "00");

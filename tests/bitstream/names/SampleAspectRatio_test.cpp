@@ -35,6 +35,7 @@ TEST(SampleAspectRatio, extended) {
     EXPECT_FALSE(sampleAspectRatio(255, 0, 9).isKnown());
     EXPECT_FALSE(sampleAspectRatio(255, 16, 0).isKnown());
     EXPECT_NE(sampleAspectRatio(255, 1, 2), sampleAspectRatio(255, 2, 1));
+    EXPECT_NE(sampleAspectRatio(255, 1, 2), sampleAspectRatio(255, 1, 3));
 }
 
 }  // namespace

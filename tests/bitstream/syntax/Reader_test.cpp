@@ -431,6 +431,7 @@ TEST(Reader, aUnitWithoutRbsp) {
         Reader reader(bytesOf(unit));
         uint32_t header = 0;
         reader.header(1);
+        EXPECT_FALSE(reader.hasNoRbsp()) << "the header is to be read";
         reader.u(8, "header", header);
         EXPECT_EQ(reader.hasNoRbsp(), row.beforeRbsp) << row.unit;
         reader.rbsp();
@@ -438,6 +439,21 @@ TEST(Reader, aUnitWithoutRbsp) {
         EXPECT_EQ(reader.hasNoRbsp(absent), row.afterRbsp) << row.unit;
         EXPECT_EQ(absent, row.afterRbsp);
         EXPECT_FALSE(reader.failed());
+    }
+}
+
+TEST(Bits, ceilLog2) {
+    const std::pair<uint64_t, uint32_t> rows[] = {{0, 0},
+                                                  {1, 0},
+                                                  {2, 1},
+                                                  {3, 2},
+                                                  {4, 2},
+                                                  {5, 3},
+                                                  {uint64_t{1} << 32, 32},
+                                                  {(uint64_t{1} << 32) + 1, 33},
+                                                  {UINT64_MAX, 64}};
+    for (const auto& [x, bits] : rows) {
+        EXPECT_EQ(qv::detail::ceilLog2(x), bits) << x;
     }
 }
 

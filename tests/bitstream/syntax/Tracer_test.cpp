@@ -208,6 +208,18 @@ TEST(Tracer, wholeBytes) {
 }
 
 // Places in the coded unit, against the slow reader.
+TEST(Tracer, anElementWithoutBitsAfterTheLastByte) {
+    const Bytes unit = hex("67 42");
+    Lines lines;
+    Tracer tracer(bytesOf(unit), lines);
+    uint32_t value = 0;
+    tracer.header(1);
+    tracer.u(16, "all", value);
+    tracer.u(0, "none", value);
+    ASSERT_EQ(lines.elements.size(), 2U);
+    EXPECT_EQ(lines.elements[1].codedByte, 2U);
+}
+
 TEST(Tracer, codedPositionsOfRandomUnits) {
     std::mt19937_64 random(7);
     for (int round = 0; round < 5000; ++round) {

@@ -324,9 +324,30 @@ TEST(AvcConfigurationRecord, madeOfSeveralSets) {
               "01 00 04 68 CE 0F C8");
     EXPECT_EQ(made({kSps66, kSps77}, qv::Framing::Lengths2).substr(0, 17), "01 4D 40 1F FD E2");
     EXPECT_EQ(made({kSps77, kSps66}, qv::Framing::Lengths1).substr(0, 17), "01 4D 40 1F FC E2");
+    const struct {
+        const char* first;
+        const char* second;
+        const char* record;
+    } sets[] = {{"67 42 40 0D", "67 58 40 0D", "01 4D 40 0D"},   // 66 and 88, both of 77
+                {"67 42 20 0D", "67 4D 20 0D", "01 58 20 0D"},   // 66 and 77, both of 88
+                {"67 4D 80 0D", "67 58 80 0D", "01 42 80 0D"}};  // 77 and 88, both of 66
+    for (const auto& c : sets) {
+        const Bytes rest(kSps66.begin() + 4, kSps66.end());
+        Bytes first = hex(c.first);
+        Bytes second = hex(c.second);
+        first.insert(first.end(), rest.begin(), rest.end());
+        second.insert(second.end(), rest.begin(), rest.end());
+        EXPECT_EQ(made({first, second}).substr(0, 11), c.record);
+    }
     EXPECT_EQ(made({kSps122, kSpsExtension, kPps}),
               "01 7A 00 0C FF E1 00 0C 67 7A 00 0C B6 CD 41 41 9F 9F 01 10 01 00 04 68 CE 0F C8 FE FA FA 01 "
               "00 02 6D E0");
+}
+
+// seq_parameter_set_id 0, chroma_format_idc 3, separate_colour_plane_flag 1, bit_depth_luma_minus8 2,
+// bit_depth_chroma_minus8 1: 1 00100 1 0 | 11 010 ...
+TEST(AvcConfigurationRecord, madeOfSeparateColourPlanes) {
+    EXPECT_EQ(made({hex("67 F4 00 0D 92 D0")}), "01 F4 00 0D FF E1 00 06 67 F4 00 0D 92 D0 00 FF FA F9 00");
 }
 
 TEST(AvcConfigurationRecord, whatNoRecordIsMadeOf) {

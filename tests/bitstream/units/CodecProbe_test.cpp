@@ -312,6 +312,27 @@ TEST(CodecProbe, confidence) {
     EXPECT_EQ(confidenceIn({kAvcSps, kHevcVps}), Confidence::None);
 }
 
+TEST(CodecProbe, whereBothAreLikelyTheOneWithParameterSets) {
+    // An H.264 SEI unit reads as an H.265 slice.
+    EXPECT_EQ(answerTo(Units{kHevcVps} + 100 * kAvcSei), Answer::Hevc);
+    EXPECT_EQ(answerTo({kAvcSps, kAvcPps, kAvcSps, kAvcPps, kHevcVps}), Answer::Ambiguous);
+}
+
+TEST(CodecProbe, aUnitAgainstMakesConfidenceMedium) {
+    const Bytes forbidden = hex("E5 88 84 00 33 FF 80");
+    const CodecProbe probe = qv::probeCodec(bytesOf(framed({kAvcSps, kAvcPps, forbidden, kAvcIdr})));
+    EXPECT_EQ(probe.confidence, Confidence::Medium);
+    EXPECT_NE(qv::textOf(probe).find("confidence medium"), std::string::npos);
+}
+
+TEST(CodecProbe, numbersThatAreNoAnswerHaveNoName) {
+    CodecProbe probe;
+    probe.answer = static_cast<Answer>(9);
+    probe.confidence = static_cast<Confidence>(9);
+    EXPECT_NE(qv::textOf(probe).find("as H.264 0 parameter sets"), std::string::npos);
+    EXPECT_STREQ(qv::textOf(static_cast<Framing>(9)), "");
+}
+
 TEST(CodecProbe, text) {
     EXPECT_EQ(
         qv::textOf(qv::probeCodec(bytesOf(framed({kAvcSps, kAvcPps, kAvcIdr, kAvcSlice})))),

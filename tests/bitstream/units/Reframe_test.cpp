@@ -224,6 +224,13 @@ TEST(Reframe, fromEveryFramingToEveryOther) {
     }
 }
 
+TEST(Reframe, aNumberThatIsNoFaultHasNoText) {
+    ReframeFault fault;
+    EXPECT_EQ(qv::textOf(fault), "");
+    fault.kind = static_cast<ReframeFault::Kind>(9);
+    EXPECT_EQ(qv::textOf(fault), "");
+}
+
 // Whatever the input: each of its bytes is written, or counted, or part of the framing.
 TEST(Reframe, nothingIsLostOfAnyInput) {
     Generator random(12);

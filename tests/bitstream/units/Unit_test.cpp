@@ -205,8 +205,10 @@ TEST(AvcUnit, UnitsAreAppendedAsTheyWere) {
     qv::avc::ParameterSets sets;
     sets.take(bytesOf(spsOf(7, 3)));
     const Buffer filler = {0x0C, 0xFF, 0xFF, 0x80};
-    for (const Buffer& unit : {spsOf(7, 3), spsOf(15, 1), pps444(), Buffer{0x09, 0xF0}, Buffer{0x0A},
-                               Buffer{0x0B}, filler, Buffer{0x0E, 0x40, 0x00, 0x07}}) {
+    const Buffer extension =
+        avcUnit(13, BitWriter().ue("id", 0).ue("aux_format_idc", 0).u(1, "additional_extension_flag", 0));
+    for (const Buffer& unit : {spsOf(7, 3), spsOf(15, 1), pps444(), extension, Buffer{0x09, 0xF0},
+                               Buffer{0x0A}, Buffer{0x0B}, filler, Buffer{0x0E, 0x40, 0x00, 0x07}}) {
         Buffer out = {0xAA};
         EXPECT_TRUE(qv::avc::rewriteUnit(bytesOf(unit), sets, out).isRewritten) << int{unit[0]};
         Buffer expected = {0xAA};
@@ -225,7 +227,9 @@ TEST(AvcUnit, BytesAfterTheTrailingBitsAreKept) {
 
 TEST(AvcUnit, AUnitThatWouldHaveOtherBytesIsNotRewritten) {
     // An emulation prevention byte where 7.4.1 does not ask for one.
-    const Buffer unneeded = {0x0C, 0xFF, 0x00, 0x00, 0x03, 0x80};
+    const Buffer unneeded = {0x67, 0x00, 0x00, 0x03, 0x28, 0xDA, 0x0B, 0x13, 0x90};
+    Names names;
+    ASSERT_TRUE(qv::avc::traceUnit(bytesOf(unneeded), {}, names).ok());
     Buffer sps = spsOf(7, 1);
     sps.resize(6);
     for (const Buffer& unit : {unneeded, sps, Buffer{0x65, 0x88}, Buffer{0x06, 0x80}, Buffer{}}) {
@@ -238,10 +242,31 @@ TEST(AvcUnit, AUnitThatWouldHaveOtherBytesIsNotRewritten) {
     EXPECT_FALSE(qv::avc::rewriteUnit(bytesOf(Buffer{0x65, 0x88}), {}, out).fault);
 }
 
+// Main profile, 640x480.
+Buffer sps() {
+    BitWriter bits;
+    bits.u(4, "sps_video_parameter_set_id", 0).u(3, "sps_max_sub_layers_minus1", 0);
+    bits.u(1, "sps_temporal_id_nesting_flag", 1).u(8, "profile space, tier, idc", 1);
+    bits.u(32, "general_profile_compatibility_flag", 0x60000000).u(32, "constraint flags", 0x90000000);
+    bits.u(16, "constraint flags", 0).u(8, "general_level_idc", 93);
+    bits.ue("sps_seq_parameter_set_id", 0).ue("chroma_format_idc", 1);
+    bits.ue("pic_width_in_luma_samples", 640).ue("pic_height_in_luma_samples", 480);
+    bits.u(1, "conformance_window_flag", 0);
+    bits.ue("bit_depth_luma_minus8", 0).ue("bit_depth_chroma_minus8", 0);
+    bits.ue("log2_max_pic_order_cnt_lsb_minus4", 4).u(1, "sps_sub_layer_ordering_info_present_flag", 1);
+    bits.ue("max_dec_pic_buffering_minus1", 4).ue("max_num_reorder_pics", 2).ue("max_latency_increase", 0);
+    bits.ue("log2_min_cb_minus3", 0).ue("log2_diff_cb", 3).ue("log2_min_tb_minus2", 0).ue("log2_diff_tb", 3);
+    bits.ue("max_transform_hierarchy_depth_inter", 0).ue("max_transform_hierarchy_depth_intra", 0);
+    bits.bits("scaling lists, AMP, SAO, PCM", "0100").ue("num_short_term_ref_pic_sets", 0);
+    return hevcUnit(33, bits.bits("long-term, temporal MVP, smoothing, VUI, extension", "01100"));
+}
+
 TEST(HevcUnit, UnitsAreAppendedAsTheyWere) {
     const Buffer filler = {0x4C, 0x01, 0xFF, 0x80};
     const Buffer delimiter = hevcUnit(35, BitWriter().u(3, "pic_type", 2));
-    for (const Buffer& unit : {delimiter, Buffer{0x48, 0x01}, Buffer{0x4A, 0x01}, filler}) {
+    const Buffer vps = hex("40010C01FFFF02200000030090000003000003003C959809");
+    const Buffer pps = hex("4401C172B46240");
+    for (const Buffer& unit : {delimiter, Buffer{0x48, 0x01}, Buffer{0x4A, 0x01}, filler, vps, pps, sps()}) {
         EXPECT_TRUE(tracedHevc(unit).trace.isWhole);
         Buffer out = {0xAA};
         EXPECT_TRUE(qv::hevc::rewriteUnit(bytesOf(unit), {}, out).isRewritten) << int{unit[0]};
