@@ -14,6 +14,19 @@
 #include "Pools.h"
 #include "QVCoreStandalone.h"
 #include "QVNaluParser.h"
+#include "bitstream/avc/AccessUnitDelimiter.h"
+#include "bitstream/avc/EndOfSequence.h"
+#include "bitstream/avc/FillerData.h"
+#include "bitstream/avc/ParameterSets.h"
+#include "bitstream/avc/PrefixNalUnit.h"
+#include "bitstream/avc/SubsetSps.h"
+#include "bitstream/hevc/ParameterSets.h"
+#include "bitstream/hevc/SmallUnits.h"
+#include "bitstream/units/CodecProbe.h"
+#include "bitstream/units/ConfigurationRecord.h"
+#include "bitstream/units/NalUnits.h"
+#include "bitstream/units/Rbsp.h"
+#include "bitstream/units/Reframe.h"
 
 // Valgrind's client requests are macros that cause these warnings.
 #pragma GCC diagnostic ignored "-Wold-style-cast"
@@ -422,6 +435,194 @@ void growSideData() {
     grow("HDR10 and HDR Vivid, ones", kSize, repeated({0x26, 0x00, 0x04, 0x00, 0x05, 0x01}, {0xFF}), hdr);
 }
 
+// --- The standard's library ---
+
+qv::Bytes borrowed(const Bytes& bytes) {
+    return {bytes.data(), bytes.size()};
+}
+
+template <class Read>
+Call reading(const Read& read) {
+    return [read](const Bytes& bytes) {
+        const auto result = read(borrowed(bytes));
+        require(result.ok() || result.fault.element.name != nullptr, "a fault names its element");
+    };
+}
+
+// Units whose elements are all 0, all 1, or small codes with an emulation prevention byte every few bytes.
+void growStructure(const std::string& name, const Bytes& head, const Call& read) {
+    grow(name + ", zeros", kSize, repeated(head, {0}), read);
+    grow(name + ", ones", kSize, repeated(head, {0xFF}), read);
+    grow(name + ", 00 00 03", kSize, repeated(head, {0, 0, 3, 0x55}), read);
+}
+
+// An extension that the standard reserves: its flags go on to the end of the unit.
+Bytes hevcPpsWithExtension() {
+    Bits bits;
+    bits.u(16, 0x4401).ue(0).ue(0).u(1, 0).u(1, 0).u(3, 0).u(1, 0).u(1, 0).ue(0).ue(0).ue(0);
+    bits.u(1, 0).u(1, 0).u(1, 0).ue(0).ue(0).u(1, 0).u(1, 0).u(1, 0).u(1, 0).u(1, 0).u(1, 0);
+    bits.u(1, 0).u(1, 0).u(1, 0).u(1, 0).ue(0).u(1, 0).u(1, 1).u(4, 0).u(4, 15);
+    return bits.bytes();
+}
+
+// slice_group_map_type 6 of as many map units as the bytes have groups of 3 bits, nearly.
+Bytes avcPpsWithSliceGroups(size_t size) {
+    Bits bits;
+    bits.u(8, 0x68).ue(0).ue(0).u(1, 0).u(1, 0).ue(7).ue(6).ue(2 * size);
+    return repeated(bits.bytes(), {0x55})(size);
+}
+
+void growStructures() {
+    growStructure("avc::readSps", {0x67, 244, 0, 30},
+                  reading([](qv::Bytes unit) { return qv::avc::readSps(unit); }));
+    grow("avc::readSps, the largest counts", kSize, repeated(largestAvcSps(), {0x80}),
+         reading([](qv::Bytes unit) { return qv::avc::readSps(unit); }));
+    growStructure("avc::readSubsetSps", {0x6F, 118, 0, 30},
+                  reading([](qv::Bytes unit) { return qv::avc::readSubsetSps(unit); }));
+    growStructure("avc::readSpsExtension", {0x6D},
+                  reading([](qv::Bytes unit) { return qv::avc::readSpsExtension(unit); }));
+    const Call readAvcPps = reading([](qv::Bytes unit) { return qv::avc::readPps(unit, 3); });
+    growStructure("avc::readPps", {0x68}, readAvcPps);
+    grow("avc::readPps, slice_group_id", kSize, avcPpsWithSliceGroups, readAvcPps);
+    growStructure("avc::readAccessUnitDelimiter", {0x09},
+                  reading([](qv::Bytes unit) { return qv::avc::readAccessUnitDelimiter(unit); }));
+    growStructure("avc::readEndOfSequence", {0x0A},
+                  reading([](qv::Bytes unit) { return qv::avc::readEndOfSequence(unit); }));
+    growStructure("avc::readFillerData", {0x0C},
+                  reading([](qv::Bytes unit) { return qv::avc::readFillerData(unit); }));
+    growStructure("avc::readPrefixNalUnit", {0x6E, 0x80, 0, 7},
+                  reading([](qv::Bytes unit) { return qv::avc::readPrefixNalUnit(unit); }));
+    growStructure("hevc::readVps", {0x40, 1},
+                  reading([](qv::Bytes unit) { return qv::hevc::readVps(unit); }));
+    growStructure("hevc::readSps", {0x42, 1},
+                  reading([](qv::Bytes unit) { return qv::hevc::readSps(unit); }));
+    const Call readHevcPps = reading([](qv::Bytes unit) { return qv::hevc::readPps(unit); });
+    growStructure("hevc::readPps", {0x44, 1}, readHevcPps);
+    growStructure("hevc::readPps, pps_extension_data_flag", hevcPpsWithExtension(), readHevcPps);
+    growStructure("hevc::readAccessUnitDelimiter", {0x46, 1},
+                  reading([](qv::Bytes unit) { return qv::hevc::readAccessUnitDelimiter(unit); }));
+    growStructure("hevc::readFillerData", {0x4C, 1},
+                  reading([](qv::Bytes unit) { return qv::hevc::readFillerData(unit); }));
+}
+
+void growConfigurationRecords() {
+    const Call readAvc = reading([](qv::Bytes bytes) { return qv::avc::readConfigurationRecord(bytes); });
+    const Call readHevc = reading([](qv::Bytes bytes) { return qv::hevc::readConfigurationRecord(bytes); });
+    const Bytes avc = {1, 100, 0, 30, 0xFF};
+    Bytes hevc(22);
+    hevc[0] = 1;
+    hevc[21] = 3;
+    hevc.push_back(255);  // numOfArrays
+    growStructure("avc::readConfigurationRecord", avc, readAvc);
+    grow("hevc::readConfigurationRecord, zeros", kSize, repeated(hevc, {0}), readHevc);
+    grow("hevc::readConfigurationRecord, ones", kSize, repeated(hevc, {0xFF}), readHevc);
+    grow("hevc::readConfigurationRecord, units of a byte", kSize,
+         repeated(
+             [&hevc] {
+                 Bytes head = hevc;
+                 head.insert(head.end(), {0x20, 0xFF, 0xFF});
+                 return head;
+             }(),
+             {0, 1, 0x40}),
+         readHevc);
+    grow("forEachConfigurationUnit, start codes", kSize, repeated({}, {0, 0, 1, 0x67}),
+         [](const Bytes& bytes) {
+             size_t units = 0;
+             qv::forEachConfigurationUnit(qv::Codec::Avc, borrowed(bytes),
+                                          [&](const qv::NalUnit&) { ++units; });
+             require(units >= bytes.size() / 4, "units of a configuration");
+         });
+}
+
+Call walking(qv::Framing framing, size_t bytesOfAUnit) {
+    return [=](const Bytes& bytes) {
+        size_t units = 0;
+        size_t end = 0;
+        for (const qv::NalUnit& unit : qv::NalUnits(borrowed(bytes), framing, qv::Codec::Avc)) {
+            ++units;
+            end = unit.end();
+        }
+        require(end == bytes.size() && units >= bytes.size() / bytesOfAUnit, "NalUnits");
+    };
+}
+
+void reframing(qv::Framing from, qv::Framing to, const Bytes& bytes) {
+    std::vector<uint8_t> out;
+    const qv::Reframed reframed = qv::reframe(borrowed(bytes), {from, to, 3}, out);
+    require(reframed.size == out.size(), "reframe");
+}
+
+void mapEveryByte(const Bytes& bytes) {
+    qv::RbspPositions positions(borrowed(bytes), 1);
+    const size_t size = qv::unescapedSize(borrowed(bytes), 1);
+    size_t last = 0;
+    for (size_t i = 0; i < size; ++i) {
+        last = positions.codedByte(i);
+    }
+    require(last < bytes.size(), "RbspPositions");
+}
+
+void escapeAndBack(const Bytes& bytes) {
+    std::vector<uint8_t> coded(qv::mostEscapedSize(bytes.size()));
+    coded.resize(qv::escape(borrowed(bytes), 1, coded.data(), coded.size()));
+    require(qv::unescape(borrowed(coded), 1, coded.data(), coded.size()) != 0, "Rbsp");
+}
+
+void growUnits() {
+    const auto zeros = repeated({}, {0});
+    const struct {
+        const char* name;
+        std::function<Bytes(size_t)> input;
+        size_t bytesOfAUnit;
+    } streams[] = {
+        {"zeros", repeated(kStartCode, {0}), SIZE_MAX},
+        {"no start code", repeated({}, {0}), SIZE_MAX},
+        {"start codes alone", repeated({}, {0, 0, 1}), 3},
+        {"a start code every 4 bytes", repeated({}, kStartCode), 4},
+        {"00 01", repeated(kStartCode, {0, 1}), SIZE_MAX},
+        {"00 00 03", repeated(kStartCode, {0, 0, 3}), SIZE_MAX},
+    };
+    for (const auto& [name, input, bytesOfAUnit] : streams) {
+        grow(std::string("NalUnits, ") + name, kSize, input, walking(qv::Framing::StartCodes, bytesOfAUnit));
+        grow(std::string("reframe to lengths, ") + name, kSize, input,
+             [](const Bytes& bytes) { reframing(qv::Framing::StartCodes, qv::Framing::Lengths4, bytes); });
+        grow(std::string("probeCodec, ") + name, kSize, input,
+             [](const Bytes& bytes) { require(qv::probeCodec(borrowed(bytes)).bytes != 0, "probe"); });
+        grow(std::string("RbspPositions, ") + name, kSize, input, mapEveryByte);
+        grow(std::string("escape and unescape, ") + name, kSize, input, escapeAndBack);
+    }
+    grow("NalUnits, empty units, 1-byte lengths", kSize, zeros, walking(qv::Framing::Lengths1, 1));
+    grow("NalUnits, empty units, 4-byte lengths", kSize, zeros, walking(qv::Framing::Lengths4, 4));
+    grow("reframe to start codes, units of a byte, 1-byte lengths", kSize, repeated({}, {1, 0x41}),
+         [](const Bytes& bytes) { reframing(qv::Framing::Lengths1, qv::Framing::StartCodes, bytes); });
+    grow("probeCodec, units of a byte, 1-byte lengths", kSize, repeated({}, {1, 0x41}),
+         [](const Bytes& bytes) { qv::probeCodec(borrowed(bytes)); });
+}
+
+template <class Sets>
+void takeEveryUnit(qv::Codec codec, const Bytes& bytes) {
+    Sets sets;
+    for (const qv::NalUnit& unit : qv::NalUnits(borrowed(bytes), qv::Framing::StartCodes, codec)) {
+        sets.take(unit.bytes);
+    }
+}
+
+void growParameterSetsInForce() {
+    const auto takeAvc = [](const Bytes& bytes) {
+        takeEveryUnit<qv::avc::ParameterSets>(qv::Codec::Avc, bytes);
+    };
+    const auto takeHevc = [](const Bytes& bytes) {
+        takeEveryUnit<qv::hevc::ParameterSets>(qv::Codec::Hevc, bytes);
+    };
+    grow("avc::ParameterSets, one long SPS", kSize, repeated({0, 0, 1, 0x67, 66, 0, 30}, {0xFF}), takeAvc);
+    grow("avc::ParameterSets, the smallest SPS", kSize, repeated({}, {0, 0, 1, 0x67}), takeAvc);
+    grow("avc::ParameterSets, the smallest PPS", kSize,
+         repeated({}, {0, 0, 1, 0x68, 0xFF, 0, 0, 1, 0x68, 0x7F}), takeAvc);
+    grow("hevc::ParameterSets, one long PPS", kSize, repeated({0, 0, 1, 0x44, 1}, {0xFF}), takeHevc);
+    grow("hevc::ParameterSets, VPS and SPS of a layer above 0", kSize,
+         repeated({}, {0, 0, 1, 0x40, 1, 0x0C, 0, 0, 1, 0x42, 9, 0x0E, 0x85}), takeHevc);
+}
+
 }  // namespace
 
 int main() {
@@ -431,4 +632,8 @@ int main() {
     growPayloads();
     growParameterSets();
     growSideData();
+    growStructures();
+    growConfigurationRecords();
+    growUnits();
+    growParameterSetsInForce();
 }
