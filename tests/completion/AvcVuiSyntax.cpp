@@ -1,6 +1,6 @@
 #include "AvcVuiSyntax.h"
 
-#include "SpsHead.h"
+#include "SyntaxElements.h"
 
 namespace qv_test {
 
@@ -18,36 +18,6 @@ void writeHrd(BitWriter& bits, const AvcHrdSyntax& hrd) {
     bits.u(5, "cpb_removal_delay_length_minus1", hrd.cpb_removal_delay_length_minus1);
     bits.u(5, "dpb_output_delay_length_minus1", hrd.dpb_output_delay_length_minus1);
     bits.u(5, "time_offset_length", hrd.time_offset_length);
-}
-
-void writePicture(BitWriter& bits, const AvcVuiSyntax& vui) {
-    bits.u(1, "aspect_ratio_info_present_flag", vui.aspect_ratio_info_present_flag);
-    if (vui.aspect_ratio_info_present_flag == 1) {
-        bits.u(8, "aspect_ratio_idc", vui.aspect_ratio_idc);
-        if (vui.aspect_ratio_idc == 255) {
-            bits.u(16, "sar_width", vui.sar_width).u(16, "sar_height", vui.sar_height);
-        }
-    }
-    bits.u(1, "overscan_info_present_flag", vui.overscan_info_present_flag);
-    if (vui.overscan_info_present_flag == 1) {
-        bits.u(1, "overscan_appropriate_flag", vui.overscan_appropriate_flag);
-    }
-    bits.u(1, "video_signal_type_present_flag", vui.video_signal_type_present_flag);
-    if (vui.video_signal_type_present_flag == 1) {
-        bits.u(3, "video_format", vui.video_format);
-        bits.u(1, "video_full_range_flag", vui.video_full_range_flag);
-        bits.u(1, "colour_description_present_flag", vui.colour_description_present_flag);
-        if (vui.colour_description_present_flag == 1) {
-            bits.u(8, "colour_primaries", vui.colour_primaries);
-            bits.u(8, "transfer_characteristics", vui.transfer_characteristics);
-            bits.u(8, "matrix_coefficients", vui.matrix_coefficients);
-        }
-    }
-    bits.u(1, "chroma_loc_info_present_flag", vui.chroma_loc_info_present_flag);
-    if (vui.chroma_loc_info_present_flag == 1) {
-        bits.ue("chroma_sample_loc_type_top_field", vui.chroma_sample_loc_type_top_field);
-        bits.ue("chroma_sample_loc_type_bottom_field", vui.chroma_sample_loc_type_bottom_field);
-    }
 }
 
 void writeTiming(BitWriter& bits, const AvcVuiSyntax& vui) {
@@ -93,9 +63,9 @@ AvcHrdSyntax avcHrd(uint32_t cpb_cnt_minus1) {
 }
 
 BitWriter avcSpsWithVui(const AvcVuiSyntax& vui, const AvcSpsChange& change) {
-    BitWriter bits = spsHeadOf(avcSps(change));
+    BitWriter bits = bitsBefore(avcSps(change), "vui_parameters_present_flag");
     bits.u(1, "vui_parameters_present_flag", 1);
-    writePicture(bits, vui);
+    writeVuiPicture(bits, vui);
     writeTiming(bits, vui);
     writeRestriction(bits, vui);
     bits.trailingBits();

@@ -8,6 +8,7 @@
 
 #include "AvcSpsSyntax.h"
 #include "BitWriter.h"
+#include "VuiPictureSyntax.h"
 
 namespace qv_test {
 
@@ -32,23 +33,7 @@ struct AvcHrdSyntax {
 AvcHrdSyntax avcHrd(uint32_t cpb_cnt_minus1);
 
 // A conditional element is written when its flag is 1.
-struct AvcVuiSyntax {
-    uint32_t aspect_ratio_info_present_flag = 0;
-    uint32_t aspect_ratio_idc = 1;
-    uint32_t sar_width = 0;  // written with aspect_ratio_idc 255, as the next one
-    uint32_t sar_height = 0;
-    uint32_t overscan_info_present_flag = 0;
-    uint32_t overscan_appropriate_flag = 0;
-    uint32_t video_signal_type_present_flag = 0;
-    uint32_t video_format = 5;
-    uint32_t video_full_range_flag = 0;
-    uint32_t colour_description_present_flag = 0;
-    uint32_t colour_primaries = 2;
-    uint32_t transfer_characteristics = 2;
-    uint32_t matrix_coefficients = 2;
-    uint32_t chroma_loc_info_present_flag = 0;
-    uint32_t chroma_sample_loc_type_top_field = 0;
-    uint32_t chroma_sample_loc_type_bottom_field = 0;
+struct AvcVuiSyntax : VuiPictureSyntax {
     uint32_t timing_info_present_flag = 0;
     uint32_t num_units_in_tick = 1;
     uint32_t time_scale = 50;

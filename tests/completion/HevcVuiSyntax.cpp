@@ -1,39 +1,12 @@
 #include "HevcVuiSyntax.h"
 
-#include "SpsHead.h"
+#include "SyntaxElements.h"
 
 namespace qv_test {
 
 namespace {
 
-void writePicture(BitWriter& bits, const HevcVuiSyntax& vui) {
-    bits.u(1, "aspect_ratio_info_present_flag", vui.aspect_ratio_info_present_flag);
-    if (vui.aspect_ratio_info_present_flag == 1) {
-        bits.u(8, "aspect_ratio_idc", vui.aspect_ratio_idc);
-        if (vui.aspect_ratio_idc == 255) {
-            bits.u(16, "sar_width", vui.sar_width).u(16, "sar_height", vui.sar_height);
-        }
-    }
-    bits.u(1, "overscan_info_present_flag", vui.overscan_info_present_flag);
-    if (vui.overscan_info_present_flag == 1) {
-        bits.u(1, "overscan_appropriate_flag", vui.overscan_appropriate_flag);
-    }
-    bits.u(1, "video_signal_type_present_flag", vui.video_signal_type_present_flag);
-    if (vui.video_signal_type_present_flag == 1) {
-        bits.u(3, "video_format", vui.video_format);
-        bits.u(1, "video_full_range_flag", vui.video_full_range_flag);
-        bits.u(1, "colour_description_present_flag", vui.colour_description_present_flag);
-        if (vui.colour_description_present_flag == 1) {
-            bits.u(8, "colour_primaries", vui.colour_primaries);
-            bits.u(8, "transfer_characteristics", vui.transfer_characteristics);
-            bits.u(8, "matrix_coeffs", vui.matrix_coeffs);
-        }
-    }
-    bits.u(1, "chroma_loc_info_present_flag", vui.chroma_loc_info_present_flag);
-    if (vui.chroma_loc_info_present_flag == 1) {
-        bits.ue("chroma_sample_loc_type_top_field", vui.chroma_sample_loc_type_top_field);
-        bits.ue("chroma_sample_loc_type_bottom_field", vui.chroma_sample_loc_type_bottom_field);
-    }
+void writeFields(BitWriter& bits, const HevcVuiSyntax& vui) {
     bits.u(1, "neutral_chroma_indication_flag", vui.neutral_chroma_indication_flag);
     bits.u(1, "field_seq_flag", vui.field_seq_flag);
     bits.u(1, "frame_field_info_present_flag", vui.frame_field_info_present_flag);
@@ -86,9 +59,10 @@ BitWriter hevcSpsWithVui(const HevcVuiSyntax& vui, const HevcSpsChange& change) 
     if (change) {
         change(syntax);
     }
-    BitWriter bits = spsHeadOf(writeHevcSps(syntax));
+    BitWriter bits = bitsBefore(writeHevcSps(syntax), "vui_parameters_present_flag");
     bits.u(1, "vui_parameters_present_flag", 1);
-    writePicture(bits, vui);
+    writeVuiPicture(bits, vui);
+    writeFields(bits, vui);
     writeTiming(bits, vui, syntax.sps_max_sub_layers_minus1);
     bits.u(1, "sps_extension_present_flag", 0).trailingBits();
     return bits;

@@ -7,27 +7,12 @@
 
 #include "BitWriter.h"
 #include "HevcSpsSyntax.h"
+#include "VuiPictureSyntax.h"
 
 namespace qv_test {
 
 // A conditional element is written when its flag is 1.
-struct HevcVuiSyntax {
-    uint32_t aspect_ratio_info_present_flag = 0;
-    uint32_t aspect_ratio_idc = 0;
-    uint32_t sar_width = 0;  // written with aspect_ratio_idc 255, as the next one
-    uint32_t sar_height = 0;
-    uint32_t overscan_info_present_flag = 0;
-    uint32_t overscan_appropriate_flag = 0;
-    uint32_t video_signal_type_present_flag = 0;
-    uint32_t video_format = 5;
-    uint32_t video_full_range_flag = 0;
-    uint32_t colour_description_present_flag = 0;
-    uint32_t colour_primaries = 2;
-    uint32_t transfer_characteristics = 2;
-    uint32_t matrix_coeffs = 2;
-    uint32_t chroma_loc_info_present_flag = 0;
-    uint32_t chroma_sample_loc_type_top_field = 0;
-    uint32_t chroma_sample_loc_type_bottom_field = 0;
+struct HevcVuiSyntax : VuiPictureSyntax {
     uint32_t neutral_chroma_indication_flag = 0;
     uint32_t field_seq_flag = 0;
     uint32_t frame_field_info_present_flag = 0;

@@ -2,19 +2,15 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstring>
-#include <limits>
-#include <string>
 #include <vector>
 
-#include "AllocationFault.h"
 #include "AvcSpsRecord.h"
 #include "AvcSpsSyntax.h"
 #include "AvcVuiSyntax.h"
-#include "GuardedBuffer.h"
 #include "QVNaluParser.h"
 #include "QVSpsCompletion.h"
-#include "SpsHead.h"
+#include "SpsCompletionTest.h"
+#include "SpsUnit.h"
 #include "SyntaxElements.h"
 
 namespace qv_test {
@@ -77,23 +73,12 @@ AvcVuiSyntax fullVui() {
     return vui;
 }
 
-class AvcSpsCompletion : public CoreTest {
+class AvcSpsCompletion : public SpsCompletionTest<QVAvcSps> {
 protected:
-    int complete(const Bytes& unit) {
-        return completeAvcSps(&sps, unit.data(), static_cast<int>(unit.size()));
-    }
-    int complete(const AvcVuiSyntax& vui) { return complete(spsUnitOf(avcSpsWithVui(vui))); }
+    AvcSpsCompletion() : SpsCompletionTest(completeAvcSps, patternAvcSps()) {}
 
-    // Into a pattern record, without a log line, leaving every byte as it was.
-    void expectRefused(const Bytes& unit, int result) {
-        sps = patternAvcSps();
-        EXPECT_EQ(complete(unit), result);
-        const QVAvcSps before = patternAvcSps();
-        EXPECT_EQ(std::memcmp(&sps, &before, sizeof sps), 0);
-        expectNoLines();
-    }
-
-    QVAvcSps sps = patternAvcSps();
+    using SpsCompletionTest::complete;
+    int complete(const AvcVuiSyntax& vui) { return complete(avcSpsWithVui(vui)); }
 };
 
 TEST_F(AvcSpsCompletion, everyField) {
@@ -288,19 +273,7 @@ TEST_F(AvcSpsCompletion, zeroBytesAfterTheUnit) {
 }
 
 TEST_F(AvcSpsCompletion, missingArguments) {
-    const Bytes unit = spsUnitOf(avcSpsWithVui(fullVui()));
-    const int size = static_cast<int>(unit.size());
-    EXPECT_EQ(completeAvcSps(nullptr, unit.data(), size), QVResultFailed);
-    EXPECT_EQ(completeAvcSps(nullptr, nullptr, 0), QVResultFailed);
-    const QVAvcSps before = sps;
-    for (const int none : {0, -1, std::numeric_limits<int>::min()}) {
-        EXPECT_EQ(completeAvcSps(&sps, unit.data(), none), QVResultInvalidData) << none;
-    }
-    for (const int any : {-1, 0, 1, size, std::numeric_limits<int>::max()}) {
-        EXPECT_EQ(completeAvcSps(&sps, nullptr, any), QVResultInvalidData) << any;
-    }
-    EXPECT_EQ(std::memcmp(&sps, &before, sizeof sps), 0);
-    expectNoLines();
+    expectArgumentsAreChecked(spsUnitOf(avcSpsWithVui(fullVui())));
 }
 
 TEST_F(AvcSpsCompletion, otherUnits) {
@@ -316,26 +289,9 @@ TEST_F(AvcSpsCompletion, otherUnits) {
     }
 }
 
-// Cut at any byte and at any bit, between guard pages.
 TEST_F(AvcSpsCompletion, truncated) {
     const BitWriter syntax = avcSpsWithVui(fullVui());
-    const size_t end = endOf(syntax, "max_dec_frame_buffering");
-    for (size_t bits = 8; bits < end; ++bits) {
-        SCOPED_TRACE(std::to_string(bits) + "\n" + syntax.map());
-        expectRefused(spsUnitCutAt(syntax, bits), QVResultInvalidData);
-        ASSERT_FALSE(HasFailure());
-    }
-
-    const Bytes unit = spsUnitOf(syntax);
-    GuardedBuffer guarded(unit.size());
-    for (size_t size = 1; size < unit.size(); ++size) {
-        SCOPED_TRACE(size);
-        const Bytes cut(unit.begin(), unit.begin() + static_cast<long>(size));
-        const QVAvcSps before = sps;
-        EXPECT_NE(completeAvcSps(&sps, guarded.placeAtEnd(cut), static_cast<int>(size)), QVResultOk);
-        EXPECT_NE(completeAvcSps(&sps, guarded.placeAtBegin(cut), static_cast<int>(size)), QVResultOk);
-        EXPECT_EQ(std::memcmp(&sps, &before, sizeof sps), 0);
-    }
+    expectCutsAreRefused(syntax, 8, endOf(syntax, "max_dec_frame_buffering"));
 }
 
 TEST_F(AvcSpsCompletion, valuesOutOfRange) {
@@ -366,16 +322,7 @@ TEST_F(AvcSpsCompletion, valuesOutOfRange) {
 }
 
 TEST_F(AvcSpsCompletion, allocatesNothing) {
-    const Bytes unit = spsUnitOf(avcSpsWithVui(fullVui()));
-    const int size = static_cast<int>(unit.size());
-    const AllocationFault blocks(Allocator::Malloc, 0);
-    const AllocationFault objects(Allocator::New, 0);
-    const AllocationFault arrays(Allocator::NothrowNewArray, 0);
-    const int result = completeAvcSps(&sps, unit.data(), size);
-    const int failure = completeAvcSps(&sps, unit.data(), size / 2);
-    EXPECT_EQ(blocks.seen() + objects.seen() + arrays.seen(), 0);
-    EXPECT_EQ(result, QVResultOk);
-    EXPECT_EQ(failure, QVResultInvalidData);
+    expectNoAllocation(spsUnitOf(avcSpsWithVui(fullVui())));
 }
 
 // --- What it is for ---

@@ -2,20 +2,16 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstring>
-#include <limits>
 #include <memory>
-#include <string>
 #include <vector>
 
-#include "AllocationFault.h"
-#include "GuardedBuffer.h"
 #include "HevcSpsRecord.h"
 #include "HevcSpsSyntax.h"
 #include "HevcVuiSyntax.h"
 #include "QVNaluParser.h"
 #include "QVSpsCompletion.h"
-#include "SpsHead.h"
+#include "SpsCompletionTest.h"
+#include "SpsUnit.h"
 #include "SyntaxElements.h"
 #include "bitstream/hevc/Sps.h"
 
@@ -62,7 +58,7 @@ HevcVuiSyntax fullVui() {
     vui.colour_description_present_flag = 1;
     vui.colour_primaries = 9;
     vui.transfer_characteristics = 18;
-    vui.matrix_coeffs = 10;
+    vui.matrix_coefficients = 10;
     vui.chroma_loc_info_present_flag = 1;
     vui.chroma_sample_loc_type_top_field = 4;
     vui.chroma_sample_loc_type_bottom_field = 5;
@@ -101,23 +97,9 @@ QVHevcSps fullRecord() {
     return sps;
 }
 
-class HevcSpsCompletion : public CoreTest {
+class HevcSpsCompletion : public SpsCompletionTest<QVHevcSps> {
 protected:
-    int complete(const Bytes& unit) {
-        return completeHevcSps(&sps, unit.data(), static_cast<int>(unit.size()));
-    }
-    int complete(const BitWriter& syntax) { return complete(spsUnitOf(syntax)); }
-
-    // Into a pattern record, without a log line, leaving every byte as it was.
-    void expectRefused(const Bytes& unit, int result) {
-        sps = patternHevcSps();
-        EXPECT_EQ(complete(unit), result);
-        const QVHevcSps before = patternHevcSps();
-        EXPECT_EQ(std::memcmp(&sps, &before, sizeof sps), 0);
-        expectNoLines();
-    }
-
-    QVHevcSps sps = patternHevcSps();
+    HevcSpsCompletion() : SpsCompletionTest(completeHevcSps, patternHevcSps()) {}
 };
 
 TEST_F(HevcSpsCompletion, everyField) {
@@ -182,7 +164,7 @@ TEST_F(HevcSpsCompletion, partsOfTheVui) {
              vui.video_signal_type_present_flag = vui.colour_description_present_flag = 1;
              vui.colour_primaries = 255;
              vui.transfer_characteristics = 0;
-             vui.matrix_coeffs = 1;
+             vui.matrix_coefficients = 1;
          },
          [](QVHevcSps& record) {
              record.video_signal_type_present_flag = record.colour_description_present_flag = 1;
@@ -284,19 +266,7 @@ TEST_F(HevcSpsCompletion, zeroBytesAfterTheUnit) {
 }
 
 TEST_F(HevcSpsCompletion, missingArguments) {
-    const Bytes unit = spsUnitOf(hevcSpsWithVui(fullVui()));
-    const int size = static_cast<int>(unit.size());
-    EXPECT_EQ(completeHevcSps(nullptr, unit.data(), size), QVResultFailed);
-    EXPECT_EQ(completeHevcSps(nullptr, nullptr, 0), QVResultFailed);
-    const QVHevcSps before = sps;
-    for (const int none : {0, -1, std::numeric_limits<int>::min()}) {
-        EXPECT_EQ(completeHevcSps(&sps, unit.data(), none), QVResultInvalidData) << none;
-    }
-    for (const int any : {-1, 0, 1, size, std::numeric_limits<int>::max()}) {
-        EXPECT_EQ(completeHevcSps(&sps, nullptr, any), QVResultInvalidData) << any;
-    }
-    EXPECT_EQ(std::memcmp(&sps, &before, sizeof sps), 0);
-    expectNoLines();
+    expectArgumentsAreChecked(spsUnitOf(hevcSpsWithVui(fullVui())));
 }
 
 TEST_F(HevcSpsCompletion, otherUnits) {
@@ -312,27 +282,10 @@ TEST_F(HevcSpsCompletion, otherUnits) {
     }
 }
 
-// Cut at any byte and at any bit, between guard pages.
 TEST_F(HevcSpsCompletion, truncated) {
     const BitWriter syntax =
         hevcSpsWithVui(fullVui(), [](HevcSpsSyntax& head) { head.sps_max_sub_layers_minus1 = 2; });
-    const size_t end = endOf(syntax, "sps_extension_present_flag");
-    for (size_t bits = 16; bits < end; ++bits) {
-        SCOPED_TRACE(std::to_string(bits) + "\n" + syntax.map());
-        expectRefused(spsUnitCutAt(syntax, bits), QVResultInvalidData);
-        ASSERT_FALSE(HasFailure());
-    }
-
-    const Bytes unit = spsUnitOf(syntax);
-    GuardedBuffer guarded(unit.size());
-    for (size_t size = 1; size < unit.size(); ++size) {
-        SCOPED_TRACE(size);
-        const Bytes cut(unit.begin(), unit.begin() + static_cast<long>(size));
-        const QVHevcSps before = sps;
-        EXPECT_NE(completeHevcSps(&sps, guarded.placeAtEnd(cut), static_cast<int>(size)), QVResultOk);
-        EXPECT_NE(completeHevcSps(&sps, guarded.placeAtBegin(cut), static_cast<int>(size)), QVResultOk);
-        EXPECT_EQ(std::memcmp(&sps, &before, sizeof sps), 0);
-    }
+    expectCutsAreRefused(syntax, 16, endOf(syntax, "sps_extension_present_flag"));
 }
 
 TEST_F(HevcSpsCompletion, valuesOutOfRange) {
@@ -389,16 +342,7 @@ TEST_F(HevcSpsCompletion, layerAbove0) {
 }
 
 TEST_F(HevcSpsCompletion, allocatesNothing) {
-    const Bytes unit = spsUnitOf(hevcSpsWithVui(fullVui()));
-    const int size = static_cast<int>(unit.size());
-    const AllocationFault blocks(Allocator::Malloc, 0);
-    const AllocationFault objects(Allocator::New, 0);
-    const AllocationFault arrays(Allocator::NothrowNewArray, 0);
-    const int result = completeHevcSps(&sps, unit.data(), size);
-    const int failure = completeHevcSps(&sps, unit.data(), size / 2);
-    EXPECT_EQ(blocks.seen() + objects.seen() + arrays.seen(), 0);
-    EXPECT_EQ(result, QVResultOk);
-    EXPECT_EQ(failure, QVResultInvalidData);
+    expectNoAllocation(spsUnitOf(hevcSpsWithVui(fullVui())));
 }
 
 // --- What it is for ---

@@ -15,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+#include "../bitstream/support/Hex.h"
 #include "AvcSpsSyntax.h"
 #include "HevcSpsSyntax.h"
 #include "RandomRounds.h"
@@ -39,6 +40,10 @@ struct ParameterSet {
     }
 };
 
+std::string textOf(const ParameterSet& set) {
+    return (set.codec == Codec::Avc ? "H.264 " : "H.265 ") + hexOf({set.unit.data(), set.unit.size()});
+}
+
 // In the forms that the parser of the codec may be given.
 std::vector<StandardComparison> comparisonsOf(const ParameterSet& set) {
     core().lines.clear();
@@ -46,16 +51,6 @@ std::vector<StandardComparison> comparisonsOf(const ParameterSet& set) {
         return {compareHevcSps(set.unit)};
     }
     return {compareAvcSps(set.unit, AvcInput::Unit), compareAvcSps(set.unit, AvcInput::WithoutEscapes)};
-}
-
-std::string hexOf(const Bytes& bytes) {
-    std::string text;
-    for (const uint8_t byte : bytes) {
-        constexpr const char* kDigits = "0123456789abcdef";
-        text += kDigits[byte >> 4];
-        text += kDigits[byte & 15];
-    }
-    return text;
 }
 
 // Adds up comparisons, and fails at a difference that nothing explains.
@@ -69,8 +64,7 @@ public:
             }
             fields_ += each.fieldsCompared;
             for (const std::string& difference : each.unexplained) {
-                ADD_FAILURE() << (set.codec == Codec::Avc ? "H.264 " : "H.265 ") << hexOf(set.unit) << "\n"
-                              << difference;
+                ADD_FAILURE() << textOf(set) << "\n" << difference;
             }
         }
     }
@@ -109,19 +103,9 @@ Bytes hevcUnit(const HevcSpsChange& change = {}) {
     return unitOf(hevcSps(change));
 }
 
-// The elements of a parameter set before one of them.
-BitWriter frontOf(const BitWriter& syntax, const std::string& element) {
-    const Bytes bytes = syntax.bytes();
-    BitWriter front;
-    for (size_t bit = 0; bit < startOf(syntax, element); ++bit) {
-        front.u(1, "front", static_cast<uint64_t>(bytes[bit / 8] >> (7 - bit % 8) & 1));
-    }
-    return front;
-}
-
 // Without everything from an element on.
 Bytes unitBefore(const BitWriter& syntax, const std::string& element) {
-    return unitOf(frontOf(syntax, element).trailingBits());
+    return unitOf(bitsBefore(syntax, element).trailingBits());
 }
 
 Bytes withHeader(Bytes unit, const Bytes& header) {
@@ -131,7 +115,7 @@ Bytes withHeader(Bytes unit, const Bytes& header) {
 
 // A code of 33 zero bits.
 Bytes hevcUnitWithLongCode() {
-    BitWriter syntax = frontOf(hevcSps(), "sps_seq_parameter_set_id");
+    BitWriter syntax = bitsBefore(hevcSps(), "sps_seq_parameter_set_id");
     syntax.u(34, "sps_seq_parameter_set_id", 1).ue("chroma_format_idc", 1).ue("width", 8).ue("height", 8);
     return unitOf(syntax.trailingBits());
 }
@@ -259,7 +243,7 @@ class ContractAgainstStandard : public CoreTest {};
 
 TEST_F(ContractAgainstStandard, eachExampleHasItsDepartures) {
     for (const Example& each : examples()) {
-        SCOPED_TRACE(std::string(each.name) + "\n" + hexOf(each.set.unit));
+        SCOPED_TRACE(std::string(each.name) + "\n" + textOf(each.set));
         std::set<std::string> tags;
         for (const StandardComparison& comparison : comparisonsOf(each.set)) {
             EXPECT_EQ(comparison.unexplained, std::vector<std::string>{});
@@ -347,21 +331,13 @@ TEST_F(ContractAgainstStandard, anEscapeExplainsNothingBeforeIt) {
 
 // --- Streams ---
 
-Bytes bytesOfHex(const std::string& hex) {
-    Bytes bytes;
-    for (size_t i = 0; i + 1 < hex.size(); i += 2) {
-        bytes.push_back(static_cast<uint8_t>(std::stoul(hex.substr(i, 2), nullptr, 16)));
-    }
-    return bytes;
-}
-
 // The parameter sets of a stream: those that the tools found, also in containers, and every unit of the type
 // in a byte stream.
 std::vector<ParameterSet> setsOf(const Stream& stream) {
     const Codec codec = stream.codec() == QVCodecIDAvc ? Codec::Avc : Codec::Hevc;
     std::vector<ParameterSet> sets;
     for (const auto& sps : stream.expectation.at("sps")) {
-        sets.push_back({codec, bytesOfHex(sps.at("nal_hex"))});
+        sets.push_back({codec, hex(sps.at("nal_hex"))});
     }
     if (stream.framing() == "annexb") {
         const uint32_t type = codec == Codec::Avc ? 7 : 33;

@@ -32,6 +32,16 @@ size_t endOf(const BitWriter& syntax, const std::string& element) {
     return found.position + found.width;
 }
 
+BitWriter bitsBefore(const BitWriter& syntax, const std::string& element) {
+    const size_t end = startOf(syntax, element);
+    const Bytes bytes = syntax.bytes();
+    BitWriter before;
+    for (size_t bit = 0; bit < end; ++bit) {
+        before.u(1, "", static_cast<uint64_t>(bytes[bit / 8] >> (7 - bit % 8) & 1));
+    }
+    return before;
+}
+
 unsigned ElementCutter::take(unsigned width) {
     const auto taken = static_cast<unsigned>(std::min<size_t>(width, bitsLeft_));
     bitsLeft_ -= taken;

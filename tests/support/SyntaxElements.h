@@ -18,6 +18,9 @@ std::string indexed(const std::string& name, size_t index);
 size_t startOf(const BitWriter& syntax, const std::string& element);
 size_t endOf(const BitWriter& syntax, const std::string& element);
 
+// The elements before an element, without their names.
+BitWriter bitsBefore(const BitWriter& syntax, const std::string& element);
+
 class ElementWriter {
 public:
     template <class Value>
