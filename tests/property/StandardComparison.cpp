@@ -426,7 +426,7 @@ StandardComparison compareAvcSps(const Bytes& unit, AvcInput input, bool isAccep
         comparer.verdict("another unit is accepted", 0, "D40");
     }
     if (isAccepted && !elements.isComplete()) {
-        comparer.verdict("accepted in spite of " + qv::textOf(standard.fault), standard.fault.firstBit,
+        comparer.verdict("accepted despite " + qv::textOf(standard.fault), standard.fault.firstBit,
                          tagOfAvcFault(standard.fault));
     }
     if (!isAccepted && elements.isComplete() && !isSizeOfNoLevel(elements)) {
@@ -459,7 +459,7 @@ StandardComparison compareHevcSps(const Bytes& unit, bool isAccepted, const QVHe
     }
     // With MultiLayerExtSpsFlag the last element of the head is not present.
     if (!elements.isComplete() && standard.fault) {
-        comparer.verdict("accepted in spite of " + qv::textOf(standard.fault), standard.fault.firstBit,
+        comparer.verdict("accepted despite " + qv::textOf(standard.fault), standard.fault.firstBit,
                          tagOfHevcFault(standard.fault));
     }
     compareHevcHead(comparer, sps);

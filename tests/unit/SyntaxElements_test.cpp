@@ -59,5 +59,13 @@ TEST(SyntaxElements, positionsOfElements) {
     EXPECT_THROW(startOf(out, "third"), std::logic_error);
 }
 
+TEST(SyntaxElements, bitsBeforeAnElement) {
+    BitWriter out;
+    out.u(10, "first", 0x2A7).ue("second", 6);
+    const BitWriter before = bitsBefore(out, "second");
+    EXPECT_EQ(before.bitCount(), 10U);
+    EXPECT_EQ(before.bytes(), (Bytes{0xA9, 0xC0}));
+}
+
 }  // namespace
 }  // namespace qv_test
