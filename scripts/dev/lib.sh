@@ -116,7 +116,7 @@ list_from() {
 test_programs() {
     local folder
     for folder in "$@"; do
-        sed -En 's/^(qvnalu_test|add_executable)\((\w+_test)\b.*/\2/p' "tests/$folder/CMakeLists.txt" | grep . || {
+        sed -En 's/^(\w+_test|add_executable)\((\w+_test)\b.*/\2/p' "tests/$folder/CMakeLists.txt" | grep . || {
             echo "no test programs in tests/$folder/CMakeLists.txt" >&2
             return 1
         }

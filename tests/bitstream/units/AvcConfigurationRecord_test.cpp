@@ -345,9 +345,9 @@ TEST(AvcConfigurationRecord, madeOfSeveralSets) {
 }
 
 // seq_parameter_set_id 0, chroma_format_idc 3, separate_colour_plane_flag 1, bit_depth_luma_minus8 2,
-// bit_depth_chroma_minus8 1: 1 00100 1 0 | 11 010 ...
+// bit_depth_chroma_minus8 1: 1 00100 1 0 | 11 010 1 00
 TEST(AvcConfigurationRecord, madeOfSeparateColourPlanes) {
-    EXPECT_EQ(made({hex("67 F4 00 0D 92 D0")}), "01 F4 00 0D FF E1 00 06 67 F4 00 0D 92 D0 00 FF FA F9 00");
+    EXPECT_EQ(made({hex("67 F4 00 0D 92 D4")}), "01 F4 00 0D FF E1 00 06 67 F4 00 0D 92 D4 00 FF FA F9 00");
 }
 
 TEST(AvcConfigurationRecord, whatNoRecordIsMadeOf) {
