@@ -6,7 +6,7 @@
 #include "FuzzInput.h"
 #include "analysis/Analysis.h"
 #include "analysis/StreamDetails.h"
-#include "input/RawProbe.h"
+#include "bitstream/units/CodecProbe.h"
 #include "input/RawReader.h"
 
 namespace {
@@ -44,7 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
     const size_t mostBytes = size_t{1} + input.byte();
     const std::vector<uint8_t> data = input.restAsVector();
 
-    qvinspect::probeRaw(data.data(), data.size());
+    qv::probeCodec({data.data(), data.size()}, qv::Framing::StartCodes);
     qvinspect::RawReader reader(std::make_unique<PieceSource>(data, mostBytes), parameters, limits);
     qvinspect::StreamDetails details(codec, {});
     qvinspect::AccessUnit accessUnit;

@@ -18,9 +18,9 @@ extern "C" {
 #include <vector>
 
 #include "Interrupt.h"
+#include "bitstream/units/CodecProbe.h"
 #include "input/Budgets.h"
 #include "input/InputError.h"
-#include "input/RawProbe.h"
 
 namespace qvinspect {
 
@@ -254,14 +254,15 @@ void ContainerFile::probeUnnamed() {
     for (const Packet& packet : ahead_) {
         const AVStream& stream = *context_->streams[packet->stream_index];
         std::vector<uint8_t>& head = heads[packet->stream_index];
-        if (isWithoutCodec(stream) && head.size() < kProbeBytes) {
+        if (isWithoutCodec(stream) && head.size() < qv::kProbeBytes) {
             head.insert(head.end(), packet->data, packet->data + packet->size);
         }
     }
     for (const auto& [index, head] : heads) {
-        const RawCodec codec = probeRaw(head.data(), head.size()).codec;
-        if (codec == RawCodec::Avc || codec == RawCodec::Hevc) {
-            probed_[index] = codec == RawCodec::Avc ? QVCodecIDAvc : QVCodecIDHevc;
+        const std::optional<qv::Codec> codec =
+            qv::probeCodec({head.data(), head.size()}, qv::Framing::StartCodes).codec();
+        if (codec) {
+            probed_[index] = *codec == qv::Codec::Avc ? QVCodecIDAvc : QVCodecIDHevc;
         }
     }
 }

@@ -4,14 +4,11 @@
 
 #include <utility>
 
-#include "QVCoreStandalone.h"
-#include "QVNaluParser.h"
-#include "analysis/CoreHooks.h"
+#include "bitstream/units/CodecProbe.h"
 #include "input/ContainerSignature.h"
 #include "input/Containers.h"
 #include "input/FileSource.h"
 #include "input/InputError.h"
-#include "input/RawProbe.h"
 #include "input/RawReader.h"
 
 namespace qvinspect {
@@ -27,21 +24,17 @@ struct Input {
     const InputOptions& options;
 };
 
-std::optional<QVCodecID> codecOf(RawCodec codec) {
-    switch (codec) {
-        case RawCodec::Avc:
-            return QVCodecIDAvc;
-        case RawCodec::Hevc:
-            return QVCodecIDHevc;
-        case RawCodec::Neither:
-        case RawCodec::Ambiguous:
-            break;
-    }
-    return std::nullopt;
+std::optional<QVCodecID> codecOf(const qv::CodecProbe& probe) {
+    const std::optional<qv::Codec> codec = probe.codec();
+    return !codec ? std::nullopt : std::optional(*codec == qv::Codec::Avc ? QVCodecIDAvc : QVCodecIDHevc);
 }
 
-[[noreturn]] void refuse(RawCodec codec) {
-    if (codec == RawCodec::Ambiguous) {
+qv::CodecProbe probe(const Head& head, qv::Framing framing) {
+    return qv::probeCodec({head.data(), head.size()}, framing);
+}
+
+[[noreturn]] void refuse(const qv::CodecProbe& found) {
+    if (found.answer == qv::CodecProbe::Answer::Ambiguous) {
         throw InputError("could be H.264 or H.265; say which with --codec h264 or --codec h265");
     }
     throw InputError(
@@ -50,7 +43,7 @@ std::optional<QVCodecID> codecOf(RawCodec codec) {
 }
 
 const Head& headOf(FileSource& file) {
-    const Head& head = file.peek(kProbeBytes);
+    const Head& head = file.peek(qv::kProbeBytes);
     if (!head.empty()) {
         return head;
     }
@@ -68,30 +61,10 @@ Reader openRaw(Input input, const QVCodecParameters& stream) {
 
 // --- Length fields ---
 
-struct QvFree {
-    void operator()(unsigned char* memory) const { qvFree(memory); }
-};
-
-// The units that are whole, with start codes as the probe wants them.
-RawProbe probeLengths(const Head& head, unsigned lengthSize) {
-    const LogCapture brokenLengths;  // the reader will tell
-    const auto size = static_cast<int>(head.size());
-    std::vector<std::pair<int, int>> nalus;
-    QVNaluParser::parserDataToNalus(head.data(), size, nalus, static_cast<int>(lengthSize));
-    const int end = nalus.empty() ? 0 : nalus.back().first + nalus.back().second;
-    unsigned char* annexB = nullptr;
-    int annexBSize = 0;
-    if (QVNaluParser::connvertAvcCToAnnexB(head.data(), end, static_cast<int>(lengthSize), &annexB,
-                                           annexBSize) != QVResultOk) {
-        return {RawCodec::Neither, false};
-    }
-    const std::unique_ptr<unsigned char, QvFree> owner(annexB);
-    return probeRaw(annexB, static_cast<size_t>(annexBSize));
-}
-
-Reader openLengths(Input input, uint8_t lengthSize) {
+Reader openLengths(Input input, qv::Framing framing) {
     const std::optional<QVCodecID> codec =
-        input.options.codec ? input.options.codec : codecOf(probeLengths(input.head, lengthSize).codec);
+        input.options.codec ? input.options.codec : codecOf(probe(input.head, framing));
+    const auto lengthSize = static_cast<uint8_t>(qv::lengthSizeOf(framing));
     if (!codec) {
         throw InputError(fmt::format(
             "holds no H.264 or H.265 behind lengths of {} bytes as far as can be told; check --format, or "
@@ -108,7 +81,7 @@ Reader openByteStream(Input input, QVCodecID codec) {
 }
 
 Reader openAnnexB(Input input) {
-    const RawCodec found = probeRaw(input.head.data(), input.head.size()).codec;
+    const qv::CodecProbe found = probe(input.head, qv::Framing::StartCodes);
     const std::optional<QVCodecID> codec = input.options.codec ? input.options.codec : codecOf(found);
     if (!codec) {
         refuse(found);
@@ -145,10 +118,10 @@ Reader openAsFound(Input input) {
     if (containerSignature(head.data(), head.size()) != nullptr) {
         return openAsContainer(std::move(input));
     }
-    const RawProbe probe = probeRaw(head.data(), head.size());
-    const std::optional<QVCodecID> codec = input.options.codec ? input.options.codec : codecOf(probe.codec);
+    const qv::CodecProbe found = probe(head, qv::Framing::StartCodes);
+    const std::optional<QVCodecID> codec = input.options.codec ? input.options.codec : codecOf(found);
     // Start codes further in can stand inside of anything: the rarer containers come first.
-    if (!codec || (!probe.beginsWithStartCode && looksLikeContainer(head))) {
+    if (!codec || (!found.beginsWithStartCode && looksLikeContainer(head))) {
         ContainerResult container = tryContainer(input);
         if (container.reader != nullptr) {
             return std::move(container.reader);
@@ -159,7 +132,7 @@ Reader openAsFound(Input input) {
         input.file->seek(0);
     }
     if (!codec) {
-        refuse(probe.codec);
+        refuse(found);
     }
     return openByteStream(std::move(input), *codec);
 }
@@ -174,11 +147,11 @@ std::unique_ptr<AccessUnitReader> openInput(const std::string& path, const Input
         case InputFormat::AnnexB:
             return openAnnexB(std::move(input));
         case InputFormat::Lengths1:
-            return openLengths(std::move(input), 1);
+            return openLengths(std::move(input), qv::Framing::Lengths1);
         case InputFormat::Lengths2:
-            return openLengths(std::move(input), 2);
+            return openLengths(std::move(input), qv::Framing::Lengths2);
         case InputFormat::Lengths4:
-            return openLengths(std::move(input), 4);
+            return openLengths(std::move(input), qv::Framing::Lengths4);
         case InputFormat::Container:
             return openAsContainer(std::move(input));
         case InputFormat::Auto:
