@@ -6,15 +6,14 @@
 #include <utility>
 
 #include "QVCoreStandalone.h"
-#include "analysis/CodedPositions.h"
 #include "analysis/CoreHooks.h"
 #include "analysis/FirstBytes.h"
 #include "analysis/NalUnitNames.h"
 #include "analysis/SeiBlocks.h"
 #include "analysis/SeiNames.h"
 #include "analysis/SeiTypes.h"
+#include "bitstream/units/Rbsp.h"
 #include "input/Budgets.h"
-#include "input/UnescapedUnit.h"
 
 namespace qvinspect {
 
@@ -35,22 +34,24 @@ bool isTrailing(const QVByteStream& rbsp) {
 }
 
 // The place of a payload of size bytes at position of the unescaped unit.
-void place(SeiMessage& message, const CodedPositions& positions, size_t position, uint64_t unitOffset) {
-    const size_t begin = positions.of(position);
+void place(SeiMessage& message, qv::RbspPositions& positions, size_t position, uint64_t unitOffset) {
+    const size_t begin = positions.codedByte(position);
     const size_t size = message.payload.size();
     message.offset = unitOffset + begin;
-    message.codedSize = size == 0 ? 0 : static_cast<uint32_t>(positions.of(position + size - 1) + 1 - begin);
+    message.codedSize =
+        size == 0 ? 0 : static_cast<uint32_t>(positions.codedByte(position + size - 1) + 1 - begin);
 }
 
 // sei_rbsp(): every message of the unit, whichever of them the library's walk looks at. The first most of
 // them are described, the others are counted.
 void readMessages(const unsigned char* data, size_t size, size_t header, size_t most, SeiUnit& sei) {
-    std::vector<uint8_t> unit = unescapedUnit(data, size, size);
+    std::vector<uint8_t> unit(size);
+    unit.resize(qv::unescape({data, size}, header, unit.data(), unit.size()));
     dropTrailingZeros(unit);
     if (unit.size() <= header) {
         return;
     }
-    const CodedPositions positions(data, size);
+    qv::RbspPositions positions({data, size}, header);
     QVByteStream rbsp(unit.data() + header, unit.size() - header);
     const LogCapture quiet;  // the walk has its own lines
     for (uint64_t number = 1; !isTrailing(rbsp); ++number) {
@@ -59,7 +60,7 @@ void readMessages(const unsigned char* data, size_t size, size_t header, size_t 
         int payloadSize = 0;
         if (QVNaluParser::parserPayloadParams(rbsp, payloadType, payloadSize) != QVResultOk) {
             sei.fault =
-                Finding{Severity::Error, sei.offset + positions.of(begin),
+                Finding{Severity::Error, sei.offset + positions.codedByte(begin),
                         fmt::format("SEI message {} of the unit is cut off: payloadType {}, payloadSize {}, "
                                     "of which {} bytes are there",
                                     number, static_cast<uint32_t>(payloadType),
