@@ -43,7 +43,7 @@ TEST(NalUnitNames, hevc) {
     EXPECT_STREQ(nalUnitName(QVCodecIDHevc, 47), "RSV_NVCL47");
     EXPECT_STREQ(nalUnitName(QVCodecIDHevc, 48), "UNSPEC48");
     EXPECT_STREQ(nalUnitName(QVCodecIDHevc, 63), "UNSPEC63");
-    EXPECT_STREQ(nalUnitName(QVCodecIDHevc, 64), "unknown");
+    EXPECT_STREQ(nalUnitName(QVCodecIDHevc, 64), "Reserved");
 }
 
 TEST(NalUnitNames, codecs) {

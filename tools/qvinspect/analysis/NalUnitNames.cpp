@@ -1,13 +1,17 @@
 // ITU-T H.264 (08/2021) and H.265 (08/2021) Table 7-1.
 #include "analysis/NalUnitNames.h"
 
-#include "input/AvcUnitTypes.h"
-#include "input/HevcUnitTypes.h"
+#include <iterator>
+
+#include "bitstream/avc/NalUnitType.h"
+#include "bitstream/hevc/NalUnitType.h"
+#include "bitstream/names/HevcNalUnitTypes.h"
 
 namespace qvinspect {
 
 namespace {
 
+// Shorter than those of qv::avc::nalUnitTypeName(): they fill a column.
 constexpr const char* kAvcNames[32] = {
     "unspecified",
     "slice of a non-IDR picture",
@@ -43,29 +47,12 @@ constexpr const char* kAvcNames[32] = {
     "unspecified",
 };
 
-constexpr const char* kHevcNames[64] = {
-    "TRAIL_N",     "TRAIL_R",     "TSA_N",       "TSA_R",          "STSA_N",         "STSA_R",
-    "RADL_N",      "RADL_R",      "RASL_N",      "RASL_R",         "RSV_VCL_N10",    "RSV_VCL_R11",
-    "RSV_VCL_N12", "RSV_VCL_R13", "RSV_VCL_N14", "RSV_VCL_R15",    "BLA_W_LP",       "BLA_W_RADL",
-    "BLA_N_LP",    "IDR_W_RADL",  "IDR_N_LP",    "CRA_NUT",        "RSV_IRAP_VCL22", "RSV_IRAP_VCL23",
-    "RSV_VCL24",   "RSV_VCL25",   "RSV_VCL26",   "RSV_VCL27",      "RSV_VCL28",      "RSV_VCL29",
-    "RSV_VCL30",   "RSV_VCL31",   "VPS_NUT",     "SPS_NUT",        "PPS_NUT",        "AUD_NUT",
-    "EOS_NUT",     "EOB_NUT",     "FD_NUT",      "PREFIX_SEI_NUT", "SUFFIX_SEI_NUT", "RSV_NVCL41",
-    "RSV_NVCL42",  "RSV_NVCL43",  "RSV_NVCL44",  "RSV_NVCL45",     "RSV_NVCL46",     "RSV_NVCL47",
-    "UNSPEC48",    "UNSPEC49",    "UNSPEC50",    "UNSPEC51",       "UNSPEC52",       "UNSPEC53",
-    "UNSPEC54",    "UNSPEC55",    "UNSPEC56",    "UNSPEC57",       "UNSPEC58",       "UNSPEC59",
-    "UNSPEC60",    "UNSPEC61",    "UNSPEC62",    "UNSPEC63",
-};
-
-template <size_t count>
-const char* nameIn(const char* const (&names)[count], uint32_t type) {
-    return type < count ? names[type] : "unknown";
-}
-
 }  // namespace
 
 const char* nalUnitName(QVCodecID codec, uint32_t type) {
-    return codec == QVCodecIDAvc ? nameIn(kAvcNames, type) : nameIn(kHevcNames, type);
+    return codec != QVCodecIDAvc         ? qv::hevc::nalUnitTypeName(type).name
+           : type < std::size(kAvcNames) ? kAvcNames[type]
+                                         : "unknown";
 }
 
 const char* codecName(QVCodecID codec) {
@@ -77,8 +64,9 @@ size_t headerSize(QVCodecID codec) {
 }
 
 bool isVcl(QVCodecID codec, uint32_t nal_unit_type) {
-    return codec == QVCodecIDAvc ? nal_unit_type >= kAvcSliceNut && nal_unit_type <= kAvcIdrSliceNut
-                                 : nal_unit_type < kHevcVpsNut;
+    return codec == QVCodecIDAvc
+               ? nal_unit_type >= qv::avc::kNalSliceNonIdr && nal_unit_type <= qv::avc::kNalSliceIdr
+               : nal_unit_type < qv::hevc::kNalVps;
 }
 
 }  // namespace qvinspect

@@ -6,10 +6,10 @@
 #include <string_view>
 #include <utility>
 
-#include "input/AvcUnitTypes.h"
+#include "bitstream/avc/NalUnitType.h"
+#include "bitstream/hevc/NalUnitType.h"
 #include "input/Budgets.h"
 #include "input/ConfigurationRecord.h"
-#include "input/HevcUnitTypes.h"
 
 namespace qvinspect {
 
@@ -40,12 +40,13 @@ StreamDetails::StreamDetails(QVCodecID codec, std::deque<int> requested)
     : codec_(codec), seiReader_(codec, std::move(requested)) {}
 
 bool StreamDetails::isSps(uint32_t nalUnitType) const {
-    return nalUnitType == (codec_ == QVCodecIDAvc ? kAvcSpsNut : kHevcSpsNut);
+    return nalUnitType == (codec_ == QVCodecIDAvc ? qv::avc::kNalSps : qv::hevc::kNalSps);
 }
 
 bool StreamDetails::isSei(uint32_t nalUnitType) const {
-    return codec_ == QVCodecIDAvc ? nalUnitType == kAvcSeiNut
-                                  : nalUnitType == kHevcPrefixSeiNut || nalUnitType == kHevcSuffixSeiNut;
+    return codec_ == QVCodecIDAvc
+               ? nalUnitType == qv::avc::kNalSei
+               : nalUnitType == qv::hevc::kNalPrefixSei || nalUnitType == qv::hevc::kNalSuffixSei;
 }
 
 // Remembers the content. True when it is known already.

@@ -10,8 +10,8 @@
 #include "analysis/NalUnitNames.h"
 #include "analysis/SeiNames.h"
 #include "analysis/SeiTypes.h"
-#include "input/AvcUnitTypes.h"
-#include "input/HevcUnitTypes.h"
+#include "bitstream/avc/NalUnitType.h"
+#include "bitstream/hevc/NalUnitType.h"
 
 namespace qvinspect {
 
@@ -96,9 +96,9 @@ void StreamCounter::addConfiguration(const ConfigurationDetails& configuration) 
 
 void StreamCounter::noteParameterSet(uint32_t nal_unit_type) {
     const bool isAvc = totals_.codec == QVCodecIDAvc;
-    hasVps_ |= nal_unit_type == kHevcVpsNut;
-    hasSps_ |= nal_unit_type == (isAvc ? kAvcSpsNut : kHevcSpsNut);
-    hasPps_ |= nal_unit_type == (isAvc ? kAvcPpsNut : kHevcPpsNut);
+    hasVps_ |= nal_unit_type == qv::hevc::kNalVps;
+    hasSps_ |= nal_unit_type == (isAvc ? qv::avc::kNalSps : qv::hevc::kNalSps);
+    hasPps_ |= nal_unit_type == (isAvc ? qv::avc::kNalPps : qv::hevc::kNalPps);
 }
 
 void StreamCounter::add(const AccessUnitView& view) {

@@ -2,7 +2,7 @@
 #include "input/AvcSliceHeader.h"
 
 #include "QVByteStream.h"
-#include "input/AvcUnitTypes.h"
+#include "bitstream/avc/NalUnitType.h"
 #include "input/UnescapedUnit.h"
 
 namespace qvinspect {
@@ -13,7 +13,7 @@ namespace {
 constexpr size_t kLongestHeaderStart = 64;
 
 bool isIdr(const AvcSliceHeader& slice) {
-    return slice.nal_unit_type == kAvcIdrSliceNut;
+    return slice.nal_unit_type == qv::avc::kNalSliceIdr;
 }
 
 void readPictureOrder(QVByteStream& in, const AvcSpsFields& sps, const AvcPpsFields& pps,

@@ -1,13 +1,14 @@
 // ITU-T H.264 (08/2021) 7.4.1.2.3 and 7.4.1.2.4.
 #include "input/AvcUnitRoles.h"
 
-#include "input/AvcUnitTypes.h"
+#include "bitstream/avc/NalUnitType.h"
 
 namespace qvinspect {
 
 namespace {
 constexpr unsigned kForbiddenZeroBit = 0x80;
-}
+constexpr unsigned kReserved18 = 18;
+}  // namespace
 
 UnitRole AvcUnitRoles::roleOf(const unsigned char* unit, size_t size) {
     isFieldSlice_ = false;
@@ -16,26 +17,26 @@ UnitRole AvcUnitRoles::roleOf(const unsigned char* unit, size_t size) {
     }
     const unsigned type = unit[0] & 0x1FU;
     switch (type) {
-        case kAvcSliceNut:
-        case kAvcPartitionANut:
-        case kAvcIdrSliceNut:
+        case qv::avc::kNalSliceNonIdr:
+        case qv::avc::kNalSliceDataPartitionA:
+        case qv::avc::kNalSliceIdr:
             return roleOfSlice(unit, size);
-        case kAvcSpsNut:
+        case qv::avc::kNalSps:
             parameterSets_.takeSps(unit, size);
             return UnitRole::MayBegin;
-        case kAvcPpsNut:
+        case qv::avc::kNalPps:
             parameterSets_.takePps(unit, size);
             return UnitRole::MayBegin;
-        case kAvcSeiNut:
+        case qv::avc::kNalSei:
             return UnitRole::MayBegin;
-        case kAvcDelimiterNut:
+        case qv::avc::kNalAccessUnitDelimiter:
             return UnitRole::Delimiter;
-        case kAvcEndOfSequenceNut:
-        case kAvcEndOfStreamNut:
+        case qv::avc::kNalEndOfSequence:
+        case qv::avc::kNalEndOfStream:
             hasEnded_ = true;
             return UnitRole::Belongs;
         default:
-            return type >= kAvcPrefixNut && type <= kAvcReserved18Nut ? UnitRole::MayBegin
+            return type >= qv::avc::kNalPrefix && type <= kReserved18 ? UnitRole::MayBegin
                                                                       : UnitRole::Belongs;
     }
 }

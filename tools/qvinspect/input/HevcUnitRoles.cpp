@@ -1,7 +1,7 @@
 // ITU-T H.265 (08/2021) 7.4.2.4.4 and 7.4.2.4.5.
 #include "input/HevcUnitRoles.h"
 
-#include "input/HevcUnitTypes.h"
+#include "bitstream/hevc/NalUnitType.h"
 
 namespace qvinspect {
 
@@ -11,6 +11,10 @@ constexpr unsigned kForbiddenZeroBit = 0x80;
 constexpr unsigned kFirstSliceSegmentInPicFlag = 0x80;
 constexpr size_t kUnitHeaderSize = 2;
 
+constexpr unsigned kReserved41 = 41;
+constexpr unsigned kReserved44 = 44;
+constexpr unsigned kUnspecified55 = 55;
+
 unsigned typeOf(const unsigned char* unit) {
     return (unit[0] >> 1) & 0x3FU;
 }
@@ -19,15 +23,10 @@ unsigned layerOf(const unsigned char* unit) {
     return (unit[0] & 0x01U) << 5 | unit[1] >> 3;
 }
 
-// The types that have a slice segment header; decoders drop the reserved VCL types.
-bool isSliceSegment(unsigned type) {
-    return type <= kHevcRaslRNut || (type >= kHevcBlaWLpNut && type <= kHevcCraNut);
-}
-
 bool mayBeginAccessUnit(unsigned type) {
-    return (type >= kHevcVpsNut && type <= kHevcPpsNut) || type == kHevcPrefixSeiNut ||
-           (type >= kHevcRsvNvcl41 && type <= kHevcRsvNvcl44) ||
-           (type >= kHevcUnspec48 && type <= kHevcUnspec55);
+    return (type >= qv::hevc::kNalVps && type <= qv::hevc::kNalPps) || type == qv::hevc::kNalPrefixSei ||
+           (type >= kReserved41 && type <= kReserved44) ||
+           (type >= qv::hevc::kNalUnspecified48 && type <= kUnspecified55);
 }
 
 }  // namespace
@@ -37,7 +36,8 @@ UnitRole HevcUnitRoles::roleOf(const unsigned char* unit, size_t size) {
         return UnitRole::Belongs;
     }
     const unsigned type = typeOf(unit);
-    if (isSliceSegment(type)) {
+    // Decoders drop the reserved VCL types.
+    if (qv::hevc::isSlice(type)) {
         const bool isFirst = size > kUnitHeaderSize && layerOf(unit) == 0 &&
                              (unit[kUnitHeaderSize] & kFirstSliceSegmentInPicFlag) != 0;
         return isFirst ? UnitRole::BeginsPicture : UnitRole::ContinuesPicture;
@@ -45,7 +45,7 @@ UnitRole HevcUnitRoles::roleOf(const unsigned char* unit, size_t size) {
     if (layerOf(unit) != 0) {
         return UnitRole::Belongs;
     }
-    if (type == kHevcAudNut) {
+    if (type == qv::hevc::kNalAccessUnitDelimiter) {
         return UnitRole::Delimiter;
     }
     return mayBeginAccessUnit(type) ? UnitRole::MayBegin : UnitRole::Belongs;

@@ -9,8 +9,8 @@
 #include "analysis/NalUnitNames.h"
 #include "analysis/SeiNames.h"
 #include "analysis/UnitBytes.h"
-#include "input/AvcUnitTypes.h"
-#include "input/HevcUnitTypes.h"
+#include "bitstream/avc/NalUnitType.h"
+#include "bitstream/hevc/NalUnitType.h"
 #include "report/FramingName.h"
 #include "report/SummaryScreen.h"
 #include "report/UnitTypeList.h"
@@ -42,9 +42,9 @@ const char* deliveryText(Delivery delivery) {
 
 bool isParameterSet(QVCodecID codec, uint32_t nal_unit_type) {
     return codec == QVCodecIDAvc
-               ? nal_unit_type == kAvcSpsNut || nal_unit_type == kAvcPpsNut ||
-                     nal_unit_type == kAvcSpsExtensionNut || nal_unit_type == kAvcSubsetSpsNut
-               : nal_unit_type >= kHevcVpsNut && nal_unit_type <= kHevcPpsNut;
+               ? nal_unit_type == qv::avc::kNalSps || nal_unit_type == qv::avc::kNalPps ||
+                     nal_unit_type == qv::avc::kNalSpsExtension || nal_unit_type == qv::avc::kNalSubsetSps
+               : nal_unit_type >= qv::hevc::kNalVps && nal_unit_type <= qv::hevc::kNalPps;
 }
 
 // No other picture refers to it: it has slices, and none of them is of a reference picture.

@@ -11,10 +11,10 @@
 #include "QVCoreStandalone.h"
 #include "QVNaluParser.h"
 #include "analysis/CoreHooks.h"
-#include "input/AvcUnitTypes.h"
+#include "bitstream/avc/NalUnitType.h"
+#include "bitstream/hevc/NalUnitType.h"
 #include "input/Budgets.h"
 #include "input/ConfigurationRecord.h"
-#include "input/HevcUnitTypes.h"
 #include "report/Diagnostics.h"
 
 namespace qvinspect {
@@ -32,18 +32,21 @@ uint32_t typeOf(QVCodecID codec, uint8_t firstByte) {
 }
 
 bool isParameterSet(QVCodecID codec, uint32_t type) {
-    return codec == QVCodecIDAvc ? type == kAvcSpsNut || type == kAvcPpsNut || type == kAvcSpsExtensionNut ||
-                                       type == kAvcSubsetSpsNut
-                                 : type == kHevcVpsNut || type == kHevcSpsNut || type == kHevcPpsNut;
+    return codec == QVCodecIDAvc
+               ? type == qv::avc::kNalSps || type == qv::avc::kNalPps || type == qv::avc::kNalSpsExtension ||
+                     type == qv::avc::kNalSubsetSps
+               : type == qv::hevc::kNalVps || type == qv::hevc::kNalSps || type == qv::hevc::kNalPps;
 }
 
 // What may stand ahead of the pictures of an access unit.
 bool mayLead(QVCodecID codec, uint32_t type) {
-    return isParameterSet(codec, type) || type == (codec == QVCodecIDAvc ? kAvcSeiNut : kHevcPrefixSeiNut);
+    return isParameterSet(codec, type) ||
+           type == (codec == QVCodecIDAvc ? qv::avc::kNalSei : qv::hevc::kNalPrefixSei);
 }
 
 bool isDelimiter(QVCodecID codec, uint32_t type) {
-    return type == (codec == QVCodecIDAvc ? kAvcDelimiterNut : kHevcAudNut);
+    return type ==
+           (codec == QVCodecIDAvc ? qv::avc::kNalAccessUnitDelimiter : qv::hevc::kNalAccessUnitDelimiter);
 }
 
 size_t lengthSizeOf(const QVCodecParameters& framing) {

@@ -11,8 +11,8 @@
 #include "QVHDRVividDynamicMetadata.h"
 #include "analysis/NalUnitNames.h"
 #include "analysis/SeiNames.h"
-#include "input/AvcUnitTypes.h"
-#include "input/HevcUnitTypes.h"
+#include "bitstream/avc/NalUnitType.h"
+#include "bitstream/hevc/NalUnitType.h"
 #include "report/FramingName.h"
 
 namespace qvinspect {
@@ -198,9 +198,9 @@ std::string describePicture(const SequenceParameterSet& sps) {
 std::string parameterSets(const StreamHead& head, const StreamTotals& totals) {
     const bool isAvc = totals.codec == QVCodecIDAvc;
     const auto& units = totals.unitsByType;
-    std::string text = isAvc ? "" : fmt::format("{} VPS, ", countOf(units, kHevcVpsNut));
-    text += fmt::format("{} SPS, {} PPS", countOf(units, isAvc ? kAvcSpsNut : kHevcSpsNut),
-                        countOf(units, isAvc ? kAvcPpsNut : kHevcPpsNut));
+    std::string text = isAvc ? "" : fmt::format("{} VPS, ", countOf(units, qv::hevc::kNalVps));
+    text += fmt::format("{} SPS, {} PPS", countOf(units, isAvc ? qv::avc::kNalSps : qv::hevc::kNalSps),
+                        countOf(units, isAvc ? qv::avc::kNalPps : qv::hevc::kNalPps));
     if (totals.hasConfiguration) {
         text += fmt::format("; {} SPS in the container", head.parameterSets.size());
     }
