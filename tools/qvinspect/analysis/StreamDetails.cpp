@@ -6,10 +6,10 @@
 #include <string_view>
 #include <utility>
 
+#include "analysis/UnitBytes.h"
 #include "bitstream/avc/NalUnitType.h"
 #include "bitstream/hevc/NalUnitType.h"
 #include "input/Budgets.h"
-#include "input/ConfigurationRecord.h"
 
 namespace qvinspect {
 
@@ -109,14 +109,14 @@ void StreamDetails::addRecordSei(const std::vector<uint8_t>& unit, uint32_t type
 ConfigurationDetails StreamDetails::addConfiguration(const std::vector<uint8_t>& record) {
     ConfigurationDetails configuration;
     size_t leftOutSps = 0;
-    const ConfigurationUnits found = configurationUnits(codec_, record);
+    const RecordUnits found = recordUnits(codec_, record);
     if (found.leftOut > 0) {
         configuration.findings.push_back(
             {Severity::Error, std::nullopt,
              fmt::format("the configuration record has {} NAL units; those after the first {} are left out",
                          found.units.size() + found.leftOut, found.units.size())});
     }
-    for (const std::vector<uint8_t>& unit : found.units) {
+    for (const qv::Bytes unit : found.units) {
         if (unit.empty()) {
             continue;
         }
@@ -126,13 +126,13 @@ ConfigurationDetails StreamDetails::addConfiguration(const std::vector<uint8_t>&
             ++leftOutSps;
         } else if (isSps(type)) {
             UnitDetails details;
-            takeSps(unit.data(), unit.size(), details);
+            takeSps(unit.data, unit.size, details);
             if (details.newSps) {
                 configuration.parameterSets.push_back(*details.newSps);
             }
         }
         if (isSei(type)) {
-            addRecordSei(unit, type, configuration);
+            addRecordSei({unit.begin(), unit.end()}, type, configuration);
         }
     }
     addFindings(seiReader_.finish(), leftOutSps, "configuration record", configuration.findings);

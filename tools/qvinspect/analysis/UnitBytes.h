@@ -8,6 +8,7 @@
 
 #include "analysis/AccessUnitView.h"
 #include "bitstream/units/ConfigurationRecord.h"
+#include "input/Budgets.h"
 
 namespace qvinspect {
 
@@ -45,6 +46,24 @@ void forEachRecordUnit(QVCodecID codec, const std::vector<uint8_t>& record, cons
             visit(UnitBytes{++number, static_cast<uint64_t>(unit.bytes.data - record.data()), unit.bytes,
                             true});
         });
+}
+
+// The units of a configuration record, or of the byte stream in its place, borrowed from it.
+struct RecordUnits {
+    std::vector<qv::Bytes> units;  // the first kMostRecordUnits
+    size_t leftOut = 0;            // units after these
+};
+
+inline RecordUnits recordUnits(QVCodecID codec, const std::vector<uint8_t>& record) {
+    RecordUnits found;
+    forEachRecordUnit(codec, record, [&](const UnitBytes& unit) {
+        if (found.units.size() < kMostRecordUnits) {
+            found.units.push_back(unit.bytes);
+        } else {
+            ++found.leftOut;
+        }
+    });
+    return found;
 }
 
 }  // namespace qvinspect

@@ -11,10 +11,10 @@
 #include "QVCoreStandalone.h"
 #include "QVNaluParser.h"
 #include "analysis/CoreHooks.h"
+#include "analysis/UnitBytes.h"
 #include "bitstream/avc/NalUnitType.h"
 #include "bitstream/hevc/NalUnitType.h"
 #include "input/Budgets.h"
-#include "input/ConfigurationRecord.h"
 #include "report/Diagnostics.h"
 
 namespace qvinspect {
@@ -172,14 +172,14 @@ void StreamWriter::begin(const StreamHead& head) {
 void StreamWriter::useConfiguration(QVCodecID codec, const std::vector<uint8_t>& record,
                                     uint64_t accessUnit) {
     configuration_.clear();
-    ConfigurationUnits found = configurationUnits(codec, record);
+    const RecordUnits found = recordUnits(codec, record);
     if (found.leftOut > 0) {
         lose(accessUnit,
              fmt::format("{} NAL units of the container's configuration record are left out", found.leftOut));
     }
-    for (std::vector<uint8_t>& unit : found.units) {
+    for (const qv::Bytes unit : found.units) {
         if (!unit.empty() && mayLead(codec, typeOf(codec, unit[0]))) {
-            configuration_.push_back({typeOf(codec, unit[0]), std::move(unit)});
+            configuration_.push_back({typeOf(codec, unit[0]), {unit.begin(), unit.end()}});
         }
     }
 }
