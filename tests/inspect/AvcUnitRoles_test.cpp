@@ -318,10 +318,7 @@ std::vector<SliceCase> fallBackCases() {
     const AvcSliceSyntax last = changed({}, [](auto& s) { s.frame_num = 1; });
     const SliceChange zero = [](auto& s) { s.first_mb_in_slice = 0; };
     const SliceChange otherFrameNum = [](auto& s) { s.frame_num = 2; };
-    const Bytes refusedSps = withEmulationPrevention(highAvcSps([](auto& s) {
-                                                         s.bit_depth_luma_minus8 = 1;
-                                                         s.bit_depth_chroma_minus8 = 2;
-                                                     }).bytes());
+    const Bytes badSps = avcSpsUnit([](auto& s) { s.pic_order_cnt_type = 3; });
     const Bytes badPps = avcPpsUnit([](auto& p) {
         p.num_slice_groups_minus1 = 8;
         p.writeSliceGroups = [](BitWriter&) {};
@@ -335,10 +332,11 @@ std::vector<SliceCase> fallBackCases() {
         row("noSps", {avcPpsUnit()}, last, zero, next),
         row("ppsOfAnotherSps", {avcSpsUnit(), avcPpsUnit([](auto& p) { p.seq_parameter_set_id = 1; })}, last,
             otherFrameNum, seems),
-        row("refusedSps", {refusedSps, avcPpsUnit()}, last, otherFrameNum, seems),
-        row("refusedSpsTakesTheOthersPlace", {avcSpsUnit(), refusedSps, avcPpsUnit()}, last, otherFrameNum,
-            seems),
-        row("badPpsTakesTheOthersPlace", {avcSpsUnit(), avcPpsUnit(), badPps}, last, otherFrameNum, seems),
+        row("badSps", {badSps, avcPpsUnit()}, last, otherFrameNum, seems),
+        row("badPps", {avcSpsUnit(), badPps}, last, otherFrameNum, seems),
+        // The last one that is whole stays in force.
+        row("badSpsAfterAnother", {avcSpsUnit(), badSps, avcPpsUnit()}, last, otherFrameNum, next),
+        row("badPpsAfterAnother", {avcSpsUnit(), avcPpsUnit(), badPps}, last, otherFrameNum, next),
         row("spsIdOutOfRange",
             {avcSpsUnit(), avcSpsUnit([](auto& s) { s.seq_parameter_set_id = 32; }), avcPpsUnit()}, last,
             otherFrameNum, next),
@@ -359,10 +357,12 @@ std::vector<SliceCase> colourPlaneCases() {
         };
     };
     return {
-        row("plane1", {sps, avcPpsUnit()}, last, plane(1, 0), UnitRole::SeemsToContinue),
-        row("plane2", {sps, avcPpsUnit()}, last, plane(2, 0), UnitRole::SeemsToContinue),
-        row("plane0Later", {sps, avcPpsUnit()}, last, plane(0, 7), UnitRole::SeemsToContinue),
-        row("plane0Again", {sps, avcPpsUnit()}, last, plane(0, 0), UnitRole::BeginsPicture),
+        row("plane1", {sps, avcPpsUnit()}, last, plane(1, 0), UnitRole::ContinuesPicture),
+        row("plane2", {sps, avcPpsUnit()}, last, plane(2, 0), UnitRole::ContinuesPicture),
+        row("plane0Later", {sps, avcPpsUnit()}, last, plane(0, 7), UnitRole::ContinuesPicture),
+        row(
+            "nextPicture", {sps, avcPpsUnit()}, last, [](auto& s) { s.frame_num = 1; },
+            UnitRole::BeginsPicture),
     };
 }
 

@@ -1,9 +1,11 @@
 // ITU-T H.264 (08/2021) 7.3.3 and 7.4.1.2.4.
 #include "input/AvcSliceHeader.h"
 
+#include <array>
+
 #include "QVByteStream.h"
 #include "bitstream/avc/NalUnitType.h"
-#include "input/UnescapedUnit.h"
+#include "bitstream/units/Rbsp.h"
 
 namespace qvinspect {
 
@@ -16,12 +18,18 @@ bool isIdr(const AvcSliceHeader& slice) {
     return slice.nal_unit_type == qv::avc::kNalSliceIdr;
 }
 
-void readPictureOrder(QVByteStream& in, const AvcSpsFields& sps, const AvcPpsFields& pps,
+// A fault in the VUI does not matter to slice headers.
+bool isUsable(const qv::avc::Activation& sets) {
+    return sets.problem == qv::ActivationProblem::None ||
+           (sets.problem == qv::ActivationProblem::FaultySps && sets.sps->vui_parameters_present_flag);
+}
+
+void readPictureOrder(QVByteStream& in, const qv::avc::SpsData& sps, const qv::avc::Pps& pps,
                       AvcSliceHeader& slice) {
     const bool hasBothFields = pps.bottom_field_pic_order_in_frame_present_flag && slice.field_pic_flag == 0;
     slice.pic_order_cnt_type = sps.pic_order_cnt_type;
     if (sps.pic_order_cnt_type == 0) {
-        slice.pic_order_cnt_lsb = in.readBits(sps.log2MaxPicOrderCntLsb);
+        slice.pic_order_cnt_lsb = in.readBits(sps.log2_max_pic_order_cnt_lsb_minus4 + 4);
         if (hasBothFields) {
             slice.delta_pic_order_cnt_bottom = in.readGolombSe();
         }
@@ -34,10 +42,13 @@ void readPictureOrder(QVByteStream& in, const AvcSpsFields& sps, const AvcPpsFie
     }
 }
 
-// slice_header() from frame_num on.
-void readPictureIdentity(QVByteStream& in, const AvcSpsFields& sps, const AvcPpsFields& pps,
+// slice_header() from colour_plane_id on.
+void readPictureIdentity(QVByteStream& in, const qv::avc::SpsData& sps, const qv::avc::Pps& pps,
                          AvcSliceHeader& slice) {
-    slice.frame_num = in.readBits(sps.log2MaxFrameNum);
+    if (sps.separate_colour_plane_flag) {
+        slice.colour_plane_id = in.readBits(2);
+    }
+    slice.frame_num = in.readBits(sps.log2_max_frame_num_minus4 + 4);
     if (!sps.frame_mbs_only_flag) {
         slice.field_pic_flag = in.readBit();
         if (slice.field_pic_flag != 0) {
@@ -56,9 +67,11 @@ void readPictureIdentity(QVByteStream& in, const AvcSpsFields& sps, const AvcPps
 }  // namespace
 
 AvcSliceHeader readAvcSliceHeader(const unsigned char* unit, size_t size,
-                                  const AvcParameterSets& parameterSets) {
-    const auto bytes = unescapedUnit(unit, size, kLongestHeaderStart);
-    QVByteStream in(bytes.data(), bytes.size());
+                                  qv::avc::ParameterSets& parameterSets) {
+    std::array<uint8_t, kLongestHeaderStart> bytes;
+    const size_t count =
+        qv::unescape(qv::Bytes(unit, size).first(bytes.size()), 1, bytes.data(), bytes.size());
+    QVByteStream in(bytes.data(), count);
 
     AvcSliceHeader slice{};
     in.readBit();  // forbidden_zero_bit
@@ -68,17 +81,12 @@ AvcSliceHeader readAvcSliceHeader(const unsigned char* unit, size_t size,
     in.readGolombUe();  // slice_type
     slice.pic_parameter_set_id = in.readGolombUe();
 
-    const AvcPpsFields* pps = parameterSets.pps(slice.pic_parameter_set_id);
-    const AvcSpsFields* sps = pps != nullptr ? parameterSets.sps(pps->seq_parameter_set_id) : nullptr;
-    if (sps == nullptr) {
-        return slice;
+    const qv::avc::Activation sets =
+        parameterSets.activate(slice.pic_parameter_set_id, qv::SliceBegins::CodedVideoSequence);
+    slice.isWhole = isUsable(sets);
+    if (slice.isWhole) {
+        readPictureIdentity(in, *sets.sps, *sets.pps, slice);
     }
-    if (sps->hasSeparateColourPlanes) {
-        slice.colour_plane_id = in.readBits(2);
-        return slice;
-    }
-    slice.isWhole = true;
-    readPictureIdentity(in, *sps, *pps, slice);
     return slice;
 }
 

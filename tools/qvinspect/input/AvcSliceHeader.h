@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "input/AvcParameterSets.h"
+#include "bitstream/avc/ParameterSets.h"
 
 namespace qvinspect {
 
@@ -14,11 +14,11 @@ struct AvcSliceHeader {
     uint32_t nal_unit_type;
     uint32_t first_mb_in_slice;
     uint32_t pic_parameter_set_id;
-    uint32_t colour_plane_id;
-
-    // The parameter sets are known. Without them nothing below is read.
+    // The parameter sets are known and whole as far as a slice header needs them. Without them nothing below
+    // is read.
     bool isWhole;
 
+    uint32_t colour_plane_id;  // 0 without separate_colour_plane_flag
     uint32_t frame_num;
     uint32_t field_pic_flag;
     uint32_t bottom_field_flag;
@@ -30,9 +30,9 @@ struct AvcSliceHeader {
     uint32_t redundant_pic_cnt;
 };
 
-// unit is a NAL unit of type 1, 2 or 5.
+// unit is a NAL unit of type 1, 2 or 5, which makes its parameter sets active.
 AvcSliceHeader readAvcSliceHeader(const unsigned char* unit, size_t size,
-                                  const AvcParameterSets& parameterSets);
+                                  qv::avc::ParameterSets& parameterSets);
 
 // True when slice is the first of a new primary coded picture behind one that last belongs to; both whole.
 bool beginsPrimaryPicture(const AvcSliceHeader& last, const AvcSliceHeader& slice);

@@ -22,10 +22,8 @@ UnitRole AvcUnitRoles::roleOf(const unsigned char* unit, size_t size) {
         case qv::avc::kNalSliceIdr:
             return roleOfSlice(unit, size);
         case qv::avc::kNalSps:
-            parameterSets_.takeSps(unit, size);
-            return UnitRole::MayBegin;
         case qv::avc::kNalPps:
-            parameterSets_.takePps(unit, size);
+            parameterSets_.take({unit, size});
             return UnitRole::MayBegin;
         case qv::avc::kNalSei:
             return UnitRole::MayBegin;
@@ -57,10 +55,8 @@ UnitRole AvcUnitRoles::roleOfSlice(const unsigned char* unit, size_t size) {
     if (last->isWhole && slice.isWhole) {
         return beginsPrimaryPicture(*last, slice) ? UnitRole::BeginsPicture : UnitRole::ContinuesPicture;
     }
-    // Without its parameter sets a slice says only this much. The three colour planes of a picture each
-    // begin at macroblock 0.
-    const bool seemsFirst = slice.first_mb_in_slice == 0 && slice.colour_plane_id == 0;
-    return seemsFirst ? UnitRole::BeginsPicture : UnitRole::SeemsToContinue;
+    // Without its parameter sets a slice says only this much.
+    return slice.first_mb_in_slice == 0 ? UnitRole::BeginsPicture : UnitRole::SeemsToContinue;
 }
 
 }  // namespace qvinspect

@@ -4,8 +4,8 @@
 
 #include <optional>
 
+#include "bitstream/avc/ParameterSets.h"
 #include "input/AccessUnitSplitter.h"
-#include "input/AvcParameterSets.h"
 #include "input/AvcSliceHeader.h"
 
 namespace qvinspect {
@@ -18,7 +18,7 @@ public:
 private:
     UnitRole roleOfSlice(const unsigned char* unit, size_t size);
 
-    AvcParameterSets parameterSets_;
+    qv::avc::ParameterSets parameterSets_;
     std::optional<AvcSliceHeader> last_;  // of the primary coded picture at hand
     bool isFieldSlice_ = false;
     bool hasEnded_ = false;  // an end of sequence or stream stands behind it
