@@ -12,13 +12,13 @@ namespace {
 
 using qvinspect::Clock;
 
+// A frame takes two ticks.
 qvinspect::SequenceParameterSet spsOf(uint32_t num_units_in_tick, uint32_t time_scale) {
     qvinspect::SequenceParameterSet sps{};
     sps.codec = QVCodecIDAvc;
     sps.isAccepted = true;
-    sps.avc.timing_info_present_flag = 1;
-    sps.avc.num_units_in_tick = num_units_in_tick;
-    sps.avc.time_scale = time_scale;
+    sps.video.emplace();
+    sps.video->pictureRate = qv::ratioOf(time_scale, 2 * uint64_t{num_units_in_tick});
     return sps;
 }
 
@@ -92,13 +92,10 @@ TEST(Clock, theLargestTiming) {
 }
 
 TEST(Clock, withoutTimingThereAreNoTimes) {
-    auto noTiming = spsOf(1, 8);
-    noTiming.avc.timing_info_present_flag = 0;
-    auto hevc = spsOf(1, 8);
-    hevc.codec = QVCodecIDHevc;
+    qvinspect::SequenceParameterSet noVideo{};
     const auto noTicks = spsOf(0, 8);
     const auto noScale = spsOf(1, 0);
-    const qvinspect::SequenceParameterSet* const cases[] = {nullptr, &noTiming, &hevc, &noTicks, &noScale};
+    const qvinspect::SequenceParameterSet* const cases[] = {nullptr, &noVideo, &noTicks, &noScale};
     for (const auto* sps : cases) {
         Clock clock(std::nullopt);
         expectNone(apply(clock, picture(sps)));

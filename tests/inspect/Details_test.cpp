@@ -142,8 +142,11 @@ int checkSps(const qvinspect::SequenceParameterSet& sps, const json& syntax) {
         }
     }
     const auto transfer = syntax.find("transfer_characteristics");
-    EXPECT_EQ(sps.transfer_characteristics,
-              transfer == syntax.end() ? std::nullopt : std::optional<uint32_t>(transfer->get<uint32_t>()));
+    const bool hasColour = sps.video && sps.video->colour;
+    EXPECT_EQ(hasColour, transfer != syntax.end());
+    if (hasColour && transfer != syntax.end()) {
+        EXPECT_EQ(sps.video->colour->transfer_characteristics, transfer->get<uint32_t>());
+    }
     return compared;
 }
 

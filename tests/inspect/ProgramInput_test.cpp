@@ -184,6 +184,20 @@ TEST_F(ProgramInput, streamOfARawStream) {
 
 // --- Parts ---
 
+// The stream without VPS, SPS and PPS.
+Bytes withoutParameterSets(const Bytes& stream) {
+    std::vector<std::pair<int, int>> nalus;
+    QVNaluParser::parserDataToNaluIdx(stream.data(), static_cast<int>(stream.size()), nalus);
+    std::vector<Bytes> units;
+    for (const auto& [offset, length] : nalus) {
+        const int type = stream[static_cast<size_t>(offset)] >> 1 & 0x3F;
+        if (type < 32 || type > 34) {
+            units.emplace_back(stream.begin() + offset, stream.begin() + offset + length);
+        }
+    }
+    return byteStream(units);
+}
+
 TEST_F(ProgramInput, partOfARawStream) {
     write("x", rawStream());
     const auto part = [&](std::vector<std::string> options) {
@@ -197,25 +211,14 @@ TEST_F(ProgramInput, partOfARawStream) {
     expectListed(later, "x", "access units      2\n");
     EXPECT_THAT(later.out, HasSubstr("AU 3 "));
     EXPECT_THAT(later.out, Not(HasSubstr("AU 2 ")));
-    expectRefused(part({"--start", "0.08"}), "x",
+    // By the timing of the parameter sets.
+    expectListed(part({"--start", "0.08"}), "x", "access units      2\n");
+    write("y", withoutParameterSets(rawStream()));
+    expectRefused(inspect({"--codec", "h265", "--start", "0.08", "y"}), "y",
                   "has no times that --start and --duration could count by; for a raw stream give "
                   "--frame-rate, or use --limit");
     expectRefused(part({"--frame-rate", "25", "--start", "9"}), "x",
                   "ends ahead of the part that --start asks for; give an earlier time");
-}
-
-// The stream without VPS, SPS and PPS.
-Bytes withoutParameterSets(const Bytes& stream) {
-    std::vector<std::pair<int, int>> nalus;
-    QVNaluParser::parserDataToNaluIdx(stream.data(), static_cast<int>(stream.size()), nalus);
-    std::vector<Bytes> units;
-    for (const auto& [offset, length] : nalus) {
-        const int type = stream[static_cast<size_t>(offset)] >> 1 & 0x3F;
-        if (type < 32 || type > 34) {
-            units.emplace_back(stream.begin() + offset, stream.begin() + offset + length);
-        }
-    }
-    return byteStream(units);
 }
 
 // What stands ahead of the part says how to read it.

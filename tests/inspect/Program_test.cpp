@@ -195,7 +195,7 @@ TEST_F(Program, reportsForPrograms) {
     EXPECT_EQ(nlohmann::json::parse(textOf(folder() + "/a.json")).at("level"), "nalus");
     EXPECT_EQ(parseLines(textOf(folder() + "/a.ndjson")).size(), 6U);
     EXPECT_THAT(textOf(folder() + "/a.csv"),
-                HasSubstr("\r\nx.h265,1,,true,4,24,32,VPS_NUT,typed,false,,,0\r\n"));
+                HasSubstr("\r\nx.h265,1,0,true,4,24,32,VPS_NUT,typed,false,,,0\r\n"));
 }
 
 TEST_F(Program, standardOutputIsForOneThing) {

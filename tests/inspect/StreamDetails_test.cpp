@@ -12,6 +12,7 @@
 #include "InspectSupport.h"
 #include "Mp4Writer.h"
 #include "analysis/StreamTotals.h"
+#include "bitstream/hevc/NalUnitType.h"
 
 namespace qv_test {
 namespace {
@@ -107,6 +108,58 @@ TEST(StreamDetails, parameterSetOfTheRecordThatComesAgain) {
     stream.add({spsOf(2)});
     EXPECT_EQ(stream.totals().distinctSps, 1U);
     EXPECT_EQ(stream.totals().repeatedSps, 1U);
+}
+
+// --- The VPS of an SPS ---
+
+Bytes vpsAt(uint32_t framesPerSecond) {
+    qv::hevc::Vps vps{};
+    vps.header.nal_unit_type = qv::hevc::kNalVps;
+    vps.header.nuh_temporal_id_plus1 = 1;
+    vps.vps_base_layer_internal_flag = true;
+    vps.vps_base_layer_available_flag = true;
+    vps.profile_tier_level.general.profile_idc = 1;
+    vps.profile_tier_level.general_level_idc = 60;
+    vps.vps_timing_info_present_flag = true;
+    vps.vps_num_units_in_tick = 1;
+    vps.vps_time_scale = framesPerSecond;
+    Bytes unit;
+    EXPECT_TRUE(qv::hevc::writeVps(vps, unit).ok());
+    return unit;
+}
+
+Bytes spsWithoutTiming() {
+    qv::hevc::Sps sps{};
+    sps.header.nal_unit_type = qv::hevc::kNalSps;
+    sps.header.nuh_temporal_id_plus1 = 1;
+    sps.profile_tier_level.general.profile_idc = 1;
+    sps.profile_tier_level.general_level_idc = 60;
+    sps.chroma_format_idc = 1;
+    sps.pic_width_in_luma_samples = 320;
+    sps.pic_height_in_luma_samples = 192;
+    sps.log2_diff_max_min_luma_coding_block_size = 3;
+    sps.log2_diff_max_min_luma_transform_block_size = 3;
+    Bytes unit;
+    EXPECT_TRUE(qv::hevc::writeSps(sps, unit).ok());
+    return unit;
+}
+
+qv::Ratio frameRateOf(const Inspected& stream) {
+    return stream.totals().sps ? stream.totals().sps->video->frameRate : qv::Ratio();
+}
+
+TEST(StreamDetails, timingOfTheVps) {
+    Inspected inStream(QVCodecIDHevc);
+    inStream.add({vpsAt(50), spsWithoutTiming()});
+    EXPECT_EQ(frameRateOf(inStream), qv::ratioOf(50, 1));
+
+    const Inspected inRecord(QVCodecIDHevc, hevcRecord({{vpsAt(25)}, {spsWithoutTiming()}}));
+    EXPECT_EQ(frameRateOf(inRecord), qv::ratioOf(25, 1));
+
+    Inspected without(QVCodecIDHevc);
+    without.add({spsWithoutTiming()});
+    ASSERT_TRUE(without.totals().sps);
+    EXPECT_FALSE(frameRateOf(without).isKnown());
 }
 
 // --- SEI units of configuration records ---

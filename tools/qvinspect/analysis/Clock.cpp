@@ -6,12 +6,8 @@ namespace qvinspect {
 
 namespace {
 
-std::optional<double> secondsPerFrame(const SequenceParameterSet* sps) {
-    if (sps == nullptr || sps->codec != QVCodecIDAvc || sps->avc.timing_info_present_flag == 0 ||
-        sps->avc.num_units_in_tick == 0 || sps->avc.time_scale == 0) {
-        return std::nullopt;
-    }
-    return 2.0 * sps->avc.num_units_in_tick / sps->avc.time_scale;
+std::optional<double> secondsPerPictureOf(const SequenceParameterSet* sps) {
+    return sps != nullptr && sps->video ? secondsPerPicture(*sps->video) : std::nullopt;
 }
 
 }  // namespace
@@ -21,7 +17,7 @@ void Clock::apply(AccessUnitView& view) {
         isRunning_ = false;
         return;
     }
-    const std::optional<double> frame = frameRate_ ? 1 / *frameRate_ : secondsPerFrame(view.details.sps);
+    const std::optional<double> frame = frameRate_ ? 1 / *frameRate_ : secondsPerPictureOf(view.details.sps);
     if (!frame || !std::isfinite(*frame)) {
         isRunning_ = false;
         return;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <initializer_list>
 
+#include "bitstream/names/Colour.h"
+
 namespace qvinspect {
 
 namespace {
@@ -200,44 +202,7 @@ const char* t35KindName(T35Kind kind) {
 }
 
 const char* transferName(uint32_t transfer_characteristics) {
-    switch (transfer_characteristics) {
-        case 1:
-            return "BT.709";
-        case 2:
-            return "unspecified";
-        case 4:
-            return "BT.470 System M, gamma 2.2";
-        case 5:
-            return "BT.470 System B/G, gamma 2.8";
-        case 6:
-            return "BT.601";
-        case 7:
-            return "SMPTE ST 240";
-        case 8:
-            return "linear";
-        case 9:
-            return "logarithmic, 100:1";
-        case 10:
-            return "logarithmic, 316:1";
-        case 11:
-            return "IEC 61966-2-4";
-        case 12:
-            return "BT.1361";
-        case 13:
-            return "IEC 61966-2-1 (sRGB)";
-        case 14:
-            return "BT.2020, 10 bit";
-        case 15:
-            return "BT.2020, 12 bit";
-        case 16:
-            return "SMPTE ST 2084 (PQ)";
-        case 17:
-            return "SMPTE ST 428-1";
-        case 18:
-            return "ARIB STD-B67 (HLG)";
-        default:
-            return "reserved";
-    }
+    return qv::transferCharacteristicsName(transfer_characteristics).name;
 }
 
 const char* activeFormatName(uint32_t active_format) {

@@ -3,15 +3,16 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cstdio>
-#include <iterator>
-#include <memory>
+#include <set>
+#include <string_view>
+#include <utility>
 
+#include "QVSpsCompletion.h"
 #include "QVTraceLog.h"
-#include "analysis/AvcVui.h"
 #include "analysis/CoreHooks.h"
-#include "analysis/HevcVui.h"
-#include "input/UnescapedUnit.h"
+#include "bitstream/avc/ProfileLevel.h"
+#include "bitstream/names/Colour.h"
+#include "bitstream/units/Rbsp.h"
 
 namespace qvinspect {
 
@@ -20,329 +21,279 @@ namespace {
 // Any real one is far shorter; the bound is for broken ones.
 constexpr size_t kMostBytes = 64 * 1024;
 
-std::string sizes(int width, int height, int codedWidth, int codedHeight) {
-    return width == codedWidth && height == codedHeight
-               ? fmt::format("{}x{}", width, height)
-               : fmt::format("{}x{} (coded {}x{})", width, height, codedWidth, codedHeight);
+// The elements of a damaged set that come before its fault.
+class ElementNames final : public qv::TraceVisitor {
+public:
+    void element(const qv::TracedElement& element) override { names_.insert(element.element.name); }
+
+    bool has(std::string_view name) const { return names_.count(name) > 0; }
+
+private:
+    std::set<std::string_view> names_;
+};
+
+// What a damaged set still says. afterPicture: the element after those of the picture.
+std::optional<VideoFormat> undamaged(const VideoFormat& video, const ElementNames& names,
+                                     const char* afterPicture, const char* lastOfColour) {
+    if (!names.has(afterPicture)) {
+        return std::nullopt;
+    }
+    VideoFormat read = video;
+    if (!names.has(lastOfColour)) {
+        read.colour.reset();
+    }
+    return read;
 }
 
-int avcCodedHeight(const QVAvcSps& sps) {
-    return 16 * sps.mb_height * (2 - sps.frame_mbs_only_flag);
+void readAvcRecord(qv::Bytes unit, SequenceParameterSet& set) {
+    const qv::Read<qv::avc::Sps> read = qv::avc::readSps(unit);
+    set.avcRecord = std::make_shared<const qv::avc::Sps>(read.record);
+    set.fault = textOf(read.fault);
+    set.video = videoFormatOf(read.record);
+    if (!read.ok()) {
+        ElementNames names;
+        qv::avc::traceSps(unit, names);
+        set.video = undamaged(*set.video, names, "vui_parameters_present_flag", "matrix_coefficients");
+    }
 }
 
-// The library logs profile, tier and level and keeps them in no field.
-void takeHevcProfile(SequenceParameterSet& sps) {
-    for (const std::string& line : sps.log) {
-        int space = 0;
-        if (std::sscanf(line.c_str(), "parseHevcSpsForProfile, profile:%d/%d/%d/%d", &space, &sps.tier,
-                        &sps.profile, &sps.level) == 4) {
+void readHevcRecord(qv::Bytes unit, const qv::hevc::Vps* vps, SequenceParameterSet& set) {
+    qv::Read<qv::hevc::Sps> read = qv::hevc::readSps(unit, vps);
+    // Of hrd_parameters() that a fault cuts off, entries may be missing.
+    read.record.vui.vui_hrd_parameters_present_flag &= read.ok();
+    set.fault = textOf(read.fault);
+    set.video = videoFormatOf(read.record, vps);
+    if (!read.ok()) {
+        ElementNames names;
+        qv::hevc::traceSps(unit, names, vps);
+        set.video = undamaged(*set.video, names, "log2_max_pic_order_cnt_lsb_minus4", "matrix_coeffs");
+    }
+    set.hevcRecord = std::make_shared<const qv::hevc::Sps>(read.record);
+}
+
+// The player's H.264 parser takes bytes as they are, so it is given those without emulation prevention.
+bool isAcceptedAvc(qv::Bytes unit, QVAvcSps& sps) {
+    std::vector<uint8_t> bytes(unit.size);
+    bytes.resize(qv::unescape(unit, 1, bytes.data(), bytes.size()));
+    if (!parseAvcSps(&sps, std::make_shared<QVByteStream>(bytes.data(), bytes.size()))) {
+        return false;
+    }
+    // Without it the record keeps the values that it has, and no SEI message is read with HRD fields.
+    static_cast<void>(completeAvcSps(&sps, unit.data, static_cast<int>(unit.size)));
+    return true;
+}
+
+bool isAcceptedHevc(qv::Bytes unit, QVHevcSps& sps) {
+    return parseHevcSps(&sps, std::make_shared<QVByteStream>(unit.data, unit.size));
+}
+
+std::string nameIn(const qv::Name& name) {
+    return name.name;
+}
+
+// The part of vui_parameters() that both codecs have.
+template <class Vui>
+void describeSignal(const Vui& vui, const VideoFormat& video, const char* matrix, Block& block) {
+    if (vui.aspect_ratio_info_present_flag) {
+        const qv::Ratio& ratio = video.sampleAspectRatio;
+        block.add("aspect_ratio_idc", int64_t{vui.aspect_ratio_idc},
+                  ratio.isKnown() ? fmt::format("{}:{}", ratio.numerator, ratio.denominator) : "unspecified");
+    }
+    block.add("video_full_range_flag", int64_t{vui.video_full_range_flag},
+              vui.video_signal_type_present_flag ? "" : "not sent");
+    if (video.colour) {
+        block.add("colour_primaries", int64_t{video.colour->colour_primaries},
+                  nameIn(qv::colourPrimariesName(video.colour->colour_primaries)));
+        block.add("transfer_characteristics", int64_t{video.colour->transfer_characteristics},
+                  nameIn(qv::transferCharacteristicsName(video.colour->transfer_characteristics)));
+        block.add(matrix, int64_t{video.colour->matrix_coefficients},
+                  nameIn(qv::matrixCoefficientsName(video.colour->matrix_coefficients)));
+    }
+}
+
+void describeRate(const qv::Ratio& rate, Field& field) {
+    if (rate.isKnown()) {
+        const double framesPerSecond =
+            static_cast<double>(rate.numerator) / static_cast<double>(rate.denominator);
+        field.note = fmt::format("{:.3f} frames/s", framesPerSecond);
+        field.derive({framesPerSecond}, "frames/s");
+    }
+}
+
+void describeHrd(const qv::avc::Hrd& hrd, Block& block) {
+    block.add("cpb_cnt_minus1", int64_t{hrd.cpb_cnt_minus1});
+    block.add("initial_cpb_removal_delay_length_minus1",
+              int64_t{hrd.initial_cpb_removal_delay_length_minus1});
+    block.add("cpb_removal_delay_length_minus1", int64_t{hrd.cpb_removal_delay_length_minus1});
+    block.add("dpb_output_delay_length_minus1", int64_t{hrd.dpb_output_delay_length_minus1});
+    block.add("time_offset_length", int64_t{hrd.time_offset_length});
+}
+
+void describeVui(const qv::avc::SpsData& sps, const VideoFormat& video, Block& block) {
+    block.add("vui_parameters_present_flag", int64_t{sps.vui_parameters_present_flag});
+    if (!sps.vui_parameters_present_flag) {
+        return;
+    }
+    const qv::avc::Vui& vui = sps.vui;
+    describeSignal(vui, video, "matrix_coefficients", block);
+    if (vui.timing_info_present_flag) {
+        block.add("num_units_in_tick", int64_t{vui.num_units_in_tick});
+        describeRate(video.frameRate, block.add("time_scale", int64_t{vui.time_scale}));
+        block.add("fixed_frame_rate_flag", int64_t{vui.fixed_frame_rate_flag});
+    }
+    block.add("nal_hrd_parameters_present_flag", int64_t{vui.nal_hrd_parameters_present_flag});
+    block.add("vcl_hrd_parameters_present_flag", int64_t{vui.vcl_hrd_parameters_present_flag});
+    if (vui.nal_hrd_parameters_present_flag || vui.vcl_hrd_parameters_present_flag) {
+        describeHrd(vui.nal_hrd_parameters_present_flag ? vui.nal_hrd_parameters : vui.vcl_hrd_parameters,
+                    block);
+    }
+    block.add("pic_struct_present_flag", int64_t{vui.pic_struct_present_flag});
+}
+
+void describeVui(const qv::hevc::Sps& sps, const VideoFormat& video, Block& block) {
+    block.add("vui_parameters_present_flag", int64_t{sps.vui_parameters_present_flag});
+    if (sps.vui_parameters_present_flag) {
+        const qv::hevc::Vui& vui = sps.vui;
+        describeSignal(vui, video, "matrix_coeffs", block);
+        block.add("field_seq_flag", int64_t{vui.field_seq_flag});
+        block.add("frame_field_info_present_flag", int64_t{vui.frame_field_info_present_flag});
+        block.add("vui_timing_info_present_flag", int64_t{vui.vui_timing_info_present_flag});
+        if (vui.vui_timing_info_present_flag) {
+            block.add("vui_num_units_in_tick", int64_t{vui.vui_num_units_in_tick});
+            describeRate(video.frameRate, block.add("vui_time_scale", int64_t{vui.vui_time_scale}));
             return;
         }
     }
+    if (video.frameRate.isKnown()) {
+        describeRate(video.frameRate, block.add("frame rate", std::string("by the VPS")));
+    }
 }
 
-void summarise(SequenceParameterSet& sps) {
-    if (sps.codec == QVCodecIDAvc) {
-        const QVAvcSps& avc = sps.avc;
-        sps.profile = avc.profile_idc;
-        sps.level = avc.level_idc;
-        sps.summary = fmt::format("{}, level {}, {}, {}, {} bit",
-                                  avcProfileName(avc.profile_idc, avc.constraint_set_flags),
-                                  avcLevelName(avc.level_idc, avc.profile_idc, avc.constraint_set_flags),
-                                  sizes(avc.width, avc.height, 16 * avc.mb_width, avcCodedHeight(avc)),
-                                  chromaName(avc.chroma_format_idc), avc.bit_depth_luma);
-        return;
-    }
-    takeHevcProfile(sps);
-    const QVHevcSps& hevc = sps.hevc;
-    sps.summary = fmt::format("{}, level {}{}, {}, {}, {} bit", hevcProfileName(sps.profile),
-                              hevcLevelName(sps.level), sps.tier != 0 ? " high tier" : "",
-                              sizes(hevc.display_width, hevc.display_height, hevc.pic_width_in_luma_samples,
-                                    hevc.pic_height_in_luma_samples),
-                              chromaName(hevc.chroma_format_idc), int64_t{8} + hevc.bit_depth_luma_minus8);
-}
-
-void describeVui(const QVAvcSps& sps, Block& block) {
-    if (sps.vui_parameters_present_flag == 0) {
-        return;
-    }
-    block.add("video_full_range_flag", sps.full_range, sps.full_range < 0 ? "not sent" : "");
-    if (sps.colour_description_present_flag != 0) {
-        block.add("colour_primaries", sps.colour_primaries);
-        block.add("transfer_characteristics", sps.transfer_characteristics);
-        block.add("matrix_coefficients", sps.colorspace);
-    }
-    if (sps.timing_info_present_flag != 0) {
-        const double ticks = 2.0 * sps.num_units_in_tick;
-        block.add("num_units_in_tick", sps.num_units_in_tick);
-        Field& scale = block.add("time_scale", sps.time_scale);
-        if (ticks > 0) {
-            scale.note = fmt::format("{:.3f} frames/s", sps.time_scale / ticks);
-            scale.derive({sps.time_scale / ticks}, "frames/s");
-        }
-        block.add("fixed_frame_rate_flag", sps.fixed_frame_rate_flag);
-    }
-    block.add("nal_hrd_parameters_present_flag", sps.nal_hrd_parameters_present_flag);
-    block.add("vcl_hrd_parameters_present_flag", sps.vcl_hrd_parameters_present_flag);
-    if (sps.nal_hrd_parameters_present_flag != 0 || sps.vcl_hrd_parameters_present_flag != 0) {
-        block.add("cpb_cnt_minus1", sps.cpb_cnt - 1);
-        block.add("initial_cpb_removal_delay_length_minus1", sps.initial_cpb_removal_delay_length - 1);
-        block.add("cpb_removal_delay_length_minus1", sps.cpb_removal_delay_length - 1);
-        block.add("dpb_output_delay_length_minus1", sps.dpb_output_delay_length - 1);
-        block.add("time_offset_length", sps.time_offset_length);
-    }
-    block.add("pic_struct_present_flag", sps.pic_struct_present_flag);
-}
-
-void describePoc(const QVAvcSps& sps, Block& block) {
-    block.add("pic_order_cnt_type", sps.poc_type);
-    if (sps.poc_type == 0) {
-        block.add("log2_max_pic_order_cnt_lsb_minus4", sps.log2_max_poc_lsb - 4);
-    } else if (sps.poc_type == 1) {
-        block.add("delta_pic_order_always_zero_flag", sps.delta_pic_order_always_zero_flag);
+void describePoc(const qv::avc::SpsData& sps, Block& block) {
+    block.add("pic_order_cnt_type", int64_t{sps.pic_order_cnt_type});
+    if (sps.pic_order_cnt_type == 0) {
+        block.add("log2_max_pic_order_cnt_lsb_minus4", int64_t{sps.log2_max_pic_order_cnt_lsb_minus4});
+    } else if (sps.pic_order_cnt_type == 1) {
+        block.add("delta_pic_order_always_zero_flag", int64_t{sps.delta_pic_order_always_zero_flag});
         block.add("offset_for_non_ref_pic", sps.offset_for_non_ref_pic);
         block.add("offset_for_top_to_bottom_field", sps.offset_for_top_to_bottom_field);
-        block.add("num_ref_frames_in_pic_order_cnt_cycle", sps.poc_cycle_length);
+        block.add("num_ref_frames_in_pic_order_cnt_cycle",
+                  int64_t{sps.num_ref_frames_in_pic_order_cnt_cycle});
     }
 }
 
-Block describeAvc(const SequenceParameterSet& set) {
-    const QVAvcSps& sps = set.avc;
-    Block block;
-    block.add("profile_idc", sps.profile_idc, avcProfileName(sps.profile_idc, sps.constraint_set_flags));
-    block.addHex("constraint_set_flags", sps.constraint_set_flags, 2, "set0 in bit 0");
-    block.add("level_idc", sps.level_idc,
-              avcLevelName(sps.level_idc, sps.profile_idc, sps.constraint_set_flags));
-    block.add("seq_parameter_set_id", sps.sps_id);
-    block.add("chroma_format_idc", sps.chroma_format_idc, chromaName(sps.chroma_format_idc));
-    block.add("bit_depth_luma_minus8", sps.bit_depth_luma - 8);
-    block.add("bit_depth_chroma_minus8", sps.bit_depth_chroma - 8);
-    block.add("qpprime_y_zero_transform_bypass_flag", sps.transform_bypass);
-    block.add("scaling lists", set.hasScalingLists ? "sent" : "none");
-    block.add("log2_max_frame_num_minus4", sps.log2_max_frame_num - 4);
-    describePoc(sps, block);
-    block.add("max_num_ref_frames", sps.ref_frame_count);
-    block.add("gaps_in_frame_num_value_allowed_flag", sps.gaps_in_frame_num_allowed_flag);
-    block.add("pic_width_in_mbs_minus1", sps.mb_width - 1);
-    block.add("pic_height_in_map_units_minus1", sps.mb_height - 1);
-    block.add("frame_mbs_only_flag", sps.frame_mbs_only_flag);
-    block.add("mb_adaptive_frame_field_flag", sps.mb_aff);
-    block.add("direct_8x8_inference_flag", sps.direct_8x8_inference_flag);
-    block.add("frame_cropping_flag", sps.crop);
-    block.add("frame_crop_offsets", FieldList{sps.crop_left, sps.crop_right, sps.crop_top, sps.crop_bottom},
-              "left, right, top, bottom, in crop units");
-    block.add("picture size", sizes(sps.width, sps.height, 16 * sps.mb_width, avcCodedHeight(sps)));
-    block.add("vui_parameters_present_flag", sps.vui_parameters_present_flag);
-    describeVui(sps, block);
-    return block;
+// constraint_set0_flag in the lowest bit.
+int64_t constraintSetFlags(const qv::avc::SpsData& sps) {
+    const uint32_t coded = qv::avc::constraintsOf(sps);
+    int64_t flags = 0;
+    for (uint32_t i = 0; i < 6; ++i) {
+        flags |= static_cast<int64_t>(coded >> (7 - i) & 1U) << i;
+    }
+    return flags;
 }
 
-Block describeHevc(const SequenceParameterSet& set) {
-    const QVHevcSps& sps = set.hevc;
-    Block block;
-    block.add("sps_video_parameter_set_id", sps.sps_video_parameter_set_id);
-    block.add("sps_max_sub_layers_minus1", sps.sps_max_sub_layers_minus1);
-    block.add("sps_temporal_id_nesting_flag", sps.sps_temporal_id_nesting_flag);
-    block.add("general_tier_flag", set.tier, set.tier != 0 ? "High" : "Main");
-    block.add("general_profile_idc", set.profile, hevcProfileName(set.profile));
-    block.add("general_level_idc", set.level, hevcLevelName(set.level));
-    block.add("sps_seq_parameter_set_id", sps.sps_seq_parameter_set_id);
-    block.add("chroma_format_idc", sps.chroma_format_idc, chromaName(sps.chroma_format_idc));
-    block.add("separate_colour_plane_flag", sps.separate_colour_plane_flag);
-    block.add("pic_width_in_luma_samples", sps.pic_width_in_luma_samples);
-    block.add("pic_height_in_luma_samples", sps.pic_height_in_luma_samples);
-    block.add("conformance_window_flag", sps.conformance_window_flag);
-    if (sps.conformance_window_flag != 0) {
+void describeAvc(const qv::avc::SpsData& sps, const VideoFormat& video, Block& block) {
+    block.add("profile_idc", int64_t{sps.profile_idc}, video.profile);
+    block.addHex("constraint_set_flags", constraintSetFlags(sps), 2, "set0 in bit 0");
+    block.add("level_idc", int64_t{sps.level_idc}, video.level);
+    block.add("seq_parameter_set_id", int64_t{sps.seq_parameter_set_id});
+    block.add("chroma_format_idc", int64_t{sps.chroma_format_idc}, video.chroma.name);
+    block.add("bit_depth_luma_minus8", int64_t{sps.bit_depth_luma_minus8});
+    block.add("bit_depth_chroma_minus8", int64_t{sps.bit_depth_chroma_minus8});
+    block.add("qpprime_y_zero_transform_bypass_flag", int64_t{sps.qpprime_y_zero_transform_bypass_flag});
+    block.add("scaling lists", sps.seq_scaling_matrix_present_flag ? "sent" : "none");
+    block.add("log2_max_frame_num_minus4", int64_t{sps.log2_max_frame_num_minus4});
+    describePoc(sps, block);
+    block.add("max_num_ref_frames", int64_t{sps.max_num_ref_frames});
+    block.add("gaps_in_frame_num_value_allowed_flag", int64_t{sps.gaps_in_frame_num_value_allowed_flag});
+    block.add("pic_width_in_mbs_minus1", int64_t{sps.pic_width_in_mbs_minus1});
+    block.add("pic_height_in_map_units_minus1", int64_t{sps.pic_height_in_map_units_minus1});
+    block.add("frame_mbs_only_flag", int64_t{sps.frame_mbs_only_flag});
+    block.add("mb_adaptive_frame_field_flag", int64_t{sps.mb_adaptive_frame_field_flag});
+    block.add("direct_8x8_inference_flag", int64_t{sps.direct_8x8_inference_flag});
+    block.add("frame_cropping_flag", int64_t{sps.frame_cropping_flag});
+    block.add("frame_crop_offsets",
+              FieldList{sps.frame_crop_left_offset, sps.frame_crop_right_offset, sps.frame_crop_top_offset,
+                        sps.frame_crop_bottom_offset},
+              "left, right, top, bottom, in crop units");
+    block.add("picture size", sizeText(video));
+    describeVui(sps, video, block);
+}
+
+void describeHevc(const qv::hevc::Sps& sps, const VideoFormat& video, Block& block) {
+    block.add("sps_video_parameter_set_id", int64_t{sps.sps_video_parameter_set_id});
+    block.add("sps_max_sub_layers_minus1", int64_t{sps.sps_max_sub_layers_minus1});
+    block.add("sps_temporal_id_nesting_flag", int64_t{sps.sps_temporal_id_nesting_flag});
+    block.add("general_tier_flag", int64_t{sps.profile_tier_level.general.tier_flag}, video.tier);
+    block.add("general_profile_idc", int64_t{video.profile_idc}, video.profile);
+    block.add("general_level_idc", int64_t{video.level_idc}, video.level);
+    block.add("sps_seq_parameter_set_id", int64_t{sps.sps_seq_parameter_set_id});
+    block.add("chroma_format_idc", int64_t{sps.chroma_format_idc}, video.chroma.name);
+    block.add("separate_colour_plane_flag", int64_t{sps.separate_colour_plane_flag});
+    block.add("pic_width_in_luma_samples", int64_t{sps.pic_width_in_luma_samples});
+    block.add("pic_height_in_luma_samples", int64_t{sps.pic_height_in_luma_samples});
+    block.add("conformance_window_flag", int64_t{sps.conformance_window_flag});
+    if (sps.conformance_window_flag) {
         block.add("conf_win_offsets",
                   FieldList{sps.conf_win_left_offset, sps.conf_win_right_offset, sps.conf_win_top_offset,
                             sps.conf_win_bottom_offset},
                   "left, right, top, bottom, in chroma units");
     }
-    block.add("picture size", sizes(sps.display_width, sps.display_height, sps.pic_width_in_luma_samples,
-                                    sps.pic_height_in_luma_samples));
-    block.add("bit_depth_luma_minus8", sps.bit_depth_luma_minus8);
-    block.add("bit_depth_chroma_minus8", sps.bit_depth_chroma_minus8);
-    block.add("log2_max_pic_order_cnt_lsb_minus4", sps.log2_max_pic_order_cnt_lsb_minus4);
-    block.add("sps_sub_layer_ordering_info_present_flag", sps.sps_sub_layer_ordering_info_present_flag);
-    return block;
-}
-
-// seq_scaling_matrix_present_flag, which the library reads and keeps in no field. The profiles whose head
-// carries it are those that the parser gives a chroma_format_idc from the bitstream.
-bool readsScalingLists(const std::vector<uint8_t>& unit, const QVAvcSps& sps) {
-    static constexpr int kProfiles[] = {100, 110, 122, 244, 44, 83, 86, 118, 128, 138, 144};
-    if (std::find(std::begin(kProfiles), std::end(kProfiles), sps.profile_idc) == std::end(kProfiles)) {
-        return false;
-    }
-    QVByteStream in(unit.data(), unit.size());
-    in.skipBytes(4);    // header, profile_idc, constraint flags, level_idc
-    in.readGolombUe();  // seq_parameter_set_id
-    const uint32_t chroma_format_idc = in.readGolombUe();
-    if (chroma_format_idc == 3) {
-        in.readBit();  // separate_colour_plane_flag
-    }
-    in.readGolombUe();  // bit_depth_luma_minus8
-    in.readGolombUe();  // bit_depth_chroma_minus8
-    in.readBit();       // qpprime_y_zero_transform_bypass_flag
-    return in.readBit() != 0;
-}
-
-// The H.264 parser takes the bytes as they stand, so they are unescaped for it; the H.265 one unescapes.
-void parseAvc(SequenceParameterSet& sps, const unsigned char* unit, size_t size) {
-    const std::vector<uint8_t> bytes = unescapedUnit(unit, size, kMostBytes);
-    const auto stream = std::make_shared<QVByteStream>(bytes.data(), bytes.size());
-    sps.isAccepted = parseAvcSps(&sps.avc, stream);
-    sps.hasScalingLists = sps.isAccepted && readsScalingLists(bytes, sps.avc);
-    if (sps.isAccepted && sps.avc.vui_parameters_present_flag != 0) {
-        readAvcVui(*stream, sps.avc);
-    }
-    if (sps.isAccepted && sps.avc.colour_description_present_flag != 0) {
-        sps.transfer_characteristics = static_cast<uint32_t>(sps.avc.transfer_characteristics);
-    }
-}
-
-void parseHevc(SequenceParameterSet& sps, const unsigned char* unit, size_t size) {
-    sps.isAccepted =
-        parseHevcSps(&sps.hevc, std::make_shared<QVByteStream>(unit, std::min(size, kMostBytes)));
-    if (sps.isAccepted) {
-        sps.transfer_characteristics = hevcTransferCharacteristics(unescapedUnit(unit, size, kMostBytes));
-    }
+    block.add("picture size", sizeText(video));
+    block.add("bit_depth_luma_minus8", int64_t{sps.bit_depth_luma_minus8});
+    block.add("bit_depth_chroma_minus8", int64_t{sps.bit_depth_chroma_minus8});
+    block.add("log2_max_pic_order_cnt_lsb_minus4", int64_t{sps.log2_max_pic_order_cnt_lsb_minus4});
+    block.add("sps_sub_layer_ordering_info_present_flag",
+              int64_t{sps.sps_sub_layer_ordering_info_present_flag});
+    describeVui(sps, video, block);
 }
 
 }  // namespace
 
-SequenceParameterSet readSequenceParameterSet(QVCodecID codec, const unsigned char* unit, size_t size) {
+SequenceParameterSet readSequenceParameterSet(QVCodecID codec, const unsigned char* unit, size_t size,
+                                              const qv::hevc::Vps* vps) {
     SequenceParameterSet sps{};
     sps.codec = codec;
-    const LogCapture log;
-    if (codec == QVCodecIDAvc) {
-        parseAvc(sps, unit, size);
-    } else {
-        parseHevc(sps, unit, size);
-    }
-    for (const LogLine& line : log.lines()) {
-        if (line.level != QVTraceDebug) {
-            sps.log.push_back(line.text);
+    const bool isAvc = codec == QVCodecIDAvc;
+    const qv::Bytes bytes(unit, std::min(size, kMostBytes));
+    {
+        const LogCapture log;
+        sps.isAccepted = isAvc ? isAcceptedAvc(bytes, sps.avc) : isAcceptedHevc(bytes, sps.hevc);
+        for (const LogLine& line : log.lines()) {
+            if (line.level != QVTraceDebug) {
+                sps.log.push_back(line.text);
+            }
         }
     }
-    if (sps.isAccepted) {
-        summarise(sps);
+    if (!sps.isAccepted) {
+        return sps;
     }
+    if (isAvc) {
+        readAvcRecord(bytes, sps);
+    } else {
+        readHevcRecord(bytes, vps, sps);
+    }
+    sps.summary = sps.video ? summaryOf(*sps.video) : sps.fault;
     return sps;
 }
 
 Block describe(const SequenceParameterSet& sps) {
+    Block block;
     if (!sps.isAccepted) {
-        Block block;
         for (const std::string& line : sps.log) {
             block.add("refused", line);
         }
         return block;
     }
-    return sps.codec == QVCodecIDAvc ? describeAvc(sps) : describeHevc(sps);
-}
-
-const char* chromaName(int chroma_format_idc) {
-    switch (chroma_format_idc) {
-        case 0:
-            return "4:0:0";
-        case 1:
-            return "4:2:0";
-        case 2:
-            return "4:2:2";
-        case 3:
-            return "4:4:4";
-        default:
-            return "reserved";
+    if (sps.video && sps.avcRecord) {
+        describeAvc(sps.avcRecord->data, *sps.video, block);
+    } else if (sps.video && sps.hevcRecord) {
+        describeHevc(*sps.hevcRecord, *sps.video, block);
     }
-}
-
-// H.264 (08/2021) Annex A.2, with the constraint flags that make a profile another one.
-std::string avcProfileName(int profile_idc, int constraint_set_flags) {
-    const bool isSet1 = (constraint_set_flags & 1 << 1) != 0;
-    const bool isSet3 = (constraint_set_flags & 1 << 3) != 0;
-    switch (profile_idc) {
-        case 66:
-            return isSet1 ? "Constrained Baseline" : "Baseline";
-        case 77:
-            return "Main";
-        case 88:
-            return "Extended";
-        case 100:
-            return "High";
-        case 110:
-            return isSet3 ? "High 10 Intra" : "High 10";
-        case 122:
-            return isSet3 ? "High 4:2:2 Intra" : "High 4:2:2";
-        case 244:
-            return isSet3 ? "High 4:4:4 Intra" : "High 4:4:4 Predictive";
-        case 44:
-            return "CAVLC 4:4:4 Intra";
-        case 83:
-            return "Scalable Baseline";
-        case 86:
-            return "Scalable High";
-        case 118:
-            return "Multiview High";
-        case 128:
-            return "Stereo High";
-        case 134:
-            return "MFC High";
-        case 135:
-            return "MFC Depth High";
-        case 138:
-            return "Multiview Depth High";
-        case 139:
-            return "Enhanced Multiview Depth High";
-        default:
-            return fmt::format("profile {}", profile_idc);
+    if (!sps.fault.empty()) {
+        block.add("fault", sps.fault);
     }
-}
-
-// H.264 (08/2021) A.3: level 1b is level_idc 11 with constraint_set3_flag in the older profiles, else 9.
-std::string avcLevelName(int level_idc, int profile_idc, int constraint_set_flags) {
-    const bool isOlder = profile_idc == 66 || profile_idc == 77 || profile_idc == 88;
-    if (level_idc == 9 || (level_idc == 11 && isOlder && (constraint_set_flags & 1 << 3) != 0)) {
-        return "1b";
-    }
-    return level_idc % 10 == 0 ? fmt::format("{}", level_idc / 10)
-                               : fmt::format("{}.{}", level_idc / 10, level_idc % 10);
-}
-
-// H.265 (08/2021) Annex A.3, G, H, I.
-std::string hevcProfileName(int general_profile_idc) {
-    switch (general_profile_idc) {
-        case 1:
-            return "Main";
-        case 2:
-            return "Main 10";
-        case 3:
-            return "Main Still Picture";
-        case 4:
-            return "Format Range Extensions";
-        case 5:
-            return "High Throughput";
-        case 6:
-            return "Multiview Main";
-        case 7:
-            return "Scalable Main";
-        case 8:
-            return "3D Main";
-        case 9:
-            return "Screen Content Coding Extensions";
-        case 10:
-            return "Scalable Format Range Extensions";
-        case 11:
-            return "High Throughput Screen Content Coding Extensions";
-        default:
-            return fmt::format("profile {}", general_profile_idc);
-    }
-}
-
-// H.265 (08/2021) A.4.1: general_level_idc is 30 times the level.
-std::string hevcLevelName(int general_level_idc) {
-    return general_level_idc % 30 == 0 ? fmt::format("{}", general_level_idc / 30)
-                                       : fmt::format("{:.1f}", general_level_idc / 30.0);
+    return block;
 }
 
 }  // namespace qvinspect

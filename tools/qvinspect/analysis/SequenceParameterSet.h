@@ -1,49 +1,48 @@
-// A sequence parameter set as the library reads it, and as it is shown.
+// A sequence parameter set: as the standard reads it, and as the player's library does.
 #ifndef QVINSPECT_SEQUENCEPARAMETERSET_H
 #define QVINSPECT_SEQUENCEPARAMETERSET_H
 
 #include <cstddef>
-#include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "QVNaluParser.h"
 #include "analysis/Block.h"
+#include "analysis/VideoFormat.h"
+#include "bitstream/Read.h"
 
 namespace qvinspect {
 
 struct SequenceParameterSet {
     QVCodecID codec;
+
+    // What the player's library makes of it. Its record is what that library reads SEI messages with, the
+    // H.264 one with the fields of the VUI.
     bool isAccepted = false;
-    QVAvcSps avc{};    // with its VUI, codec H.264
-    QVHevcSps hevc{};  // codec H.265
+    QVAvcSps avc{};
+    QVHevcSps hevc{};
+    std::vector<std::string> log;  // what it logged: reasons for a refusal
 
-    // What the library logged of it: reasons for a refusal, H.265 profile, tier and level.
-    std::vector<std::string> log;
+    // The whole set by the standard, as far as it was read without a fault: that of the codec, when the
+    // player's library accepts the set.
+    std::shared_ptr<const qv::avc::Sps> avcRecord;
+    std::shared_ptr<const qv::hevc::Sps> hevcRecord;
+    std::string fault;  // empty without one
 
-    std::optional<uint32_t> transfer_characteristics;  // of the VUI, where it has a colour description
+    // Empty when the set is refused, or when the fault comes before the end of what is here but the VUI.
+    std::optional<VideoFormat> video;
 
-    bool hasScalingLists = false;  // seq_scaling_matrix_present_flag of H.264
-    int profile = 0;
-    int level = 0;        // level_idc or general_level_idc
-    int tier = 0;         // general_tier_flag
-    std::string summary;  // e.g. "High, level 1.2, 320x180 (coded 320x192), 4:2:0, 8 bit"
+    std::string summary;  // e.g. "High, level 1.2, 320x180 (coded 320x192), 4:2:0, 8 bit", or the fault
 };
 
-// unit: a whole NAL unit of type 7 (H.264) or 33 (H.265).
-SequenceParameterSet readSequenceParameterSet(QVCodecID codec, const unsigned char* unit, size_t size);
+// unit: a whole NAL unit of type 7 (H.264) or 33 (H.265). vps: as for videoFormatOf().
+SequenceParameterSet readSequenceParameterSet(QVCodecID codec, const unsigned char* unit, size_t size,
+                                              const qv::hevc::Vps* vps = nullptr);
 
-// Every parsed field under its element's name, and what is derived.
+// The elements under their names, and what is derived.
 Block describe(const SequenceParameterSet& sps);
-
-// "4:2:0" for a chroma_format_idc of 1.
-const char* chromaName(int chroma_format_idc);
-
-std::string avcProfileName(int profile_idc, int constraint_set_flags);
-std::string avcLevelName(int level_idc, int profile_idc, int constraint_set_flags);
-std::string hevcProfileName(int general_profile_idc);
-std::string hevcLevelName(int general_level_idc);
 
 }  // namespace qvinspect
 

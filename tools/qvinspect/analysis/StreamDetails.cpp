@@ -63,6 +63,18 @@ bool StreamDetails::wasSeen(const std::vector<uint8_t>& bytes) {
     return false;
 }
 
+void StreamDetails::takeVps(uint32_t nalUnitType, const unsigned char* unit, size_t size) {
+    if (codec_ == QVCodecIDHevc && nalUnitType == qv::hevc::kNalVps) {
+        hevcSets_.take({unit, size});
+    }
+}
+
+// The VPS that an SPS refers to with sps_video_parameter_set_id, its first element; null without one.
+const qv::hevc::Vps* StreamDetails::vpsOf(const unsigned char* sps, size_t size) const {
+    constexpr size_t kHeaderBytes = 2;
+    return codec_ == QVCodecIDHevc && size > kHeaderBytes ? hevcSets_.vps(sps[kHeaderBytes] >> 4U) : nullptr;
+}
+
 void StreamDetails::takeSps(const unsigned char* unit, size_t size, UnitDetails& details) {
     const auto isSame = [&](const auto& entry) {
         return std::equal(entry.second.bytes.begin(), entry.second.bytes.end(), unit, unit + size);
@@ -72,7 +84,8 @@ void StreamDetails::takeSps(const unsigned char* unit, size_t size, UnitDetails&
         details.isRepeatedSps = true;
     } else {
         std::vector<uint8_t> bytes(unit, unit + size);
-        auto sps = std::make_shared<const SequenceParameterSet>(readSequenceParameterSet(codec_, unit, size));
+        auto sps = std::make_shared<const SequenceParameterSet>(
+            readSequenceParameterSet(codec_, unit, size, vpsOf(unit, size)));
         // One that comes back after another of its identifier is in force again and still not new.
         details.isRepeatedSps = wasSeen(bytes);
         if (!details.isRepeatedSps) {
@@ -122,9 +135,11 @@ ConfigurationDetails StreamDetails::addConfiguration(const std::vector<uint8_t>&
         }
         const uint32_t type = unitType(codec_, unit[0]);
         configuration.unitTypes.push_back(type);
-        if (isSps(type) && configuration.parameterSets.size() == kMostNewSps) {
+        takeVps(type, unit.data, unit.size);
+        const bool isBaseSps = isSps(type) && isBaseLayer(codec_, unit.data, unit.size);
+        if (isBaseSps && configuration.parameterSets.size() == kMostNewSps) {
             ++leftOutSps;
-        } else if (isSps(type)) {
+        } else if (isBaseSps) {
             UnitDetails details;
             takeSps(unit.data, unit.size, details);
             if (details.newSps) {
@@ -176,6 +191,7 @@ AccessUnitDetails StreamDetails::add(const AccessUnit& accessUnit, AccessUnitRep
             continue;
         }
         const unsigned char* const bytes = accessUnit.data + (unit.offset - start);
+        takeVps(unit.type, bytes, unit.length);
         if (isSps(unit.type) && isBaseLayer(codec_, bytes, unit.length)) {
             if (newSps == kMostNewSps) {
                 ++leftOutSps;

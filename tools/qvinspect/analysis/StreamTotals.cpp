@@ -218,7 +218,7 @@ void StreamCounter::addSps(const SequenceParameterSet& sps) {
         ++totals_.refusedSps;
         return;
     }
-    if (!totals_.sps) {
+    if (!totals_.sps && sps.video) {
         totals_.sps = sps;
     }
     addTransfer(sps);
@@ -226,8 +226,8 @@ void StreamCounter::addSps(const SequenceParameterSet& sps) {
 
 // Of the parameter set in force.
 void StreamCounter::addTransfer(const SequenceParameterSet& sps) {
-    if (sps.transfer_characteristics) {
-        totals_.signals.transfer_characteristics = sps.transfer_characteristics;
+    if (sps.video && sps.video->colour) {
+        totals_.signals.transfer_characteristics = sps.video->colour->transfer_characteristics;
     }
 }
 

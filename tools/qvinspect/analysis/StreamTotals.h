@@ -103,7 +103,7 @@ struct StreamTotals {
     std::optional<double> averageBitrate;  // bits a second
     std::optional<double> peakBitrate;     // bits in the busiest second
 
-    std::optional<SequenceParameterSet> sps;  // the first that the library accepts
+    std::optional<SequenceParameterSet> sps;  // the first that the library accepts, with its video
     uint64_t distinctSps = 0;
     uint64_t repeatedSps = 0;
     uint64_t refusedSps = 0;

@@ -60,41 +60,13 @@ private:
     Output& out_;
 };
 
-std::string valueIn(const Block& block, const std::string& name) {
-    const auto field = std::find_if(block.fields.begin(), block.fields.end(),
-                                    [&](const Field& candidate) { return candidate.name == name; });
-    return field == block.fields.end() ? std::string() : valueText(*field);
-}
-
-std::string noteIn(const Block& block, const std::string& name) {
-    const auto field = std::find_if(block.fields.begin(), block.fields.end(),
-                                    [&](const Field& candidate) { return candidate.name == name; });
-    return field == block.fields.end() ? std::string() : field->note;
-}
-
-std::string bitDepths(int64_t luma, int64_t chroma, bool isMonochrome) {
-    return luma == chroma || isMonochrome ? fmt::format("{} bit", luma)
-                                          : fmt::format("{} bit luma, {} bit chroma", luma, chroma);
-}
-
-void addPicture(Card& card, const SequenceParameterSet& sps) {
-    const Block block = describe(sps);
-    const bool isAvc = sps.codec == QVCodecIDAvc;
-    if (isAvc) {
-        card.add("Profile", avcProfileName(sps.avc.profile_idc, sps.avc.constraint_set_flags));
-        card.add("Level", avcLevelName(sps.avc.level_idc, sps.avc.profile_idc, sps.avc.constraint_set_flags));
-    } else {
-        card.add("Profile", hevcProfileName(sps.profile));
-        card.add("Level",
-                 fmt::format("{}, {} tier", hevcLevelName(sps.level), sps.tier != 0 ? "High" : "Main"));
-    }
-    card.add("Size", valueIn(block, "picture size"));
-    card.add("Bit depth",
-             isAvc
-                 ? bitDepths(sps.avc.bit_depth_luma, sps.avc.bit_depth_chroma, sps.avc.chroma_format_idc == 0)
-                 : bitDepths(int64_t{8} + sps.hevc.bit_depth_luma_minus8,
-                             int64_t{8} + sps.hevc.bit_depth_chroma_minus8, sps.hevc.chroma_format_idc == 0));
-    card.add("Chroma", noteIn(block, "chroma_format_idc"));
+void addPicture(Card& card, const VideoFormat& video) {
+    card.add("Profile", video.profile);
+    card.add("Level",
+             video.tier == nullptr ? video.level : fmt::format("{}, {} tier", video.level, video.tier));
+    card.add("Size", sizeText(video));
+    card.add("Bit depth", bitDepthText(video));
+    card.add("Chroma", video.chroma.name);
 }
 
 std::string keyIntervalText(const StreamTotals& totals) {
@@ -353,7 +325,7 @@ void HtmlSection::writeCard(Output& out, const StreamEnd& end) const {
     Card card(out);
     card.add("Codec", codecName(codec_));
     if (totals.sps) {
-        addPicture(card, *totals.sps);
+        addPicture(card, *totals.sps->video);
     } else {
         card.add("Picture", "no parameter set that can be read", "bad");
     }

@@ -54,7 +54,7 @@ std::string framingName(const QVCodecParameters& parameters) {
 
 JsonRecord jsonSps(const SequenceParameterSet& sps, Level level) {
     JsonRecord json = {{"repeated", false}, {"accepted", sps.isAccepted}};
-    json["video"] = sps.isAccepted ? jsonVideo(sps) : JsonRecord();
+    json["video"] = sps.video ? jsonVideo(*sps.video) : JsonRecord();
     if (level == Level::Fields) {
         json["fields"] = jsonFields(describe(sps));
     }

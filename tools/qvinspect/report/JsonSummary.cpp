@@ -129,7 +129,7 @@ void addTiming(Json& json, const StreamTotals& totals) {
 }
 
 void addParameterSets(Json& json, const StreamTotals& totals) {
-    json["video"] = totals.sps ? jsonVideo(*totals.sps) : Json();
+    json["video"] = totals.sps ? jsonVideo(*totals.sps->video) : Json();
     json["distinct_sps"] = totals.distinctSps;
     json["repeated_sps"] = totals.repeatedSps;
     json["refused_sps"] = totals.refusedSps;

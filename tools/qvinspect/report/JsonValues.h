@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "analysis/Block.h"
-#include "analysis/SequenceParameterSet.h"
+#include "analysis/VideoFormat.h"
 #include "input/AccessUnit.h"
 
 namespace qvinspect {
@@ -22,7 +22,7 @@ nlohmann::ordered_json jsonFindings(const std::vector<Finding>& findings);
 nlohmann::ordered_json jsonFields(const Block& block);
 
 // Profile, level and picture of a parameter set that the library accepts.
-nlohmann::ordered_json jsonVideo(const SequenceParameterSet& sps);
+nlohmann::ordered_json jsonVideo(const VideoFormat& video);
 
 }  // namespace qvinspect
 

@@ -109,90 +109,28 @@ private:
 
 // --- What it is ---
 
-std::string profileAndLevel(const SequenceParameterSet& sps) {
-    if (sps.codec == QVCodecIDAvc) {
-        return fmt::format("{}, level {}", avcProfileName(sps.profile, sps.avc.constraint_set_flags),
-                           avcLevelName(sps.level, sps.profile, sps.avc.constraint_set_flags));
-    }
-    return fmt::format("{}, level {}, {} tier", hevcProfileName(sps.profile), hevcLevelName(sps.level),
-                       sps.tier != 0 ? "High" : "Main");
+std::string profileAndLevel(const VideoFormat& video) {
+    const std::string tier = video.tier == nullptr ? "" : fmt::format(", {} tier", video.tier);
+    return fmt::format("{}, level {}{}", video.profile, video.level, tier);
 }
 
-// The picture of a parameter set in luma samples.
-struct Picture {
-    int64_t width;
-    int64_t height;
-    int64_t codedWidth;
-    int64_t codedHeight;
-    std::array<int64_t, 4> crop;  // left, right, top, bottom
-    int chroma_format_idc;
-    int64_t bitDepthLuma;
-    int64_t bitDepthChroma;
-};
-
-// SubWidthC and SubHeightC, H.264 Table 6-1 and H.265 Table 6-1.
-int64_t subWidthC(int chroma_format_idc) {
-    return chroma_format_idc == 1 || chroma_format_idc == 2 ? 2 : 1;
-}
-
-int64_t subHeightC(int chroma_format_idc) {
-    return chroma_format_idc == 1 ? 2 : 1;
-}
-
-// H.264 (08/2021) 7.4.2.1.1: crop units count chroma samples, of frames that may hold fields in pairs.
-Picture pictureOf(const QVAvcSps& sps) {
-    const int64_t fields = 2 - sps.frame_mbs_only_flag;
-    const int64_t x = subWidthC(sps.chroma_format_idc);
-    const int64_t y = subHeightC(sps.chroma_format_idc) * fields;
-    Picture picture{sps.width, sps.height, int64_t{16} * sps.mb_width, int64_t{16} * sps.mb_height * fields,
-                    {},        0,          sps.bit_depth_luma,         sps.bit_depth_chroma};
-    picture.chroma_format_idc = sps.chroma_format_idc;
-    if (sps.crop != 0) {
-        picture.crop = {x * sps.crop_left, x * sps.crop_right, y * sps.crop_top, y * sps.crop_bottom};
-    }
-    return picture;
-}
-
-// H.265 (08/2021) 7.4.3.2.1.
-Picture pictureOf(const QVHevcSps& sps) {
-    const int64_t x = subWidthC(sps.chroma_format_idc);
-    const int64_t y = subHeightC(sps.chroma_format_idc);
-    Picture picture{sps.display_width,
-                    sps.display_height,
-                    sps.pic_width_in_luma_samples,
-                    sps.pic_height_in_luma_samples,
-                    {},
-                    sps.chroma_format_idc,
-                    int64_t{8} + sps.bit_depth_luma_minus8,
-                    int64_t{8} + sps.bit_depth_chroma_minus8};
-    if (sps.conformance_window_flag != 0) {
-        picture.crop = {x * sps.conf_win_left_offset, x * sps.conf_win_right_offset,
-                        y * sps.conf_win_top_offset, y * sps.conf_win_bottom_offset};
-    }
-    return picture;
-}
-
-std::string cropOf(const Picture& picture) {
+std::string cropOf(const VideoFormat& video) {
+    const std::array<uint64_t, 4> crop = {video.cropLeft, video.cropRight, video.cropTop, video.cropBottom};
     constexpr const char* kSides[] = {"left", "right", "top", "bottom"};
     std::vector<std::string> sides;
     for (size_t i = 0; i < std::size(kSides); ++i) {
-        if (picture.crop[i] != 0) {
-            sides.push_back(fmt::format("{} {}", kSides[i], picture.crop[i]));
+        if (crop[i] != 0) {
+            sides.push_back(fmt::format("{} {}", kSides[i], crop[i]));
         }
     }
     return sides.empty() ? ""
-                         : fmt::format(", cropped from {}x{} ({})", picture.codedWidth, picture.codedHeight,
+                         : fmt::format(", cropped from {}x{} ({})", video.codedWidth, video.codedHeight,
                                        fmt::join(sides, ", "));
 }
 
-std::string describePicture(const SequenceParameterSet& sps) {
-    const Picture picture = sps.codec == QVCodecIDAvc ? pictureOf(sps.avc) : pictureOf(sps.hevc);
-    const bool hasOneDepth = picture.chroma_format_idc == 0 || picture.bitDepthLuma == picture.bitDepthChroma;
-    return fmt::format("{}x{}{}, {}, {}", picture.width, picture.height, cropOf(picture),
-                       chromaName(picture.chroma_format_idc),
-                       hasOneDepth ? fmt::format("{} bit", picture.bitDepthLuma)
-                                   : fmt::format("{} bit luma, {} bit chroma", picture.bitDepthLuma,
-                                                 picture.bitDepthChroma));
+std::string describePicture(const VideoFormat& video) {
+    return fmt::format("{}x{}{}, {}, {}", video.width, video.height, cropOf(video), video.chroma.name,
+                       bitDepthText(video));
 }
 
 std::string parameterSets(const StreamHead& head, const StreamTotals& totals) {
@@ -213,8 +151,8 @@ std::string parameterSets(const StreamHead& head, const StreamTotals& totals) {
 void addStream(Screen& screen, const StreamHead& head, const StreamTotals& totals) {
     const char* const unknown = "unknown: no sequence parameter set that the library accepts";
     screen.value("codec", fmt::format("{} {}", codecName(totals.codec),
-                                      totals.sps ? profileAndLevel(*totals.sps) : std::string()));
-    screen.value("picture", totals.sps ? describePicture(*totals.sps) : unknown);
+                                      totals.sps ? profileAndLevel(*totals.sps->video) : std::string()));
+    screen.value("picture", totals.sps ? describePicture(*totals.sps->video) : unknown);
     screen.value("container", head.isRaw ? "none, " + head.info.format : head.info.format);
     screen.value("framing", framingName(head.info.parameters));
     screen.value("parameter sets", parameterSets(head, totals));
