@@ -98,9 +98,10 @@ UnitRewritten rewriteUnit(Bytes unit, const ParameterSets& sets, std::vector<uin
             return detail::rewrite(unit, readVps(unit), out, writeVps);
         case kNalSps: {
             const Vps* const vps = vpsOf(unit, sets);
-            return detail::rewrite(
-                unit, readSps(unit, vps), out,
-                [vps](const Sps& sps, std::vector<uint8_t>& bytes) { return writeSps(sps, bytes, vps); });
+            const auto write = [vps](const Sps& sps, std::vector<uint8_t>& bytes) {
+                return writeSps(sps, bytes, vps);
+            };
+            return detail::rewrite(unit, readSps(unit, vps), out, write);
         }
         case kNalPps:
             return detail::rewrite(unit, readPps(unit), out, writePps);

@@ -45,6 +45,15 @@ struct TracedElement {
 /// Receives the elements of a trace.
 class TraceVisitor {
 public:
+    /// A visitor without state.
+    TraceVisitor() = default;
+
+    /// Visitors may be copied.
+    TraceVisitor(const TraceVisitor&) = default;
+
+    /// Visitors may be assigned.
+    TraceVisitor& operator=(const TraceVisitor&) = default;
+
     /// Visitors are owned by the caller.
     virtual ~TraceVisitor() = default;
 

@@ -257,12 +257,12 @@ private:
 /// Counts the bits of a structure, emulation prevention bytes left out.
 class Sizer : public BitOutput<Sizer> {
 public:
-    void header(uint32_t bytes) { static_cast<void>(bytes); }
-    void rbsp() {}
+    static void header(uint32_t bytes) { static_cast<void>(bytes); }
+    static void rbsp() {}
 
 private:
     friend class BitOutput<Sizer>;
-    void append(uint32_t n, uint64_t value) {
+    static void append(uint32_t n, uint64_t value) {
         static_cast<void>(n);
         static_cast<void>(value);
     }
