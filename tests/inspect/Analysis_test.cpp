@@ -74,8 +74,7 @@ TEST(Analysis, offsetsCountFromTheStartOfTheFile) {
     const AccessUnitReport report =
         analyse(hex("FF 00 00 01 E5 88 00 00 01 41 9A"), {QVCodecIDAvc, 1, 0}, 1000);
     EXPECT_THAT(unitsOf(report), ElementsAre("1004+2 forbidden", "1009+2 type 1"));
-    EXPECT_THAT(describe(report.findings),
-                ElementsAre("error at 1000: 1 bytes ahead of the first start code"));
+    EXPECT_THAT(describe(report.findings), ElementsAre("error at 1000: 1 bytes before the first start code"));
 }
 
 TEST(Analysis, forbiddenZeroBit) {
@@ -87,7 +86,7 @@ TEST(Analysis, zeroBytesAheadOfTheStartCodeAreNoError) {
     const AccessUnitReport report = annexB("00 00 00 00 00 01 65 88");
     EXPECT_THAT(unitsOf(report), ElementsAre("6+2 type 5"));
     EXPECT_TRUE(report.isKey);
-    EXPECT_THAT(describe(report.findings), ElementsAre("note at 0: 2 bytes ahead of the first start code"));
+    EXPECT_THAT(describe(report.findings), ElementsAre("note at 0: 2 bytes before the first start code"));
 }
 
 TEST(Analysis, sampleWithoutAStartCode) {
@@ -95,7 +94,7 @@ TEST(Analysis, sampleWithoutAStartCode) {
     EXPECT_THAT(unitsOf(report), IsEmpty());
     EXPECT_FALSE(report.isKey);
     EXPECT_THAT(describe(report.findings),
-                ElementsAre("error at 0: the sample holds no start code (00 00 01)"));
+                ElementsAre("error at 0: the sample has no start code (00 00 01)"));
 }
 
 TEST(Analysis, emptySample) {
@@ -139,7 +138,7 @@ TEST(Analysis, lengthPastTheEnd) {
     EXPECT_THAT(unitsOf(report), ElementsAre("4+2 type 5"));
     EXPECT_TRUE(report.isKey);
     EXPECT_THAT(describe(report.findings),
-                ElementsAre("error at 6: the length field here runs past the end (Failed to "
+                ElementsAre("error at 6: the length field here extends past the end (Failed to "
                             "parserDataToNaluType avaliable length:9, avaliableBytes:6.)"));
 }
 

@@ -96,7 +96,7 @@ TEST_F(Hostile, sampleTableThatFits) {
 
 TEST_F(Hostile, fragmentsThatTakeTooMuchMemory) {
     EXPECT_THAT(read(fragmentRunsOf(2'000'000, 20)).refusal,
-                HasSubstr("its header asks for more than 64 MiB of memory, the most for a file of its size"));
+                HasSubstr("its header needs more than 64 MiB of memory, the limit for a file of its size"));
 }
 
 TEST_F(Hostile, samplesOfTheSameBytes) {
@@ -107,8 +107,8 @@ TEST_F(Hostile, samplesOfTheSameBytes) {
     EXPECT_GT(repeated.accessUnits, 100U);
     EXPECT_LT(repeated.bytes, containerSamples(file.size()));
     EXPECT_THAT(repeated.findings,
-                ElementsAre(HasSubstr("its tables name the same bytes again and again; this sample "
-                                      "and all after it are left out")));
+                ElementsAre(HasSubstr(
+                    "its tables refer to the same bytes repeatedly; this sample and the rest are left out")));
 }
 
 TEST_F(Hostile, tracks) {
@@ -141,8 +141,7 @@ TEST_F(Hostile, readingBackAndForth) {
     }
     const Read restless = read(mp4File({track}, media));
     EXPECT_LT(restless.accessUnits, 20'000U);
-    EXPECT_THAT(restless.findings,
-                Contains(HasSubstr("its tables lead back and forth; the rest is left out")));
+    EXPECT_THAT(restless.findings, Contains(HasSubstr("its samples are not in order; the rest is left out")));
 }
 
 #endif
@@ -269,9 +268,8 @@ TEST(HostileAccessUnit, parameterSetsOfALongStream) {
             findings.push_back(finding);
         }
     }
-    EXPECT_THAT(findings,
-                ElementsAre("note: more than 1048576 bytes of different sequence parameter sets: some that "
-                            "come again are counted as new from here on"));
+    EXPECT_THAT(findings, ElementsAre("note: more than 1048576 bytes of different sequence parameter sets: "
+                                      "some repeated ones are counted as new from here on"));
 }
 
 TEST(HostileRecord, units) {
@@ -319,11 +317,9 @@ TEST_F(HostileOutput, recordThatIsRepeated) {
     } catch (const OutputError& error) {
         EXPECT_THAT(error.what(), HasSubstr("is not the whole stream"));
     }
-    EXPECT_THAT(
-        ::testing::internal::GetCapturedStderr(),
-        HasSubstr(
-            "1000 parameter sets of the container are not repeated: with them the output would grow out "
-            "of proportion"));
+    EXPECT_THAT(::testing::internal::GetCapturedStderr(),
+                HasSubstr("1000 parameter sets of the container are not repeated: the output would become "
+                          "far larger than the stream"));
     EXPECT_GT(std::filesystem::file_size(out), kMiB);
     EXPECT_LT(std::filesystem::file_size(out), 2 * kMiB);
 }

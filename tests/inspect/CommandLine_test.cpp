@@ -132,7 +132,7 @@ TEST(CommandLine, wrongLines) {
     const std::string same = folder.path() / "." / "x";
     const std::string made = folder.path() / "made";
     const std::vector<WrongLine> lines = {
-        {{}, "no FILE was named; - stands for standard input"},
+        {{}, "no FILE was named; - is standard input"},
         {{"-", "a", "-"}, "standard input can be inspected only once"},
         {{"--nothing", "x"}, "The following argument was not expected: --nothing"},
         {{"x", "--codec"}, "--codec: 1 required CODEC missing"},
@@ -153,7 +153,7 @@ TEST(CommandLine, wrongLines) {
         {{"--sei", "0x5", "x"}, "--sei: \"0x5\" is no number from 0 on"},
         {{"--request", "4294967296", "x"}, "--request: \"4294967296\" is no number from 0 on"},
         {{"--t35", "b5:", "x"},
-         "--t35: \"b5:\" is no code; write the country in hexadecimal, as b5, or with the provider, as "
+         "--t35: \"b5:\" is not a code; write the country in hexadecimal, as b5, or with the provider, as "
          "b5:0031"},
         {{"--check", "captions=1", "x"}, "--check captions=1: captions takes no value"},
         {{"--json", "-", "--html", "-", "x"},

@@ -275,8 +275,8 @@ TEST_F(HtmlReport, longStreamsAreBinned) {
     qvinspect::HtmlLimits limits;
     limits.mostBins = 2;
     const std::string report = reportOf({pathOf("x.h265", sample())}, {}, limits);
-    EXPECT_TRUE(holds(report, "Each bar stands for 2 access units."))
-        << "Each bar stands for 2 access units.";
+    EXPECT_TRUE(holds(report, "Each bar represents 2 access units."))
+        << "Each bar represents 2 access units.";
     EXPECT_EQ(countOf("<rect class=\"largest", report), 2U);
     EXPECT_TRUE(holds(report, "access units 1 to 2, 0.000 s: 2247 bytes on average, 3366 at most, 1 key"))
         << "access units 1 to 2, 0.000 s: 2247 bytes on average, 3366 at most, 1 key";
@@ -315,8 +315,8 @@ TEST_F(HtmlReport, filterChoosesRowsNotMarks) {
     const std::string report = reportOf({path}, line);
     EXPECT_EQ(countOf("<tr data-type", report), 2U);
     EXPECT_EQ(countOf("<rect class=\"key", report), 1U);
-    EXPECT_TRUE(holds(report, "The filter options chose 2 of the stream's 9 units"))
-        << "The filter options chose 2 of the stream's 9 units";
+    EXPECT_TRUE(holds(report, "The filter options selected 2 of the stream's 9 units"))
+        << "The filter options selected 2 of the stream's 9 units";
 }
 
 TEST_F(HtmlReport, hdrVividHasItsPlot) {

@@ -98,15 +98,15 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         BrokenCase{"lengthCutShort", "00 00 00", "3 bytes are left, too few for a length field"},
         BrokenCase{"unitCutShort", "00 00 00 05 41 9A",
-                   "the length field here says 5 bytes, of which the stream holds 2"},
+                   "the length field here is 5 bytes, of which the stream has 2"},
         BrokenCase{"nothingBehindTheLength", "00 00 00 05",
-                   "the length field here says 5 bytes, of which the stream holds 0"},
+                   "the length field here is 5 bytes, of which the stream has 0"},
         BrokenCase{"longerThanAllowed", "00 00 00 61 41 9A",
-                   "the length field here says 97 bytes, more than the 96 that are taken for a unit; what "
-                   "follows is left out: check that the units have lengths of 4 bytes"},
+                   "the length field here is 97 bytes, more than the 96 that a unit may have; the rest is "
+                   "left out: check that the units have lengths of 4 bytes"},
         BrokenCase{"largest", "FF FF FF FF 41 9A",
-                   "the length field here says 4294967295 bytes, more than the 96 that are taken for a unit; "
-                   "what follows is left out: check that the units have lengths of 4 bytes"}),
+                   "the length field here is 4294967295 bytes, more than the 96 that a unit may have; the "
+                   "rest is left out: check that the units have lengths of 4 bytes"}),
     [](const auto& row) { return row.param.name; });
 
 TEST(LengthUnitReader, longestUnit) {
@@ -138,7 +138,7 @@ TEST(LengthUnitReader, unitsOfAnAccessUnitAreCounted) {
     ASSERT_THAT(stream.accessUnits, SizeIs(3));
     EXPECT_EQ(stream.accessUnits[0].bytes.size(), 32U);
     EXPECT_THAT(stream.accessUnits[0].findings,
-                ElementsAre("error at 0: access unit holds more than 8 NAL units; cut at offset 32"));
+                ElementsAre("error at 0: access unit has more than 8 NAL units; cut at offset 32"));
     EXPECT_EQ(stream.accessUnits[2].bytes.size(), 16U);
 }
 

@@ -88,8 +88,8 @@ TEST_F(OpenInput, brokenLengthsDoNotHideTheCodec) {
 TEST_F(OpenInput, codecBehindLengthsThatCannotBeTold) {
     const std::string path = write(hex("00 00 00 02 FF FF"));
     EXPECT_EQ(refusal(path, format(InputFormat::Lengths4)),
-              "holds no H.264 or H.265 behind lengths of 4 bytes as far as can be told; check --format, or "
-              "say which it is with --codec h264 or --codec h265");
+              "is not recognised as H.264 or H.265 with lengths of 4 bytes; check --format, or choose with "
+              "--codec h264 or --codec h265");
     const auto said = openInput(path, format(InputFormat::Lengths4, QVCodecIDHevc));
     EXPECT_EQ(said->info().parameters.codecId, QVCodecIDHevc);
 }
@@ -168,17 +168,17 @@ TEST_F(OpenInput, streamOfAContainer) {
     EXPECT_EQ(openInput(mp4, stream(0))->info().parameters.codecId, QVCodecIDAvc);
     EXPECT_EQ(openInput(mp4, stream(0, QVCodecIDAvc))->info().parameters.codecId, QVCodecIDAvc);
     EXPECT_EQ(refusal(mp4, stream(0, QVCodecIDHevc)),
-              "MP4 or QuickTime file: stream 0 is no H.265 video, as --codec has it; choose with --stream "
-              "among: 0 video h264");
+              "MP4 or QuickTime file: stream 0 is no H.265 video, as --codec requires; select one with "
+              "--stream: 0 video h264");
     EXPECT_EQ(refusal(mp4, stream(1)),
-              "MP4 or QuickTime file: stream 1 does not exist; choose with --stream among: 0 video h264");
+              "MP4 or QuickTime file: stream 1 does not exist; select one with --stream: 0 video h264");
 }
 
 TEST_F(OpenInput, streamOfNoContainer) {
     const std::string raw = sampleFolder() / "hevc_hdr10.h265";
     for (const InputOptions& options : {stream(0), format(InputFormat::Container)}) {
         EXPECT_EQ(refusal(raw, options),
-                  "is no container; for a raw stream leave out --stream and --format container");
+                  "is not a container; for a raw stream leave out --stream and --format container");
     }
 }
 

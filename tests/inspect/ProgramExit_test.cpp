@@ -149,7 +149,7 @@ TEST_F(ProgramExit, checkLines) {
     std::istringstream text(outcome.out);
     for (std::string line; std::getline(text, line);) {
         met += line == "[OK] hdr10: mastering display: yes, content light level: yes" ? 1U : 0U;
-        failed += line == "[FAIL] captions: no message of it" ? 1U : 0U;
+        failed += line == "[FAIL] captions: no messages" ? 1U : 0U;
     }
     EXPECT_EQ(met, 2U);
     EXPECT_EQ(failed, 2U);
@@ -162,7 +162,7 @@ TEST_F(ProgramExit, checkLinesMakeWayForAnotherOutput) {
     EXPECT_EQ(outcome.out.find("[OK]"), std::string::npos);
     EXPECT_EQ(outcome.err,
               "good.h265: [OK] hdr10: mastering display: yes, content light level: yes\n"
-              "good.h265: [FAIL] captions: no message of it\n");
+              "good.h265: [FAIL] captions: no messages\n");
 }
 
 // --- Outputs that fail ---
@@ -173,10 +173,8 @@ TEST_F(ProgramExit, fullDisk) {
     for (const char* option : kFileOutputs) {
         const Outcome outcome = run({option, "/dev/full", "good.h265"});
         EXPECT_EQ(outcome.exitCode, 5) << option;
-        EXPECT_EQ(
-            outcome.err,
-            "qvinspect: /dev/full cannot be written: No space left on device; what was written of it is "
-            "not whole\n")
+        EXPECT_EQ(outcome.err,
+                  "qvinspect: /dev/full cannot be written: No space left on device; it is incomplete\n")
             << option;
         EXPECT_THAT(outcome.out, HasSubstr("access units")) << "the listing is made all the same";
     }
@@ -194,8 +192,7 @@ TEST_F(ProgramExit, fullStandardOutput) {
         EXPECT_EQ(runInto(full, line, err), 5) << ::testing::PrintToString(line);
         close(full);
         EXPECT_EQ(err,
-                  "qvinspect: standard output cannot be written: No space left on device; what was written "
-                  "of it is not whole\n")
+                  "qvinspect: standard output cannot be written: No space left on device; it is incomplete\n")
             << ::testing::PrintToString(line);
     }
 }

@@ -116,7 +116,7 @@ TEST_F(ProgramInput, lengthPrefixedStream) {
     Bytes broken = units;
     broken.pop_back();
     EXPECT_THAT(inspectPiped(broken, {"--format", "lp1", "--codec", "h264", "-"}).out,
-                HasSubstr(", of which the stream holds "));
+                HasSubstr(", of which the stream has "));
 }
 
 #if QVINSPECT_HAS_LIBAVFORMAT
@@ -134,7 +134,7 @@ TEST_F(ProgramInput, containersOnStandardInput) {
 
 TEST_F(ProgramInput, indexBehindTheSamples) {
     const std::string reason =
-        "MP4 or QuickTime file: its index stands behind its samples, so that it cannot be read from a pipe; "
+        "MP4 or QuickTime file: its index follows its samples, so it cannot be read from a pipe; "
         "name the file instead";
     for (const std::vector<std::string>& line :
          {std::vector<std::string>{"-"}, {"--format", "container", "-"}, {"--stream", "0", "-"}}) {
@@ -146,7 +146,7 @@ TEST_F(ProgramInput, indexBehindTheSamples) {
 
 TEST_F(ProgramInput, streamThatIsNoneOfTheTwo) {
     expectRefused(inspect({"--stream", "3", sample("avc.ts")}), sample("avc.ts"),
-                  "stream 3 does not exist; choose with --stream among: 0 video h264");
+                  "stream 3 does not exist; select one with --stream: 0 video h264");
 }
 
 // Matroska has presentation times only: those of the first access units are 0, 0.16, 0.08, 0.04, 0.12 s.
@@ -215,10 +215,10 @@ TEST_F(ProgramInput, partOfARawStream) {
     expectListed(part({"--start", "0.08"}), "x", "access units      2\n");
     write("y", withoutParameterSets(rawStream()));
     expectRefused(inspect({"--codec", "h265", "--start", "0.08", "y"}), "y",
-                  "has no times that --start and --duration could count by; for a raw stream give "
+                  "has no times for --start and --duration; for a raw stream give "
                   "--frame-rate, or use --limit");
     expectRefused(part({"--frame-rate", "25", "--start", "9"}), "x",
-                  "ends ahead of the part that --start asks for; give an earlier time");
+                  "ends before the part that --start selects; give an earlier time");
 }
 
 // What stands ahead of the part says how to read it.
@@ -313,7 +313,7 @@ TEST_F(Interrupted, nothingWhole) {
     const Outcome outcome = interrupt(hex("00 00 01"), SIGINT, {"--codec", "h264", "-"});
     EXPECT_EQ(outcome.exitCode, 130);
     EXPECT_EQ(outcome.err,
-              "qvinspect: standard input: interrupted ahead of the end of its first access unit; nothing is "
+              "qvinspect: standard input: interrupted before the end of its first access unit; nothing is "
               "listed\n");
     EXPECT_EQ(interrupt({}, SIGINT, {"-"}).exitCode, 130);
 }

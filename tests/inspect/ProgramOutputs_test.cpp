@@ -72,7 +72,7 @@ TEST_F(ProgramOutputs, formerContentStaysWhenWritingFails) {
     for (const char* option : kFileOutputs) {
         const Outcome outcome = runBy("ulimit -f 1; exec \"$@\" >/dev/null", {option, "former", "good.h265"});
         EXPECT_EQ(outcome.exitCode, 5) << option;
-        EXPECT_EQ(outcome.err, "qvinspect: former cannot be written: File too large; it is left as it was\n");
+        EXPECT_EQ(outcome.err, "qvinspect: former cannot be written: File too large; it is unchanged\n");
         EXPECT_EQ(text("former"), "old");
         EXPECT_EQ(filesThere(), before);
     }

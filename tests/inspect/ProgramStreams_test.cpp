@@ -238,7 +238,7 @@ TEST_F(ProgramStreams, filesThatMayNotGrow) {
     const int null = open("/dev/null", O_WRONLY | O_CLOEXEC);
     for (const char* option : {"--json", "--ndjson", "--csv", "--html", "--to-annexb", "--to-lengths"}) {
         EXPECT_EQ(runLimited({option, "file", "good.h265"}, null), 5) << option;
-        EXPECT_EQ(text("err"), "qvinspect: file cannot be written: File too large; it is left as it was\n");
+        EXPECT_EQ(text("err"), "qvinspect: file cannot be written: File too large; it is unchanged\n");
         EXPECT_FALSE(std::filesystem::exists(folder() + "/file"));
     }
     close(null);
@@ -246,8 +246,7 @@ TEST_F(ProgramStreams, filesThatMayNotGrow) {
     EXPECT_EQ(runLimited({"--ndjson", "-", "good.h265"}, out), 5);
     close(out);
     EXPECT_EQ(text("err"),
-              "qvinspect: standard output cannot be written: File too large; what was written of it is not "
-              "whole\n");
+              "qvinspect: standard output cannot be written: File too large; it is incomplete\n");
 }
 
 }  // namespace

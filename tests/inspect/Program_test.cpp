@@ -86,7 +86,7 @@ TEST_F(Program, codecSaidButNoStartCode) {
 
 TEST_F(Program, bothCodecs) {
     write("both", byteStream({avcSpsUnit(), avcPpsUnit()}) + rawStream());
-    expectRefused(inspect({"both"}), "both", "could be H.264 or H.265; say which with --codec");
+    expectRefused(inspect({"both"}), "both", "could be H.264 or H.265; choose with --codec");
     EXPECT_EQ(inspect({"--codec", "h265", "both"}).exitCode, 0);
 }
 
@@ -130,7 +130,7 @@ TEST_F(Program, leadingBytes) {
     write("x", hex("12 34 56") + rawStream());
     const Outcome outcome = inspect({"x"});
     expectListed(outcome, "x", "errors            0\n");
-    EXPECT_THAT(outcome.out, HasSubstr("note at 0: 3 bytes ahead of the first start code are left out\n"));
+    EXPECT_THAT(outcome.out, HasSubstr("note at 0: 3 bytes before the first start code are left out\n"));
 }
 
 TEST_F(Program, forbiddenZeroBit) {
@@ -182,10 +182,8 @@ TEST_F(Program, outputThatIsFull) {
     EXPECT_EQ(run({"x"}, {kNoInput, full, err}, folder()), 5);
     close(full);
     close(err);
-    EXPECT_EQ(
-        textOf(errPath),
-        "qvinspect: standard output cannot be written: No space left on device; what was written of it is "
-        "not whole\n");
+    EXPECT_EQ(textOf(errPath),
+              "qvinspect: standard output cannot be written: No space left on device; it is incomplete\n");
 }
 
 TEST_F(Program, reportsForPrograms) {
@@ -244,8 +242,7 @@ TEST_F(Program, reportsThatCannotBeWritten) {
         const Outcome full = inspect({option, "/dev/full", "x"});
         EXPECT_EQ(full.exitCode, 5);
         EXPECT_EQ(full.err,
-                  "qvinspect: /dev/full cannot be written: No space left on device; what was written of it "
-                  "is not whole\n");
+                  "qvinspect: /dev/full cannot be written: No space left on device; it is incomplete\n");
         const Outcome nowhere = inspect({option, "no/such/folder", "x"});
         EXPECT_EQ(nowhere.exitCode, 5);
         EXPECT_THAT(nowhere.err,
@@ -281,7 +278,7 @@ TEST_F(Program, containerOfUnusualName) {
 
 TEST_F(Program, containerWithoutThatCodec) {
     write("x.mp4", mp4());
-    expectRefused(inspect({"--codec", "h265", "x.mp4"}), "x.mp4", "holds no H.265 video");
+    expectRefused(inspect({"--codec", "h265", "x.mp4"}), "x.mp4", "has no H.265 video");
     expectListed(inspect({"--codec", "h264", "x.mp4"}), "x.mp4", "access units      25\n");
 }
 
@@ -315,7 +312,7 @@ TEST_F(Program, brokenSample) {
     write("broken.mp4", broken);
     const Outcome outcome = inspect({"broken.mp4"});
     expectListed(outcome, "broken.mp4", "access units      25\n");
-    EXPECT_THAT(outcome.out, HasSubstr("error at 0: the length field here runs past the end"));
+    EXPECT_THAT(outcome.out, HasSubstr("error at 0: the length field here extends past the end"));
     EXPECT_THAT(outcome.out, HasSubstr("errors            1\n"));
 }
 

@@ -127,7 +127,7 @@ TEST(RawReader, leadingBytesAreToldAndLeftOut) {
         EXPECT_EQ(stream.accessUnits[0].bytes, hex("00 00 00 01 65 88 80"));
         EXPECT_EQ(stream.accessUnits[0].offset, 5U);
         EXPECT_THAT(stream.accessUnits[0].findings,
-                    ElementsAre("note at 0: 5 bytes ahead of the first start code are left out"));
+                    ElementsAre("note at 0: 5 bytes before the first start code are left out"));
     }
 }
 

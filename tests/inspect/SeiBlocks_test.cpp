@@ -107,7 +107,7 @@ TEST(SeiBlocks, userDataByItsRegistration) {
               "kind = active format description (DTG1)\nactive_format_flag = 0\n");
     EXPECT_EQ(lines(describeSei(QVCodecIDHevc, 4, hex("26 00 04 00 05 01 00"), nullptr)),
               "itu_t_t35_country_code = 0x26 (China)\nitu_t_t35_provider_code = 0x0004\n"
-              "kind = HDR Vivid (T/UWA 005.1)\nrefused = status 5 (fewer bits than the syntax asks for)\n");
+              "kind = HDR Vivid (T/UWA 005.1)\nrefused = status 5 (fewer bits than the syntax requires)\n");
     EXPECT_EQ(lines(describeSei(QVCodecIDHevc, 4, hex("01 02 03"), nullptr)),
               "itu_t_t35_country_code = 0x01\nitu_t_t35_provider_code = 0x0203\nkind = unknown\n");
 }

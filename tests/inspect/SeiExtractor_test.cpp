@@ -221,7 +221,7 @@ TEST_F(SeiExtraction, emptyFolderIsTaken) {
 
 TEST_F(SeiExtraction, foldersThatAreRefused) {
     const std::string file = folder().write("file", hex("00"));
-    EXPECT_THAT(refusal(file), HasSubstr("file is no folder"));
+    EXPECT_THAT(refusal(file), HasSubstr("file is not a folder"));
     EXPECT_EQ(refusal(folder().path()),
               folder().path().string() + " is not empty: name a new folder, or empty it");
     EXPECT_THAT(refusal(folder().path() / "none" / "out"), HasSubstr("No such file or directory"));

@@ -221,12 +221,13 @@ TEST(StreamDetails, brokenSeiOfARecord) {
 
     // The library looks at the first message only.
     const Bytes second = hex("4E 01 90 04 03 E8 01 90 05 10 AA 80");
-    EXPECT_THAT(describe(Inspected(QVCodecIDHevc, hevcRecord({{hex("40 01")}, {contentLight(), second}}))
-                             .configuration()
-                             .findings),
-                ElementsAre("error: SEI unit 2 of the configuration record: SEI message 2 of the unit is cut "
-                            "off: payloadType 5, payloadSize 16, of which 2 bytes are there (offset 8 of the "
-                            "unit)"));
+    EXPECT_THAT(
+        describe(Inspected(QVCodecIDHevc, hevcRecord({{hex("40 01")}, {contentLight(), second}}))
+                     .configuration()
+                     .findings),
+        ElementsAre("error: SEI unit 2 of the configuration record: SEI message 2 of the unit is truncated: "
+                    "payloadType 5, payloadSize 16, of which 2 bytes are present (offset 8 of the "
+                    "unit)"));
 }
 
 // HLG as the VUI has it: transfer_characteristics 18. As an encoder wrote it.
@@ -256,21 +257,25 @@ TEST(StreamDetails, messagesThatAreCutOff) {
         {"whole", QVCodecIDHevc, "4E 01 90 04 03 E8 01 90 05 01 AA 80", std::nullopt, 0},
         // The library looks at the first message alone.
         {"second of H.265", QVCodecIDHevc, "4E 01 90 04 03 E8 01 90 05 10 AA 80",
-         "error at 12: SEI message 2 of the unit is cut off: payloadType 5, payloadSize 16, of which 2 bytes "
-         "are there",
+         "error at 12: SEI message 2 of the unit is truncated: payloadType 5, payloadSize 16, of which 2 "
+         "bytes "
+         "are present",
          1},
         {"third of H.265", QVCodecIDHevc, "4E 01 90 04 03 E8 01 90 C8 00 05 03 80",
-         "error at 14: SEI message 3 of the unit is cut off: payloadType 5, payloadSize 3, of which 1 bytes "
-         "are there",
+         "error at 14: SEI message 3 of the unit is truncated: payloadType 5, payloadSize 3, of which 1 "
+         "bytes "
+         "are present",
          1},
         {"behind emulation prevention", QVCodecIDHevc, "4E 01 C8 03 00 00 03 01 05 10 80",
-         "error at 12: SEI message 2 of the unit is cut off: payloadType 5, payloadSize 16, of which 1 bytes "
-         "are there",
+         "error at 12: SEI message 2 of the unit is truncated: payloadType 5, payloadSize 16, of which 1 "
+         "bytes "
+         "are present",
          1},
         // The walk takes fewer than three bytes for no message.
         {"last of H.264", QVCodecIDAvc, "06 05 01 AA 05 10",
-         "error at 8: SEI message 2 of the unit is cut off: payloadType 5, payloadSize 16, of which 0 bytes "
-         "are there",
+         "error at 8: SEI message 2 of the unit is truncated: payloadType 5, payloadSize 16, of which 0 "
+         "bytes "
+         "are present",
          1},
         // The walk reports these itself: one error each.
         {"first of H.265", QVCodecIDHevc, "4E 01 90 04 03 80", std::nullopt, 1},

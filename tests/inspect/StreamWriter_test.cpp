@@ -225,10 +225,10 @@ struct BrokenCase {
 TEST(StreamWriter, brokenAccessUnits) {
     const std::vector<BrokenCase> cases = {
         {"length past the end", lengths(2), Framing::AnnexB, hex("00 02 65 88 00 09 65 01"),
-         hex("00 00 00 01 65 88"), "4 bytes from 4 on, behind the last whole NAL unit, are left out"},
+         hex("00 00 00 01 65 88"), "4 bytes from 4 on, after the last whole NAL unit, are left out"},
         {"length past the end, same framing", lengths(4), Framing::Lengths4,
          hex("00 00 00 02 65 88 00 00 00 09 65 01"), hex("00 00 00 02 65 88"),
-         "6 bytes from 6 on, behind the last whole NAL unit, are left out"},
+         "6 bytes from 6 on, after the last whole NAL unit, are left out"},
         {"no whole unit",
          lengths(4),
          Framing::AnnexB,
@@ -242,11 +242,10 @@ TEST(StreamWriter, brokenAccessUnits) {
          {},
          "4 bytes without a NAL unit are left out"},
         {"bytes ahead of the first start code", annexB(), Framing::Lengths4, hex("AB CD 00 00 01 65 88"),
-         hex("00 00 00 02 65 88"), "2 bytes ahead of the first NAL unit are left out"},
+         hex("00 00 00 02 65 88"), "2 bytes before the first NAL unit are left out"},
         {"start code inside of a unit", lengths(1), Framing::AnnexB, hex("06 65 88 00 00 01 41 02 41 9A"),
          hex("00 00 00 01 65 88 00 00 01 41 00 00 00 01 41 9A"),
-         "NAL units from 1 to 10 hold a start code where none may be: what follows it reads as a unit of its "
-         "own"},
+         "NAL units from 1 to 10 contain a start code, so that the bytes after it become another unit"},
     };
     for (const BrokenCase& each : cases) {
         SCOPED_TRACE(each.name);

@@ -117,7 +117,7 @@ uint32_t hexNumber(const std::string& text, uint32_t most, const std::string& wh
     const auto [stop, error] = std::from_chars(begin, end, number, 16);
     if (begin == end || error != std::errc() || stop != end || number > most) {
         throw std::invalid_argument(
-            fmt::format("--t35: \"{}\" is no code; write the country in hexadecimal, as b5, or with the "
+            fmt::format("--t35: \"{}\" is not a code; write the country in hexadecimal, as b5, or with the "
                         "provider, as b5:0031",
                         printableName(whole)));
     }
@@ -136,7 +136,7 @@ T35Codes parseT35(const std::string& text) {
 
 void addInputOptions(CLI::App& app, CommandLine& line, Words& words) {
     app.add_option("FILE", line.files);
-    app.add_option("--codec", words.codec, "auto, h264 or h265; in a container, the video to choose")
+    app.add_option("--codec", words.codec, "auto, h264 or h265; in a container, the video to select")
         ->type_name("CODEC")
         ->check(oneOf(kCodecs))
         ->group(kInputGroup);
@@ -150,7 +150,7 @@ void addInputOptions(CLI::App& app, CommandLine& line, Words& words) {
         ->type_name("N")
         ->check(wholeNumber(0, UINT_MAX, "from 0 on"))
         ->group(kInputGroup);
-    app.add_option("--frame-rate", line.input.frameRate, "frames a second, for a raw stream that tells none")
+    app.add_option("--frame-rate", line.input.frameRate, "frames a second, for a raw stream without a rate")
         ->type_name("RATE")
         ->check(refusePositive)
         ->group(kInputGroup);
@@ -170,9 +170,9 @@ void addInputOptions(CLI::App& app, CommandLine& line, Words& words) {
 
 void addShownOptions(CLI::App& app, CommandLine& line, Words& words) {
     app.add_option("--level", words.level,
-                   "summary, samples, nalus, sei, fields, elements: how deep\n"
-                   "to go;\n"
-                   "without it a summary, or as deep as filters need,\n"
+                   "summary, samples, nalus, sei, fields or elements: the\n"
+                   "depth;\n"
+                   "without it a summary, or the depth that filters need,\n"
                    "and everything in JSON and NDJSON")
         ->type_name("LEVEL")
         ->check(oneOf(kLevels))
@@ -191,7 +191,7 @@ void addShownOptions(CLI::App& app, CommandLine& line, Words& words) {
     app.add_flag("--key-only", line.filter.keyOnly, "only key access units")->group(kShownGroup);
     app.add_flag("--errors-only", line.filter.errorsOnly, "only access units with errors")
         ->group(kShownGroup);
-    repeatable("--request", words.requested, "have SEI messages of this payloadType kept as items", "TYPE")
+    repeatable("--request", words.requested, "keep SEI messages of this payloadType as items", "TYPE")
         ->check(wholeNumber(0, INT_MAX, "from 0 on"));
 }
 
@@ -224,7 +224,7 @@ void addOutputOptions(CLI::App& app, CommandLine& line, Words& words) {
 }
 
 void addCheckOptions(CLI::App& app, CommandLine& line, Words& words) {
-    app.add_option("--check", words.checks, "hold the stream against a rule; may be given again")
+    app.add_option("--check", words.checks, "check the stream against a rule; may be given again")
         ->type_name("RULE")
         ->allow_extra_args(false)
         ->group(kCheckGroup);
@@ -268,15 +268,15 @@ private:
 
 constexpr const char* kFooter =
     "Examples:\n"
-    "  qvinspect movie.mp4                              one screen about it\n"
+    "  qvinspect movie.mp4                              a summary on one screen\n"
     "  qvinspect --level nalus --limit 50 broken.h264   its first NAL units\n"
     "  qvinspect --html report.html --ndjson all.ndjson movie.mkv\n"
     "  qvinspect --check no-errors --check max-key-interval=2s movie.ts\n"
     "  qvinspect --to-annexb - movie.mp4 | player -\n"
     "\n"
-    "Exit code: 0 fine, 1 wrong command line, 2 an input cannot be opened or holds\n"
+    "Exit code: 0 success, 1 wrong command line, 2 an input cannot be opened or has\n"
     "no such video, 3 errors in a stream (--strict), 4 a check failed, 5 an output\n"
-    "cannot be written whole, 130 interrupted.";
+    "cannot be written, or not all of it, 130 interrupted.";
 
 // "--option" and where its output goes, of those that are asked for.
 using NamedOutputs = std::vector<std::pair<const char*, std::string>>;
@@ -360,7 +360,7 @@ void understand(CommandLine& line, const Words& words) {
         line.checks.push_back(parseCheck(text));
     }
     if (line.files.empty()) {
-        throw std::invalid_argument("no FILE was named; - stands for standard input");
+        throw std::invalid_argument("no FILE was named; - is standard input");
     }
     const auto isStdin = [](const std::string& file) { return file == "-"; };
     if (std::count_if(line.files.begin(), line.files.end(), isStdin) > 1) {
@@ -370,7 +370,8 @@ void understand(CommandLine& line, const Words& words) {
     const bool isRaw = line.input.format != InputFormat::Auto && line.input.format != InputFormat::Container;
     if (line.input.stream && isRaw) {
         throw std::invalid_argument(fmt::format(
-            "--stream chooses in a container and --format {} is none; leave one of them out", words.format));
+            "--stream selects a stream of a container and --format {} is not one; leave one of them out",
+            words.format));
     }
     const bool takesOneInput =
         !line.toAnnexB.empty() || !line.toLengths.empty() || line.rewrite || !line.extractSei.empty();
@@ -404,7 +405,8 @@ int refuse(const std::string& reason) {
 }  // namespace
 
 CommandLine parseCommandLine(int argc, const char* const* argv) {
-    CLI::App app("Shows what H.264 and H.265 video holds: raw byte streams and containers.", "qvinspect");
+    CLI::App app("Shows the contents of H.264 and H.265 video in raw byte streams and containers.",
+                 "qvinspect");
     app.formatter(std::make_shared<Help>());
     app.footer(kFooter);
     CommandLine line;

@@ -24,7 +24,7 @@ namespace {
 
 [[noreturn]] void refuseEmpty(const std::vector<Finding>& findings) {
     if (isInterrupted()) {
-        throw InputError("interrupted ahead of the end of its first access unit; nothing is listed");
+        throw InputError("interrupted before the end of its first access unit; nothing is listed");
     }
     const std::string reason = findings.empty() ? "its video has no samples" : findings.front().text;
     throw InputError(fmt::format("nothing to list: {}; check that it is the right file and whole", reason));
@@ -64,7 +64,7 @@ private:
         const std::optional<double> time = view.decodeTime ? view.decodeTime : view.time;
         if (!time && !begin_) {
             throw InputError(
-                "has no times that --start and --duration could count by; for a raw stream give "
+                "has no times for --start and --duration; for a raw stream give "
                 "--frame-rate, or use --limit");
         }
         if (!time) {
@@ -91,9 +91,8 @@ private:
 };
 
 [[noreturn]] void refuseMissed() {
-    throw InputError(isInterrupted()
-                         ? "interrupted ahead of the part that --start asks for; nothing is listed"
-                         : "ends ahead of the part that --start asks for; give an earlier time");
+    throw InputError(isInterrupted() ? "interrupted before the part that --start selects; nothing is listed"
+                                     : "ends before the part that --start selects; give an earlier time");
 }
 
 // Not on a terminal that something else is written to at the same time.

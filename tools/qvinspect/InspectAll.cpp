@@ -45,9 +45,8 @@ void inspect(const std::string& file, const CommandLine& line, const Presenters&
     } catch (const std::bad_alloc&) {
         // What the file took is free again.
         fail(
-            "needs more memory than there is, or than a file of its size is given; what was read of it by "
-            "then is "
-            "reported");
+            "needs more memory than is available, or than the limit for a file of its size; what was read "
+            "before is reported");
     }
 }
 

@@ -30,7 +30,7 @@ int main(int argc, char** argv) {
         complain(error.what());
         return isInterrupted() ? kExitInterrupted : kExitOutput;
     } catch (const std::exception& error) {
-        complain("cannot go on: ", error.what());
+        complain("cannot continue: ", error.what());
     }
     return kExitInput;
 }

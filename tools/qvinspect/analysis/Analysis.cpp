@@ -45,14 +45,14 @@ Sample fromFirstStartCode(const Sample& sample, AccessUnitReport& report) {
     }
     const auto code = findStartCode(sample.data, static_cast<size_t>(sample.size), 0, 0);
     if (!code) {
-        addFinding(report, Severity::Error, sample.offset, "the sample holds no start code (00 00 01)");
+        addFinding(report, Severity::Error, sample.offset, "the sample has no start code (00 00 01)");
         return {sample.data, 0, sample.offset};
     }
     const auto ahead = static_cast<int>(code->codeAt);
     const bool isZero =
         std::all_of(sample.data, sample.data + ahead, [](unsigned char byte) { return byte == 0; });
     addFinding(report, isZero ? Severity::Note : Severity::Error, sample.offset,
-               fmt::format("{} bytes ahead of the first start code", ahead));
+               fmt::format("{} bytes before the first start code", ahead));
     return {sample.data + ahead, sample.size - ahead, sample.offset + code->codeAt};
 }
 
@@ -76,7 +76,7 @@ NalIndexList findLengthPrefixedUnits(const Sample& sample, int lengthSize, Acces
         const std::string text =
             log.lines().empty()
                 ? fmt::format("{} bytes are left, too few for a length field and a unit", sample.size - end)
-                : fmt::format("the length field here runs past the end ({})", log.lines().front().text);
+                : fmt::format("the length field here extends past the end ({})", log.lines().front().text);
         addFinding(report, Severity::Error, sample.offset + static_cast<uint64_t>(end), text);
     }
     return nalus;

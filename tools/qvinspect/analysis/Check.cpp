@@ -81,12 +81,12 @@ CheckResult parameterSets(const Check& check, const StreamTotals& totals) {
     }
     if (totals.keyWithoutParameterSets != 0) {
         return {check.text, false,
-                fmt::format("access unit {}, the first key one, comes without all of its parameter sets",
+                fmt::format("access unit {}, the first key access unit, lacks parameter sets",
                             totals.keyWithoutParameterSets)};
     }
     return {check.text, true,
-            totals.hasConfiguration ? "they came with the container or ahead of the first key picture"
-                                    : "they came ahead of the first key picture"};
+            totals.hasConfiguration ? "they are in the container or before the first key picture"
+                                    : "they are before the first key picture"};
 }
 
 CheckResult hdr10(const Check& check, const StreamTotals& totals) {
@@ -99,7 +99,7 @@ CheckResult hdr10(const Check& check, const StreamTotals& totals) {
 
 CheckResult presence(const Check& check, uint64_t messages) {
     return {check.text, messages > 0,
-            messages == 0 ? "no message of it" : fmt::format("{} message{}", messages, plural(messages))};
+            messages == 0 ? "no messages" : fmt::format("{} message{}", messages, plural(messages))};
 }
 
 CheckResult noErrors(const Check& check, const StreamTotals& totals) {
@@ -117,15 +117,15 @@ CheckResult codec(const Check& check, const StreamTotals& totals) {
 
 const std::vector<CheckRule>& checkRules() {
     static const std::vector<CheckRule> rules = {
-        {"max-key-interval", "N[s]", "most access units, or seconds, from key to key"},
+        {"max-key-interval", "N[s]", "most access units, or seconds, between key pictures"},
         {"max-unit-size", "BYTES", "no NAL unit is larger"},
         {"max-access-unit-size", "BYTES", "no access unit is larger"},
-        {"parameter-sets-first", "", "no key picture comes ahead of its parameter sets"},
+        {"parameter-sets-first", "", "no key picture precedes its parameter sets"},
         {"hdr10", "", "mastering display or content light level, not HLG"},
-        {"hdr-vivid", "", "HDR Vivid metadata is there"},
-        {"captions", "", "A/53 captions are there"},
+        {"hdr-vivid", "", "HDR Vivid metadata is present"},
+        {"captions", "", "A/53 captions are present"},
         {"no-errors", "", "nothing in the stream is broken"},
-        {"codec", "h264|h265", "the video is coded so"},
+        {"codec", "h264|h265", "the video has this codec"},
     };
     return rules;
 }

@@ -149,7 +149,7 @@ void describeVivid(const Payload& payload, Block& block) {
     const auto [status, vivid] = readHdrVivid(payload);
     if (status != QVHDRVividOk) {
         block.add("refused", fmt::format("status {}", status),
-                  status == QVHDRVividTruncated ? "fewer bits than the syntax asks for" : "");
+                  status == QVHDRVividTruncated ? "fewer bits than the syntax requires" : "");
         return;
     }
     describePq(block, "minimum_maxrgb_pq", vivid.minimum_maxrgb_pq);
@@ -464,7 +464,8 @@ void describeAvc(uint32_t payloadType, QVByteStream& in, const Payload& payload,
 void describeHevc(uint32_t payloadType, QVByteStream& in, const Payload& payload, Block& block) {
     switch (payloadType) {
         case kPicTiming:
-            block.add("not read", "frame_field_info_present_flag stands behind what is parsed of the SPS");
+            block.add("not read",
+                      "frame_field_info_present_flag is in the part of the SPS that is not parsed");
             return;
         case kFramePacking:
             return describeHevcFramePacking(in, payload, block);

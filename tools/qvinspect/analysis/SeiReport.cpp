@@ -61,8 +61,8 @@ void readMessages(const unsigned char* data, size_t size, size_t header, size_t 
         if (QVNaluParser::parserPayloadParams(rbsp, payloadType, payloadSize) != QVResultOk) {
             sei.fault =
                 Finding{Severity::Error, sei.offset + positions.codedByte(begin),
-                        fmt::format("SEI message {} of the unit is cut off: payloadType {}, payloadSize {}, "
-                                    "of which {} bytes are there",
+                        fmt::format("SEI message {} of the unit is truncated: payloadType {}, payloadSize {}, "
+                                    "of which {} bytes are present",
                                     number, static_cast<uint32_t>(payloadType),
                                     static_cast<uint32_t>(payloadSize), rbsp.bytesLeft())};
             return;

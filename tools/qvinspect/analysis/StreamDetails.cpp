@@ -227,11 +227,10 @@ void StreamDetails::addFindings(const SeiTotals& sei, size_t leftOutSps, const c
                          place, kMostNewSps, leftOutSps)});
     }
     if (std::exchange(hasForgotten_, false) && !std::exchange(hasReportedForgotten_, true)) {
-        findings.push_back(
-            {Severity::Note, std::nullopt,
-             fmt::format("more than {} bytes of different sequence parameter sets: some that come "
-                         "again are counted as new from here on",
-                         kMostKnownSpsBytes)});
+        findings.push_back({Severity::Note, std::nullopt,
+                            fmt::format("more than {} bytes of different sequence parameter sets: some "
+                                        "repeated ones are counted as new from here on",
+                                        kMostKnownSpsBytes)});
     }
     if (sei.undescribedMessages > 0) {
         findings.push_back(

@@ -57,11 +57,10 @@ std::string mebibytes(uint64_t bytes) {
 
 [[noreturn]] void refuseToOpen(int error, uint64_t bytes) {
     if (error == AVERROR(ENOMEM)) {
-        throw InputError(
-            fmt::format("cannot be opened: its header asks for more than {} of memory, the most for a file "
-                        "of its size, or has "
-                        "more than {} streams; it is broken, or made to do harm: check where it comes from",
-                        mebibytes(containerMemory(bytes)), kMostStreams));
+        throw InputError(fmt::format(
+            "cannot be opened: its header needs more than {} of memory, the limit for a file of its size, or "
+            "has more than {} streams; it is broken or malicious: check where it comes from",
+            mebibytes(containerMemory(bytes)), kMostStreams));
     }
     throw InputError(
         fmt::format("cannot be opened as a container ({}); check that it is whole", avErrorText(error)));
@@ -166,11 +165,11 @@ const AVInputFormat* ContainerFile::probeFormat() {
         refuseToOpen(score < 0 ? score : AVERROR_INVALIDDATA, bytes());
     }
     if (isRawFormat(*format)) {
-        throw InputError("is no container; for a raw stream leave out --stream and --format container");
+        throw InputError("is not a container; for a raw stream leave out --stream and --format container");
     }
     if (!isContainerFormat(*format)) {
         throw InputError(fmt::format(
-            "is a file of {}, which is none of the containers that are read ({}); choose another file",
+            "is a file of {}, which is not one of the supported containers ({}); choose another file",
             format->long_name, kContainerFormats));
     }
     return format;

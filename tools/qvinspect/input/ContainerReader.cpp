@@ -68,8 +68,8 @@ public:
 
     std::string text(uint64_t fileBytes) const {
         return fmt::format(
-            "{} samples of {} bytes in all, from a file of {} bytes: its tables name the same bytes "
-            "again and again; this sample and all after it are left out",
+            "{} samples of {} bytes in total, from a file of {} bytes: its tables refer to the same bytes "
+            "repeatedly; this sample and the rest are left out",
             samples_, bytes_, fileBytes);
     }
 
@@ -130,8 +130,8 @@ private:
             findings_.push_back(
                 {Severity::Error, std::nullopt,
                  fmt::format(
-                     "the sample table has {} samples, of which {} are read: the others have no place in "
-                     "the file, or their index needs more memory than a file of its size is given",
+                     "the sample table has {} samples, of which {} are read: the others are not in the file, "
+                     "or their index needs more memory than the limit for a file of its size",
                      video_.nb_frames, found)});
         }
     }
@@ -162,8 +162,8 @@ private:
 
     std::string overreadText() const {
         return fmt::format(
-            "{} bytes were read of a file of {} bytes: its tables lead back and forth; the rest is "
-            "left out",
+            "{} bytes were read from a file of {} bytes, which is the limit: its samples are not in order; "
+            "the rest is left out",
             file_->bytesRead(), file_->bytes());
     }
 
@@ -194,7 +194,7 @@ private:
         }
         if ((packet_->flags & AV_PKT_FLAG_CORRUPT) != 0) {
             accessUnit.findings.push_back(
-                {Severity::Error, std::nullopt, "the container's sample is damaged or cut short"});
+                {Severity::Error, std::nullopt, "the container's sample is damaged or truncated"});
         }
     }
 
@@ -217,7 +217,7 @@ private:
 
 std::string noVideoReason(const AVFormatContext& context, std::optional<QVCodecID> wanted) {
     const char* codec = !wanted ? "H.264 or H.265" : *wanted == QVCodecIDAvc ? "H.264" : "H.265";
-    return fmt::format("holds no {} video ({}); choose another file", codec, context.iformat->long_name);
+    return fmt::format("has no {} video ({}); choose another file", codec, context.iformat->long_name);
 }
 
 std::string describe(const AVStream& stream) {
@@ -240,10 +240,10 @@ std::string streamsOf(const AVFormatContext& context) {
 std::string noStreamReason(const AVFormatContext& context, const InputOptions& options) {
     const unsigned index = *options.stream;
     const char* wanted = !options.codec                   ? "H.264 or H.265 video"
-                         : *options.codec == QVCodecIDAvc ? "H.264 video, as --codec has it"
-                                                          : "H.265 video, as --codec has it";
+                         : *options.codec == QVCodecIDAvc ? "H.264 video, as --codec requires"
+                                                          : "H.265 video, as --codec requires";
     const std::string what = index < context.nb_streams ? fmt::format("is no {}", wanted) : "does not exist";
-    return fmt::format("stream {} {}; choose with --stream among: {}", index, what, streamsOf(context));
+    return fmt::format("stream {} {}; select one with --stream: {}", index, what, streamsOf(context));
 }
 
 AVStream* findStream(const ContainerFile& file, const InputOptions& options) {

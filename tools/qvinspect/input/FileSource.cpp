@@ -46,7 +46,7 @@ int openFile(const std::string& path) {
                 fmt::format("cannot be opened: {}; check its name and permissions", std::strerror(errno)));
         }
         if (isInterrupted()) {
-            throw InputError("interrupted ahead of the first byte; nothing was read");
+            throw InputError("interrupted before the first byte; nothing was read");
         }
     }
 }
@@ -74,7 +74,7 @@ FileSource::~FileSource() {
 void FileSource::examine() {
     struct stat status = {};
     if (fstat(file_, &status) != 0) {
-        throw InputError(fmt::format("cannot be read: {}; check what it stands for", std::strerror(errno)));
+        throw InputError(fmt::format("cannot be read: {}; check the file", std::strerror(errno)));
     }
     if (S_ISDIR(status.st_mode)) {
         throw InputError("is a directory; name the files in it");

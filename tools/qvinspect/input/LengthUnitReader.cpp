@@ -27,13 +27,13 @@ bool LengthUnitReader::next(RawUnit& unit) {
     }
     if (lengthSize_ + length > longest_) {
         endAt(
-            fmt::format("the length field here says {} bytes, more than the {} that are taken for a unit; "
-                        "what follows is left out: check that the units have lengths of {} bytes",
+            fmt::format("the length field here is {} bytes, more than the {} that a unit may have; the rest "
+                        "is left out: check that the units have lengths of {} bytes",
                         length, longest_ - lengthSize_, lengthSize_));
         return false;
     }
     if (!hold(offset + length)) {
-        endAt(fmt::format("the length field here says {} bytes, of which the stream holds {}", length,
+        endAt(fmt::format("the length field here is {} bytes, of which the stream has {}", length,
                           window_.end() - offset));
         return false;
     }

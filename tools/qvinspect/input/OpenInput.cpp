@@ -35,11 +35,11 @@ qv::CodecProbe probe(const Head& head, qv::Framing framing) {
 
 [[noreturn]] void refuse(const qv::CodecProbe& found) {
     if (found.answer == qv::CodecProbe::Answer::Ambiguous) {
-        throw InputError("could be H.264 or H.265; say which with --codec h264 or --codec h265");
+        throw InputError("could be H.264 or H.265; choose with --codec h264 or --codec h265");
     }
     throw InputError(
-        "holds neither H.264 nor H.265 as far as can be told; if it is a raw stream of one of them, say "
-        "which with --codec h264 or --codec h265");
+        "is not recognised as H.264 or H.265; if it is a raw stream of one of them, choose with --codec h264 "
+        "or --codec h265");
 }
 
 const Head& headOf(FileSource& file) {
@@ -48,7 +48,7 @@ const Head& headOf(FileSource& file) {
         return head;
     }
     if (file.isInterrupted()) {
-        throw InputError("interrupted ahead of the first byte; nothing was read");
+        throw InputError("interrupted before the first byte; nothing was read");
     }
     throw InputError(file.failure().empty()
                          ? "is empty; there is nothing to inspect"
@@ -66,10 +66,10 @@ Reader openLengths(Input input, qv::Framing framing) {
         input.options.codec ? input.options.codec : codecOf(probe(input.head, framing));
     const auto lengthSize = static_cast<uint8_t>(qv::lengthSizeOf(framing));
     if (!codec) {
-        throw InputError(fmt::format(
-            "holds no H.264 or H.265 behind lengths of {} bytes as far as can be told; check --format, or "
-            "say which it is with --codec h264 or --codec h265",
-            lengthSize));
+        throw InputError(
+            fmt::format("is not recognised as H.264 or H.265 with lengths of {} bytes; check --format, or "
+                        "choose with --codec h264 or --codec h265",
+                        lengthSize));
     }
     return openRaw(std::move(input), {*codec, 0, lengthSize});
 }
@@ -95,8 +95,8 @@ Reader openAnnexB(Input input) {
 ContainerResult tryContainer(Input& input) {
     if (!input.file->canSeek() && hasIndexBehindSamples(input.head.data(), input.head.size())) {
         return {nullptr,
-                "its index stands behind its samples, so that it cannot be read from a pipe; name the file "
-                "instead, or have its index put in front"};
+                "its index follows its samples, so it cannot be read from a pipe; name the file instead, or "
+                "move its index to the front"};
     }
     return openContainer(input.file, input.options);
 }

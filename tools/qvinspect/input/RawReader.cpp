@@ -101,7 +101,7 @@ void RawReader::finish() {
 
 void RawReader::noteSkipped(const RawUnit& unit) {
     if (unit.skipped > 0) {
-        const char* text = isFirst_ ? "{} bytes ahead of the first start code are left out"
+        const char* text = isFirst_ ? "{} bytes before the first start code are left out"
                                     : "{} bytes up to the next start code are left out";
         findings_.push_back(
             {Severity::Note, unit.codeOffset - unit.skipped, fmt::format(fmt::runtime(text), unit.skipped)});
@@ -110,7 +110,7 @@ void RawReader::noteSkipped(const RawUnit& unit) {
 
 void RawReader::noteCut(uint64_t begin, uint64_t end) {
     const std::string limit = units_.size() > limits_.units
-                                  ? fmt::format("holds more than {} NAL units", limits_.units)
+                                  ? fmt::format("has more than {} NAL units", limits_.units)
                                   : fmt::format("is longer than {} bytes", limits_.accessUnit);
     findings_.push_back(
         {Severity::Error, begin, fmt::format("access unit {}; cut at offset {}", limit, end)});

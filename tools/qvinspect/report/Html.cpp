@@ -43,7 +43,8 @@ void Html::writeHead() {
         output_.print("</ol></nav>\n");
     }
     output_.print(
-        "<noscript><p class=\"note\">Everything reads without scripts; zoom, sorting, the filter of the "
+        "<noscript><p class=\"note\">Everything can be read without scripts; zoom, sorting, the filter of "
+        "the "
         "table "
         "and the bytes of NAL units need them.</p></noscript>\n");
 }

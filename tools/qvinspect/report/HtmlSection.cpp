@@ -93,7 +93,7 @@ std::string keyIntervalText(const StreamTotals& totals) {
 
 std::string bitrateRange(const StreamTotals& totals) {
     if (!totals.averageBitrate) {
-        return "not known without times";
+        return "unknown without times";
     }
     return fmt::format("{} average, {} peak over a second", bitrateText(*totals.averageBitrate),
                        bitrateText(totals.peakBitrate.value_or(*totals.averageBitrate)));
@@ -331,7 +331,7 @@ void HtmlSection::writeCard(Output& out, const StreamEnd& end) const {
     }
     card.add("Format", head_.info.format);
     card.add("Framing", framingName(head_.info.parameters));
-    card.add("Duration", totals.duration ? durationText(*totals.duration) : "not known without times");
+    card.add("Duration", totals.duration ? durationText(*totals.duration) : "unknown without times");
     card.add("Access units", fmt::format("{}, {} key", groupedDigits(totals.accessUnits),
                                          groupedDigits(totals.keyAccessUnits)));
     card.add("Key interval", keyIntervalText(totals));
@@ -380,7 +380,7 @@ void HtmlSection::writeSizes(Output& out) const {
     }
     const PlotScale scale = scaleUpTo(static_cast<double>(most), bytesText);
     openFigure(out, {"sizes", "Access-unit sizes",
-                     isEach ? "" : fmt::format("Each bar stands for {} access units.", bins_.width()),
+                     isEach ? "" : fmt::format("Each bar represents {} access units.", bins_.width()),
                      isEach ? "<span class=\"swatch size\"></span>access unit "
                               "<span class=\"swatch key\"></span>key access unit"
                             : "<span class=\"swatch size\"></span>average "
@@ -515,12 +515,11 @@ void HtmlSection::writeUntimedBitrate(Output& out) const {
         return text.substr(0, text.size() - 2);  // without "/s"
     };
     const PlotScale scale = scaleUpTo(most, bitsText);
-    openFigure(out,
-               {"rates", "Bits per access unit",
-                fmt::format("The stream tells no times, so this is by access unit number: averages of {} "
-                            "access units each. <code>--frame-rate</code> gives bits a second.",
-                            windows.width()),
-                ""});
+    openFigure(out, {"rates", "Bits per access unit",
+                     fmt::format("The stream has no times, so this is by access unit number: averages of {} "
+                                 "access units each. <code>--frame-rate</code> gives bits a second.",
+                                 windows.width()),
+                     ""});
     PlotBody body;
     body.range = rangeOf(windows);
     body.height = 160;
@@ -615,7 +614,7 @@ void HtmlSection::writeLanesOfSei(Output& out) const {
                 bins_.width() == 1 ? "" : fmt::format("In steps of {} access units.", bins_.width()), ""});
     PlotLanes plot;
     plot.range = numberRange();
-    plot.label = fmt::format("Where SEI messages of {} stand", counted(lanes_.size(), "kind"));
+    plot.label = fmt::format("SEI messages of {} by access unit", counted(lanes_.size(), "kind"));
     plot.xLabel = kNumberAxis;
     for (const size_t lane : lanesInOrder()) {
         const auto drawRun = [this, &out, &plot](size_t first, size_t end, uint64_t messages) {
@@ -648,7 +647,7 @@ void HtmlSection::writeErrors(Output& out, const std::string& id, const StreamTo
     if (errorCount_ > 0) {
         PlotLanes plot;
         plot.range = numberRange();
-        plot.label = fmt::format("Where {} stand", counted(errorCount_, "error"));
+        plot.label = fmt::format("{} by access unit", counted(errorCount_, "error"));
         plot.xLabel = kNumberAxis;
         plot.lanes = {{counted(errorCount_, "error"), "error", [&] {
                            for (size_t i = 0; i < bins.size(); ++i) {

@@ -200,7 +200,7 @@ void HtmlUnits::write(Output& out, const std::string& id, uint64_t total) const 
         out.print("{} unit{}.", groupedDigits(count_), count_ == 1 ? "" : "s");
     }
     if (count_ < total) {
-        out.print(" The filter options chose {} of the stream's {} units; the plots show all of it.",
+        out.print(" The filter options selected {} of the stream's {} units; the plots show all of them.",
                   groupedDigits(count_), groupedDigits(total));
     }
     out.print(

@@ -235,8 +235,9 @@ void Listing::addBrokenUnits(const AccessUnitView& view) {
             continue;
         }
         const char* const text = unit.report->state != UnitState::Typed ? errorOf(*unit.report)
-                                 : unit.details->newSps ? "the library refuses the parameter set"
-                                                        : "the library's walk of the SEI unit breaks off";
+                                 : unit.details->newSps
+                                     ? "the library refuses the parameter set"
+                                     : "the library's walk of the SEI unit ends with an error";
         addFindings({{Severity::Error, unit.report->offset, text}});
     }
 }

@@ -33,10 +33,9 @@ Output::~Output() {
 void Output::check(int error) {
     if (error != 0) {
         text_.clear();  // it would follow a gap
-        throw OutputError(
-            fmt::format("{} cannot be written: {}; {}", name_, reasonOf(error),
-                        file_.isUntouched() ? "it is left as it was" : "what was written of it is not whole"),
-            error);
+        throw OutputError(fmt::format("{} cannot be written: {}; {}", name_, reasonOf(error),
+                                      file_.isUntouched() ? "it is unchanged" : "it is incomplete"),
+                          error);
     }
 }
 

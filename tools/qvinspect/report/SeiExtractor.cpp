@@ -21,7 +21,7 @@ std::string indexIn(const std::string& folder) {
     namespace fs = std::filesystem;
     std::error_code error;
     if (!fs::is_directory(folder, error) && fs::exists(folder, error)) {
-        throw OutputError(fmt::format("{} is no folder: name a new one", outputName(folder)));
+        throw OutputError(fmt::format("{} is not a folder: name a new one", outputName(folder)));
     }
     fs::create_directory(folder, error);
     if (error) {

@@ -217,10 +217,9 @@ void StreamWriter::addConfiguration(const AccessUnitView& view) {
         return;
     }
     if (!isInProportion(missing)) {
-        lose(view.number,
-             fmt::format("{} parameter sets of the container are not repeated: with them the output would "
-                         "grow out of proportion",
-                         missing.count));
+        lose(view.number, fmt::format("{} parameter sets of the container are not repeated: the output would "
+                                      "become far larger than the stream",
+                                      missing.count));
         return;
     }
     const std::string problem =
@@ -246,7 +245,7 @@ void StreamWriter::add(const AccessUnitView& view) {
     const Places places(view);
     if (!isZero(accessUnit.data, places.begin(0))) {
         lose(view.number,
-             fmt::format("{} ahead of the first NAL unit are left out", bytesText(places.begin(0))));
+             fmt::format("{} before the first NAL unit are left out", bytesText(places.begin(0))));
     }
     const size_t place = placeOfConfiguration(view);
     convertUnits(view, 0, place);
@@ -257,7 +256,7 @@ void StreamWriter::add(const AccessUnitView& view) {
     const size_t end = places.end(units.size() - 1);
     if (!isZero(accessUnit.data + end, accessUnit.size - end)) {
         lose(view.number,
-             fmt::format("{} from {} on, behind the last whole NAL unit, are left out",
+             fmt::format("{} from {} on, after the last whole NAL unit, are left out",
                          bytesText(accessUnit.size - end), units.back().offset + units.back().length));
     }
 }
@@ -337,7 +336,7 @@ std::string StreamWriter::convert(const unsigned char* data, size_t size, const 
     }
     return isFromAnnexB || countUnits(annexB) == units
                ? ""
-               : "hold a start code where none may be: what follows it reads as a unit of its own";
+               : "contain a start code, so that the bytes after it become another unit";
 }
 
 void StreamWriter::lose(uint64_t accessUnit, const std::string& what) {

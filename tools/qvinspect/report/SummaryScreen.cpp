@@ -162,13 +162,13 @@ void addStream(Screen& screen, const StreamHead& head, const StreamTotals& total
 
 std::string whyUntimed(const StreamHead& head, const StreamTotals& totals) {
     if (totals.untimedAccessUnits == 0) {
-        return "unknown: the access units take no time";
+        return "unknown: the access units have no duration";
     }
     if (totals.untimedAccessUnits < totals.accessUnits) {
         return fmt::format("unknown: {} without a time", counted(totals.untimedAccessUnits, "access unit"));
     }
-    return head.isRaw ? "unknown: no frame rate is told; --frame-rate gives one"
-                      : "unknown: the container tells no times; give --frame-rate";
+    return head.isRaw ? "unknown: the stream has no frame rate; give --frame-rate"
+                      : "unknown: the container has no times; give --frame-rate";
 }
 
 // "12", or "12 (0.480 s)".
@@ -179,7 +179,7 @@ std::string interval(const std::string& accessUnits, const std::optional<double>
 std::string keyIntervals(const StreamTotals& totals) {
     const KeyIntervals& intervals = totals.keyIntervals;
     if (totals.keyAccessUnits == 0) {
-        return "none: no access unit is a key";
+        return "none: no key access unit";
     }
     std::string text;
     if (intervals.count == 0) {
