@@ -12,7 +12,7 @@ std::string signatureOf(const Bytes& bytes) {
     return name != nullptr ? name : "";
 }
 
-// Packets with nothing in them but their sync bytes.
+// Packets that are empty except for their sync bytes.
 Bytes packets(size_t count, size_t firstSync, size_t length) {
     Bytes bytes(count * length, 0xFF);
     for (size_t i = 0; i < count; ++i) {
@@ -50,7 +50,7 @@ TEST(ContainerSignature, shortFilesHaveNone) {
     EXPECT_EQ(signatureOf(hex("47")), "");
 }
 
-// --- Where the index of a file of boxes stands ---
+// --- The position of the index in a file of boxes ---
 
 Bytes box(const std::string& type, const Bytes& content) {
     Bytes bytes = lengthPrefixed({Bytes(content.size() + 8, 0)}, 4);
@@ -59,27 +59,27 @@ Bytes box(const std::string& type, const Bytes& content) {
     return bytes + content;
 }
 
-bool hasIndexBehindSamples(const Bytes& head) {
-    return qvinspect::hasIndexBehindSamples(head.data(), head.size());
+bool hasIndexAfterSamples(const Bytes& head) {
+    return qvinspect::hasIndexAfterSamples(head.data(), head.size());
 }
 
-TEST(IndexBehindSamples, isToldByTheOrderOfTheBoxes) {
+TEST(IndexAfterSamples, isFoundByTheOrderOfTheBoxes) {
     const Bytes type = box("ftyp", Bytes(8, 1));
-    EXPECT_TRUE(hasIndexBehindSamples(type + box("mdat", Bytes(100, 2)) + box("moov", {})));
-    EXPECT_TRUE(hasIndexBehindSamples(type + box("free", {}) + hex("7F FF FF FF 6D 64 61 74")));
-    EXPECT_TRUE(hasIndexBehindSamples(hex("00 00 00 00 6D 64 61 74")));  // up to the end of the file
+    EXPECT_TRUE(hasIndexAfterSamples(type + box("mdat", Bytes(100, 2)) + box("moov", {})));
+    EXPECT_TRUE(hasIndexAfterSamples(type + box("free", {}) + hex("7F FF FF FF 6D 64 61 74")));
+    EXPECT_TRUE(hasIndexAfterSamples(hex("00 00 00 00 6D 64 61 74")));  // up to the end of the file
     EXPECT_TRUE(
-        hasIndexBehindSamples(hex("00 00 00 01 66 72 65 65 00 00 00 00 00 00 00 10") + box("mdat", {})));
-    EXPECT_FALSE(hasIndexBehindSamples(type + box("moov", Bytes(100, 2)) + box("mdat", {})));
-    EXPECT_FALSE(hasIndexBehindSamples(type + box("moof", {}) + box("mdat", {})));
+        hasIndexAfterSamples(hex("00 00 00 01 66 72 65 65 00 00 00 00 00 00 00 10") + box("mdat", {})));
+    EXPECT_FALSE(hasIndexAfterSamples(type + box("moov", Bytes(100, 2)) + box("mdat", {})));
+    EXPECT_FALSE(hasIndexAfterSamples(type + box("moof", {}) + box("mdat", {})));
 }
 
-TEST(IndexBehindSamples, brokenBoxes) {
+TEST(IndexAfterSamples, brokenBoxes) {
     for (const char* head :
          {"", "00", "00 00 00 08 66 72 65", "00 00 00 00 66 72 65 65 00 00 00 08 6D 64 61 74",
           "00 00 00 07 66 72 65 65 00 00 00 08 6D 64 61 74", "FF FF FF FF 66 72 65 65",
           "00 00 00 01 66 72 65 65", "00 00 00 01 66 72 65 65 FF FF FF FF FF FF FF FF"}) {
-        EXPECT_FALSE(hasIndexBehindSamples(hex(head))) << head;
+        EXPECT_FALSE(hasIndexAfterSamples(hex(head))) << head;
     }
 }
 

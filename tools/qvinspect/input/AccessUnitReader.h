@@ -1,4 +1,4 @@
-// The one interface of the two ways to read a file: raw byte streams and containers.
+// The interface of the two kinds of input: raw byte streams and containers.
 #ifndef QVINSPECT_ACCESSUNITREADER_H
 #define QVINSPECT_ACCESSUNITREADER_H
 
@@ -11,18 +11,18 @@
 
 namespace qvinspect {
 
-// A stream as its first access unit will find it; a container may change the framing later on.
+// A stream at its first access unit; a container may change the framing later.
 struct StreamInfo {
-    std::string format;  // the container's name, or what stands in its place
+    std::string format;  // the container's name, or that of a raw stream
     QVCodecParameters parameters{};
-    std::vector<uint8_t> configuration;  // the container's record for the decoder; empty when there is none
-    std::optional<uint32_t> transfer_characteristics;  // where the container tells it
+    std::vector<uint8_t> configuration;  // the container's decoder configuration record; empty if it has none
+    std::optional<uint32_t> transfer_characteristics;  // if the container has them
 };
 
-// How far reading has come.
+// How much was read.
 struct ReadProgress {
     uint64_t bytes = 0;
-    std::optional<uint64_t> size;  // of the file; not of a pipe
+    std::optional<uint64_t> size;  // of the file; none for a pipe
 };
 
 class AccessUnitReader {
@@ -31,8 +31,8 @@ public:
 
     virtual const StreamInfo& info() const = 0;
 
-    // Reads the next access unit into accessUnit, whatever it held. False at the end: accessUnit is then
-    // empty but for the findings that stand behind the last access unit.
+    // Replaces accessUnit with the next access unit. Returns false at the end: accessUnit then has only the
+    // findings after the last access unit.
     virtual bool next(AccessUnit& accessUnit) = 0;
 
     virtual ReadProgress progress() const = 0;

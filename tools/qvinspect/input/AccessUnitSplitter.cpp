@@ -39,7 +39,7 @@ size_t AccessUnitSplitter::take(const unsigned char* unit, size_t size) {
     return 0;
 }
 
-// At the unit at hand or at the held units ahead of it, unless there is no picture yet to end.
+// At the current unit or at the held units before it, unless there is no picture yet to end.
 size_t AccessUnitSplitter::beginAccessUnit(bool hasPicture) {
     const size_t units = hasPicture_ ? std::max<size_t>(held_, 1) : 0;
     hasPicture_ = hasPicture;

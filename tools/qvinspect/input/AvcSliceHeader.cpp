@@ -11,7 +11,7 @@ namespace qvinspect {
 
 namespace {
 
-// Enough for every element up to redundant_pic_cnt, each as long as it can be.
+// Enough for every element up to redundant_pic_cnt at its greatest length.
 constexpr size_t kLongestHeaderStart = 64;
 
 bool isIdr(const AvcSliceHeader& slice) {
@@ -98,7 +98,7 @@ bool beginsPrimaryPicture(const AvcSliceHeader& last, const AvcSliceHeader& slic
     if ((slice.nal_ref_idc == 0) != (last.nal_ref_idc == 0)) {
         return true;
     }
-    // An element that the type at hand does not have is 0 in both.
+    // An element that this type does not have is 0 in both.
     if (slice.pic_order_cnt_type == last.pic_order_cnt_type &&
         (slice.pic_order_cnt_lsb != last.pic_order_cnt_lsb ||
          slice.delta_pic_order_cnt_bottom != last.delta_pic_order_cnt_bottom ||

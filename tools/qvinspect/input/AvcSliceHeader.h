@@ -1,4 +1,4 @@
-// The start of an H.264 slice header: what tells the pictures of two slices apart.
+// The start of an H.264 slice header, up to the elements that distinguish the pictures of two slices.
 #ifndef QVINSPECT_AVCSLICEHEADER_H
 #define QVINSPECT_AVCSLICEHEADER_H
 
@@ -34,7 +34,7 @@ struct AvcSliceHeader {
 AvcSliceHeader readAvcSliceHeader(const unsigned char* unit, size_t size,
                                   qv::avc::ParameterSets& parameterSets);
 
-// True when slice is the first of a new primary coded picture behind one that last belongs to; both whole.
+// True if slice is the first of a new primary coded picture after that of last. Both must be whole.
 bool beginsPrimaryPicture(const AvcSliceHeader& last, const AvcSliceHeader& slice);
 
 }  // namespace qvinspect

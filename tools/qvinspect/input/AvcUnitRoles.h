@@ -21,7 +21,7 @@ private:
     qv::avc::ParameterSets parameterSets_;
     std::optional<AvcSliceHeader> last_;  // of the primary coded picture at hand
     bool isFieldSlice_ = false;
-    bool hasEnded_ = false;  // an end of sequence or stream stands behind it
+    bool hasEnded_ = false;  // an end of sequence or stream follows it
 };
 
 }  // namespace qvinspect

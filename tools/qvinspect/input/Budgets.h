@@ -1,6 +1,6 @@
-// What one input may cost. A few bytes can ask for any number of samples, parameter sets and messages, so
-// each of these grows with the bytes that the input really has. All of them are far above what honest files
-// need, and whatever is left out because of one is reported.
+// The limits on the memory, time and output for one input. A few bytes can declare any number of samples,
+// parameter sets and messages, so the limits are in proportion to the size of the input. All of them are far
+// above the needs of ordinary files, and whatever is left out because of one is reported.
 #ifndef QVINSPECT_BUDGETS_H
 #define QVINSPECT_BUDGETS_H
 
@@ -12,7 +12,7 @@ namespace qvinspect {
 constexpr uint64_t kKiB = uint64_t{1} << 10;
 constexpr uint64_t kMiB = uint64_t{1} << 20;
 
-// base, and perByte for each byte of the input.
+// base + perByte * bytes, without overflow.
 constexpr uint64_t budgetOf(uint64_t base, uint64_t perByte, uint64_t bytes) {
     constexpr uint64_t kMost = uint64_t{1} << 62;
     return bytes > (kMost - base) / perByte ? kMost : base + perByte * bytes;
@@ -20,35 +20,35 @@ constexpr uint64_t budgetOf(uint64_t base, uint64_t perByte, uint64_t bytes) {
 
 // --- Containers ---
 
-// Memory to open a container. Its index takes 60 bytes for each sample; an honest sample takes at least 12
-// bytes of the file, 4 in the sample table and 8 of coded data. The base is for buffers.
+// Memory to open a container. libavformat's index needs 60 bytes for each sample; an ordinary sample takes at
+// least 12 bytes of the file, 4 in the sample table and 8 of coded data. The base is for buffers.
 constexpr uint64_t containerMemory(uint64_t bytes) {
     return budgetOf(64 * kMiB, 16, bytes);
 }
 
-// And while its samples are read and reported: a sample is held several times, with what was found in it.
+// Memory to read and report its samples: a sample is held several times, with what was found in it.
 constexpr uint64_t inspectionMemory(uint64_t bytes) {
     return budgetOf(256 * kMiB, 64, bytes);
 }
 
-// Bytes read from a file that can be read in any order. Honest files are read once, and their index once
-// more; skipping other streams' samples may read a buffer of 64 KiB for a sample.
+// Bytes read from a file that can be read in any order. Ordinary files are read once, and their index once
+// more; skipping the samples of other streams may read a buffer of 64 KiB for a sample.
 constexpr uint64_t containerReading(uint64_t bytes) {
     return budgetOf(16 * kMiB, 32, bytes);
 }
 
-// What the samples of a container come to: their sizes, and kSampleCost for each. Sample tables can name the
-// same bytes any number of times, or samples of no bytes.
+// The sum of the sizes of a container's samples, and kSampleCost for each. Sample tables can refer to the
+// same bytes any number of times, or to empty samples.
 constexpr uint64_t kSampleCost = 64;
 constexpr uint64_t containerSamples(uint64_t bytes) {
     return budgetOf(kMiB, 16, bytes);
 }
 
-// Streams of a container other than a transport stream, which may carry many programs. libavformat looks at
-// each of them for each sample.
+// Streams of a container. Transport streams, which may carry many programs, are exempt. libavformat examines
+// each stream for each sample.
 constexpr unsigned kMostStreams = 256;
 
-// Packets and bytes that are read ahead for a video that the container's header does not name.
+// Packets and bytes that are read in search of a video that the container's header does not name.
 constexpr size_t kProbedPackets = 4096;
 constexpr uint64_t kProbedBytes = 5 * kMiB;
 
@@ -58,32 +58,31 @@ constexpr uint64_t kProbedBytes = 5 * kMiB;
 // a slice.
 constexpr size_t kMostUnits = size_t{1} << 18;
 
-// NAL units of a configuration record: twice as many as there can be parameter sets with different
-// identifiers in one layer (H.264: 32 sequence, 256 picture parameter sets and as many extensions; H.265
-// fewer).
+// NAL units of a configuration record: about twice the number of parameter sets with different identifiers in
+// one layer (H.264: 32 sequence and 256 picture parameter sets, and extensions; H.265 has fewer).
 constexpr size_t kMostRecordUnits = 1024;
 
-// New sequence parameter sets of an access unit or a configuration record: twice as many as there are
-// identifiers.
+// New sequence parameter sets of an access unit or a configuration record: twice the number of identifiers.
 constexpr size_t kMostNewSps = 64;
 
-// SEI messages that are described in an access unit. Others are counted. The largest honest number is a few
-// for each slice.
+// SEI messages of an access unit that are described. The rest are counted. Ordinary streams have at most a
+// few for each slice.
 constexpr size_t kMostDescribedMessages = 1024;
 
-// Contents of sequence parameter sets that are remembered, to tell new ones from repeated ones. In bytes: an
-// honest one takes some 50.
+// Bytes of the sequence parameter sets that are remembered to recognise repeated ones. An ordinary one takes
+// about 50.
 constexpr size_t kMostKnownSpsBytes = kMiB;
 
 // --- Outputs ---
 
-// Bytes of the configuration record's units in a conversion, which come again with each key access unit.
-// Intra-only streams of small pictures repeat a record of some 2 KB with each picture.
+// Bytes of the configuration record's units in a conversion, which are repeated before each key access unit.
+// Intra-only streams of small pictures repeat a record of about 2 KB with each picture.
 constexpr uint64_t repeatedRecordBytes(uint64_t bytes) {
     return budgetOf(kMiB, 16, bytes);
 }
 
-// Files of SEI items. A file takes a block of the disk, some 4 KB; an honest item comes with a picture.
+// Files of SEI items. A file takes a block of the disk, about 4 KB. Ordinary streams have a few items for
+// each picture.
 constexpr uint64_t extractedFiles(uint64_t bytes) {
     return 1024 + bytes / 64;
 }

@@ -1,4 +1,4 @@
-// Bytes in order, from wherever they come.
+// A source of bytes that are read in order.
 #ifndef QVINSPECT_BYTESOURCE_H
 #define QVINSPECT_BYTESOURCE_H
 
@@ -13,17 +13,17 @@ class ByteSource {
 public:
     virtual ~ByteSource() = default;
 
-    // Reads up to size bytes to to and returns how many, as soon as there are any. 0 only at the end, when
-    // reading failed, or when the program was interrupted.
+    // Reads up to size bytes to to and returns their number as soon as there are any. Returns 0 only at the
+    // end, if reading failed, or if the program was interrupted.
     virtual size_t read(unsigned char* to, size_t size) = 0;
 
-    // Of the whole source, where it is known ahead of its end.
+    // Of the whole source, if known before its end.
     virtual std::optional<uint64_t> size() const { return std::nullopt; }
 
-    // Why reading ended ahead of the end; empty when it did not.
+    // Why reading ended before the end; empty if it did not.
     virtual std::string failure() const = 0;
 
-    // Reading ended ahead of the end because the program was interrupted.
+    // Whether reading ended before the end because the program was interrupted.
     virtual bool isInterrupted() const { return false; }
 };
 

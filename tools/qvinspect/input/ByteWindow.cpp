@@ -9,8 +9,8 @@ ByteWindow::ByteWindow(std::unique_ptr<ByteSource> source, size_t chunkSize)
     : source_(std::move(source)), chunkSize_(chunkSize) {}
 
 bool ByteWindow::grow() {
-    // What was released is only moved out of the way here, once a chunk: moving it at every release would
-    // copy the rest of the chunk for each access unit in it.
+    // Released bytes are removed here, once for each chunk: removing them at every release would copy the
+    // rest of the chunk for each access unit in it.
     const auto released = static_cast<std::ptrdiff_t>(begin_ - bufferOffset_);
     bytes_.erase(bytes_.begin(), bytes_.begin() + released);
     bufferOffset_ = begin_;

@@ -16,19 +16,20 @@ public:
     // Reads chunkSize bytes at a time.
     ByteWindow(std::unique_ptr<ByteSource> source, size_t chunkSize);
 
-    // Reads one more chunk behind the window; pointers into it end here. False at the end of the source.
+    // Adds one more chunk to the end of the window and invalidates pointers into it. Returns false at the end
+    // of the source.
     bool grow();
 
-    // Bytes ahead of offset are not needed any more.
+    // Releases the bytes before offset.
     void release(uint64_t offset);
 
     uint64_t begin() const { return begin_; }
     uint64_t end() const { return bufferOffset_ + bytes_.size(); }
 
-    // offset from begin() to end().
+    // offset is from begin() to end().
     const unsigned char* at(uint64_t offset) const { return bytes_.data() + (offset - bufferOffset_); }
 
-    // Bytes in memory, those released since the window last grew included.
+    // Bytes in memory, including those released since the window last grew.
     size_t heldBytes() const { return bytes_.size(); }
 
     const ByteSource& source() const { return *source_; }

@@ -26,13 +26,13 @@ namespace qvinspect {
 
 namespace {
 
-// The containers that are read, by libavformat's names of them.
+// The containers that are read, by their names in libavformat.
 constexpr const char* kContainerFormats =
     "asf,avi,dhav,flv,ivf,live_flv,matroska,mov,mpeg,mpegts,mxf,nut,wtv";
 
 constexpr int kIoBuffer = 64 * 1024;
 
-// A playlist names other files or addresses: nothing but the input itself is read.
+// A playlist names other files or addresses. Only the input itself is read.
 int openNothing(AVFormatContext* /*context*/, AVIOContext** /*io*/, const char* /*url*/, int /*flags*/,
                 AVDictionary** /*options*/) {
     return AVERROR(EACCES);
@@ -42,7 +42,7 @@ int isToEnd(void* /*opaque*/) {
     return isInterrupted() ? 1 : 0;
 }
 
-// Files that libavformat recognises as raw byte streams are no containers.
+// Files that libavformat recognises as raw byte streams are not containers.
 bool isRawFormat(const AVInputFormat& format) {
     return std::strcmp(format.name, "h264") == 0 || std::strcmp(format.name, "hevc") == 0;
 }
@@ -68,7 +68,7 @@ std::string mebibytes(uint64_t bytes) {
 
 }  // namespace
 
-// A format goes by several names.
+// A format has several names.
 bool isContainerFormat(const AVInputFormat& format) {
     return av_match_list(format.name, kContainerFormats, ',') > 0;
 }
@@ -132,7 +132,7 @@ uint64_t ContainerFile::position() const {
     return static_cast<uint64_t>(std::max<int64_t>(avio_tell(io_.get()), 0));
 }
 
-// One allocation of libavformat, and all that the process has.
+// Limits a single allocation of libavformat, and the memory of the process.
 void ContainerFile::applyMemoryBudget() {
     const uint64_t most = containerMemory(bytes());
     av_max_alloc(static_cast<size_t>(std::min<uint64_t>(most, INT_MAX)));
@@ -143,7 +143,7 @@ void ContainerFile::applyMemoryBudget() {
 
 ContainerFile::ContainerFile(FileSource& file)
     : file_(file), memory_(containerMemory(file.size().value_or(0))) {
-    av_log_set_level(AV_LOG_QUIET);  // what matters of it is returned as errors
+    av_log_set_level(AV_LOG_QUIET);  // errors are returned
     applyMemoryBudget();
     auto* buffer = static_cast<uint8_t*>(av_malloc(kIoBuffer));
     io_.reset(avio_alloc_context(buffer, kIoBuffer, 0, this, readBytes, nullptr,
@@ -157,7 +157,7 @@ ContainerFile::ContainerFile(FileSource& file)
 
 ContainerFile::~ContainerFile() = default;
 
-// Throws InputError unless it is one of those that are read.
+// Throws InputError unless the format is one of those that are read.
 const AVInputFormat* ContainerFile::probeFormat() {
     const AVInputFormat* format = nullptr;
     const int score = av_probe_input_buffer2(io_.get(), &format, "", nullptr, 0, 0);
@@ -190,8 +190,9 @@ void ContainerFile::open(const AVInputFormat* format) {
     av_dict_set(&options, "protocol_whitelist", "none", 0);
     av_dict_set(&options, "format_whitelist", kContainerFormats, 0);
     av_dict_set(&options, "codec_whitelist", "none", 0);
-    av_dict_set(&options, "advanced_editlist", "0", 0);  // every sample of an MP4, played or not
-    const int error = avformat_open_input(&context, "", format, &options);  // frees the context when it fails
+    av_dict_set(&options, "advanced_editlist", "0",
+                0);  // every sample of an MP4, even those that are not played
+    const int error = avformat_open_input(&context, "", format, &options);  // frees the context if it fails
     av_dict_free(&options);
     if (error < 0) {
         refuseToOpen(error, bytes());
@@ -202,7 +203,7 @@ void ContainerFile::open(const AVInputFormat* format) {
 // --- Streams ---
 
 std::optional<QVCodecID> ContainerFile::codecOf(const AVStream& stream) const {
-    // libavformat's codec numbers are not the library's.
+    // The numbers of libavformat's codecs are not the library's.
     switch (stream.codecpar->codec_id) {
         case AV_CODEC_ID_H264:
             return QVCodecIDAvc;
@@ -217,7 +218,7 @@ std::optional<QVCodecID> ContainerFile::codecOf(const AVStream& stream) const {
 
 namespace {
 
-// Nothing in the container says what the stream holds.
+// The container does not name the stream's codec.
 bool isWithoutCodec(const AVStream& stream) {
     const AVMediaType type = stream.codecpar->codec_type;
     return stream.codecpar->codec_id == AV_CODEC_ID_NONE &&
@@ -226,7 +227,7 @@ bool isWithoutCodec(const AVStream& stream) {
 
 }  // namespace
 
-// The header leaves open what streams there are, or what one of them holds.
+// The header does not name all streams and their codecs.
 bool ContainerFile::isUnnamed() const {
     AVStream** const end = context_->streams + context_->nb_streams;
     return (context_->ctx_flags & AVFMTCTX_NOHEADER) != 0 ||
@@ -234,7 +235,7 @@ bool ContainerFile::isUnnamed() const {
                        [](const AVStream* stream) { return isWithoutCodec(*stream); });
 }
 
-// One more packet, unless that is too much.
+// Reads one more packet. False at a limit or an error.
 bool ContainerFile::readAhead() {
     if (ahead_.size() >= kProbedPackets || aheadBytes_ >= kProbedBytes) {
         return false;

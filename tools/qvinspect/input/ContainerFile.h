@@ -1,5 +1,5 @@
-// A file as libavformat demuxes it. Its pictures are not decoded: no decoder is ever opened, no other file
-// is, and memory and reading are bounded by the size of the file.
+// A file that libavformat demuxes. No decoder and no other file is ever opened. The memory used and the bytes
+// read are limited in proportion to the size of the file.
 #ifndef QVINSPECT_CONTAINERFILE_H
 #define QVINSPECT_CONTAINERFILE_H
 
@@ -28,16 +28,16 @@ using Packet = std::unique_ptr<AVPacket, FreePacket>;
 // Throws std::bad_alloc.
 Packet makePacket();
 
-// "Invalid data found when processing input", as libavutil calls an error of it.
+// libavutil's text for one of its errors, such as "Invalid data found when processing input".
 std::string avErrorText(int error);
 
-// It is one of the containers that are read: those that hold H.264 or H.265 in the field. Other demuxers are
-// never opened.
+// Whether it is one of the containers that are read: those that carry H.264 or H.265 in practice. Other
+// demuxers are never opened.
 bool isContainerFormat(const AVInputFormat& format);
 
 class ContainerFile {
 public:
-    // file outlives this. Throws InputError, with what to do next, when it cannot be opened.
+    // file must outlive this. Throws InputError, which says what to do next, if it cannot be opened.
     explicit ContainerFile(FileSource& file);
     ~ContainerFile();
     ContainerFile(const ContainerFile&) = delete;
@@ -45,12 +45,12 @@ public:
 
     const AVFormatContext& context() const { return *context_; }
 
-    // The codec of a video stream by its name in the container, or by the samples that nameVideo() read;
-    // nothing for other streams and other codecs.
+    // The codec of a video stream from the container, or from the samples that nameVideo() read. None for
+    // other streams and other codecs.
     std::optional<QVCodecID> codecOf(const AVStream& stream) const;
 
-    // Reads ahead until isFound, for containers whose header does not name all streams and their codecs.
-    // Packets that were read are not lost. Streams that the container gives no codec are probed for H.264 and
+    // Reads packets until isFound, for containers whose header does not name all streams and their codecs.
+    // read() returns these packets later. Streams without a codec in the container are probed for H.264 and
     // H.265.
     template <class IsFound>
     void nameVideo(const IsFound& isFound) {
@@ -61,17 +61,17 @@ public:
         }
     }
 
-    // From here on samples are read: those of all other streams are left out.
+    // Selects the stream whose samples are read; those of other streams are skipped.
     void select(const AVStream& video);
 
     // The next packet of any stream: 0, or an error of libavutil.
     int read(AVPacket& packet);
 
-    // Bytes of the file; of a pipe, those that came so far. What budgets count by.
+    // Size of the file, or the bytes read so far from a pipe. The limits are in proportion to it.
     uint64_t bytes() const;
     uint64_t bytesRead() const { return bytesRead_; }
 
-    // Reading ended because more was read than a file of this size warrants.
+    // Whether reading ended at the limit for a file of this size.
     bool isOverread() const { return isOverread_; }
 
     uint64_t position() const;

@@ -13,9 +13,9 @@ constexpr size_t kAvcLengthSizeAt = 4;  // the byte that lengthSizeMinusOne ends
 constexpr size_t kHevcLengthSizeAt = 21;
 constexpr unsigned kLengthSizeMinusOne = 0x03;
 
-// Containers whose samples are byte streams whatever the header says. An AVI stream header can hold an avcC
-// record, taken over from the file it was made of, above chunks that are Annex B all the same: there the
-// chunks of the stream type H264 are byte streams by definition.
+// Containers whose samples are byte streams even if the header has an avcC record. An AVI stream header can
+// have one from the file that it was made from, although its chunks are Annex B: chunks of the stream type
+// H264 are byte streams by definition.
 constexpr const char* kByteStreamContainers[] = {"avi", "mpeg", "mpegts", "mpegtsraw"};
 
 bool isByteStreamContainer(const std::string& container) {
@@ -30,7 +30,7 @@ QVCodecParameters containerFraming(QVCodecID codec, const std::string& container
     QVCodecParameters parameters{};
     parameters.codecId = codec;
 
-    // Parameter sets behind start codes begin with a zero byte, and so does no configuration record.
+    // Parameter sets after start codes begin with a zero byte; no configuration record does.
     const size_t lengthSizeAt = codec == QVCodecIDAvc ? kAvcLengthSizeAt : kHevcLengthSizeAt;
     const bool hasRecord =
         extradata != nullptr && extradataSize > lengthSizeAt && extradata[0] == kConfigurationVersion;

@@ -1,4 +1,4 @@
-// How the samples of a container hold their NAL units.
+// The framing of the NAL units in a container's samples.
 #ifndef QVINSPECT_CONTAINERFRAMING_H
 #define QVINSPECT_CONTAINERFRAMING_H
 
@@ -9,8 +9,8 @@
 
 namespace qvinspect {
 
-// container is libavformat's short name of the demuxer; extradata is the stream's configuration record as
-// the container gives it, null when there is none.
+// container is libavformat's short name of the demuxer; extradata is the stream's configuration record from
+// the container, or null.
 QVCodecParameters containerFraming(QVCodecID codec, const std::string& container,
                                    const unsigned char* extradata, size_t extradataSize);
 

@@ -1,5 +1,5 @@
-// Containers through libavformat, which hands over the samples: nothing is decoded, and all analysis is left
-// to the library.
+// Containers through libavformat, which returns the samples. Nothing is decoded, and the library does all
+// analysis.
 extern "C" {
 #include <libavutil/avstring.h>
 }
@@ -22,7 +22,7 @@ namespace qvinspect {
 
 namespace {
 
-// Reading goes on after an error, but not for ever when nothing but errors comes.
+// Reading continues after an error, but ends after this many in a row.
 constexpr int kMostErrorsInARow = 16;
 
 bool isPicture(const AVStream& stream) {
@@ -34,7 +34,7 @@ bool isVideo(const ContainerFile& file, const AVStream& stream, std::optional<QV
     return codec && !isPicture(stream) && (!wanted || *codec == *wanted);
 }
 
-// The first video of the codec asked for, or of either; null when there is none.
+// The first video of the wanted codec, or of either; null if there is none.
 AVStream* findVideo(const ContainerFile& file, std::optional<QVCodecID> wanted) {
     const AVFormatContext& context = file.context();
     AVStream** const end = context.streams + context.nb_streams;
@@ -43,8 +43,8 @@ AVStream* findVideo(const ContainerFile& file, std::optional<QVCodecID> wanted) 
     return found == end ? nullptr : *found;
 }
 
-// transfer_characteristics as the file has it. A number that the enumeration of libavformat has no room for
-// comes through there as well, and may not be loaded as what it is not.
+// transfer_characteristics as coded in the file. It may be a number outside the range of libavformat's
+// enumeration, which must not be loaded as a value of that type.
 std::optional<uint32_t> transferOf(const AVCodecParameters& parameters) {
     uint32_t transfer_characteristics = 0;
     static_assert(sizeof transfer_characteristics == sizeof parameters.color_trc);
@@ -55,11 +55,11 @@ std::optional<uint32_t> transferOf(const AVCodecParameters& parameters) {
     return transfer_characteristics;
 }
 
-// Samples in proportion to the bytes that they come from.
+// Limits the samples in proportion to the size of the file.
 class SampleBudget {
 public:
-    // Counts a sample, with the record that it brings. False when the samples so far come to more than a file
-    // of so many bytes holds.
+    // Counts a sample and its new configuration record. False if the samples so far exceed the limit for a
+    // file of that size.
     bool take(size_t size, uint64_t fileBytes) {
         ++samples_;
         bytes_ += size;
@@ -123,7 +123,7 @@ private:
         return containerFraming(codec, file_->context().iformat->name, extradata, size);
     }
 
-    // An MP4 sample table that promises more samples than libavformat made out of it.
+    // Reports an MP4 sample table with more samples than libavformat's index has.
     void noteMissingSamples() {
         const int64_t found = avformat_index_get_entries_count(&video_);
         if (av_match_list("mov", file_->context().iformat->name, ',') > 0 && video_.nb_frames > found) {
@@ -145,7 +145,7 @@ private:
                 return false;
             }
             if (result == AVERROR_EOF || source_->isInterrupted()) {
-                return false;  // a sample that was interrupted need not be whole
+                return false;  // an interrupted sample may not be whole
             }
             if (result < 0) {
                 ++errorsInARow;
@@ -211,7 +211,7 @@ private:
     StreamInfo info_;
     QVCodecParameters parameters_{};
     SampleBudget budget_;
-    std::vector<Finding> findings_;  // ahead of the next sample
+    std::vector<Finding> findings_;  // before the next sample
     bool isAtEnd_ = false;
 };
 

@@ -36,7 +36,7 @@ constexpr Signature kSignatures[] = {
     {"ASF", 0, "\x30\x26\xB2\x75\x8E\x66\xCF\x11", 8},
 };
 
-// ISO/IEC 13818-1 2.4.3.2: packets of 188 bytes, alone, behind 4 bytes of time code or ahead of 16 bytes of
+// ISO/IEC 13818-1 2.4.3.2: packets of 188 bytes, alone, after 4 bytes of time code or before 16 bytes of
 // error correction.
 struct PacketLayout {
     size_t firstSync;
@@ -83,7 +83,7 @@ const char* containerSignature(const unsigned char* data, size_t size) {
     return isTransport ? "MPEG transport stream" : nullptr;
 }
 
-bool hasIndexBehindSamples(const unsigned char* data, size_t size) {
+bool hasIndexAfterSamples(const unsigned char* data, size_t size) {
     constexpr size_t kBoxHeader = 8;
     constexpr uint64_t kLargeSizeFollows = 1;
     size_t at = 0;

@@ -1,4 +1,4 @@
-// Containers. Whether the program can read any is settled when it is built.
+// Containers. Support for them is chosen when the program is built.
 #ifndef QVINSPECT_CONTAINERS_H
 #define QVINSPECT_CONTAINERS_H
 
@@ -13,15 +13,15 @@
 namespace qvinspect {
 
 struct ContainerResult {
-    std::unique_ptr<AccessUnitReader> reader;  // null when the file cannot be read as a container
+    std::unique_ptr<AccessUnitReader> reader;  // null if the file cannot be read as a container
     std::string reason;                        // why it cannot, and what to do next
 };
 
-// Opens the stream that is asked for, or the first H.264 or H.265 video, or the first of the codec that is
-// asked for. file is taken when that succeeds; otherwise it stands anywhere.
+// Opens the stream in the options, or else the first video of the codec in the options, or else the first
+// H.264 or H.265 video. Takes file on success; on failure its position is unspecified.
 ContainerResult openContainer(std::unique_ptr<FileSource>& file, const InputOptions& options);
 
-// The first bytes of a file look like a container, as far as that can be told from them.
+// Whether the first bytes of a file look like a container.
 bool looksLikeContainer(const std::vector<unsigned char>& head);
 
 }  // namespace qvinspect

@@ -18,7 +18,7 @@ namespace qvinspect {
 
 namespace {
 
-// A stream that is closed, or one of the program's own descriptors, would be waited for in vain.
+// Reading a closed stream, or one of the program's own descriptors, could wait for ever.
 void refuseUnlessReadable(int file) {
     if (!isInherited(file) || !isReadable(file)) {
         throw InputError(
@@ -31,7 +31,7 @@ int standardInput() {
     return STDIN_FILENO;
 }
 
-// Opening a named pipe waits for the other end.
+// Opening a named pipe waits for its writer.
 int openFile(const std::string& path) {
     if (const auto descriptor = descriptorNamedBy(followLinks(path))) {
         refuseUnlessReadable(*descriptor);
@@ -82,7 +82,7 @@ void FileSource::examine() {
     if (isatty(file_) != 0) {
         throw InputError("is a terminal; name a file, or send a stream through a pipe");
     }
-    // Regular files that are made up as they are read have a size of 0.
+    // Regular files whose content is generated as they are read have a size of 0.
     const off_t begin = S_ISREG(status.st_mode) ? lseek(file_, 0, SEEK_CUR) : -1;
     if (begin >= 0 && begin < status.st_size) {
         begin_ = begin;

@@ -1,4 +1,4 @@
-// A file, a pipe or standard input, whose first bytes can be looked at ahead of reading.
+// A file, a pipe or standard input, whose first bytes can be examined before reading.
 #ifndef QVINSPECT_FILESOURCE_H
 #define QVINSPECT_FILESOURCE_H
 
@@ -13,23 +13,23 @@ namespace qvinspect {
 
 class FileSource : public ByteSource {
 public:
-    // "-" is standard input, from where it stands. Throws InputError when the file cannot be opened or is
-    // nothing to read from.
+    // "-" is standard input, from its current position. Throws InputError if the file cannot be opened or
+    // read.
     explicit FileSource(const std::string& path);
     ~FileSource() override;
     FileSource(const FileSource&) = delete;
     FileSource& operator=(const FileSource&) = delete;
 
-    // The first bytes: size of them, unless the source is shorter. Only ahead of the first read.
+    // The first size bytes, or all if the source is shorter. Call it only before the first read.
     const std::vector<unsigned char>& peek(size_t size);
 
     size_t read(unsigned char* to, size_t size) override;
 
-    // Regular files have one, and only what has a size can be read in another order.
+    // Regular files have one. Only sources with a size can be read in any order.
     std::optional<uint64_t> size() const override { return size_; }
     bool canSeek() const { return size_.has_value(); }
 
-    // To the end, when offset lies behind it.
+    // To the end if offset is after it.
     void seek(uint64_t offset);
 
     std::string failure() const override { return failure_; }
@@ -42,7 +42,7 @@ private:
 
     int file_;
     bool isOwned_;
-    off_t begin_ = 0;  // where standard input stands in a file that can be seeked
+    off_t begin_ = 0;  // position of standard input in a seekable file
     std::optional<uint64_t> size_;
     std::vector<unsigned char> head_;
     uint64_t position_ = 0;  // from begin_

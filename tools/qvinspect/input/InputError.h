@@ -1,4 +1,4 @@
-// Thrown when a file cannot be inspected at all. The text is one line that says what to do next.
+// Thrown if a file cannot be inspected at all. The text is one line that says what to do next.
 #ifndef QVINSPECT_INPUTERROR_H
 #define QVINSPECT_INPUTERROR_H
 

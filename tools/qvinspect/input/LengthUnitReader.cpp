@@ -42,7 +42,7 @@ bool LengthUnitReader::next(RawUnit& unit) {
     return true;
 }
 
-// Reads up to end. False when the stream does not go so far.
+// Reads up to end. False if the stream ends before.
 bool LengthUnitReader::hold(uint64_t end) {
     while (window_.end() < end) {
         if (!window_.grow()) {

@@ -1,5 +1,4 @@
-// Cuts a stream of NAL units behind length fields, as the samples of ISO/IEC 14496-15 hold them, without a
-// container around it.
+// Cuts a stream of length-prefixed NAL units, as in samples of ISO/IEC 14496-15, without a container.
 #ifndef QVINSPECT_LENGTHUNITREADER_H
 #define QVINSPECT_LENGTHUNITREADER_H
 
@@ -12,8 +11,8 @@
 
 namespace qvinspect {
 
-// A broken length ends the units: nothing tells where the next one would begin. So does a unit of more than
-// longest bytes, its length field included, of which nothing more is read.
+// A broken length ends the units, since the beginning of the next one is unknown. So does a unit that is
+// longer than longest bytes with its length field; it is not read.
 class LengthUnitReader : public UnitReader {
 public:
     // lengthSize: 1 to 4 bytes.

@@ -26,7 +26,7 @@ struct CloseFile {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-// proc(5): the sixth number of statm is the size of data and stack in pages.
+// The sixth number of /proc/self/statm is the size of data and stack in pages, proc(5).
 std::optional<uint64_t> dataOfProcess() {
     const std::unique_ptr<std::FILE, CloseFile> statm(std::fopen("/proc/self/statm", "re"));
     unsigned long long data = 0;

@@ -1,4 +1,4 @@
-// Bounds the memory of the program while a container is read.
+// Limits the memory of the program while a container is read.
 #ifndef QVINSPECT_MEMORYLIMIT_H
 #define QVINSPECT_MEMORYLIMIT_H
 
@@ -9,10 +9,10 @@
 
 namespace qvinspect {
 
-// While it lives, allocations fail that would take the data of the process more than so many bytes above what
-// it had at the start (RLIMIT_DATA, on Linux). This reaches allocations in libraries, of any number. It does
-// nothing where the system does not say how much memory the process has, and under sanitizers, which end the
-// program when an allocation fails.
+// During its lifetime, allocations fail that would raise the data of the process by more than the limit above
+// its size at construction (RLIMIT_DATA, on Linux). This includes allocations in libraries. It has no effect
+// if the system does not report the size of the process, and under sanitizers, which end the program when an
+// allocation fails.
 class MemoryLimit {
 public:
     explicit MemoryLimit(uint64_t bytes);
@@ -20,7 +20,7 @@ public:
     MemoryLimit(const MemoryLimit&) = delete;
     MemoryLimit& operator=(const MemoryLimit&) = delete;
 
-    // From now on so many bytes above the start.
+    // Changes the limit to bytes above the size at construction.
     void allow(uint64_t bytes);
 
 private:

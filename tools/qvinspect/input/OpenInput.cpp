@@ -91,9 +91,9 @@ Reader openAnnexB(Input input) {
 
 // --- Containers ---
 
-// Null, and why, when it is none that can be read.
+// Null, and the reason, if it cannot be read.
 ContainerResult tryContainer(Input& input) {
-    if (!input.file->canSeek() && hasIndexBehindSamples(input.head.data(), input.head.size())) {
+    if (!input.file->canSeek() && hasIndexAfterSamples(input.head.data(), input.head.size())) {
         return {nullptr,
                 "its index follows its samples, so it cannot be read from a pipe; name the file instead, or "
                 "move its index to the front"};
@@ -157,7 +157,7 @@ std::unique_ptr<AccessUnitReader> openInput(const std::string& path, const Input
         case InputFormat::Auto:
             break;
     }
-    // Only containers have streams to choose from.
+    // Only containers have streams to select.
     return options.stream ? openAsContainer(std::move(input)) : openAsFound(std::move(input));
 }
 

@@ -1,4 +1,4 @@
-// Opens a file as what it is: a raw byte stream or a container.
+// Opens a file as a raw stream or a container, whichever it is.
 #ifndef QVINSPECT_OPENINPUT_H
 #define QVINSPECT_OPENINPUT_H
 
@@ -10,7 +10,7 @@
 
 namespace qvinspect {
 
-// The caller is taken at its word about a raw stream. Throws InputError when the input cannot be read.
+// The options for a raw stream are trusted. Throws InputError if the input cannot be read.
 std::unique_ptr<AccessUnitReader> openInput(const std::string& path, const InputOptions& options);
 
 }  // namespace qvinspect

@@ -126,14 +126,14 @@ void RawReader::deliver(AccessUnit& accessUnit) {
     accessUnit.isField = std::any_of(units_.begin(), units_.begin() + static_cast<std::ptrdiff_t>(complete_),
                                      [](const RawUnit& unit) { return unit.isFieldSlice; });
 
-    const auto behind = std::stable_partition(
-        findings_.begin(), findings_.end(), [end](const Finding& finding) { return *finding.offset < end; });
-    accessUnit.findings.assign(std::make_move_iterator(findings_.begin()), std::make_move_iterator(behind));
-    findings_.erase(findings_.begin(), behind);
+    const auto later = std::stable_partition(findings_.begin(), findings_.end(),
+                                             [end](const Finding& finding) { return *finding.offset < end; });
+    accessUnit.findings.assign(std::make_move_iterator(findings_.begin()), std::make_move_iterator(later));
+    findings_.erase(findings_.begin(), later);
 
     units_.erase(units_.begin(), units_.begin() + static_cast<std::ptrdiff_t>(complete_));
     complete_ = 0;
-    window_.release(end);  // the bytes stay where they are until the window grows
+    window_.release(end);  // the bytes keep their place until the window grows
 }
 
 }  // namespace qvinspect

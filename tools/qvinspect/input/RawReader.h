@@ -1,5 +1,5 @@
-// Access units of a raw stream of any length: NAL units behind start codes (ITU-T H.264 / H.265 Annex B) or
-// behind length fields.
+// Access units of a raw stream of any length: NAL units after start codes (ITU-T H.264 / H.265 Annex B) or
+// length fields.
 #ifndef QVINSPECT_RAWREADER_H
 #define QVINSPECT_RAWREADER_H
 
@@ -20,12 +20,12 @@ namespace qvinspect {
 struct RawLimits {
     size_t chunk = size_t{1} << 20;  // bytes read at a time
 
-    // An access unit is cut where a unit of it gets longer than this, or ahead of the unit that makes it
-    // longer: 256 MiB, several times what the highest levels of both standards allow for. Twice as much and a
-    // chunk is the most that is held: an access unit, and the unit behind it that shows where it ends.
+    // An access unit is cut where one of its units becomes longer than this, or before the unit that makes it
+    // longer: 256 MiB, several times the maximum of the highest levels of both standards. At most twice as
+    // much and a chunk are held: an access unit, and the unit after it that marks its end.
     size_t accessUnit = size_t{256} << 20;
 
-    // And ahead of the unit that makes it more than this.
+    // It is also cut before the unit that makes it more units than this.
     size_t units = kMostUnits;
 };
 
@@ -36,7 +36,7 @@ public:
 
     const StreamInfo& info() const override { return info_; }
 
-    // When the program is interrupted the stream ends at the last access unit that is known to be whole.
+    // If the program is interrupted, the stream ends at the last access unit that is known to be whole.
     bool next(AccessUnit& accessUnit) override;
     ReadProgress progress() const override { return {window_.end(), window_.source().size()}; }
 
@@ -56,8 +56,8 @@ private:
     AccessUnitSplitter splitter_;
 
     std::vector<RawUnit> units_;  // read, not delivered
-    size_t complete_ = 0;         // how many of them make up an access unit that is known to end
-    bool isClosed_ = false;       // no more units come to those read
+    size_t complete_ = 0;         // how many of them are an access unit whose end is known
+    bool isClosed_ = false;       // no more units follow those read
     bool isAtEnd_ = false;
     bool isFirst_ = true;
     std::vector<Finding> findings_;

@@ -46,7 +46,7 @@ std::optional<Finding> RawUnitReader::rest() const {
     return Finding{Severity::Error, window_.end() - skipped_, fmt::format(fmt::runtime(text), skipped_)};
 }
 
-// Looks for a start code in what the window holds and remembers how far that is.
+// Searches the window for a start code and remembers the end of the search.
 std::optional<RawUnitReader::Code> RawUnitReader::findCode() {
     const uint64_t begin = window_.begin();
     const auto code = findStartCode(window_.at(begin), window_.end() - begin, searchFrom_ - begin,
@@ -56,7 +56,7 @@ std::optional<RawUnitReader::Code> RawUnitReader::findCode() {
         searchFrom_ = std::max(searchFrom_, end - std::min<uint64_t>(end, kStartCodeLength));
         return std::nullopt;
     }
-    // The byte behind a start code begins a unit, whatever it is, and no other start code.
+    // The byte after a start code begins a unit, whatever its value, and never another start code.
     searchFrom_ = begin + code->unitAt + 1;
     zeroByteFrom_ = searchFrom_;
     return Code{begin + code->codeAt, begin + code->unitAt};
@@ -66,7 +66,7 @@ void RawUnitReader::skipToCode() {
     const uint64_t from = searchFrom_;
     window_.release(from);
     while (!(open_ = findCode())) {
-        // One byte more than may become a start code: a zero byte ahead of it.
+        // One byte more than may become a start code: a zero byte before it.
         const uint64_t end = window_.end();
         window_.release(end - std::min<uint64_t>(end, kStartCodeLength + 1));
         if (!window_.grow()) {

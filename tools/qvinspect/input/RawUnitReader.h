@@ -16,8 +16,8 @@ public:
     // Units with their start codes are cut to longest bytes.
     RawUnitReader(ByteWindow& window, size_t longest);
 
-    // What comes ahead of the first start code, and the rest of a cut unit, is left out: the window then
-    // loses everything ahead of the next start code, so a cut unit has to be used up before the next call.
+    // Bytes before the first start code and the rest of a cut unit are left out: everything before the next
+    // start code is then released from the window, so a cut unit must be used before the next call.
     bool next(RawUnit& unit) override;
 
     std::optional<Finding> rest() const override;
@@ -32,7 +32,7 @@ private:
 
     ByteWindow& window_;
     size_t longest_;
-    std::optional<Code> open_;  // the start code ahead of the next unit
+    std::optional<Code> open_;  // the start code before the next unit
     bool isSkipping_ = true;
     bool hasUnit_ = false;
     uint64_t searchFrom_ = 0;

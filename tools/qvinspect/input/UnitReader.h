@@ -13,21 +13,21 @@ namespace qvinspect {
 struct RawUnit {
     uint64_t codeOffset;  // of its start code or length field
     uint64_t offset;      // of its first byte
-    uint64_t end;         // behind its last byte, trailing zero bytes included
-    bool isCut;           // longer than allowed: end is not its end
-    uint64_t skipped;     // bytes left out ahead of the start code
+    uint64_t end;         // after its last byte, trailing zero bytes included
+    bool isCut;           // longer than allowed: end is not the end of the unit
+    uint64_t skipped;     // bytes left out before the start code
     bool isFieldSlice;    // as the splitter finds
 };
 
-// Reads from a window. Nothing is released from it but bytes that are left out.
+// Reads from a window. Releases only bytes that are left out.
 class UnitReader {
 public:
     virtual ~UnitReader() = default;
 
-    // The next unit, its bytes all in the window. False when there are no more.
+    // The next unit, with all its bytes in the window. False if there are no more.
     virtual bool next(RawUnit& unit) = 0;
 
-    // Behind the last unit: what is left there that makes no unit.
+    // After the last unit: remaining bytes that are not a unit.
     virtual std::optional<Finding> rest() const = 0;
 };
 
