@@ -30,13 +30,13 @@ namespace {
     throw InputError(fmt::format("nothing to list: {}; check that it is the right file and whole", reason));
 }
 
-// The part of the stream that is asked for.
+// The part of the stream to inspect.
 class Part {
 public:
     explicit Part(const InputOptions& options)
         : options_(options), isTimed_(options.start.has_value() || options.duration.has_value()) {}
 
-    enum class Place { Ahead, Inside, Behind };
+    enum class Place { Before, Inside, After };
 
     // In decoding order.
     Place placeOf(const AccessUnitView& view) {
@@ -47,13 +47,13 @@ public:
         return place_;
     }
 
-    // Nothing behind the access units so far is asked for.
+    // The part ends before the next access unit.
     bool isOver() const {
-        return behind_ > kMostReordered || (options_.mostAccessUnits && taken_ == *options_.mostAccessUnits);
+        return after_ > kMostReordered || (options_.mostAccessUnits && taken_ == *options_.mostAccessUnits);
     }
 
 private:
-    // Seconds: less than any access unit takes, more than sums of floating point are off at a border.
+    // Seconds: less than the duration of any access unit, more than the rounding error of sums at a border.
     static constexpr double kTimeTolerance = 1e-6;
 
     // Pictures that precede one in decoding order and follow it in output order are at most 16, each of two
@@ -68,25 +68,25 @@ private:
                 "--frame-rate, or use --limit");
         }
         if (!time) {
-            return place_;  // where the one ahead of it is
+            return place_;  // the place of the one before it
         }
         begin_ = begin_.value_or(*time);
         const double sinceStart = *time - *begin_ - options_.start.value_or(0) + kTimeTolerance;
         if (sinceStart < 0) {
-            return Place::Ahead;
+            return Place::Before;
         }
         if (!options_.duration || sinceStart < *options_.duration) {
             return Place::Inside;
         }
-        behind_ += view.decodeTime ? kMostReordered + 1 : 1;
-        return Place::Behind;
+        after_ += view.decodeTime ? kMostReordered + 1 : 1;
+        return Place::After;
     }
 
     const InputOptions& options_;
     bool isTimed_;
     std::optional<double> begin_;
     Place place_ = Place::Inside;  // of the last one
-    unsigned behind_ = 0;          // by presentation times; by decoding times the first one settles it
+    unsigned after_ = 0;           // by presentation times; by decoding times the first one decides
     uint64_t taken_ = 0;
 };
 
@@ -95,7 +95,7 @@ private:
                                      : "ends before the part that --start selects; give an earlier time");
 }
 
-// Not on a terminal that something else is written to at the same time.
+// Not on a terminal with another output at the same time.
 bool showsProgress(const CommandLine& line) {
     return isatty(STDERR_FILENO) != 0 && !(writesWhileReading(line) && isatty(STDOUT_FILENO) != 0);
 }
@@ -134,7 +134,7 @@ public:
 private:
     bool isWanted() const { return isAnythingWanted(line_, presenters_); }
 
-    // What is found in the configuration record counts with the first access unit.
+    // Findings of the configuration record are counted with the first access unit.
     StreamHead begin(AccessUnit& first) {
         ConfigurationDetails configuration = details_.addConfiguration(reader_->info().configuration);
         counter_.addConfiguration(configuration);
@@ -144,7 +144,7 @@ private:
                 std::move(configuration.seiUnits)};
     }
 
-    // False when no more is asked for.
+    // False at the end of the part.
     bool take(uint64_t number, const AccessUnit& accessUnit, const StreamHead& head) {
         AccessUnitReport report = analyse(accessUnit);
         const AccessUnitDetails details = details_.add(accessUnit, report);
@@ -158,8 +158,8 @@ private:
             counter_.add(view);
             line_.filter.apply(view);
             present([&](Presenter& presenter) { presenter.add(view); });
-        } else if (place == Part::Place::Ahead) {
-            counter_.addAhead(view);
+        } else if (place == Part::Place::Before) {
+            counter_.addBeforePart(view);
         }
         return !part_.isOver();
     }

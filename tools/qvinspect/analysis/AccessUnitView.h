@@ -1,4 +1,4 @@
-// One access unit with all that was found out about it, as the reports take it.
+// One access unit with all that was found in it, as the reports receive it.
 #ifndef QVINSPECT_ACCESSUNITVIEW_H
 #define QVINSPECT_ACCESSUNITVIEW_H
 
@@ -21,29 +21,29 @@ struct UnitView {
     std::vector<const SeiItem*> items;        // those that are shown
 };
 
-// An SEI item of the configuration record, which counts with the first access unit.
+// An SEI item of the configuration record, which is counted with the first access unit.
 struct RecordItemView {
     uint32_t nalUnitType;
     const SeiItem* item;
 };
 
-// The library does not type the unit, refuses it, or cannot walk all of it.
+// Whether the library does not type the unit, refuses it, or cannot walk all of it.
 bool isBroken(const UnitView& unit);
 
-// References and pointers hold until the next access unit is read.
+// References and pointers are valid until the next access unit is read.
 struct AccessUnitView {
     uint64_t number;  // from 1
     const AccessUnit& accessUnit;
     const AccessUnitReport& report;
     const AccessUnitDetails& details;
 
-    // Seconds, where they are known. A raw stream counts them in decoding order.
+    // Seconds, if known. Those of a raw stream are counted in decoding order.
     std::optional<double> time;
     std::optional<double> decodeTime;
     std::optional<double> duration;
 
-    uint64_t errors;                            // found in this access unit, broken units among them
-    bool isShown = true;                        // as far as the filter goes
+    uint64_t errors;                            // found in this access unit, including broken units
+    bool isShown = true;                        // by the filter
     std::vector<UnitView> units;                // those that are shown
     std::vector<RecordItemView> recordItems{};  // those that are shown
 };

@@ -22,11 +22,11 @@ struct QvFree {
     void operator()(unsigned char* memory) const { qvFree(memory); }
 };
 
-// The bytes of an access unit that the library is asked about.
+// The bytes of an access unit that are passed to the library.
 struct Sample {
     const unsigned char* data;
     int size;
-    uint64_t offset;  // of data, as offsets are reported
+    uint64_t offset;  // of data, as reported
 };
 
 void addFinding(AccessUnitReport& report, Severity severity, uint64_t offset, std::string text) {
@@ -37,8 +37,8 @@ Sample wholeSample(const AccessUnit& accessUnit) {
     return {accessUnit.data, static_cast<int>(accessUnit.size), accessUnit.fileOffset.value_or(0)};
 }
 
-// The library takes Annex B data from its first start code on; what stands ahead of it is told and passed
-// over, so that the rest can be shown.
+// The library takes Annex B data from its first start code on. Bytes before it are reported and skipped, so
+// that the rest can be shown.
 Sample fromFirstStartCode(const Sample& sample, AccessUnitReport& report) {
     if (sample.size == 0 || QVNaluParser::isAnnexBData(sample.data, sample.size)) {
         return sample;
@@ -48,12 +48,12 @@ Sample fromFirstStartCode(const Sample& sample, AccessUnitReport& report) {
         addFinding(report, Severity::Error, sample.offset, "the sample has no start code (00 00 01)");
         return {sample.data, 0, sample.offset};
     }
-    const auto ahead = static_cast<int>(code->codeAt);
+    const auto leading = static_cast<int>(code->codeAt);
     const bool isZero =
-        std::all_of(sample.data, sample.data + ahead, [](unsigned char byte) { return byte == 0; });
+        std::all_of(sample.data, sample.data + leading, [](unsigned char byte) { return byte == 0; });
     addFinding(report, isZero ? Severity::Note : Severity::Error, sample.offset,
-               fmt::format("{} bytes before the first start code", ahead));
-    return {sample.data + ahead, sample.size - ahead, sample.offset + code->codeAt};
+               fmt::format("{} bytes before the first start code", leading));
+    return {sample.data + leading, sample.size - leading, sample.offset + code->codeAt};
 }
 
 NalIndexList findAnnexBUnits(const Sample& sample) {
@@ -82,7 +82,7 @@ NalIndexList findLengthPrefixedUnits(const Sample& sample, int lengthSize, Acces
     return nalus;
 }
 
-// No more than kMostUnits of them.
+// Keeps the first kMostUnits.
 void cutUnits(NalIndexList& nalus, const Sample& sample, AccessUnitReport& report) {
     if (nalus.size() > kMostUnits) {
         addFinding(report, Severity::Error, sample.offset,
@@ -92,7 +92,7 @@ void cutUnits(NalIndexList& nalus, const Sample& sample, AccessUnitReport& repor
     }
 }
 
-// The typed units, with those in their places that the library leaves out.
+// The typed units, with the units that the library leaves out in their places.
 std::vector<UnitReport> typeUnits(const Sample& sample, const NalIndexList& nalus, QVCodecID codec) {
     std::vector<QVNaluParser::NaluInfo> infos;
     QVNaluParser::parseNalusToNaluType(sample.data, nalus, infos, codec);
@@ -110,20 +110,20 @@ std::vector<UnitReport> typeUnits(const Sample& sample, const NalIndexList& nalu
             ++info;
         }
         if (length == 0) {
-            unit.state = UnitState::Empty;  // whatever byte was typed belongs to the next length field
+            unit.state = UnitState::Empty;  // the byte that was typed belongs to the next length field
         }
         units.push_back(unit);
     }
     return units;
 }
 
-// isKeyFrame tells the framing by the first bytes and reads lengths of 4 bytes only: 1- and 2-byte lengths
-// would be misread, and a 4-byte length of 1 or of 256 to 511 looks like a start code. Start codes are the
-// one framing that it reads the same in every case.
+// isKeyFrame detects the framing by the first bytes and reads lengths of 4 bytes only: 1- and 2-byte lengths
+// would be misread, and a 4-byte length of 1 or of 256 to 511 looks like a start code. Only start codes are
+// always read as such.
 bool isKeyLengthPrefixed(QVCodecID codec, const Sample& sample, int endOfUnits, int lengthSize) {
     unsigned char* annexB = nullptr;
     int size = 0;
-    // Up to the end of the last unit: a broken tail would make the whole sample be refused.
+    // Only up to the end of the last unit: the library would refuse the whole sample for a broken tail.
     if (QVNaluParser::connvertAvcCToAnnexB(sample.data, endOfUnits, lengthSize, &annexB, size) !=
         QVResultOk) {
         return false;

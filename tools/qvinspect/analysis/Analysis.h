@@ -1,4 +1,4 @@
-// What the library says about one access unit.
+// The library's results for one access unit.
 #ifndef QVINSPECT_ANALYSIS_H
 #define QVINSPECT_ANALYSIS_H
 
@@ -26,7 +26,7 @@ struct UnitReport {
 struct AccessUnitReport {
     bool isKey = false;
     std::vector<UnitReport> units;
-    std::vector<Finding> findings;  // of the analysis; the reader's stay with the access unit
+    std::vector<Finding> findings;  // of the analysis; the reader's are in the access unit
 };
 
 AccessUnitReport analyse(const AccessUnit& accessUnit);

@@ -1,4 +1,4 @@
-// Named values as they are shown: a parsed structure with its fields.
+// A parsed structure as a list of named values to be shown.
 #ifndef QVINSPECT_BLOCK_H
 #define QVINSPECT_BLOCK_H
 
@@ -10,16 +10,16 @@
 
 namespace qvinspect {
 
-using FieldList = std::vector<int64_t>;  // elements that are told together, as x and y
+using FieldList = std::vector<int64_t>;  // elements that belong together, such as x and y
 using FieldValue = std::variant<int64_t, double, std::string, FieldList>;
 
 struct Field {
-    std::string name;   // the element's name in the standard, or our own for what is derived
+    std::string name;   // of the syntax element in the standard, or a descriptive one for a derived value
     FieldValue value;   // as coded, or as derived
-    std::string note;   // what the value stands for; may be empty
-    int hexDigits = 0;  // an integer is shown in hexadecimal with so many digits; 0 for decimal
+    std::string note;   // the meaning of the value; may be empty
+    int hexDigits = 0;  // an integer is shown in hexadecimal with this many digits; 0 for decimal
 
-    // What the value, or each of a list, stands for in unit: may be empty.
+    // The meaning in unit of the value, or of each in a list; may be empty.
     std::vector<double> derived;
     std::string unit;  // e.g. "cd/m2"; empty for a plain number
 
@@ -29,7 +29,7 @@ struct Field {
     }
 };
 
-// The value as people read it: the numbers of a list with blanks between them.
+// The value as text: the numbers of a list with blanks between them.
 std::string valueText(const Field& field);
 
 struct Block {

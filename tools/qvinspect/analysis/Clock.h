@@ -1,4 +1,4 @@
-// When the access units of a raw stream come, which has no times of its own.
+// The times of the access units of a raw stream, which has no coded times.
 #ifndef QVINSPECT_CLOCK_H
 #define QVINSPECT_CLOCK_H
 
@@ -10,7 +10,7 @@ namespace qvinspect {
 
 class Clock {
 public:
-    // frameRate: frames a second, instead of what the parameter sets say.
+    // frameRate: frames a second, instead of the rate in the parameter sets.
     explicit Clock(std::optional<double> frameRate) : frameRate_(frameRate) {}
 
     // Sets the times of an access unit that has none, in decoding order from 0, as long as the frame rate is
@@ -21,7 +21,7 @@ public:
 private:
     std::optional<double> frameRate_;
     double now_ = 0;
-    bool isRunning_ = true;  // false behind the first access unit without a duration
+    bool isRunning_ = true;  // false after the first access unit without a duration
 };
 
 }  // namespace qvinspect

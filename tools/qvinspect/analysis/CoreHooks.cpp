@@ -14,7 +14,7 @@ namespace {
 
 thread_local LogCapture* innermost = nullptr;
 
-// A text of the library's that names a value and is given none.
+// A text of the library with a conversion and no argument for it.
 constexpr const char* kPlainText =
     "parserAvcBufferingPeriod: non-existing SPS %d referenced in buffering period.\n";
 

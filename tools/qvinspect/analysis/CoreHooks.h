@@ -13,8 +13,8 @@ struct LogLine {
     std::string text;
 };
 
-// Keeps what the library logs on this thread while it lives. The innermost capture gets the lines; without
-// one they are dropped. Dumps always are: a listing tells where a sample breaks.
+// Keeps what the library logs on this thread during its lifetime. The innermost capture receives the lines;
+// without one they are dropped. Dumps are always dropped: a listing shows where a sample is broken.
 class LogCapture {
 public:
     LogCapture();

@@ -1,4 +1,4 @@
-// Which access units, NAL units and messages are shown. Totals are those of the whole stream all the same.
+// Selects the access units, NAL units and messages that are shown. Totals always cover the whole stream.
 #ifndef QVINSPECT_FILTER_H
 #define QVINSPECT_FILTER_H
 
@@ -13,10 +13,10 @@ namespace qvinspect {
 // An ITU-T T.35 message by its codes.
 struct T35Codes {
     uint8_t itu_t_t35_country_code;
-    std::optional<uint16_t> itu_t_t35_provider_code;  // any, when not set
+    std::optional<uint16_t> itu_t_t35_provider_code;  // any if not set
 };
 
-// Conditions of one kind are alternatives; those of different kinds have to hold together. Without any,
+// Conditions of one kind are alternatives; conditions of different kinds apply together. Without any,
 // everything is shown.
 struct Filter {
     std::vector<uint32_t> unitTypes;
@@ -25,7 +25,7 @@ struct Filter {
     bool keyOnly = false;
     bool errorsOnly = false;
 
-    // Leaves of view the units and messages that are to be shown, and says whether the access unit is.
+    // Removes from view the units and messages that are not shown, and sets whether the access unit is shown.
     void apply(AccessUnitView& view) const;
 };
 

@@ -8,7 +8,7 @@
 
 namespace qvinspect {
 
-// At most 16 bytes, blank-separated; "..." where there are more.
+// At most 16 bytes, separated by blanks; "..." if there are more.
 std::string firstBytes(const uint8_t* bytes, size_t size);
 
 }  // namespace qvinspect

@@ -9,7 +9,7 @@ namespace qvinspect {
 
 namespace {
 
-// The parsers take an item as a player hands it over; it holds on to bytes for the time of the call.
+// The parsers take an item as a player passes it. It refers to bytes for the time of the call.
 QVSeiItem itemOf(uint32_t payloadType, std::vector<uint8_t>& bytes) {
     return {QVCodecIDHevc, payloadType, static_cast<uint32_t>(bytes.size()), false, bytes.data()};
 }
@@ -42,7 +42,7 @@ QVHevcSeiAlternativeTransfer readAlternativeTransfer(const std::vector<uint8_t>&
 }
 
 double pqLuminance(uint32_t code) {
-    constexpr double kStep = 1e6;  // beyond it mathematical libraries differ
+    constexpr double kStep = 1e6;  // mathematical libraries differ in further decimals
     return std::round(qvPqToLuminance(qvHdrVividPq(code)) * kStep) / kStep;
 }
 

@@ -1,4 +1,4 @@
-// HDR metadata of SEI payloads, as the library's parsers read it.
+// HDR metadata of SEI payloads, read by the library's parsers.
 #ifndef QVINSPECT_HDRVALUES_H
 #define QVINSPECT_HDRVALUES_H
 
@@ -11,7 +11,7 @@
 
 namespace qvinspect {
 
-// Payloads are those without emulation prevention bytes. Nothing for a payload that the parser refuses.
+// Payloads are without emulation prevention bytes. None for a payload that the parser refuses.
 
 // mastering_display_colour_volume, payloadType 137.
 std::optional<QVHDR10StaticMetadata> readMasteringDisplay(const std::vector<uint8_t>& payload);
@@ -26,7 +26,7 @@ QVHevcSeiAlternativeTransfer readAlternativeTransfer(const std::vector<uint8_t>&
 double pqLuminance(uint32_t code);
 
 struct HdrVividResult {
-    int status;  // QVHDRVividOk, or why metadata is not whole
+    int status;  // QVHDRVividOk, or why metadata is incomplete
     QVHDRVividDynamicMetadata metadata;
 };
 

@@ -8,7 +8,7 @@
 
 namespace qvinspect {
 
-// Two lower-case digits for each byte, nothing between them.
+// Two lower-case digits for each byte, without separators.
 std::string hexText(const uint8_t* bytes, size_t size);
 
 }  // namespace qvinspect

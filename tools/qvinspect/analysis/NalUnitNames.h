@@ -1,4 +1,4 @@
-// What the standards say of NAL units by codec and type.
+// Names and properties of NAL units by codec and type.
 #ifndef QVINSPECT_NALUNITNAMES_H
 #define QVINSPECT_NALUNITNAMES_H
 
@@ -9,7 +9,7 @@
 
 namespace qvinspect {
 
-// H.264: the content of Table 7-1 in short; it has no names. H.265: the name in Table 7-1.
+// H.264: a short form of the content in Table 7-1, which has no names. H.265: the name in Table 7-1.
 const char* nalUnitName(QVCodecID codec, uint32_t type);
 
 const char* codecName(QVCodecID codec);
@@ -17,7 +17,7 @@ const char* codecName(QVCodecID codec);
 // Bytes of the NAL unit header.
 size_t headerSize(QVCodecID codec);
 
-// The type is that of a slice, or of a data partition of one.
+// Whether it is the type of a slice or of a slice data partition.
 bool isVcl(QVCodecID codec, uint32_t nal_unit_type);
 
 }  // namespace qvinspect

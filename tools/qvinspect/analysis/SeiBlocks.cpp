@@ -23,7 +23,7 @@ int sizeOf(const Payload& payload) {
     return static_cast<int>(payload.size());
 }
 
-// The library's reason when a payload parser refuses.
+// The library's reason if a payload parser refuses the payload.
 void addRefusal(Block& block, const LogCapture& log) {
     block.add("refused", log.lines().empty() ? std::string("too short") : log.lines().front().text);
 }
@@ -41,7 +41,7 @@ void addLuminance(Block& block, const char* name, uint32_t code) {
     block.add(name, code, fmt::format("{:.4f} cd/m2", luminance)).derive({luminance}, "cd/m2");
 }
 
-// A code and the number that it stands for, noted with so many decimals.
+// A code and its meaning as a number with the given decimals.
 void addCode(Block& block, std::string name, uint32_t code, double value, int decimals) {
     block.add(std::move(name), code, fmt::format("{:.{}f}", value, decimals)).derive({value});
 }
@@ -70,7 +70,7 @@ void describeUnregistered(const Payload& payload, Block& block) {
     }
 }
 
-// ATSC A/53 Part 4 6.2: what stands behind "GA94".
+// ATSC A/53 Part 4 6.2: the data after "GA94".
 void describeCaptions(const Payload& payload, size_t at, Block& block) {
     constexpr uint32_t kCcData = 3;
     QVByteStream in(payload.data() + at, payload.size() - at);
@@ -211,7 +211,7 @@ void describeRegistered(const Payload& payload, Block& block) {
 
 // --- Same syntax in both codecs ---
 
-// The block names the primaries in the order in which the bitstream has them: green, blue, red.
+// The block names the primaries in the order of the bitstream: green, blue, red.
 void describeMasteringDisplay(const Payload& payload, Block& block) {
     static constexpr const char* kNames[] = {"display_primaries[0] (G)", "display_primaries[1] (B)",
                                              "display_primaries[2] (R)"};
@@ -388,7 +388,7 @@ void describeHevcFramePacking(QVByteStream& in, const Payload& payload, Block& b
     block.add("current_frame_is_frame0_flag", packing.current_frame_is_frame0_flag);
 }
 
-// The parser appends an item of its own; it is the walk's item that is listed, so this one goes.
+// The parser appends another item. Only the walk's item is listed, so this one is freed.
 void describeHevcOrientation(QVByteStream& in, const Payload& payload, Block& block) {
     std::vector<QVSeiItem> items;
     QVHevcSeiDisplayOrientation orientation{};
@@ -423,7 +423,7 @@ void describePictureHash(QVByteStream& in, const Payload& payload, Block& block)
     }
 }
 
-// H.265 D.2.21. The parser validates and keeps nothing.
+// H.265 D.2.21. The parser validates the payload and stores nothing.
 void describeActiveParameterSets(QVByteStream& in, const Payload& payload, Block& block) {
     const LogCapture log;
     if (QVNaluParser::parserHevcActiveParameterSets(in, sizeOf(payload)) != QVResultOk) {

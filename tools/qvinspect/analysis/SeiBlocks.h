@@ -1,4 +1,4 @@
-// What an SEI payload says, read by the library's payload parsers.
+// The fields of an SEI payload, read by the library's payload parsers.
 #ifndef QVINSPECT_SEIBLOCKS_H
 #define QVINSPECT_SEIBLOCKS_H
 
@@ -10,7 +10,7 @@
 
 namespace qvinspect {
 
-// payload without emulation prevention bytes; sps may be null. Empty for a payloadType that is not read.
+// payload is without emulation prevention bytes; sps may be null. Empty for a payloadType that is not parsed.
 Block describeSei(QVCodecID codec, uint32_t payloadType, const std::vector<uint8_t>& payload,
                   const SequenceParameterSet* sps);
 

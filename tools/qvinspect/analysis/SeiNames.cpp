@@ -167,7 +167,7 @@ const char* seiName(QVCodecID codec, uint32_t payloadType) {
 T35Kind t35Kind(const std::vector<uint8_t>& payload) {
     constexpr uint32_t kGa94 = 0x47413934;
     constexpr uint32_t kDtg1 = 0x44544731;
-    // T/UWA 005.1 and SMPTE ST 2094-40 are told by country, provider and provider-oriented code.
+    // T/UWA 005.1 and SMPTE ST 2094-40 are identified by country, provider and provider-oriented code.
     if (startsWith(payload, {kCountryChina, 0x00, 0x04, 0x00, 0x05})) {
         return T35Kind::HdrVivid;
     }

@@ -1,4 +1,4 @@
-// What the standards and public registrations call the contents of SEI messages.
+// Names of SEI payloads and codes in the standards and in public registrations.
 #ifndef QVINSPECT_SEINAMES_H
 #define QVINSPECT_SEINAMES_H
 
@@ -22,7 +22,7 @@ const char* t35KindName(T35Kind kind);
 // transfer_characteristics of H.264 Table E-5 and H.265 Table E.4.
 const char* transferName(uint32_t transfer_characteristics);
 
-// active_format of ETSI TS 101 154 Table B.2 and what it means in a 16:9 frame.
+// active_format of ETSI TS 101 154 Table B.2 and its meaning in a 16:9 frame.
 const char* activeFormatName(uint32_t active_format);
 
 // frame_packing_arrangement_type, H.264 Table D-8 and H.265 Table D.7.

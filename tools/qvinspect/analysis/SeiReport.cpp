@@ -19,10 +19,10 @@ namespace qvinspect {
 
 namespace {
 
-// The library logs what it refuses, once for most messages.
+// The library logs what it refuses, for most messages once.
 constexpr size_t kMostLogLines = 32;
 
-// trailing_zero_8bits stay with a unit as the library cuts it; no message reaches into them.
+// The units that the library cuts include trailing_zero_8bits, which no message extends into.
 void dropTrailingZeros(std::vector<uint8_t>& unit) {
     while (!unit.empty() && unit.back() == 0x00) {
         unit.pop_back();
@@ -42,8 +42,8 @@ void place(SeiMessage& message, qv::RbspPositions& positions, size_t position, u
         size == 0 ? 0 : static_cast<uint32_t>(positions.codedByte(position + size - 1) + 1 - begin);
 }
 
-// sei_rbsp(): every message of the unit, whichever of them the library's walk looks at. The first most of
-// them are described, the others are counted.
+// sei_rbsp(): every message of the unit, including those that the library's walk skips. The first most
+// messages are described, the others are counted.
 void readMessages(const unsigned char* data, size_t size, size_t header, size_t most, SeiUnit& sei) {
     std::vector<uint8_t> unit(size);
     unit.resize(qv::unescape({data, size}, header, unit.data(), unit.size()));
@@ -94,7 +94,7 @@ bool holdsPayload(const QVSeiItem& item, const SeiMessage& message) {
                       item.payloadData + item.payloadSize);
 }
 
-// Items come in the order of the messages they were made from.
+// Items are in the order of their messages.
 void markKept(std::vector<SeiMessage>& messages, const std::vector<QVSeiItem>& items, size_t firstItem) {
     size_t next = 0;
     for (size_t i = firstItem; i < items.size(); ++i) {

@@ -1,4 +1,4 @@
-// The SEI messages of one access unit: what the library keeps of them and what they say.
+// The SEI messages of one access unit, and what the library keeps of them.
 #ifndef QVINSPECT_SEIREPORT_H
 #define QVINSPECT_SEIREPORT_H
 
@@ -20,7 +20,7 @@ namespace qvinspect {
 enum class Delivery {
     Kept,       // an item of the library's list
     Requested,  // an item because --request asked for it
-    Text,       // an item that holds text made from the message
+    Text,       // an item that is text made from the message
     NotKept     // parsed or skipped by the walk
 };
 
@@ -31,13 +31,13 @@ struct SeiMessage {
     Delivery delivery = Delivery::NotKept;
     Block block;
 
-    // Where the payload begins, counted as the offset of its NAL unit, and the bytes that it takes there:
-    // more than payloadSize where emulation prevention bytes stand between them.
+    // Where the payload begins, in the same count as the offset of its NAL unit, and its size there: more
+    // than payloadSize if it contains emulation prevention bytes.
     uint64_t offset = 0;
     uint32_t codedSize = 0;
 };
 
-// What the library handed over of a message.
+// What the library returned for a message.
 struct SeiItem {
     uint32_t payloadType;
     std::vector<uint8_t> bytes;
@@ -45,18 +45,18 @@ struct SeiItem {
 };
 
 struct SeiUnit {
-    uint64_t offset = 0;  // as that of its NAL unit
+    uint64_t offset = 0;  // of its NAL unit
     uint32_t nalUnitType = 0;
     int result = QVResultOk;  // of the library's walk
     std::vector<std::string> log;
     std::vector<SeiMessage> messages;
     std::vector<SeiItem> items;  // in the order of the walk
 
-    // Messages after these by payloadType, counted and not described: the access unit has more than
+    // Further messages by payloadType, counted and not described: the access unit has more than
     // kMostDescribedMessages.
     std::map<uint32_t, uint64_t> furtherMessages;
 
-    // A message that is cut off and that the walk did not come to.
+    // A truncated message that the walk did not reach.
     std::optional<Finding> fault;
 };
 
@@ -68,18 +68,18 @@ struct SeiTotals {
     uint64_t undescribedMessages = 0;  // counted only
 };
 
-// Collects the SEI of access units, one after the other.
+// Collects the SEI of access units in sequence.
 class SeiReader {
 public:
     SeiReader(QVCodecID codec, std::deque<int> requested);
 
-    // The parameter set in force; null when none was seen.
+    // Sets the active parameter set; null if none was seen.
     void use(const SequenceParameterSet* sps) { sps_ = sps; }
 
     // data, size: the SEI unit, header included.
     SeiUnit add(const unsigned char* data, size_t size, uint32_t nalUnitType, uint64_t offset);
 
-    // Packs the items of the access unit and forgets them.
+    // Packs the items of the access unit and frees them.
     SeiTotals finish();
 
     ~SeiReader();

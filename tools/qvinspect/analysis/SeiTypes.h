@@ -20,7 +20,7 @@ constexpr uint32_t kMasteringDisplay = 137;
 constexpr uint32_t kContentLight = 144;
 constexpr uint32_t kAlternativeTransfer = 147;
 
-// Where the library looks for a picture hash in H.265 prefix units.
+// The type under which the library reads a picture hash in H.265 prefix units.
 constexpr uint32_t kPrefixPictureHash = 256;
 
 }  // namespace qvinspect

@@ -18,7 +18,7 @@ namespace qvinspect {
 
 namespace {
 
-// Any real one is far shorter; the bound is for broken ones.
+// Real ones are far shorter; the limit is for broken ones.
 constexpr size_t kMostBytes = 64 * 1024;
 
 // The elements of a damaged set that come before its fault.

@@ -15,7 +15,7 @@ namespace qvinspect {
 
 namespace {
 
-// Parameter sets with any other identifier share one place: a broken stream has no use for more.
+// Parameter sets with any other identifier share one place, which is enough for a broken stream.
 int placeOf(const SequenceParameterSet& sps) {
     constexpr int kMostIdentifiers = 32;
     if (!sps.isAccepted) {
@@ -25,7 +25,7 @@ int placeOf(const SequenceParameterSet& sps) {
     return id >= 0 && id < kMostIdentifiers ? id : -1;
 }
 
-// nuh_layer_id 0. Parameter sets of other layers have a syntax of their own (H.265 F.7.3.2.2).
+// nuh_layer_id 0. Parameter sets of other layers have another syntax (H.265 F.7.3.2.2).
 bool isBaseLayer(QVCodecID codec, const unsigned char* unit, size_t size) {
     return codec == QVCodecIDAvc || (size >= 2 && (unit[0] & 1) == 0 && unit[1] >> 3 == 0);
 }
@@ -49,7 +49,7 @@ bool StreamDetails::isSei(uint32_t nalUnitType) const {
                : nalUnitType == qv::hevc::kNalPrefixSei || nalUnitType == qv::hevc::kNalSuffixSei;
 }
 
-// Remembers the content. True when it is known already.
+// Remembers the content. True if it is known already.
 bool StreamDetails::wasSeen(const std::vector<uint8_t>& bytes) {
     if (seen_.count(bytes) > 0) {
         return true;
@@ -154,7 +154,7 @@ ConfigurationDetails StreamDetails::addConfiguration(const std::vector<uint8_t>&
     return configuration;
 }
 
-// An access unit that brings what the record brings as well has it once.
+// SEI units that the access unit has as well are counted once.
 void StreamDetails::takeRecordSei(const AccessUnit& accessUnit, const AccessUnitReport& report,
                                   AccessUnitDetails& details) {
     if (recordSei_.empty()) {
@@ -216,7 +216,7 @@ AccessUnitDetails StreamDetails::add(const AccessUnit& accessUnit, AccessUnitRep
     return details;
 }
 
-// What is left out of a place: the access unit or the configuration record.
+// Reports what was left out. place: the access unit or the configuration record.
 void StreamDetails::addFindings(const SeiTotals& sei, size_t leftOutSps, const char* place,
                                 std::vector<Finding>& findings) {
     if (leftOutSps > 0) {

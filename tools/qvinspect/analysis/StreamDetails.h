@@ -1,4 +1,4 @@
-// What parameter sets and SEI messages say, access unit by access unit.
+// The parameter sets and SEI messages of each access unit.
 #ifndef QVINSPECT_STREAMDETAILS_H
 #define QVINSPECT_STREAMDETAILS_H
 
@@ -17,27 +17,28 @@
 
 namespace qvinspect {
 
-// What one NAL unit says beyond its type.
+// The content of one NAL unit.
 struct UnitDetails {
-    std::shared_ptr<const SequenceParameterSet> newSps;  // one that was not seen like this before
+    std::shared_ptr<const SequenceParameterSet> newSps;  // one that was not seen before
     bool isRepeatedSps = false;
     std::shared_ptr<const SeiUnit> sei;
 };
 
 struct AccessUnitDetails {
-    std::vector<UnitDetails> units;             // one for each unit of the report
-    std::vector<SeiUnit> recordSei;             // of the configuration record, that hold from here on
-    const SequenceParameterSet* sps = nullptr;  // in force behind it, until the next call; null without one
+    std::vector<UnitDetails> units;  // one for each unit of the report
+    std::vector<SeiUnit> recordSei;  // of the configuration record, which apply from here on
+    const SequenceParameterSet* sps =
+        nullptr;  // active after it; valid until the next call; null without one
     size_t seiItems = 0;
-    size_t unlistedItems = 0;  // of them, those that no SeiUnit holds
+    size_t unlistedItems = 0;  // of these, the ones that are in no SeiUnit
     int sideDataSize = 0;
 };
 
-// What came with the container for the decoder.
+// The content of a container's configuration record.
 struct ConfigurationDetails {
     std::vector<SequenceParameterSet> parameterSets;  // sequence parameter sets, each once
     std::vector<uint32_t> unitTypes;                  // of all its NAL units
-    std::vector<SeiUnit> seiUnits{};                  // offsets count in the unit
+    std::vector<SeiUnit> seiUnits{};                  // offsets begin at the unit
     std::vector<Finding> findings{};
 };
 
@@ -45,7 +46,7 @@ class StreamDetails {
 public:
     StreamDetails(QVCodecID codec, std::deque<int> requested);
 
-    // The record's SEI units count with the next access unit, each unless that has the very same.
+    // The record's SEI units are counted with the next access unit, unless that has the same SEI unit.
     ConfigurationDetails addConfiguration(const std::vector<uint8_t>& record);
 
     // Adds what it finds to the findings of report.
@@ -75,12 +76,12 @@ private:
     std::map<int, KnownSps> known_;     // by identifier, which is at most 31 where it is accepted; else -1
     const SequenceParameterSet* active_ = nullptr;
 
-    std::vector<std::vector<uint8_t>> recordSei_;  // that were not counted yet
+    std::vector<std::vector<uint8_t>> recordSei_;  // not counted yet
 
-    // Contents of all parameter sets, those that others of their identifier came after included.
+    // Contents of all parameter sets, including those replaced by others with the same identifier.
     std::set<std::vector<uint8_t>> seen_;
     size_t seenBytes_ = 0;
-    bool hasForgotten_ = false;  // a content that had no room in seen_
+    bool hasForgotten_ = false;  // a content exceeded the limit of seen_
     bool hasReportedForgotten_ = false;
 };
 

@@ -25,7 +25,7 @@ constexpr int64_t kMillisecondsPerSecond = 1000;
 constexpr uint32_t kPq = 16;
 constexpr uint32_t kHlg = 18;
 
-// accessUnit: its number, 0 for what is behind the last one or ahead of the first.
+// accessUnit: its number, or 0 after the last one and before the first one.
 std::string placed(const Finding& finding, uint64_t accessUnit) {
     return (accessUnit == 0 ? std::string() : fmt::format("access unit {}: ", accessUnit)) + finding.text +
            (finding.offset ? fmt::format(" (at {})", *finding.offset) : std::string());
@@ -37,7 +37,7 @@ std::string withoutNumbers(std::string text) {
     return text;
 }
 
-// Times come from files: what is no number is no time.
+// Times come from files: infinities and NaN are no times.
 std::optional<double> finite(std::optional<double> seconds) {
     return seconds && std::isfinite(*seconds) ? seconds : std::nullopt;
 }
@@ -123,7 +123,7 @@ void StreamCounter::add(const AccessUnitView& view) {
     addTime(view, time);
 }
 
-void StreamCounter::addAhead(const AccessUnitView& view) {
+void StreamCounter::addBeforePart(const AccessUnitView& view) {
     for (size_t i = 0; i < view.report.units.size(); ++i) {
         if (view.report.units[i].state == UnitState::Typed) {
             noteParameterSet(view.report.units[i].type);
@@ -170,7 +170,7 @@ void StreamCounter::addUnit(const UnitReport& unit, const AccessUnitView& view) 
     totals_.unitBytesByType[unit.type] += unit.length;
 }
 
-// Ahead of a picture's first slice.
+// Called before the first slice of a picture.
 void StreamCounter::noteFirstKeyPicture(const AccessUnitView& view) {
     if (view.report.isKey && totals_.keyAccessUnits == 0 && !(hasVps_ && hasSps_ && hasPps_)) {
         totals_.keyWithoutParameterSets = view.number;
@@ -224,7 +224,7 @@ void StreamCounter::addSps(const SequenceParameterSet& sps) {
     addTransfer(sps);
 }
 
-// Of the parameter set in force.
+// The active parameter set determines the transfer characteristics.
 void StreamCounter::addTransfer(const SequenceParameterSet& sps) {
     if (sps.video && sps.video->colour) {
         totals_.signals.transfer_characteristics = sps.video->colour->transfer_characteristics;
@@ -348,7 +348,7 @@ void StreamCounter::addKey(const AccessUnitView& view, std::optional<double> tim
     key_ = here;
 }
 
-// True when the run is the longest so far.
+// Whether the run is the longest so far.
 bool StreamCounter::noteLongest(const AccessUnitPlace& from, const AccessUnitPlace& to) {
     KeyIntervals& intervals = totals_.keyIntervals;
     if (from.time && to.time && to.number > from.number) {
@@ -378,11 +378,11 @@ void StreamCounter::addTime(const AccessUnitView& view, std::optional<double> ti
 }
 
 void StreamCounter::addLoad(double decodeTime, uint64_t bytes) {
-    constexpr double kMostMilliseconds = 1e15;  // far beyond any stream, well inside of the integer
+    constexpr double kMostMilliseconds = 1e15;  // far longer than any stream, within the range of the integer
     const double milliseconds = std::floor(decodeTime * static_cast<double>(kMillisecondsPerSecond));
     auto now = static_cast<int64_t>(std::clamp(milliseconds, -kMostMilliseconds, kMostMilliseconds));
     if (!second_.empty()) {
-        now = std::max(now, second_.back().millisecond);  // decoding goes forward
+        now = std::max(now, second_.back().millisecond);  // decoding times do not decrease
     }
     while (!second_.empty() && now - second_.front().millisecond >= kMillisecondsPerSecond) {
         bitsInSecond_ -= second_.front().bits;

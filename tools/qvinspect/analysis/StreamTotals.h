@@ -1,4 +1,4 @@
-// What a whole stream adds up to.
+// The totals of a whole stream.
 #ifndef QVINSPECT_STREAMTOTALS_H
 #define QVINSPECT_STREAMTOTALS_H
 
@@ -23,12 +23,12 @@ struct KeyIntervals {
     uint64_t least = 0;  // access units
     uint64_t sum = 0;
 
-    // The runs ahead of the first one and behind the last one count here as well.
+    // Here the runs before the first one and after the last one count as well.
     uint64_t most = 0;
     uint64_t mostAt = 0;       // number of the access unit where it begins
-    bool isMostAtEnd = false;  // the longest is that run: nothing says how long it would have become
+    bool isMostAtEnd = false;  // the longest is the run to the end, which may be incomplete
 
-    // In seconds, of those between access units whose times are known.
+    // In seconds, for intervals between access units with known times.
     std::optional<double> leastSeconds;
     std::optional<double> mostSeconds;
     uint64_t mostSecondsAt = 0;
@@ -36,27 +36,27 @@ struct KeyIntervals {
     uint64_t timed = 0;
 };
 
-// Errors that differ in their numbers at most.
+// Errors whose texts differ only in numbers.
 struct ErrorKind {
-    std::string first;  // of them, with its place
+    std::string first;  // the first of them, with its place
     uint64_t count = 0;
 };
 
 struct LargestUnit {
     uint64_t bytes = 0;
     uint64_t accessUnit = 0;  // number
-    uint64_t offset = 0;      // of the NAL unit, as offsets are reported
+    uint64_t offset = 0;      // of the NAL unit, as reported
 };
 
 struct HdrVividTotals {
     uint64_t messages = 0;
-    uint64_t read = 0;               // of them, those that could be read
+    uint64_t read = 0;               // of these, the ones that could be read
     uint32_t minimum_maxrgb_pq = 0;  // least of the stream, 12-bit code
     uint32_t maximum_maxrgb_pq = 0;  // most of the stream, 12-bit code
     uint64_t average_maxrgb_pq_sum = 0;
 };
 
-// HDR, captions and the like, as the stream signals them.
+// HDR, captions and similar properties that the stream signals.
 struct Signals {
     std::optional<QVHDR10StaticMetadata> masteringDisplay;  // the first
     std::optional<QVHevcSeiContentLight> contentLight;      // the first
@@ -70,7 +70,7 @@ struct Signals {
     bool isHdr10() const;
     bool isHlg() const;
 
-    // Every class that is signalled, e.g. {"HDR10", "HDR Vivid"}; {"SDR"} when none is.
+    // Every class that is signalled, e.g. {"HDR10", "HDR Vivid"}; {"SDR"} if none is.
     std::vector<std::string> hdrClasses() const;
 };
 
@@ -80,14 +80,14 @@ struct StreamTotals {
     uint64_t keyAccessUnits = 0;
     uint64_t firstKey = 0;      // its number; 0 without one
     uint64_t units = 0;         // NAL units, typed or not
-    uint64_t untypedUnits = 0;  // of them, those with forbidden_zero_bit set and empty ones
+    uint64_t untypedUnits = 0;  // of these, the ones with forbidden_zero_bit set and empty ones
     std::map<uint32_t, uint64_t> unitsByType;
     std::map<uint32_t, uint64_t> unitBytesByType;  // without start codes and length fields
     uint64_t bytes = 0;  // of all access units, start codes and length fields included
 
     uint64_t errors = 0;
     std::string firstError;             // with its place; empty without errors
-    std::vector<ErrorKind> errorKinds;  // the first of them, in the order in which they came
+    std::vector<ErrorKind> errorKinds;  // the first of them, in stream order
     uint64_t noteCount = 0;
     std::vector<Finding> notes;  // not errors; the first of them
 
@@ -98,7 +98,7 @@ struct StreamTotals {
 
     uint64_t untimedAccessUnits = 0;
 
-    // Seconds from the first picture shown to the end of the last one; not set when times are unknown.
+    // Seconds from the first picture shown to the end of the last one; not set if times are unknown.
     std::optional<double> duration;
     std::optional<double> averageBitrate;  // bits a second
     std::optional<double> peakBitrate;     // bits in the busiest second
@@ -107,10 +107,10 @@ struct StreamTotals {
     uint64_t distinctSps = 0;
     uint64_t repeatedSps = 0;
     uint64_t refusedSps = 0;
-    bool hasConfiguration = false;  // parameter sets came with the container
+    bool hasConfiguration = false;  // the container has parameter sets
 
-    // The number of the first key access unit, when a parameter set that it needs came neither ahead of its
-    // first slice nor with the container; else 0.
+    // The number of the first key access unit if a parameter set that it needs is neither before its first
+    // slice nor in the container; else 0.
     uint64_t keyWithoutParameterSets = 0;
 
     std::map<uint32_t, uint64_t> messagesByType;
@@ -119,7 +119,7 @@ struct StreamTotals {
     uint64_t sideDataBytes = 0;
 };
 
-// Adds a stream up, access unit by access unit. What it keeps does not grow with the stream.
+// Computes the totals of a stream from its access units. Its memory does not grow with the stream.
 class StreamCounter {
 public:
     explicit StreamCounter(const StreamInfo& info);
@@ -128,11 +128,11 @@ public:
 
     void add(const AccessUnitView& view);
 
-    // One ahead of the part that is looked at: only its parameter sets count, which the part needs, and what
-    // the configuration record says of the whole stream.
-    void addAhead(const AccessUnitView& view);
+    // Adds an access unit before the part that is inspected. Only its parameter sets, which the part needs,
+    // and the SEI of the configuration record, which applies to the whole stream, count.
+    void addBeforePart(const AccessUnitView& view);
 
-    // Findings behind the last access unit; and the end of what stands open.
+    // Adds the findings after the last access unit and ends open intervals.
     void finish(const std::vector<Finding>& findings);
 
     const StreamTotals& totals() const { return totals_; }
@@ -164,9 +164,9 @@ private:
     void addLoad(double decodeTime, uint64_t bytes);
 
     StreamTotals totals_;
-    std::vector<std::string> errorKindTexts_;  // without their numbers, as totals_.errorKinds
+    std::vector<std::string> errorKindTexts_;  // without their numbers, parallel to totals_.errorKinds
 
-    bool hasVps_ = false;  // H.264 has none and misses none
+    bool hasVps_ = false;  // H.264 has and needs none
     bool hasSps_ = false;
     bool hasPps_ = false;
 
@@ -177,7 +177,7 @@ private:
     std::optional<double> begin_;
     std::optional<double> end_;
 
-    // Bits by decoding time over the last second, at most one entry for each millisecond.
+    // Bits by decoding time in the last second, at most one entry for each millisecond.
     struct Load {
         int64_t millisecond;
         uint64_t bits;
