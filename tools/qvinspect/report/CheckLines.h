@@ -1,4 +1,4 @@
-// The results of the checks by themselves, on standard error.
+// The results of the checks on standard error.
 #ifndef QVINSPECT_CHECKLINES_H
 #define QVINSPECT_CHECKLINES_H
 
@@ -11,7 +11,7 @@ namespace qvinspect {
 // "[OK] rule: evidence", or "[FAIL] ...".
 std::string checkLine(const CheckResult& check);
 
-// For when standard output is taken by a report that is not the listing.
+// Used if another report than the listing uses standard output.
 class CheckLines : public Presenter {
 public:
     void fail(const std::string& name, const std::string& reason) override;

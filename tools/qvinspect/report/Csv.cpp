@@ -12,7 +12,7 @@ namespace qvinspect {
 
 namespace {
 
-// Spreadsheets read such a cell as a formula, which may run programs: the characters themselves and, in
+// Spreadsheets treat such a cell as a formula, which may run programs: the characters themselves and, in
 // UTF-8, their full-width forms.
 bool beginsLikeFormula(const std::string& text) {
     static constexpr const char* kBegins[] = {
@@ -21,8 +21,8 @@ bool beginsLikeFormula(const std::string& text) {
                        [&](const char* begin) { return text.rfind(begin, 0) == 0; });
 }
 
-// RFC 4180 section 2: a field with a comma, a quote or an end of line is put in quotes, its quotes doubled.
-// So is one with a semicolon or a tab, which separate cells for some programs. Not for numbers, which may be
+// RFC 4180 section 2: a field with a comma, a quote or an end of line is quoted, with its quotes doubled. So
+// is one with a semicolon or a tab, which some programs treat as separators. Not for numbers, which may be
 // negative.
 std::string csvField(const std::string& cell) {
     const std::string text = beginsLikeFormula(cell) ? "'" + cell : cell;
@@ -40,7 +40,7 @@ const char* flagText(bool flag) {
     return flag ? "true" : "false";
 }
 
-// Seconds; nothing when they are unknown.
+// Seconds; empty if unknown.
 std::string timeText(const std::optional<double>& time) {
     return time && std::isfinite(*time) ? fmt::format("{}", *time) : std::string();
 }

@@ -14,7 +14,7 @@ namespace {
 
 void writeLine(std::initializer_list<std::string_view> pieces) noexcept {
     try {
-        // In one call, so that lines of several programs do not mix.
+        // In one call, so that lines of several programs are not mixed.
         std::string line;
         for (const std::string_view piece : pieces) {
             line += piece;

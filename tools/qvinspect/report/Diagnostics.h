@@ -10,7 +10,7 @@ namespace qvinspect {
 // on standard error.
 void printDiagnostic(std::string_view text, std::string_view detail = {}) noexcept;
 
-// The same after "qvinspect: ".
+// The same with "qvinspect: " before it.
 void complain(std::string_view text, std::string_view detail = {}) noexcept;
 
 }  // namespace qvinspect

@@ -4,8 +4,8 @@
 
 namespace qvinspect {
 
-GuardedPresenter::GuardedPresenter(std::unique_ptr<Presenter> presenter, Tell tell)
-    : presenter_(std::move(presenter)), tell_(std::move(tell)) {}
+GuardedPresenter::GuardedPresenter(std::unique_ptr<Presenter> presenter, Report report)
+    : presenter_(std::move(presenter)), report_(std::move(report)) {}
 
 template <typename Call>
 void GuardedPresenter::guard(const Call& call) {
@@ -15,7 +15,7 @@ void GuardedPresenter::guard(const Call& call) {
     try {
         call(*presenter_);
     } catch (const OutputError& error) {
-        tell_(error);
+        report_(error);
         presenter_ = nullptr;
     }
 }

@@ -1,4 +1,4 @@
-// Keeps an output that cannot be written from taking the others along.
+// Isolates an output that cannot be written from the others.
 #ifndef QVINSPECT_GUARDEDPRESENTER_H
 #define QVINSPECT_GUARDEDPRESENTER_H
 
@@ -11,13 +11,13 @@
 
 namespace qvinspect {
 
-// Passes all calls on until one throws OutputError: that one is handed to tell, and the report behind it is
-// dropped.
+// Forwards all calls until one throws OutputError, which is passed to report. The presenter is then
+// destroyed.
 class GuardedPresenter : public Presenter {
 public:
-    using Tell = std::function<void(const OutputError&)>;
+    using Report = std::function<void(const OutputError&)>;
 
-    GuardedPresenter(std::unique_ptr<Presenter> presenter, Tell tell);
+    GuardedPresenter(std::unique_ptr<Presenter> presenter, Report report);
 
     void fail(const std::string& name, const std::string& reason) override;
     void begin(const StreamHead& head) override;
@@ -31,7 +31,7 @@ private:
     void guard(const Call& call);
 
     std::unique_ptr<Presenter> presenter_;
-    Tell tell_;
+    Report report_;
 };
 
 }  // namespace qvinspect

@@ -1,4 +1,4 @@
-// The report to open in a browser: one file with all it needs.
+// The report for a browser: one self-contained file.
 #ifndef QVINSPECT_HTML_H
 #define QVINSPECT_HTML_H
 
@@ -14,8 +14,8 @@
 namespace qvinspect {
 
 struct HtmlOptions {
-    std::vector<std::string> inputs;  // the names of all inputs, printable, in their order
-    std::string stamp;                // when it was made; empty to leave that out
+    std::vector<std::string> inputs;  // the printable names of all inputs, in order
+    std::string stamp;                // date and time; empty for none
     HtmlLimits limits;
 };
 

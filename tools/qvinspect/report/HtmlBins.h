@@ -10,14 +10,14 @@
 
 namespace qvinspect {
 
-// Bin has merge(const Bin& next). A bin holds one item at first; when more than mostBins would be needed,
-// pairs of them are merged.
+// Bin has merge(const Bin& next). A bin holds one item at first; if more than mostBins would be needed, pairs
+// of bins are merged.
 template <typename Bin>
 class AdaptiveBins {
 public:
     explicit AdaptiveBins(size_t mostBins) : mostBins_(mostBins) {}
 
-    // The bin of the item; it may be empty as yet, and so may be those ahead of it.
+    // The bin of the item. It may still be empty, as may those before it.
     Bin& binOf(uint64_t item) {
         while (item / width_ >= mostBins_) {
             mergePairs();
@@ -68,7 +68,7 @@ struct AccessUnitBin {
     uint64_t errors = 0;
     std::optional<double> time;  // of the first access unit, seconds
     VividBin vivid;
-    std::vector<uint64_t> messages;  // SEI messages by lane; lanes behind the last hold none
+    std::vector<uint64_t> messages;  // SEI messages by lane; lanes after the last have none
 
     void merge(const AccessUnitBin& next);
     uint64_t messagesIn(size_t lane) const { return lane < messages.size() ? messages[lane] : 0; }

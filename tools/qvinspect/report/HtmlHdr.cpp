@@ -1,4 +1,4 @@
-// Luminances on the PQ scale of SMPTE ST 2084, which is how the eye sees their steps.
+// Luminances on the PQ scale of SMPTE ST 2084, whose steps are perceptually uniform.
 #include <fmt/format.h>
 
 #include <cstdint>
@@ -17,7 +17,7 @@ constexpr double kLuminanceUnit = 0.0001;      // cd/m2, H.265 D.3.28
 constexpr double kChromaticityUnit = 0.00002;  // H.265 D.3.28
 constexpr const char* kUnit = "cd/m\xC2\xB2";
 
-// The place of a luminance on the scale, 0 to 1. By halving: the core brings the way back only.
+// The position of a luminance on the scale, 0 to 1, by bisection: the core has only the inverse function.
 double pqOf(double luminance) {
     constexpr int kSteps = 40;
     double low = 0;
@@ -54,7 +54,7 @@ struct Range {
     std::string text;
 };
 
-// Equal values are a line, so that they can be seen.
+// A range of equal values is drawn as a line, so that it is visible.
 void writeRange(Output& out, const Range& range) {
     const double left = range.low <= 0 ? 0 : pqOf(range.low);
     const double width = std::max(pqOf(range.high) - left, 0.004);
@@ -76,7 +76,7 @@ std::vector<Range> rangesOf(const Signals& signals) {
     if (signals.contentLight) {
         const double most = signals.contentLight->max_content_light_level;
         const double average = signals.contentLight->max_pic_average_light_level;
-        // 0 says that no limit is indicated, H.265 D.3.35.
+        // 0 means that no limit is indicated, H.265 D.3.35.
         const auto text = [](double light) {
             return light == 0 ? std::string("not indicated") : luminanceText(light);
         };

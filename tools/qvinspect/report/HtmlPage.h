@@ -8,7 +8,7 @@ extern const char kHtmlStyle[];
 extern const char kHtmlScript[];
 extern const char kHtmlDrawer[];
 
-// "sha256-..." as a Content-Security-Policy names a style or a script: of the very bytes between the tags.
+// "sha256-..." for the Content-Security-Policy: of exactly the bytes between the tags of the style or script.
 extern const char kHtmlStyleHash[];
 extern const char kHtmlScriptHash[];
 

@@ -1,5 +1,5 @@
-// Plots of the HTML report: SVG that needs no script. Marks stand in a drawing of their own that is stretched
-// over the plot, so that a script zooms by its viewBox alone.
+// Plots of the HTML report: SVG that needs no script. Marks are in a separate drawing that is stretched over
+// the plot, so that a script can zoom by changing its viewBox.
 #ifndef QVINSPECT_HTMLPLOT_H
 #define QVINSPECT_HTMLPLOT_H
 
@@ -11,12 +11,12 @@
 
 namespace qvinspect {
 
-// What runs from left to right. Plots of one section that share a domain zoom together.
+// The horizontal axis. Plots of one section that share a domain zoom together.
 struct PlotRange {
     const char* domain;  // "au": access unit numbers, "time": seconds
     double from;         // at the left edge
-    double perMark;      // what one unit of the drawing stands for
-    double width;        // of the drawing; the last mark may stand for less than the others
+    double perMark;      // the value of one unit of the drawing
+    double width;        // of the drawing; the last mark may represent less than the others
 
     double to() const { return from + perMark * width; }
 };
@@ -47,7 +47,7 @@ struct PlotHead {
 };
 
 struct PlotStrip {
-    std::string label;  // HTML-free
+    std::string label;  // without HTML
     std::string className;
     std::function<void()> draw;  // writes the marks of the drawing
 };
@@ -61,9 +61,9 @@ struct PlotBody {
     PlotRange range;
     double height;  // pixels
     std::vector<PlotTick> ticks;
-    std::string label;               // what it shows, for those who cannot see it
-    std::string xLabel;              // what runs from left to right
-    std::function<void()> backdrop;  // behind the marks, in pixels and percents; may be empty
+    std::string label;               // a description for screen readers
+    std::string xLabel;              // the horizontal axis
+    std::function<void()> backdrop;  // under the marks, in pixels and percents; may be empty
     std::function<void()> draw;
     std::vector<PlotStrip> strips;
 };
@@ -75,18 +75,17 @@ struct PlotLanes {
     std::string label;
     std::string xLabel;
     std::vector<PlotStrip> lanes;
-    std::vector<PlotTick> ticks;  // instead of those of the range; none for those of the range
+    std::vector<PlotTick> ticks;  // instead of those of the range; empty for those of the range
 };
 void writeLanes(Output& out, const PlotLanes& lanes);
 
-// Where a mark stands in a drawing.
+// The position of a mark in a drawing.
 struct MarkSpan {
     double left;
     double width;
 };
 
-// From mark first up to the one ahead of end, within the range; with gaps between the marks when they are
-// few.
+// From mark first to the one before end, within the range, with gaps between the marks if there are few.
 MarkSpan spanOf(const PlotRange& range, size_t first, size_t end);
 
 // One mark of a drawing, with its tooltip.

@@ -26,7 +26,7 @@ std::string counted(uint64_t count, const char* what) {
     return fmt::format("{} {}{}", groupedDigits(count), what, count == 1 ? "" : "s");
 }
 
-// The error that a unit itself is, as the totals count it.
+// The error of a unit itself, as counted by the totals.
 std::optional<std::string> errorOf(const UnitReport& report, const UnitDetails& details) {
     if (report.state != UnitState::Typed) {
         return report.state == UnitState::Empty ? "empty unit" : "forbidden_zero_bit is set";
@@ -178,7 +178,7 @@ void HtmlSection::addMessage(const SeiMessage& message, AccessUnitBin& bin) {
     }
 }
 
-// The last lane takes the types that no other has room for.
+// The last lane takes the types without a lane of their own.
 size_t HtmlSection::laneOf(const LaneKey& key) {
     const auto known = laneByKey_.find(key);
     if (known != laneByKey_.end()) {
@@ -248,7 +248,7 @@ void HtmlSection::addTime(const AccessUnitView& view) {
     }
     lastTime_ = std::max(lastTime_, *known);
     endTime_ = std::max(endTime_, lastTime_ - firstTime_ + view.duration.value_or(0));
-    constexpr double kMostTicks = 1e15;  // far beyond any stream, well inside of the integer
+    constexpr double kMostTicks = 1e15;  // far longer than any stream, within the range of the integer
     const double ticks = std::clamp((lastTime_ - firstTime_) * kTicksPerSecond + 1e-6, 0.0, kMostTicks);
     TimeBin& bin = timeBins_.binOf(static_cast<uint64_t>(ticks));
     ++bin.count;
@@ -272,7 +272,7 @@ std::string HtmlSection::numbersText(size_t first, size_t end) const {
     return from == to ? fmt::format("access unit {}", from) : fmt::format("access units {} to {}", from, to);
 }
 
-// The same for one bin, with the time where it is known.
+// The same for one bin, with the time if it is known.
 std::string HtmlSection::placeText(size_t bin) const {
     const std::optional<double>& time = bins_.bins()[bin].time;
     const std::string numbers = numbersText(bin, bin + 1);
@@ -545,7 +545,7 @@ void HtmlSection::writeUntimedBitrate(Output& out) const {
     closeFigure(out);
 }
 
-// A table that is its own plot.
+// A table that includes its plot.
 void HtmlSection::writeMix(Output& out) const {
     TypeShare all;
     for (const auto& [type, share] : types_) {
@@ -583,7 +583,7 @@ void HtmlSection::writeMix(Output& out) const {
     closeFigure(out);
 }
 
-// Calls with the first bin, the bin behind the last, and the messages of each run of bins that hold some.
+// Calls with the first bin, the bin after the last, and the messages of each run of bins with messages.
 void HtmlSection::forRuns(size_t lane, const std::function<void(size_t, size_t, uint64_t)>& call) const {
     const std::vector<AccessUnitBin>& bins = bins_.bins();
     for (size_t i = 0; i < bins.size(); ++i) {
@@ -598,7 +598,7 @@ void HtmlSection::forRuns(size_t lane, const std::function<void(size_t, size_t, 
     }
 }
 
-// Of the access units in the bins from first up to the one ahead of end.
+// The access units in the bins from first to the one before end.
 std::pair<uint64_t, uint64_t> HtmlSection::numbersOf(size_t first, size_t end) const {
     const uint64_t last =
         firstNumber_ + (end - 1) * bins_.width() + std::max<uint64_t>(bins_.bins()[end - 1].count, 1) - 1;

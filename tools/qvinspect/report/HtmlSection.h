@@ -1,4 +1,4 @@
-// One input in the HTML report. What it keeps does not grow with the stream.
+// One input in the HTML report. Its memory does not grow with the stream.
 #ifndef QVINSPECT_HTMLSECTION_H
 #define QVINSPECT_HTMLSECTION_H
 
@@ -25,12 +25,12 @@ public:
 
     void add(const AccessUnitView& view);
 
-    // id: of its element, the prefix of all others in it.
+    // id: of its element; the prefix of all ids in it.
     void write(Output& out, const std::string& id, const StreamEnd& end);
 
 private:
     struct ErrorText {
-        uint64_t number;  // of the access unit; 0 behind the last
+        uint64_t number;  // of the access unit; 0 after the last
         std::optional<uint64_t> offset;
         std::string text;
     };
@@ -38,7 +38,7 @@ private:
         uint64_t units = 0;
         uint64_t bytes = 0;
     };
-    using LaneKey = std::pair<uint32_t, T35Kind>;  // payloadType, kind of what is registered by ITU-T T.35
+    using LaneKey = std::pair<uint32_t, T35Kind>;  // payloadType, kind of ITU-T T.35 message
     struct Lane {
         std::string name;
         uint64_t messages = 0;
@@ -75,7 +75,7 @@ private:
     HtmlLimits limits_;
     QVCodecID codec_;
 
-    uint64_t firstNumber_ = 0;  // of the access units that are added
+    uint64_t firstNumber_ = 0;  // of the added access units
     uint64_t accessUnits_ = 0;
     AdaptiveBins<AccessUnitBin> bins_;
 
@@ -93,7 +93,7 @@ private:
     HtmlUnits units_;
 };
 
-// The HDR part of a section; nothing when the stream signals none.
+// The HDR part of a section; nothing if the stream signals none.
 void writeHdr(Output& out, const PlotRange& range, const AdaptiveBins<AccessUnitBin>& bins,
               const Signals& signals);
 

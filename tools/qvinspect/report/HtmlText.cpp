@@ -11,7 +11,7 @@ namespace qvinspect {
 
 namespace {
 
-// Of powers of 1000, with the unit behind.
+// In powers of 1000, followed by the unit.
 std::string scaled(double number, const char* unit) {
     static constexpr const char* kPrefixes[] = {"", "k", "M", "G", "T"};
     size_t prefix = 0;
@@ -87,7 +87,7 @@ std::string bytesText(double bytes) {
 std::string durationText(double seconds) {
     constexpr double kMinute = 60;
     const std::string exact = fmt::format("{:.3f} s", seconds);
-    constexpr double kMostSeconds = 1e9;  // what is longer is no duration that a clock shows
+    constexpr double kMostSeconds = 1e9;  // longer durations are not shown as a clock
     if (seconds < kMinute || seconds > kMostSeconds) {
         return exact;
     }

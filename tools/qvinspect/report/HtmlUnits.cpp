@@ -42,7 +42,7 @@ Json lines(const std::vector<std::string>& log) {
     return array;
 }
 
-// What is registered by ITU-T T.35 by what it is, where that is known.
+// ITU-T T.35 messages by their kind, if known.
 std::string messageName(QVCodecID codec, const SeiMessage& message) {
     const T35Kind kind =
         message.payloadType == kUserDataRegistered ? t35Kind(message.payload) : T35Kind::Unknown;
@@ -172,7 +172,7 @@ Json HtmlUnits::describeUnit(const UnitView& unit) {
     return json;
 }
 
-// [name, value, note] of each field; null for those that the report has no room for.
+// [name, value, note] of each field; null beyond the limit of the report.
 Json HtmlUnits::describeFields(const Block& block) {
     for (const Field& field : block.fields) {
         fieldBytes_ += field.name.size() + valueText(field).size() + field.note.size();

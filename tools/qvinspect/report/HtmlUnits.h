@@ -1,4 +1,4 @@
-// The table of NAL units of the HTML report, with the bytes and fields that its drawer shows.
+// The table of NAL units of the HTML report, with the bytes and fields of its drawer.
 #ifndef QVINSPECT_HTMLUNITS_H
 #define QVINSPECT_HTMLUNITS_H
 
@@ -25,7 +25,7 @@ class HtmlUnits {
 public:
     HtmlUnits(QVCodecID codec, bool isRaw, const HtmlLimits& limits);
 
-    // The units that the filter leaves.
+    // Adds the units that the filter selects.
     void add(const AccessUnitView& view);
 
     // total: units of the stream. id: of the section, for the names of elements.

@@ -21,7 +21,7 @@ Json::Json(const std::string& path, JsonOptions options) : output_(path), option
 }
 
 void Json::beginFile(const JsonRecord& members) {
-    const std::string text = membersText(members);  // may throw: nothing of it is written then
+    const std::string text = membersText(members);  // if this throws, nothing was written
     output_.print("{}\n{{{}", std::exchange(isFirstFile_, false) ? "" : ",", text);
 }
 
@@ -62,7 +62,7 @@ void Json::end(const StreamEnd& end) {
     isFileOpen_ = false;
 }
 
-// Of an input whose access units were begun as well.
+// Also for an input with access units in the document.
 void Json::fail(const std::string& name, const std::string& reason) {
     if (!isFileOpen_) {
         JsonRecord members;

@@ -47,7 +47,7 @@ const char* deliveryName(Delivery delivery) {
     return "not_kept";
 }
 
-// As --format calls it.
+// The name of --format.
 std::string framingName(const QVCodecParameters& parameters) {
     return parameters.isAnnexB != 0 ? std::string("annexb") : fmt::format("lp{}", parameters.nalLengthSize);
 }

@@ -1,4 +1,4 @@
-// The records that JSON and NDJSON are made of; docs/inspector-output.md tells their keys.
+// The records of JSON and NDJSON; docs/inspector-output.md documents their keys.
 #ifndef QVINSPECT_JSONRECORDS_H
 #define QVINSPECT_JSONRECORDS_H
 
@@ -17,7 +17,7 @@ struct JsonOptions {
     std::string date;  // with --stamp, ISO 8601; empty without it
 };
 
-// Changes when a key goes or means something else, not when one is added.
+// Changes when a key is removed or changes its meaning, not when one is added.
 constexpr int kJsonSchemaVersion = 1;
 
 // Each adds its keys to record.
@@ -27,7 +27,7 @@ void addHead(JsonRecord& record, const StreamHead& head, Level level);
 void addAccessUnit(JsonRecord& record, const AccessUnitView& view, Level level);
 void addEnd(JsonRecord& record, const StreamEnd& end);
 
-// One line of valid UTF-8, whatever bytes the texts hold; null for what is no finite number.
+// One line of valid UTF-8 for any bytes in the texts; null for numbers that are not finite.
 std::string jsonText(const JsonRecord& record);
 
 }  // namespace qvinspect

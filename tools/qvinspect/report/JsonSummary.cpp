@@ -26,7 +26,7 @@ Json jsonCounts(const Counts& counts, QVCodecID codec, NameOfType nameOf) {
     return json;
 }
 
-// null when nothing was counted.
+// null if nothing was counted.
 Json jsonAverage(double sum, uint64_t count) {
     return count > 0 ? Json(sum / static_cast<double>(count)) : Json();
 }

@@ -1,4 +1,4 @@
-// What a stream adds up to, as JSON.
+// The totals of a stream as JSON.
 #ifndef QVINSPECT_JSONSUMMARY_H
 #define QVINSPECT_JSONSUMMARY_H
 

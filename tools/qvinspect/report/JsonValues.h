@@ -1,4 +1,4 @@
-// Values that several JSON records hold.
+// Values that several JSON records have.
 #ifndef QVINSPECT_JSONVALUES_H
 #define QVINSPECT_JSONVALUES_H
 
@@ -12,7 +12,7 @@
 
 namespace qvinspect {
 
-// null when there is no value.
+// null if there is no value.
 template <typename Value>
 nlohmann::ordered_json jsonOptional(const std::optional<Value>& value) {
     return value ? nlohmann::ordered_json(*value) : nlohmann::ordered_json();

@@ -15,7 +15,7 @@ enum class Level {
     Elements  // the syntax elements of each NAL unit, bit by bit, in place of messages and fields
 };
 
-// The first level that shows what the filter chooses; the summary without a filter.
+// The first level that shows what the filter selects; the summary without a filter.
 Level levelFor(const Filter& filter);
 
 }  // namespace qvinspect

@@ -47,7 +47,7 @@ bool isParameterSet(QVCodecID codec, uint32_t nal_unit_type) {
                : nal_unit_type >= qv::hevc::kNalVps && nal_unit_type <= qv::hevc::kNalPps;
 }
 
-// No other picture refers to it: it has slices, and none of them is of a reference picture.
+// Whether no other picture refers to it: it has slices, and none of them is of a reference picture.
 bool isNonReference(QVCodecID codec, const AccessUnitReport& report) {
     bool hasPicture = false;
     for (const UnitReport& unit : report.units) {
@@ -65,7 +65,7 @@ const char* errorOf(const UnitReport& unit) {
     return unit.state == UnitState::Empty ? "empty unit" : "forbidden_zero_bit is set";
 }
 
-// What nal_unit_header() holds besides the type. H.264 (08/2021) 7.3.1, H.265 (08/2021) 7.3.1.2.
+// The fields of nal_unit_header() besides the type. H.264 (08/2021) 7.3.1, H.265 (08/2021) 7.3.1.2.
 std::string headerText(QVCodecID codec, const UnitView& unit) {
     const uint32_t first = unit.data[0];
     if (codec == QVCodecIDAvc) {
@@ -109,7 +109,7 @@ Listing::Listing(const std::string& path, Level level, PageFormat format)
     : page_(path, format), level_(level) {}
 
 void Listing::fail(const std::string&, const std::string&) {
-    page_.flush();  // what is said of it on standard error comes behind what was listed so far
+    page_.flush();  // the message on standard error follows what was listed so far
 }
 
 void Listing::begin(const StreamHead& head) {
@@ -146,7 +146,7 @@ void Listing::begin(const StreamHead& head) {
     }
 }
 
-// Places count in the units of the record.
+// Offsets begin at the units of the record.
 void Listing::addRecordSei() {
     for (const SeiUnit& unit : head_.seiUnits) {
         page_.add(Style::Heading, "configuration record").endLine();
@@ -228,7 +228,7 @@ void Listing::addAccessUnit(const AccessUnitView& view) {
     page_.endLine();
 }
 
-// Where units have no lines of their own, those that are broken get one.
+// At levels without lines for units, broken units still have one.
 void Listing::addBrokenUnits(const AccessUnitView& view) {
     for (const UnitView& unit : view.units) {
         if (!isBroken(unit)) {
@@ -383,7 +383,7 @@ void Listing::addBlock(const Block& block) {
     }
 }
 
-// Bytes as they stand in the stream, with their emulation prevention bytes.
+// Coded bytes, including emulation prevention bytes.
 void Listing::addHex(const unsigned char* bytes, size_t size, uint64_t offset) {
     constexpr size_t kBytesPerLine = 16;
     const size_t shown = std::min(size, kMostHexBytes);

@@ -1,4 +1,4 @@
-// The listing, as a person reads it.
+// The listing for people.
 #ifndef QVINSPECT_LISTING_H
 #define QVINSPECT_LISTING_H
 

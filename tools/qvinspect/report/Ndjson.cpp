@@ -47,7 +47,7 @@ void Ndjson::fail(const std::string& name, const std::string& reason) {
     name_ = name;
     JsonRecord record = recordOf("error");
     if (!isFileOpen_) {
-        addGenerator(record, options_);  // no record of the file came ahead of this one
+        addGenerator(record, options_);  // no record of the file precedes this one
     }
     record["error"] = reason;
     write(record);

@@ -1,4 +1,4 @@
-// A JSON object on each line, each of which stands for itself.
+// A JSON object on each line that can be read alone.
 #ifndef QVINSPECT_NDJSON_H
 #define QVINSPECT_NDJSON_H
 
@@ -28,7 +28,7 @@ private:
     Output output_;
     JsonOptions options_;
     std::string name_;
-    uint64_t fileIndex_ = 0;  // of the input at hand, or of the next one
+    uint64_t fileIndex_ = 0;  // of the current input, or of the next one
     bool isFileOpen_ = false;
 };
 

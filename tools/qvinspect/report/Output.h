@@ -1,4 +1,4 @@
-// Where reports go.
+// Outputs of reports.
 #ifndef QVINSPECT_OUTPUT_H
 #define QVINSPECT_OUTPUT_H
 
@@ -14,21 +14,21 @@
 
 namespace qvinspect {
 
-// Thrown when an output cannot be written, or not all of it. The text is one line that names the output and
-// the reason.
+// Thrown if an output cannot be written, or not all of it. The text is one line that names the output and the
+// reason.
 class OutputError : public std::runtime_error {
 public:
     explicit OutputError(const std::string& text, int error = 0)
         : std::runtime_error(text), isBrokenPipe_(error == EPIPE) {}
 
-    // The reader of standard output has seen enough: nothing is wrong.
+    // The reader of standard output stopped: nothing is wrong.
     bool isBrokenPipe() const { return isBrokenPipe_; }
 
 private:
     bool isBrokenPipe_;
 };
 
-// An output, "-" among them, as messages name it.
+// The name of an output, which may be "-", in messages.
 std::string outputName(const std::string& path);
 
 // Collects text and writes it in large pieces. Every member may throw OutputError.
@@ -37,8 +37,8 @@ public:
     // path as for OutputFile.
     explicit Output(const std::string& path);
 
-    // Without close(), an output that is written to directly gets what is left, as far as possible and
-    // without a message; a file is left as it was.
+    // Without close(), what is left is written to a directly written output if possible, without a message; a
+    // file is not changed.
     ~Output();
     Output(const Output&) = delete;
     Output& operator=(const Output&) = delete;
@@ -49,13 +49,13 @@ public:
         flushPiece();
     }
 
-    // Bytes as they are.
+    // Writes bytes unchanged.
     void write(const void* bytes, size_t size);
     void write(const std::string& text) { write(text.data(), text.size()); }
 
     void flush();
 
-    // Writes what is left and puts a file in its place. Some errors of a disk are reported only here.
+    // Writes what is left and renames a file to its final name. Some disk errors are reported only here.
     void close();
 
 private:

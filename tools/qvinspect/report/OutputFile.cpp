@@ -18,11 +18,11 @@ namespace qvinspect {
 
 namespace {
 
-constexpr mode_t kForAll = 0666;  // less the umask
+constexpr mode_t kForAll = 0666;  // minus the umask
 constexpr mode_t kForOwner = 0600;
 constexpr mode_t kPermissions = 0777;
 
-// Opening a pipe waits for the other end. Returns -1, with errno.
+// Opening a pipe waits for its reader. Returns -1 and sets errno on failure.
 int openWaiting(const std::string& path, int flags) {
     int descriptor = -1;
     do {
@@ -35,7 +35,7 @@ int closed(int descriptor) {
     return ::close(descriptor) == 0 || errno == EINTR ? 0 : errno;
 }
 
-// As far as this user may: the file may belong to somebody else.
+// May fail in part: the file may belong to somebody else.
 void copyPermissions(const struct stat& from, int to) {
     [[maybe_unused]] const int isOwned = fchown(to, from.st_uid, from.st_gid);
     [[maybe_unused]] const int isChanged = fchmod(to, from.st_mode & kPermissions);
@@ -79,7 +79,7 @@ int OutputFile::open(const std::string& path) {
     if (stat(path.c_str(), &status) != 0) {
         return errno == ENOENT ? openBeside(end) : errno;
     }
-    // The text of a link below /proc need not be a path.
+    // The text of a link in /proc may not be a path.
     const bool isThere =
         stat(end.c_str(), &atEnd) == 0 && atEnd.st_dev == status.st_dev && atEnd.st_ino == status.st_ino;
     return S_ISREG(status.st_mode) && isThere ? openBeside(end) : openDirectly(path);
@@ -104,7 +104,7 @@ int OutputFile::openDirectly(const std::string& path) {
 int OutputFile::openBeside(const std::string& place) {
     struct stat former = {};
     const bool isThere = stat(place.c_str(), &former) == 0;
-    // Renaming would also replace a file that this user may not write to.
+    // Renaming would also replace a file that this user may not write.
     if (isThere && faccessat(AT_FDCWD, place.c_str(), W_OK, AT_EACCESS) != 0) {
         return errno;
     }
@@ -120,7 +120,7 @@ int OutputFile::openBeside(const std::string& place) {
 }
 
 int OutputFile::makeTemporary(mode_t mode) {
-    constexpr int kMostAttempts = 1000;  // more than what killed processes of the same number left
+    constexpr int kMostAttempts = 1000;  // more than the files left by killed processes with the same number
     static unsigned made = 0;
     int error = EEXIST;
     for (int attempt = 0; error == EEXIST && attempt < kMostAttempts; ++attempt) {
@@ -147,8 +147,8 @@ int OutputFile::close() {
     return result;
 }
 
-// A file that may be written to cannot be replaced where it is mounted by itself, or where it belongs to
-// somebody else in a folder with the sticky bit.
+// A writable file cannot be replaced if it is a mount point, or if it belongs to somebody else in a folder
+// with the sticky bit.
 int OutputFile::putInPlace() {
     if (rename(temporary_.c_str(), place_.c_str()) == 0) {
         keepWhenKilled(temporary_.c_str());

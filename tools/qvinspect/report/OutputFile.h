@@ -1,4 +1,4 @@
-// A file that is written as a whole or not at all.
+// A file that is written completely or not at all.
 #ifndef QVINSPECT_OUTPUTFILE_H
 #define QVINSPECT_OUTPUTFILE_H
 
@@ -8,12 +8,12 @@
 
 namespace qvinspect {
 
-// Regular files are written under another name in the same folder, and renamed when they are whole: until
-// then, and after a failure, a file of that name keeps its former content. The new file gets the permissions
-// of the former one, and its owner and group as far as this user may set them. Links to a file are kept.
+// Regular files are written under another name in the same folder, and renamed when they are complete: until
+// then, and after a failure, an existing file of that name keeps its content. The new file has the
+// permissions of the old one, and its owner and group if this user may set them. Symbolic links are kept.
 //
-// Standard output, pipes, terminals and devices are written to directly, and so is a file whose folder this
-// user may not write to.
+// Standard output, pipes, terminals and devices are written directly, and so is a file whose folder this user
+// may not write to.
 class OutputFile {
 public:
     OutputFile() = default;
@@ -29,10 +29,11 @@ public:
     // Returns 0, or the errno of the failure.
     int write(const char* bytes, size_t size);
 
-    // Puts the file in its place. Returns 0, or the errno of the failure; a regular file is then as it was.
+    // Renames the file to its final name. Returns 0, or the errno of the failure; a regular file is then
+    // unchanged.
     int close();
 
-    // True if a file of that name still has its former content, or still does not exist.
+    // True if an existing file of that name still has its old content, or if it still does not exist.
     bool isUntouched() const { return isUntouched_; }
 
 private:
@@ -45,8 +46,8 @@ private:
     void removeTemporary();
 
     int descriptor_ = -1;
-    std::string place_;      // with links followed
-    std::string temporary_;  // empty when written to directly
+    std::string place_;      // the path with links followed
+    std::string temporary_;  // empty if written directly
     bool isUntouched_ = true;
 };
 

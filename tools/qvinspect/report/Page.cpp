@@ -14,7 +14,7 @@ bool isPrintableAscii(char c) {
     return c >= 0x20 && c < 0x7F;
 }
 
-// Every byte of a UTF-8 character but its first.
+// Every byte of a UTF-8 character except the first.
 bool isContinuation(char c) {
     return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U;
 }
@@ -35,7 +35,7 @@ fmt::text_style textStyle(Style style) {
     return {};
 }
 
-// Where the character number `characters` of the text begins, its size when there are fewer.
+// The offset of the character number `characters` of the text, or its size if there are fewer.
 size_t beginOfCharacter(std::string_view text, size_t characters) {
     for (size_t i = 0; i < text.size(); ++i) {
         if (!isContinuation(text[i]) && characters-- == 0) {
@@ -59,7 +59,7 @@ void Page::addPiece(Style style) {
     pieces_.push_back({style, line_.size()});
 }
 
-// How much of the line is shown; it ends in "..." when that is not all.
+// The bytes of the line that are shown; a cut line ends in "...".
 size_t Page::cut() {
     constexpr std::string_view kDots = "...";
     const size_t size = line_.find_last_not_of(' ') + 1;

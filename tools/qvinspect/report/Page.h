@@ -18,8 +18,8 @@ namespace qvinspect {
 
 enum class Style { Plain, Heading, Good, Bad, Faint };
 
-// A line is put together piece by piece. Whatever a piece holds, no control character reaches the output, and
-// no byte that is not UTF-8.
+// A line is assembled from pieces. Control characters and bytes that are not UTF-8 in a piece never reach the
+// output.
 class Page {
 public:
     // path as for Output.
@@ -38,7 +38,7 @@ public:
         return *this;
     }
 
-    // Without the blanks at its end; "..." stands for what goes beyond the width.
+    // Ends the line without trailing blanks; "..." replaces what exceeds the width.
     void endLine();
 
     const std::optional<size_t>& width() const { return format_.width; }

@@ -1,5 +1,5 @@
-// What a report is told, in the order of the calls: for each input its head, its access units and its end;
-// then that there are no more inputs.
+// The interface of reports. The calls are, for each input, its head, its access units and its end, and at
+// last the end of all inputs.
 #ifndef QVINSPECT_PRESENTER_H
 #define QVINSPECT_PRESENTER_H
 
@@ -14,17 +14,17 @@
 namespace qvinspect {
 
 struct StreamHead {
-    std::string name;  // printable; without its folder, unless that was asked for
+    std::string name;  // printable; without its folder unless --stamp is given
     StreamInfo info;
-    bool isRaw;  // offsets count in the file, not in the access unit
+    bool isRaw;  // offsets begin at the file, not at the access unit
 
-    std::vector<SequenceParameterSet> parameterSets;  // that came with the container
-    std::vector<SeiUnit> seiUnits{};                  // that came with the container
+    std::vector<SequenceParameterSet> parameterSets;  // of the container
+    std::vector<SeiUnit> seiUnits{};                  // of the container
 };
 
 struct StreamEnd {
     const StreamTotals& totals;
-    const std::vector<Finding>& findings;  // those behind the last access unit
+    const std::vector<Finding>& findings;  // those after the last access unit
     const std::vector<CheckResult>& checks;
     bool isInterrupted;
 };
@@ -33,20 +33,20 @@ class Presenter {
 public:
     virtual ~Presenter() = default;
 
-    // An input that cannot be inspected: all that is told of it.
+    // The input cannot be inspected, or not to its end. No other call for it follows.
     virtual void fail(const std::string& name, const std::string& reason) = 0;
 
     virtual void begin(const StreamHead& head) = 0;
 
-    // Every access unit, also those that are not to be shown.
+    // Every access unit, including those that are not shown.
     virtual void add(const AccessUnitView& view) = 0;
 
     virtual void end(const StreamEnd& end) = 0;
 
-    // Behind the last input: the report is whole then, and all of it written.
+    // After the last input: completes the report and writes all of it.
     virtual void finish() = 0;
 
-    // False when nothing more of the report can be written.
+    // False if nothing more of the report can be written.
     virtual bool isWritable() const { return true; }
 };
 

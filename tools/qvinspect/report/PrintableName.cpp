@@ -30,7 +30,7 @@ unsigned byteAt(const std::string& name, size_t at) {
     return at < name.size() ? static_cast<unsigned char>(name[at]) : 0;
 }
 
-// Bytes of a character by its first byte; 0 when no character begins so.
+// Bytes of a character by its first byte; 0 if no character begins with it.
 size_t lengthByLeadByte(unsigned lead) {
     if (lead < 0x80) {
         return 1;
@@ -44,7 +44,7 @@ size_t lengthByLeadByte(unsigned lead) {
     return lead >= 0xF0 && lead <= 0xF4 ? 4 : 0;
 }
 
-// The second byte rules out overlong forms, surrogates and what lies beyond U+10FFFF.
+// The second byte excludes overlong forms, surrogates and values above U+10FFFF.
 bool isSecondByteOf(unsigned lead, unsigned second) {
     const unsigned low = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
     const unsigned high = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;

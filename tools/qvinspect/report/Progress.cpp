@@ -58,8 +58,8 @@ void Progress::erase() {
     }
 }
 
-// Blanks cover what the line before leaves over, and the cursor goes back to its start: whatever is written
-// next stands over it.
+// Blanks erase the rest of the previous line, and the cursor returns to its beginning, so that the next
+// output overwrites it.
 void Progress::show(const std::string& text) {
     const std::string line = fmt::format("\r{:<{}}\r{}", text, shown_, text);
     shown_ = text.size();

@@ -1,4 +1,4 @@
-// A line on the terminal about how far the reading of an input has come.
+// A line on the terminal that shows the progress of reading an input.
 #ifndef QVINSPECT_PROGRESS_H
 #define QVINSPECT_PROGRESS_H
 
@@ -16,7 +16,7 @@ public:
     using TimePoint = std::chrono::steady_clock::time_point;
     using Now = std::function<TimePoint()>;
 
-    // terminal: a file to write to, or -1 for no progress line at all.
+    // terminal: the descriptor to write to, or -1 for no progress line.
     explicit Progress(int terminal, Now now = std::chrono::steady_clock::now);
 
     // Erases the line.
@@ -24,15 +24,15 @@ public:
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    // Behind every access unit; looks at the clock only now and then. The line first shows after a second
-    // and is written at most five times a second.
+    // Called after every access unit. Reads the clock only occasionally. The line first appears after a
+    // second and is written at most five times a second.
     void update(const AccessUnitReader& reader) {
         if (terminal_ >= 0 && ++updates_ % kUpdatesPerLook == 0) {
             look(reader.progress());
         }
     }
 
-    // Leaves the terminal as it was; ahead of anything else that is written there.
+    // Erases the line. Called before anything else is written to the terminal.
     void erase();
 
 private:
@@ -44,12 +44,12 @@ private:
     int terminal_;
     Now now_;
     TimePoint begin_;
-    TimePoint next_;  // the line is not written again ahead of this
+    TimePoint next_;  // the line is not written again before this
     unsigned updates_ = 0;
     size_t shown_ = 0;  // characters on the line
 };
 
-// "37% at 512.0 MB/s, 0:42 left", or "1530 MB at 512.0 MB/s" when the size is not known.
+// "37% at 512.0 MB/s, 0:42 left", or "1530 MB at 512.0 MB/s" if the size is not known.
 std::string progressText(const ReadProgress& progress, double seconds);
 
 }  // namespace qvinspect

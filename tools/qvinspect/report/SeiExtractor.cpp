@@ -16,7 +16,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-// Makes the folder, or takes an empty one, and says where the index goes.
+// Makes the folder, or uses an empty one, and returns the path of the index.
 std::string indexIn(const std::string& folder) {
     namespace fs = std::filesystem;
     std::error_code error;

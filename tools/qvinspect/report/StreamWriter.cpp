@@ -21,7 +21,7 @@ namespace qvinspect {
 
 namespace {
 
-constexpr QVCodecParameters kFourByteLengths{QVCodecIDAvc, 0, 4};  // the codec is of no account
+constexpr QVCodecParameters kFourByteLengths{QVCodecIDAvc, 0, 4};  // the codec has no effect
 
 struct QvFree {
     void operator()(unsigned char* memory) const { qvFree(memory); }
@@ -38,7 +38,7 @@ bool isParameterSet(QVCodecID codec, uint32_t type) {
                : type == qv::hevc::kNalVps || type == qv::hevc::kNalSps || type == qv::hevc::kNalPps;
 }
 
-// What may stand ahead of the pictures of an access unit.
+// Units that may precede the pictures of an access unit.
 bool mayLead(QVCodecID codec, uint32_t type) {
     return isParameterSet(codec, type) ||
            type == (codec == QVCodecIDAvc ? qv::avc::kNalSei : qv::hevc::kNalPrefixSei);
@@ -53,7 +53,7 @@ size_t lengthSizeOf(const QVCodecParameters& framing) {
     return framing.nalLengthSize == 1 || framing.nalLengthSize == 2 ? framing.nalLengthSize : 4;
 }
 
-// Places count in the access unit here, not in the file.
+// Offsets in the access unit, not in the file.
 class Places {
 public:
     explicit Places(const AccessUnitView& view)
@@ -73,7 +73,7 @@ private:
     size_t prefix_;
 };
 
-// The unit that parameter sets are put ahead of.
+// The unit before which parameter sets are inserted.
 size_t placeOfConfiguration(const AccessUnitView& view) {
     const QVCodecID codec = view.accessUnit.parameters.codecId;
     const auto& units = view.report.units;
@@ -134,7 +134,7 @@ bool toLengths(const unsigned char* data, size_t size, std::vector<unsigned char
     return QVNaluParser::converAnnexBToAvcC(data, static_cast<int>(size), out) == QVResultOk;
 }
 
-// Empty units and stuffing: nothing that a stream could miss.
+// Empty units and stuffing, which may be left out.
 bool isZero(const unsigned char* data, size_t size) {
     return std::all_of(data, data + size, [](unsigned char byte) { return byte == 0; });
 }
@@ -261,7 +261,7 @@ void StreamWriter::add(const AccessUnitView& view) {
     }
 }
 
-// In runs without empty units: with a start code an empty unit would swallow the next one's.
+// In runs without empty units: an empty unit after a start code would absorb the next start code.
 void StreamWriter::convertUnits(const AccessUnitView& view, size_t first, size_t last) {
     const auto& units = view.report.units;
     const auto isEmpty = [](const UnitReport& unit) { return unit.length == 0; };
@@ -312,7 +312,7 @@ void StreamWriter::appendWithLength(std::vector<uint8_t>& out, qv::Bytes unit) {
 // Empty when all of it was written as it should be, else what is wrong.
 std::string StreamWriter::convert(const unsigned char* data, size_t size, const QVCodecParameters& from,
                                   size_t units) {
-    const LogCapture quiet;  // the analysis tells what is broken
+    const LogCapture quiet;  // the analysis reports what is broken
     std::vector<unsigned char> lengths;
     AnnexB annexB;
     const bool isFromAnnexB = from.isAnnexB != 0;

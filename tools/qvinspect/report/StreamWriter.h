@@ -1,4 +1,4 @@
-// Writes the stream with its NAL units framed anew, by the library's own conversions.
+// Writes the stream with its NAL units reframed by the library's conversions.
 #ifndef QVINSPECT_STREAMWRITER_H
 #define QVINSPECT_STREAMWRITER_H
 
@@ -24,16 +24,16 @@ enum class Framing {
     Lengths4  // 4-byte lengths, most significant byte first
 };
 
-// Takes every access unit of the part that is inspected; a filter narrows what is shown, not the stream.
+// Writes every access unit of the part that is inspected, regardless of the filter.
 //
-// A raw stream has no configuration record, so the record's parameter sets go ahead: the first access unit,
-// every key access unit and every one that a new record comes with get those that they do not bring
-// themselves. They stand behind the access unit delimiter and ahead of SEI units, since a buffering period
-// message already activates its sequence parameter set (H.264 7.4.1.2.1, H.265 C.3.2).
+// A raw stream has no configuration record. The record's parameter sets that an access unit does not have
+// itself are inserted into the first access unit, every key access unit and every access unit that comes with
+// a new record: after the access unit delimiter and before SEI units, since a buffering period message
+// activates its sequence parameter set (H.264 7.4.1.2.1, H.265 C.3.2).
 //
-// Empty units, which only lengths can express, are left out. What else does not go into the output is told
-// on standard error, and finish() throws OutputError then, with all the rest written. An input that cannot be
-// inspected leaves a file as it was.
+// Empty units, which only lengths can express, are left out. Anything else that is not written is reported on
+// standard error; everything else is written, and finish() throws OutputError. If the input cannot be
+// inspected, a file is not changed.
 class StreamWriter : public Presenter {
 public:
     StreamWriter(const std::string& path, Framing framing, UnitSource source = UnitSource::Stream);
@@ -56,7 +56,7 @@ private:
         size_t count = 0;
     };
 
-    // accessUnit: the number of the one that the record comes with.
+    // accessUnit: the number of the access unit with the record.
     void useConfiguration(QVCodecID codec, const std::vector<uint8_t>& record, uint64_t accessUnit);
     void addConfiguration(const AccessUnitView& view);
     LengthUnits missingUnits(const AccessUnitView& view);

@@ -39,11 +39,11 @@ std::string bitrate(double bitsPerSecond) {
 }
 
 std::string seconds(double value) {
-    constexpr double kMostInFull = 1e9;  // some thirty years
+    constexpr double kMostInFull = 1e9;  // about thirty years
     return std::abs(value) < kMostInFull ? fmt::format("{:.3f} s", value) : fmt::format("{:.3g} s", value);
 }
 
-// "1:02:03" for what is a minute or longer and no longer than any film.
+// "1:02:03", for durations from a minute to the length of the longest films.
 std::string clockTime(double value) {
     constexpr double kMinute = 60;
     constexpr double kMost = 1e7;
@@ -65,7 +65,7 @@ uint64_t countOf(const std::map<uint32_t, uint64_t>& counts, uint32_t type) {
 
 // --- Lines ---
 
-// Lines of at most width characters, broken at blanks where there are any.
+// Lines of at most width characters, broken at blanks if there are any.
 std::vector<std::string> wrapped(const std::string& text, size_t width) {
     std::vector<std::string> lines;
     std::string rest = text;
@@ -242,7 +242,7 @@ std::vector<uint32_t> rowsOf(const Counts& counts) {
     return types;
 }
 
-// The types that got no row, each with its count.
+// The types without a row, each with its count.
 void addOthers(Screen& screen, const Counts& counts, const std::vector<uint32_t>& rows) {
     std::vector<std::string> others;
     for (const auto& [type, count] : counts) {
@@ -296,7 +296,7 @@ void addMessages(Screen& screen, const StreamTotals& totals) {
 void addMasteringDisplay(Screen& screen, const QVHDR10StaticMetadata& display) {
     constexpr double kStep = 0.00002;          // of chromaticity, H.265 D.3.28
     constexpr double kLuminanceStep = 0.0001;  // cd/m2
-    // The order in which encoders send the primaries is green, blue, red.
+    // Encoders send the primaries in the order green, blue, red.
     constexpr const char* kNames[] = {"G", "B", "R"};
     std::string text;
     for (size_t c = 0; c < std::size(kNames); ++c) {
@@ -311,7 +311,7 @@ void addMasteringDisplay(Screen& screen, const QVHDR10StaticMetadata& display) {
                                 display.max_display_mastering_luminance * kLuminanceStep));
 }
 
-// H.265 (08/2021) D.3.35: 0 is no bound.
+// H.265 (08/2021) D.3.35: 0 means no limit.
 std::string lightLevel(const char* name, uint32_t level) {
     return level == 0 ? fmt::format("{} 0 (no bound)", name) : fmt::format("{} {} cd/m2", name, level);
 }
@@ -389,30 +389,30 @@ void addCompanions(Screen& screen, const StreamTotals& totals) {
 
 void addErrors(Screen& screen, const StreamTotals& totals) {
     screen.value("errors", fmt::format("{}", totals.errors), totals.errors == 0 ? Style::Plain : Style::Bad);
-    uint64_t told = 0;
+    uint64_t shown = 0;
     for (const ErrorKind& kind : totals.errorKinds) {
         screen.value("", kind.count == 1 ? kind.first
                                          : fmt::format("{}; {} more like it", kind.first, kind.count - 1));
-        told += kind.count;
+        shown += kind.count;
     }
-    if (told < totals.errors) {
-        screen.value("", fmt::format("and {} of other kinds", totals.errors - told));
+    if (shown < totals.errors) {
+        screen.value("", fmt::format("and {} of other kinds", totals.errors - shown));
     }
 }
 
 void addNotes(Screen& screen, const StreamTotals& totals) {
     const char* label = "notes";
-    size_t told = 0;
+    size_t shown = 0;
     for (const Finding& note : totals.notes) {
-        if (told == kMostNotes) {
+        if (shown == kMostNotes) {
             break;
         }
         const std::string place = note.offset ? fmt::format(" (at {})", *note.offset) : std::string();
         screen.value(std::exchange(label, ""), note.text + place);
-        ++told;
+        ++shown;
     }
-    if (told < totals.noteCount) {
-        screen.value("", fmt::format("and {} more; --level samples shows all", totals.noteCount - told));
+    if (shown < totals.noteCount) {
+        screen.value("", fmt::format("and {} more; --level samples shows all", totals.noteCount - shown));
     }
 }
 

@@ -1,4 +1,4 @@
-// What a whole stream adds up to, on one screen.
+// The totals of a stream on one screen.
 #ifndef QVINSPECT_SUMMARYSCREEN_H
 #define QVINSPECT_SUMMARYSCREEN_H
 
@@ -7,7 +7,7 @@
 
 namespace qvinspect {
 
-// Everything but the stream's name. 80 columns, or those of the terminal.
+// Everything except the stream's name. 80 columns, or those of the terminal.
 void addSummary(Page& page, const StreamHead& head, const StreamEnd& end);
 
 }  // namespace qvinspect

@@ -11,14 +11,14 @@ namespace qvinspect {
 namespace {
 
 constexpr size_t kUsualWidth = 80;
-constexpr size_t kLeastWidth = 20;  // anything below is a terminal that does not know
+constexpr size_t kLeastWidth = 20;  // smaller values are errors of the terminal
 
 std::string environment(const char* name) {
     const char* const value = std::getenv(name);
     return value == nullptr ? "" : value;
 }
 
-// 0 for what is not a number.
+// 0 if the text is not a number.
 size_t columnsIn(const std::string& text) {
     size_t columns = 0;
     const char* const end = text.data() + text.size();

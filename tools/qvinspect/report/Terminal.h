@@ -1,4 +1,4 @@
-// What a terminal asks of a listing.
+// The width and colours of a listing on a terminal.
 #ifndef QVINSPECT_TERMINAL_H
 #define QVINSPECT_TERMINAL_H
 
@@ -10,11 +10,11 @@
 
 namespace qvinspect {
 
-// What is known of where a listing goes. Names in capitals are variables of the environment, empty when they
-// are not set: an empty one counts as not set.
+// The properties of the listing's output. Names in capitals are environment variables, empty if they are not
+// set; an empty variable counts as not set.
 struct Terminal {
     bool isTerminal = false;
-    size_t columns = 0;  // as the terminal says; 0 when it does not
+    size_t columns = 0;  // from the terminal; 0 if unknown
     std::string COLUMNS;
     std::string NO_COLOR;
     std::string TERM;
@@ -22,15 +22,14 @@ struct Terminal {
 
 struct PageFormat {
     bool isColored = false;
-    std::optional<size_t>
-        width;  // in characters; longer lines are cut. Not set: lines are as long as they are
+    std::optional<size_t> width;  // in characters; longer lines are cut. Not set: no lines are cut
 };
 
 // Terminal of an open file.
 Terminal terminalOf(int fileDescriptor);
 
-// Colour, unless it is said: on a terminal that is not "dumb", without NO_COLOR (https://no-color.org).
-// Width: of terminals only: COLUMNS, or else what the terminal says, or else 80.
+// Colour by default: on a terminal that is not "dumb", without NO_COLOR (https://no-color.org). Width, of
+// terminals only: COLUMNS, or else the terminal's, or else 80.
 PageFormat pageFormat(const Terminal& terminal, ColorUse color);
 
 }  // namespace qvinspect

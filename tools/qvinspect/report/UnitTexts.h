@@ -1,4 +1,4 @@
-// How machine-readable reports call what a NAL unit is.
+// Texts about NAL units in machine-readable reports.
 #ifndef QVINSPECT_UNITTEXTS_H
 #define QVINSPECT_UNITTEXTS_H
 
@@ -10,7 +10,7 @@ namespace qvinspect {
 
 const char* stateName(UnitState state);
 
-// What is wrong with the unit; empty when nothing is.
+// The error of the unit; empty if there is none.
 std::string unitError(const UnitView& unit);
 
 }  // namespace qvinspect

@@ -1,4 +1,4 @@
-// The NAL units of an access unit in short.
+// A short list of the NAL units of an access unit.
 #ifndef QVINSPECT_UNITTYPELIST_H
 #define QVINSPECT_UNITTYPELIST_H
 
@@ -9,7 +9,7 @@
 
 namespace qvinspect {
 
-// Their types in order, with how often a type comes in a row: "AUD SEI IDR x4".
+// Their types in order, with the lengths of runs: "AUD SEI IDR x4".
 std::string unitTypeList(QVCodecID codec, const std::vector<UnitView>& units);
 
 }  // namespace qvinspect

@@ -17,7 +17,7 @@
 
   // --- Zoom: all plots of a section with the same domain show the same part ---
 
-  // As roundTicks() of the program.
+  // Same as roundTicks() of the program.
   function roundTicks(from, to, about) {
     const rough = (to - from) / about;
     if (!(rough > 0)) {
@@ -44,7 +44,7 @@
       this.to = this.from + this.per * Number(frame.dataset.width);
     }
 
-    // range: [from, to] as the axis counts.
+    // range: [from, to] in the units of the axis.
     show(range) {
       const left = (range[0] - this.from) / this.per;
       const width = (range[1] - range[0]) / this.per;
@@ -104,7 +104,7 @@
     }
   }
 
-  // Leaves out every other label where they would run into each other.
+  // Leaves out every other label if they would overlap.
   function thinTicks(axis) {
     [...axis.querySelectorAll("text")].forEach((label, i) => label.classList.toggle("odd", i % 2 === 1));
   }
@@ -176,7 +176,7 @@
       }
     }
 
-    // The page scrolls as it should until the plot has the focus, or Ctrl is held.
+    // The page scrolls normally unless the plot has the focus or Ctrl is held.
     onWheel(event, plot) {
       if (event.ctrlKey || plot.frame.contains(document.activeElement)) {
         event.preventDefault();
@@ -188,7 +188,7 @@
       }
     }
 
-    // Dragging chooses the part to show.
+    // Dragging selects the part to show.
     onDown(event, plot) {
       if (event.button !== 0 || event.pointerType === "touch") {
         return;
