@@ -29,7 +29,7 @@ constexpr const char* kOutputGroup = "Outputs (- for standard output)";
 constexpr const char* kCheckGroup = "Checks";
 constexpr const char* kOtherGroup = "Other";
 
-// What an option may be set to, in the order in which it is shown.
+// The values of an option, in the order in which they are shown.
 template <typename Value>
 using Choices = std::vector<std::pair<const char*, Value>>;
 
@@ -50,7 +50,7 @@ auto find(const Choices<Value>& choices, const std::string& word) {
                         [&](const auto& choice) { return word == choice.first; });
 }
 
-// What is told of a wrong word names those that are right.
+// The message for a wrong word lists the valid ones.
 template <typename Value>
 auto oneOf(const Choices<Value>& choices) {
     return [&choices](const std::string& word) {
@@ -96,7 +96,7 @@ std::string refusePositive(const std::string& word) {
                : fmt::format("\"{}\" is no number above 0", printableName(word));
 }
 
-// Texts as they stand on the command line, ahead of being understood.
+// Texts of the command line before they are parsed.
 struct Words {
     std::string codec = "auto";
     std::string format = "auto";
@@ -237,7 +237,7 @@ void addOtherOptions(CLI::App& app) {
     app.set_version_flag("--version", "qvinspect " QVINSPECT_VERSION, "show the version")->group(kOtherGroup);
 }
 
-// Every option on lines of its own, in two columns that fit a terminal.
+// Each option on its own lines, in two columns that fit a terminal.
 class Help : public CLI::FormatterBase {
 public:
     std::string make_help(const CLI::App* app, std::string, CLI::AppFormatMode) const override {
@@ -278,7 +278,7 @@ constexpr const char* kFooter =
     "no such video, 3 errors in a stream (--strict), 4 a check failed, 5 an output\n"
     "cannot be written, or not all of it, 130 interrupted.";
 
-// "--option" and where its output goes, of those that are asked for.
+// "--option" and its output, for the outputs on the command line.
 using NamedOutputs = std::vector<std::pair<const char*, std::string>>;
 
 NamedOutputs outputsOf(const CommandLine& line) {
@@ -296,7 +296,7 @@ NamedOutputs outputsOf(const CommandLine& line) {
     return outputs;
 }
 
-// A file as messages name it, and which one it is.
+// The name of a file in messages, and its identity.
 struct NamedPlace {
     std::string name;
     FilePlace place;
@@ -307,7 +307,7 @@ NamedPlace placeOfInput(const std::string& path) {
                        : NamedPlace{"the input " + printableName(path), placeOf(path)};
 }
 
-// With standard output, which the listing goes to when no output is named "-".
+// Includes standard output, which the listing uses if no output is "-".
 std::vector<NamedPlace> placesOf(const NamedOutputs& outputs) {
     std::vector<NamedPlace> places = {{"standard output", placeOf(STDOUT_FILENO)}};
     for (const auto& [option, path] : outputs) {

@@ -24,7 +24,7 @@ struct CommandLine {
     ColorUse color = ColorUse::Auto;
     bool stamp = false;  // the date and whole paths in the outputs
 
-    // Where outputs go, "-" for standard output; empty for none.
+    // Outputs: "-" is standard output, empty is none.
     std::string json;
     std::string ndjson;
     std::string csv;
@@ -42,8 +42,7 @@ struct CommandLine {
 
     std::vector<std::string> files;
 
-    // Set when there is nothing to inspect: what was asked for was printed, or the line was wrong and that
-    // was said.
+    // Set if there is nothing to inspect: --help and similar options were handled, or an error was reported.
     std::optional<int> exitCode;
 };
 

@@ -1,4 +1,4 @@
-// Which file a path names, whatever it is called and whether it exists or not.
+// Identifies the file that a path names, by whatever name, and whether or not it exists.
 #ifndef QVINSPECT_FILEPLACE_H
 #define QVINSPECT_FILEPLACE_H
 
@@ -13,7 +13,7 @@ namespace qvinspect {
 std::string folderOf(const std::string& path);
 
 // Follows the symbolic links at the end of the path, also to a file that does not exist. A link that is a
-// descriptor of this process is not followed. A circle of links is returned as it is.
+// descriptor of this process is not followed. A path that is a cycle of links is returned unchanged.
 std::string followLinks(const std::string& path);
 
 // The descriptor of this process that the link names, as /dev/fd/3 does.
@@ -30,10 +30,10 @@ struct FilePlace {
     };
 
     Kind kind = Kind::Other;
-    // Of a missing file those of its folder.
+    // For a missing file, those of its folder.
     dev_t device = 0;
     ino_t inode = 0;
-    std::string name;  // only of a missing file
+    std::string name;  // only for a missing file
 };
 
 FilePlace placeOf(const std::string& path);
@@ -41,7 +41,7 @@ FilePlace placeOf(int descriptor);
 
 bool isSamePlace(const FilePlace& a, const FilePlace& b);
 
-// True if the input would be overwritten, or what is written would be read again.
+// True if the input would be overwritten, or if the output would be read again.
 bool canWriteOver(const FilePlace& output, const FilePlace& input);
 
 // True if two outputs would overwrite each other. Terminals and pipes take several.

@@ -18,14 +18,14 @@ struct Outcome {
     bool hasFailedCheck = false;
 };
 
-// Throws InputError, with nothing presented, when the input cannot be inspected at all. Ends early, in good
-// order, when the program is interrupted.
+// Throws InputError, with nothing presented, if the input cannot be inspected at all. Returns early if the
+// program is interrupted.
 Outcome inspectFile(const std::string& path, const CommandLine& line, const Presenters& presenters);
 
-// False when no output can be written any more, and the exit code depends on nothing else.
+// False if no output can be written any more, and the exit code depends on nothing else.
 bool isAnythingWanted(const CommandLine& line, const Presenters& presenters);
 
-// As reports name an input: without its folder, unless that is asked for with --stamp.
+// The name of an input in reports: without its folder, unless --stamp is given.
 std::string reportedName(const std::string& path, const CommandLine& line);
 
 }  // namespace qvinspect

@@ -43,7 +43,7 @@ void inspect(const std::string& file, const CommandLine& line, const Presenters&
     } catch (const InputError& error) {
         fail(error.what());
     } catch (const std::bad_alloc&) {
-        // What the file took is free again.
+        // The memory of the file is free again.
         fail(
             "needs more memory than is available, or than the limit for a file of its size; what was read "
             "before is reported");
@@ -66,16 +66,16 @@ int exitCodeOf(const Totals& totals, const CommandLine& line) {
     return totals.hasErrors && line.strict ? kExitErrors : kExitOk;
 }
 
-// An output that fails does not take the others along.
+// A failing output does not affect the others.
 Presenters guarded(Presenters presenters, Totals& totals) {
-    const auto tell = [&totals](const OutputError& error) {
+    const auto report = [&totals](const OutputError& error) {
         if (!error.isBrokenPipe()) {
             totals.hasFailedOutput = true;
             complain(error.what());
         }
     };
     for (auto& presenter : presenters) {
-        presenter = std::make_unique<GuardedPresenter>(std::move(presenter), tell);
+        presenter = std::make_unique<GuardedPresenter>(std::move(presenter), report);
     }
     return presenters;
 }

@@ -1,4 +1,4 @@
-// What a command line asks for, from its first input to its exit code.
+// Executes a command line, from its first input to its exit code.
 #ifndef QVINSPECT_INSPECTALL_H
 #define QVINSPECT_INSPECTALL_H
 
@@ -6,8 +6,8 @@
 
 namespace qvinspect {
 
-// Inspects the inputs one after the other and returns one of the codes of ExitCode.h. Throws OutputError when
-// an output cannot be opened.
+// Inspects the inputs in sequence and returns one of the codes of ExitCode.h. Throws OutputError if an output
+// cannot be opened.
 int inspectAll(const CommandLine& line);
 
 }  // namespace qvinspect

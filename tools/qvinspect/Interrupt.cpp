@@ -18,15 +18,15 @@ namespace {
 volatile std::sig_atomic_t interrupted = 0;
 std::atomic<int64_t> interruptedAt = 0;  // milliseconds
 
-// timeout(1) sends its signal twice, to the program and to its process group: that is one request.
+// timeout(1) sends its signal twice, to the program and to its process group, as one request.
 constexpr int64_t kSameRequest = 250;  // milliseconds
 
-// Written to when the program is interrupted: a signal between a look at the flag and a wait would be missed
-// by the wait. -1, which poll passes over, until interrupts are noted.
+// Written when the program is interrupted: a wait would miss a signal that arrives between the test of the
+// flag and the wait. -1, which poll ignores, until interrupts are handled.
 int wakeRead = -1;
 volatile std::sig_atomic_t wakeWrite = -1;
 
-// Paths of files to remove; null where there is none.
+// Paths of files to remove, or null.
 std::array<std::atomic<const char*>, 16> removed = {};
 static_assert(std::atomic<const char*>::is_always_lock_free && std::atomic<int64_t>::is_always_lock_free,
               "a signal handler may use them");
@@ -81,7 +81,7 @@ void noteInterrupts() {
     struct sigaction action = {};
     action.sa_handler = noteInterrupt;
     sigemptyset(&action.sa_mask);
-    action.sa_flags = 0;  // without SA_RESTART: a wait for input comes back
+    action.sa_flags = 0;  // without SA_RESTART: a wait for input returns
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
     if (!isIgnored(SIGHUP)) {  // nohup

@@ -1,21 +1,21 @@
-// Ctrl-C ends the work, not the program: what was found out so far is still written.
+// Ctrl-C ends the reading, not the program: the results so far are still written.
 #ifndef QVINSPECT_INTERRUPT_H
 #define QVINSPECT_INTERRUPT_H
 
 namespace qvinspect {
 
-// SIGINT, SIGTERM and, unless it is ignored, SIGHUP are noted from here on. A second signal, a quarter of a
+// Handles SIGINT, SIGTERM and, unless it is ignored, SIGHUP from here on. A second signal, a quarter of a
 // second later or more, ends the program at once.
 void noteInterrupts();
 
 bool isInterrupted();
 
-// Waits until a read of the file would not block, its end included, or the program is interrupted, also when
-// that happens right ahead of the call. False when it is interrupted.
+// Waits until a read of the file would not block, which includes its end, or until the program is
+// interrupted. An interrupt just before the call is not missed. False if the program is interrupted.
 bool waitForInput(int file);
 
-// Has the file of that path removed if a second signal ends the program. The text must stay where it is until
-// keepWhenKilled() is called with it. At most 16 files at a time; more are left to their fate.
+// Removes the file of that path if a second signal ends the program. The text must stay valid until
+// keepWhenKilled() is called with it. At most 16 files at a time; more are not removed.
 void removeWhenKilled(const char* path);
 void keepWhenKilled(const char* path);
 

@@ -23,7 +23,7 @@ namespace qvinspect {
 
 namespace {
 
-// Standard output is for one thing at a time.
+// Only one output can use standard output.
 bool isStdoutTaken(const CommandLine& line) {
     const std::vector<std::string> outputs = {line.json, line.ndjson,   line.csv,
                                               line.html, line.toAnnexB, line.toLengths};

@@ -1,4 +1,4 @@
-// The reports that a command line asks for.
+// The reports of a command line.
 #ifndef QVINSPECT_PRESENTERS_H
 #define QVINSPECT_PRESENTERS_H
 
@@ -7,10 +7,10 @@
 
 namespace qvinspect {
 
-// Opens their outputs. Throws OutputError when one cannot be.
+// Opens their outputs. Throws OutputError if one cannot be opened.
 Presenters makePresenters(const CommandLine& line);
 
-// Standard output is written to while an input is read, not only at its end.
+// Whether standard output is written while an input is read, not only at its end.
 bool writesWhileReading(const CommandLine& line);
 
 }  // namespace qvinspect

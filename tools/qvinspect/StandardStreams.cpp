@@ -15,10 +15,10 @@ bool hasOtherMode(int descriptor, int mode) {
 }  // namespace
 
 bool openStandardStreams() {
-    // The opposite of what the stream is for, so that using it fails instead of losing data silently.
+    // The opposite direction, so that using the stream fails and loses no data silently.
     static constexpr int kModes[] = {O_WRONLY, O_RDONLY, O_RDONLY};
     for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
-        // open() returns the lowest descriptor that is free.
+        // open() returns the lowest free descriptor.
         if (fcntl(descriptor, F_GETFD) < 0 && open("/dev/null", kModes[descriptor]) != descriptor) {
             return false;
         }
@@ -26,7 +26,7 @@ bool openStandardStreams() {
     return true;
 }
 
-// What the program opens itself is closed by exec, which an inherited descriptor has just survived.
+// The program opens descriptors with close-on-exec; inherited ones do not have it.
 bool isInherited(int descriptor) {
     const int flags = fcntl(descriptor, F_GETFD);
     return flags >= 0 && (flags & FD_CLOEXEC) == 0;

@@ -1,4 +1,4 @@
-// qvinspect: shows what H.264 and H.265 files hold.
+// qvinspect: shows the contents of H.264 and H.265 files.
 #include <csignal>
 #include <exception>
 
@@ -16,7 +16,7 @@ int main(int argc, char** argv) {
     if (!openStandardStreams()) {
         return kExitOutput;
     }
-    // A reader that has seen enough, and a file that may not grow, are failed writes.
+    // A reader that stops, and a file that may not grow, become failed writes.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
     noteInterrupts();
