@@ -35,7 +35,7 @@ public:
     }
 };
 
-// The script with a bar ahead of each access unit but the first.
+// The script with a bar before each access unit except the first.
 std::string split(const std::string& script) {
     AccessUnitSplitter splitter(std::make_unique<ScriptedRoles>());
     std::string text;
@@ -91,7 +91,7 @@ INSTANTIATE_TEST_SUITE_P(Rows, SplitterTable,
                                            Case{"delimiterBreaksAPicture", "P|Dc|P"},        //
                                            Case{"delimitersWithoutPictures", "DDP"},         //
                                            Case{"nothingBehindHeld", "P|MMb"},               //
-                                           Case{"nothingBehindDelimiter", "P|D"}),
+                                           Case{"nothingAfterDelimiter", "P|D"}),
                          [](const auto& row) { return row.param.name; });
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Access units as a reader and the analysis would hand them on, made up for tests.
+// Synthetic access units, as a reader and the analysis would return them.
 #ifndef QV_TESTS_ACCESSUNITS_H
 #define QV_TESTS_ACCESSUNITS_H
 
@@ -25,7 +25,7 @@ struct MadeAccessUnit {
     MadeAccessUnit& finding(qvinspect::Severity severity, std::optional<uint64_t> offset,
                             const std::string& text);
 
-    // Adds a unit behind those that are there.
+    // Adds a unit after the existing ones.
     MadeAccessUnit& unit(uint32_t type, uint32_t length = 3);
     MadeAccessUnit& brokenUnit(qvinspect::UnitState state);
     // payloads: each a message of its type.

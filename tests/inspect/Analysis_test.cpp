@@ -82,7 +82,7 @@ TEST(Analysis, forbiddenZeroBit) {
                 ElementsAre("3+2 forbidden", "8+2 type 1", "13+2 forbidden"));
 }
 
-TEST(Analysis, zeroBytesAheadOfTheStartCodeAreNoError) {
+TEST(Analysis, zeroBytesBeforeTheStartCodeAreNoError) {
     const AccessUnitReport report = annexB("00 00 00 00 00 01 65 88");
     EXPECT_THAT(unitsOf(report), ElementsAre("6+2 type 5"));
     EXPECT_TRUE(report.isKey);

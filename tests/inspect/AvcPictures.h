@@ -1,4 +1,4 @@
-// H.264 parameter sets and slices, as coded values, for telling pictures apart. ITU-T H.264 (08/2021) 7.3.2.2
+// Coded values of H.264 parameter sets and slices for tests of picture borders. ITU-T H.264 (08/2021) 7.3.2.2
 // and 7.3.3.
 #ifndef QV_TESTS_AVCPICTURES_H
 #define QV_TESTS_AVCPICTURES_H
@@ -22,8 +22,8 @@ struct AvcPpsSyntax {
     uint32_t redundant_pic_cnt_present_flag = 0;
 };
 
-// slice_header() up to redundant_pic_cnt. Which elements are written says the writes... part, as the
-// parameter sets of the stream would.
+// slice_header() up to redundant_pic_cnt. The writes... fields select the elements, as the parameter sets of
+// a stream would.
 struct AvcSliceSyntax {
     uint32_t nal_ref_idc = 1;
     uint32_t nal_unit_type = 1;
@@ -52,7 +52,7 @@ struct AvcSliceSyntax {
     bool writesRedundantPicCnt = false;
 };
 
-// NAL units, emulation prevention in.
+// NAL units with emulation prevention.
 Bytes avcSpsUnit(const AvcSpsChange& change = {});
 Bytes avcPpsUnit(const std::function<void(AvcPpsSyntax&)>& change = {});
 Bytes avcSliceUnit(const AvcSliceSyntax& syntax);

@@ -57,7 +57,7 @@ TEST(AvcUnitRoles, forbiddenZeroBit) {
 
 // --- The first VCL NAL unit of a primary coded picture ---
 
-// Two slices, one behind the other, in a stream with these parameter sets.
+// Two slices in sequence, in a stream with these parameter sets.
 struct SliceCase {
     const char* name;
     std::vector<Bytes> parameterSets;
@@ -68,7 +68,7 @@ struct SliceCase {
 
 class AvcSlices : public ::testing::TestWithParam<SliceCase> {};
 
-TEST_P(AvcSlices, areToldApart) {
+TEST_P(AvcSlices, areDistinguished) {
     const SliceCase& row = GetParam();
     AvcUnitRoles roles;
     for (const Bytes& unit : row.parameterSets) {
@@ -85,8 +85,8 @@ AvcSliceSyntax changed(AvcSliceSyntax slice, const SliceChange& change) {
     return slice;
 }
 
-// The second slice of a picture, but for the change. What stands behind the header differs as well: an
-// element that is read from there shows.
+// The second slice of a picture, except for the change. The bytes after the header differ as well, so that an
+// element that is read from there makes a difference.
 SliceCase row(const char* name, const std::vector<Bytes>& parameterSets, const AvcSliceSyntax& last,
               const SliceChange& change, UnitRole role) {
     const AvcSliceSyntax second = changed(last, [](auto& s) {
@@ -239,7 +239,7 @@ std::vector<SliceCase> redundantCases() {
     };
 }
 
-// Slice groups ahead of redundant_pic_cnt_present_flag: the flag read from anywhere else would show.
+// Slice groups before redundant_pic_cnt_present_flag: reading the flag from another place makes a difference.
 struct SliceGroups {
     const char* name;
     uint32_t num_slice_groups_minus1;
@@ -313,7 +313,7 @@ std::vector<SliceCase> sliceGroupCases(uint32_t redundant_pic_cnt_present_flag) 
     return cases;
 }
 
-// Without parameter sets only first_mb_in_slice tells.
+// Without parameter sets only first_mb_in_slice decides.
 std::vector<SliceCase> fallBackCases() {
     const AvcSliceSyntax last = changed({}, [](auto& s) { s.frame_num = 1; });
     const SliceChange zero = [](auto& s) { s.first_mb_in_slice = 0; };
@@ -431,7 +431,7 @@ std::vector<StreamCase> streamCases() {
         {"ppsBetweenSlices", {{sps, pps, slice(0), pps, slice(0, 40)}, {pps, slice(1)}}},
         {"partitions", {{sps, pps, slice(0, 0, 2), partitionB, partitionC}, {slice(1, 0, 2), partitionC}}},
         {"trailingUnits", {{sps, pps, slice(0), auxiliary, filler}, {slice(1), filler}}},
-        {"prefixUnitsAheadOfEverySlice",
+        {"prefixUnitsBeforeEverySlice",
          {{sps, subsetSps, pps, prefix, slice(0), prefix, slice(0, 40), extension},
           {prefix, slice(1), prefix, slice(1, 40), extension}}},
         {"endOfSequence",

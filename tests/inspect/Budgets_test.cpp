@@ -1,5 +1,5 @@
-// Small files that ask for much: what is read and written of them is in proportion to their size, and a
-// finding says what was left out.
+// Small files that need much: what is read and written is in proportion to their size, and a finding reports
+// what was left out.
 #include "input/Budgets.h"
 
 #include <gmock/gmock.h>
@@ -116,7 +116,7 @@ TEST_F(Hostile, tracks) {
     EXPECT_THAT(read(sampleTableOf(1, kMostStreams + 1)).refusal, HasSubstr("or has more than 256 streams"));
 }
 
-// An honest file of the smallest samples there are stays whole.
+// An ordinary file of the smallest samples is read completely.
 TEST_F(Hostile, manySmallSamplesAreFine) {
     const std::vector<Bytes> samples(20'000, lengthPrefixed({hex("26 01 AF 08")}, 4));
     const Read whole =
@@ -125,7 +125,7 @@ TEST_F(Hostile, manySmallSamplesAreFine) {
     EXPECT_THAT(whole.findings, IsEmpty());
 }
 
-// Each sample lies far from the one before: buffers are read again and again.
+// Each sample is far from the one before: buffers are read repeatedly.
 TEST_F(Hostile, readingBackAndForth) {
     Bytes media(300'000, 0xFF);
     const Bytes sample = lengthPrefixed({hex("26 01 AF 08")}, 4);
@@ -167,7 +167,7 @@ Analysed analysed(const Bytes& bytes, const QVCodecParameters& parameters) {
     return result;
 }
 
-// Empty units behind lengths of one byte, and a last one that is not empty.
+// Empty units after lengths of one byte, and a last one that is not empty.
 Bytes lengthsOf(size_t units) {
     return Bytes(units - 1, 0) + hex("02 26 01");
 }
@@ -212,7 +212,7 @@ TEST(HostileAccessUnit, messagesOfAUnit) {
             "are not listed"));
 }
 
-// The bound is the access unit's, and the next one has its own.
+// The limit applies to each access unit.
 TEST(HostileAccessUnit, messagesOfSeveralUnits) {
     const Bytes message = hex("06 05 01 FF 80");
     const Bytes bytes = byteStream(std::vector<Bytes>(1030, message));
@@ -241,7 +241,7 @@ TEST(HostileAccessUnit, newParameterSets) {
     EXPECT_THAT(analysed(manyDistinctSps(64), byteStreamOf(QVCodecIDAvc)).findings, IsEmpty());
 }
 
-// What is remembered of parameter sets is bounded for the whole stream.
+// The parameter sets that are remembered are limited for the whole stream.
 TEST(HostileAccessUnit, parameterSetsOfALongStream) {
     StreamDetails details(QVCodecIDAvc, {});
     std::vector<std::string> findings;
@@ -300,8 +300,7 @@ TEST(HostileRecord, parameterSets) {
 
 class HostileOutput : public Hostile {};
 
-// A record that is repeated with each of many small key pictures: written until the output is out of
-// proportion.
+// A record that is repeated with each of many small key pictures is written until the limit.
 TEST_F(HostileOutput, recordThatIsRepeated) {
     const std::vector<Bytes> accessUnits(4000, lengthPrefixed({hex("26 01 AF 08")}, 4));
     StreamInfo info;
@@ -324,7 +323,7 @@ TEST_F(HostileOutput, recordThatIsRepeated) {
     EXPECT_LT(std::filesystem::file_size(out), 2 * kMiB);
 }
 
-// An honest record with each of many pictures is written each time.
+// An ordinary record with each of many pictures is written each time.
 TEST_F(HostileOutput, smallRecordWithEachPicture) {
     const std::vector<Bytes> accessUnits(4000, lengthPrefixed({hex("26 01 AF 08")}, 4));
     StreamInfo info;

@@ -140,7 +140,7 @@ TEST(Check, wrongRules) {
     }
 }
 
-// --- What the checks go by ---
+// --- The totals that the checks use ---
 
 StreamTotals totalsOf(const std::vector<bool>& keys, std::optional<double> frameDuration) {
     StreamCounter counter{StreamInfo{}};
@@ -170,7 +170,7 @@ TEST(Check, longestKeyInterval) {
     const std::vector<KeyCase> cases = {
         {{true, false, false, true, false}, 3, 1},
         {{true, true, false, false}, 3, 2},        // up to the end of the stream
-        {{false, false, true, false}, 2, 1},       // ahead of the first one
+        {{false, false, true, false}, 2, 1},       // before the first one
         {{true, false, true, false, true}, 2, 1},  // the first of the longest
         {{true}, 1, 1},
     };

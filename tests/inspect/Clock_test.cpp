@@ -1,4 +1,4 @@
-// The times that a raw stream is given.
+// The times of a raw stream.
 #include "analysis/Clock.h"
 
 #include <gtest/gtest.h>
@@ -102,7 +102,7 @@ TEST(Clock, withoutTimingThereAreNoTimes) {
     }
 }
 
-TEST(Clock, behindAnUnknownDurationNothingIsKnown) {
+TEST(Clock, afterAnUnknownDurationNothingIsKnown) {
     const auto sps = spsOf(1, 8);
     Clock clock(std::nullopt);
     expectNone(apply(clock, picture(nullptr)));
@@ -114,7 +114,7 @@ TEST(Clock, timesOfAContainerStay) {
     MadeAccessUnit timed = picture(nullptr);
     timed.accessUnit.time = 7;
     EXPECT_EQ(apply(clock, timed).time, 7.0);
-    expectNone(apply(clock, picture(nullptr)));  // nothing is made up between them
+    expectNone(apply(clock, picture(nullptr)));  // none is invented between them
 
     Clock other(2.0);
     MadeAccessUnit decoded = picture(nullptr);

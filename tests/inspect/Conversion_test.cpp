@@ -1,4 +1,4 @@
-// Streams of containers as byte streams, beside what ffmpeg makes of them.
+// Conversions of containers to byte streams, compared with those of ffmpeg.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -64,7 +64,8 @@ Bytes ffmpegConvert(const std::filesystem::path& path, QVCodecID codec) {
     const std::string name = codec == QVCodecIDAvc ? "h264" : "hevc";
     std::vector<std::string> words = {"ffmpeg", "-v", "error"};
     if (path.extension() == ".mp4" || path.extension() == ".mov") {
-        words.insert(words.end(), {"-advanced_editlist", "0"});  // every sample, played or not
+        words.insert(words.end(),
+                     {"-advanced_editlist", "0"});  // every sample, even those that are not played
     }
     words.insert(words.end(), {"-i", path, "-map", "0:v:0", "-c:v", "copy", "-bsf:v", name + "_mp4toannexb",
                                "-f", name, "out"});
@@ -82,8 +83,8 @@ bool isSei(QVCodecID codec, const Bytes& unit) {
     return codec == QVCodecIDAvc ? (unit[0] & 0x1F) == 6 : (unit[0] >> 1 & 0x3F) == 39;
 }
 
-// Of what stands ahead of a picture: sets that others of their type follow, and SEI units that come again,
-// go; parameter sets stand ahead of SEI units.
+// Normalises the units before a picture: removes sets that are followed by others of their type and repeated
+// SEI units, and moves parameter sets before SEI units.
 void arrange(QVCodecID codec, Units::iterator begin, Units::iterator end, Units& arranged) {
     Units kept;
     for (auto unit = begin; unit != end; ++unit) {
@@ -115,25 +116,16 @@ Units arranged(QVCodecID codec, Units units) {
     return result;
 }
 
-// Where ffmpeg has other units, and why. Every other stream is the same unit by unit.
+// Streams for which ffmpeg has other units, and why. All other streams are equal unit by unit.
 const std::map<std::string, std::string>& differences() {
-    static const std::string behind = "H.264: ffmpeg has the sets behind the SEI units";
-    static const std::string twice = "H.265: ffmpeg has the record ahead of sets that the access unit brings";
+    static const std::string afterSei = "H.264: ffmpeg has the sets after the SEI units";
+    static const std::string twice = "H.265: ffmpeg has the record before sets that the access unit has";
     static const std::map<std::string, std::string> all = {
-        {"avc.flv", behind},
-        {"avc.mov", behind},
-        {"avc_avc1.mp4", behind},
-        {"avc_cc.mp4", behind},
-        {"avc_ff.mkv", behind},
-        {"avc_frag.mp4", behind},
-        {"avc_len2.mp4", behind},
-        {"avc_mkvmerge.mkv", behind},
-        {"hevc_hdr10_ff.mkv", twice},
-        {"hevc_hdr10_hev1.mp4", twice},
-        {"hevc_hdr10_hvc1.mp4", twice},
-        {"hevc_interlace_tff.mkv", twice},
-        {"hevc_mkvmerge.mkv", twice},
-        {"hevc_vivid_hand.mkv", twice},
+        {"avc.flv", afterSei},          {"avc.mov", afterSei},          {"avc_avc1.mp4", afterSei},
+        {"avc_cc.mp4", afterSei},       {"avc_ff.mkv", afterSei},       {"avc_frag.mp4", afterSei},
+        {"avc_len2.mp4", afterSei},     {"avc_mkvmerge.mkv", afterSei}, {"hevc_hdr10_ff.mkv", twice},
+        {"hevc_hdr10_hev1.mp4", twice}, {"hevc_hdr10_hvc1.mp4", twice}, {"hevc_interlace_tff.mkv", twice},
+        {"hevc_mkvmerge.mkv", twice},   {"hevc_vivid_hand.mkv", twice},
     };
     return all;
 }
@@ -182,7 +174,7 @@ TEST_P(Conversion, bothFramingsHoldTheSameUnits) {
     }
 }
 
-// A raw stream gets nothing added: its units are those that an independent scanner found.
+// Nothing is added to a raw stream: its units are those that an independent scanner found.
 TEST_P(Conversion, rawStreams) {
     for (const Stream& stream : streamsIn(folder(), "annexb")) {
         if (stream.name.find("noise") != std::string::npos) {

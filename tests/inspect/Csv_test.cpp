@@ -39,7 +39,7 @@ TEST(Csv, filtersApply) {
               std::string(kHeader) + "x,1,0,true,23,4,8,picture parameter set,typed,false,,,2\r\n");
 }
 
-// RFC 4180: rows end with CR LF and quotes are doubled, whatever a name holds.
+// RFC 4180: rows end with CR LF and quotes are doubled, for every name.
 TEST(Csv, hostileTexts) {
     const TemporaryFolder folder;
     const std::string path = folder.path() / "csv";
@@ -61,7 +61,7 @@ std::string nameCell(const std::string& name) {
     return csv.substr(begin, csv.find(",1,,", begin) - begin);
 }
 
-// Spreadsheets read what begins like a formula as one, and some separate cells by semicolons.
+// Spreadsheets treat a cell that begins like a formula as one, and some separate cells by semicolons.
 TEST(Csv, namesThatBeginLikeFormulas) {
     const std::vector<std::pair<std::string, std::string>> cells = {
         {"=1+1.h264", "'=1+1.h264"},

@@ -1,4 +1,4 @@
-// No decoder is opened, whatever a file holds. This program defines avcodec_open2() and
+// No decoder is opened for any file. This program defines avcodec_open2() and
 // avcodec_send_packet(): the dynamic linker binds libavformat's calls to these.
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -37,7 +37,7 @@ extern "C" int avcodec_send_packet(AVCodecContext* /*context*/, const AVPacket* 
 namespace qv_test {
 namespace {
 
-// Access units of the file, or none when it is refused.
+// The number of access units of the file, or 0 if it is refused.
 size_t readAll(const std::string& path) {
     try {
         const auto reader = qvinspect::openInput(path, {});
@@ -64,7 +64,7 @@ private:
     TemporaryFolder folder_;
 };
 
-// The count is alive: what libavformat does to find out about streams opens a decoder.
+// The count works: libavformat's search for stream information opens a decoder.
 TEST_F(Decoders, callsAreCounted) {
     const std::string path = write("x.mkv", matroskaFile("V_VP9", {0x82, 0x49, 0x83, 0x42, 0, 0, 0}));
     AVFormatContext* context = nullptr;
@@ -87,7 +87,7 @@ TEST_F(Decoders, samples) {
     size_t containers = 0;
     for (const auto& folder : {sampleFolder(), bundledStreams(), streamsFolder()}) {
         if (!std::filesystem::is_directory(folder)) {
-            continue;  // the folder of many more streams need not be there
+            continue;  // the folder of further streams is optional
         }
         for (const auto& entry : std::filesystem::directory_iterator(folder)) {
             const std::string extension = entry.path().extension();

@@ -1,5 +1,5 @@
-// What the inspector says of parameter sets and SEI messages in real streams, against what independent tools
-// say of them.
+// Parameter sets and SEI messages of real streams in the inspector, compared with the results of independent
+// tools.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -21,29 +21,29 @@ using qvinspect::Block;
 using qvinspect::Field;
 using qvinspect::SeiMessage;
 
-struct Told {
+struct Found {
     std::vector<std::vector<SeiMessage>> seiUnits;
     std::vector<qvinspect::SequenceParameterSet> parameterSets;
 };
 
-Told tell(const std::filesystem::path& path) {
-    Told told;
+Found detailsOf(const std::filesystem::path& path) {
+    Found found;
     const auto reader = qvinspect::openInput(path, {});
     qvinspect::StreamDetails details(reader->info().parameters.codecId, {});
-    told.parameterSets = details.addConfiguration(reader->info().configuration).parameterSets;
+    found.parameterSets = details.addConfiguration(reader->info().configuration).parameterSets;
     qvinspect::AccessUnit accessUnit;
     while (reader->next(accessUnit)) {
         auto report = qvinspect::analyse(accessUnit);
         for (const auto& unit : details.add(accessUnit, report).units) {
             if (unit.newSps) {
-                told.parameterSets.push_back(*unit.newSps);
+                found.parameterSets.push_back(*unit.newSps);
             }
             if (unit.sei) {
-                told.seiUnits.push_back(unit.sei->messages);
+                found.seiUnits.push_back(unit.sei->messages);
             }
         }
     }
-    return told;
+    return found;
 }
 
 std::map<std::string, std::string> valuesOf(const Block& block) {
@@ -64,7 +64,7 @@ std::string hexOf(const Bytes& bytes, size_t most) {
     return text;
 }
 
-// Two elements of the bitstream stand on one line of a listing.
+// Two elements of the bitstream are on one line of a listing.
 void checkPair(const std::map<std::string, std::string>& values, const json& fields, const std::string& shown,
                const std::string& x, const std::string& y) {
     ASSERT_TRUE(values.count(shown)) << shown;
@@ -112,25 +112,25 @@ bool isComparable(const json& unit) {
     return !unit.contains("state") && unit.contains("messages");
 }
 
-void checkSei(const Told& told, const json& sei, Compared& compared) {
+void checkSei(const Found& found, const json& sei, Compared& compared) {
     const json& list = sei.at("list");
     if (list.size() == sei.at("units").get<size_t>()) {
-        EXPECT_EQ(told.seiUnits.size(), list.size());
+        EXPECT_EQ(found.seiUnits.size(), list.size());
     }
-    for (size_t i = 0; i < list.size() && i < told.seiUnits.size(); ++i) {
+    for (size_t i = 0; i < list.size() && i < found.seiUnits.size(); ++i) {
         if (!isComparable(list[i])) {
             continue;
         }
         SCOPED_TRACE("SEI unit " + std::to_string(i));
         const json& messages = list[i].at("messages");
-        ASSERT_EQ(told.seiUnits[i].size(), messages.size());
+        ASSERT_EQ(found.seiUnits[i].size(), messages.size());
         for (size_t m = 0; m < messages.size(); ++m) {
-            checkMessage(told.seiUnits[i][m], messages[m], compared);
+            checkMessage(found.seiUnits[i][m], messages[m], compared);
         }
     }
 }
 
-// What the tool shows for a parameter set against the syntax elements that were traced.
+// Compares the fields of a parameter set with the syntax elements that were traced.
 int checkSps(const qvinspect::SequenceParameterSet& sps, const json& syntax) {
     int compared = 0;
     const auto values = valuesOf(describe(sps));
@@ -154,7 +154,7 @@ int checkSps(const qvinspect::SequenceParameterSet& sps, const json& syntax) {
 const std::set<std::string> kOtherParameterSets = {"avc_jm_444_sep.h264", "avc_jm_mvc_stereo.h264",
                                                    "hevc_alpha.h265", "hevc_mvhevc.h265"};
 
-void checkParameterSets(const Told& told, const Stream& stream) {
+void checkParameterSets(const Found& found, const Stream& stream) {
     if (kOtherParameterSets.count(stream.name) != 0) {
         return;
     }
@@ -164,12 +164,12 @@ void checkParameterSets(const Told& told, const Stream& stream) {
             expected.push_back(sps);
         }
     }
-    ASSERT_GE(told.parameterSets.size(), expected.empty() ? 0U : 1U);
-    // The first one of the stream, or of its configuration record; later ones are held against it alone when
-    // they are as many.
-    for (size_t i = 0; i < expected.size() && told.parameterSets.size() == expected.size(); ++i) {
+    ASSERT_GE(found.parameterSets.size(), expected.empty() ? 0U : 1U);
+    // The first one of the stream, or of its configuration record; all are compared if there are equally
+    // many.
+    for (size_t i = 0; i < expected.size() && found.parameterSets.size() == expected.size(); ++i) {
         SCOPED_TRACE("parameter set " + std::to_string(i));
-        EXPECT_GE(checkSps(told.parameterSets[i], expected[i].at("syntax")), 10);
+        EXPECT_GE(checkSps(found.parameterSets[i], expected[i].at("syntax")), 10);
     }
 }
 
@@ -192,12 +192,12 @@ TEST_P(Details, seiMessagesAndTheirFields) {
     Compared compared;
     int streams = 0;
     for (const Stream& stream : streamsIn(folder())) {
-        // Bytes were damaged there: what is left of messages is not the same to every reader.
+        // Bytes were damaged there: readers differ in the rest of the messages.
         if (!isReadable(stream) || stream.name.find("noise") != std::string::npos) {
             continue;
         }
         SCOPED_TRACE(stream.name);
-        checkSei(tell(folder() / stream.name), stream.expectation.at("sei"), compared);
+        checkSei(detailsOf(folder() / stream.name), stream.expectation.at("sei"), compared);
         ++streams;
     }
     EXPECT_GT(streams, 0);
@@ -215,7 +215,7 @@ TEST_P(Details, parameterSets) {
     for (const Stream& stream : streamsIn(folder())) {
         if (isReadable(stream)) {
             SCOPED_TRACE(stream.name);
-            checkParameterSets(tell(folder() / stream.name), stream);
+            checkParameterSets(detailsOf(folder() / stream.name), stream);
         }
     }
 }

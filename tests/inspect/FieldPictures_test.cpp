@@ -1,4 +1,4 @@
-// Which access units of a raw stream are fields.
+// The access units of a raw stream that are fields.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -32,8 +32,8 @@ Bytes interlaced(uint32_t frame_num, uint32_t field_pic_flag, uint32_t bottom_fi
     return avcSliceUnit(slice);
 }
 
-// The slice that begins an access unit is read ahead of the delivery of the one before.
-TEST(Fields, areToldOfTheirOwnAccessUnit) {
+// The slice that begins an access unit is read before the previous one is delivered.
+TEST(Fields, areReportedForTheirAccessUnit) {
     const Bytes sps = avcSpsUnit([](auto& s) {
         s.frame_mbs_only_flag = 0;
         s.mb_adaptive_frame_field_flag = 0;

@@ -92,7 +92,7 @@ TEST_F(FileSources, pipes) {
     FileSource source(path);
     EXPECT_FALSE(source.size());
     EXPECT_FALSE(source.canSeek());
-    const auto& head = source.peek(150000);  // more than a pipe hands over at once
+    const auto& head = source.peek(150000);  // more than a pipe returns at once
     EXPECT_EQ(head, Bytes(bytes.begin(), bytes.begin() + 150000));
     EXPECT_EQ(rest(source), bytes);
     writer.join();
@@ -105,7 +105,7 @@ TEST_F(FileSources, filesThatAreMadeUpHaveNoSize) {
     EXPECT_FALSE(rest(source).empty());
 }
 
-TEST_F(FileSources, failureIsTold) {
+TEST_F(FileSources, failureIsReported) {
     FileSource source("/proc/self/mem");  // nothing is mapped at its start
     unsigned char byte = 0;
     EXPECT_EQ(source.read(&byte, 1), 0U);

@@ -1,4 +1,4 @@
-// What filters leave of access units.
+// The units and messages of access units that filters select.
 #include "analysis/Filter.h"
 
 #include <gtest/gtest.h>
@@ -26,7 +26,7 @@ MadeAccessUnit accessUnit() {
         .unit(5);
 }
 
-// Each unit by its type, with the types of its messages: "6(4 1 4) 6(5 4) 1 5"; "-" for what is not shown.
+// Each unit by its type, with the types of its messages: "6(4 1 4) 6(5 4) 1 5"; "-" if not shown.
 std::string shown(const Filter& filter, const MadeAccessUnit& made) {
     qvinspect::AccessUnitView view = made.view(1);
     filter.apply(view);
@@ -82,9 +82,9 @@ TEST(Filter, chooses) {
         {t35(0xB5, 0x002F), "-"},
         {t35(0x26, 0x0004), "6(4)"},
         {t35(0xFF), "6(4)"},
-        {t35(0xFF, 0x0031), "6(4)"},  // behind the extension byte
+        {t35(0xFF, 0x0031), "6(4)"},  // after the extension byte
         {both, "6(4 4)"},
-        {captionsIn5, "-"},  // a message of type 5 is no T.35 message, whatever it begins with
+        {captionsIn5, "-"},  // a message of type 5 is never a T.35 message
         {captionsInSlices, "-"},
     };
     for (const auto& [filter, expected] : cases) {

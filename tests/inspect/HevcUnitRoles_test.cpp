@@ -13,7 +13,7 @@ namespace {
 using qvinspect::HevcUnitRoles;
 using qvinspect::UnitRole;
 
-// nal_unit_header() with nuh_temporal_id_plus1 1, and a byte behind it that begins with a 1 bit for the first
+// nal_unit_header() with nuh_temporal_id_plus1 1, followed by a byte that begins with a 1 bit for the first
 // slice segment of a picture.
 Bytes unit(unsigned type, unsigned layer, bool isFirst) {
     return {static_cast<uint8_t>(type << 1 | layer >> 5), static_cast<uint8_t>((layer << 3 & 0xFF) | 1),
@@ -110,7 +110,7 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"otherLayersPrefix", {{first(1), first(39, 1), first(1, 1)}, {first(1)}}},
         Case{"reservedSlices",
              {{first(1), first(22), first(10)}, {first(41), first(1)}, {first(55), first(1)}}},
-        Case{"nothingBehindTheParameterSets", {{first(1)}, {first(32), first(33)}}}),
+        Case{"nothingAfterTheParameterSets", {{first(1)}, {first(32), first(33)}}}),
     [](const auto& row) { return row.param.name; });
 
 }  // namespace

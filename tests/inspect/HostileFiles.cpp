@@ -13,7 +13,7 @@ namespace {
 constexpr uint8_t kUserDataUnregistered = 5;
 constexpr uint8_t kFramePackingArrangement = 45;
 
-// The first slice segment of an IDR picture, as much of it as is looked at.
+// The first slice segment of an IDR picture, up to the bytes that are read.
 Bytes hevcIdrUnit() {
     return hex("26 01 AF 08");
 }

@@ -1,4 +1,4 @@
-// Small files that ask for much more memory, time or output than their size warrants.
+// Small files that need much memory, time or output if nothing limits them.
 #ifndef QV_TESTS_HOSTILEFILES_H
 #define QV_TESTS_HOSTILEFILES_H
 
@@ -10,13 +10,13 @@
 
 namespace qv_test {
 
-// An MP4 whose sample table names count samples of one byte, in each of so many tracks.
+// An MP4 with the given number of tracks, each with a sample table of count samples of one byte.
 Bytes sampleTableOf(uint32_t count, unsigned tracks = 1);
 
-// An MP4 whose fragments name count samples of one byte each.
+// An MP4 with runs fragments of count samples of one byte each.
 Bytes fragmentRunsOf(uint32_t count, unsigned runs);
 
-// An MP4 with chunks chunks of one sample of sampleSize bytes, all of them at the same place.
+// An MP4 with chunks of one sample of sampleSize bytes, all of them at the same offset.
 Bytes repeatedChunks(unsigned chunks, uint32_t sampleSize);
 
 // An MP4 of H.265 whose configuration record holds sets parameter sets of two bytes, with keyPictures
@@ -45,7 +45,7 @@ struct HostileFile {
     Bytes bytes;
 };
 
-// Each with the arguments that it is aimed at.
+// Each with the arguments that make it costly.
 std::vector<HostileFile> hostileFiles();
 
 }  // namespace qv_test

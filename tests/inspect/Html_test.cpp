@@ -119,7 +119,7 @@ TEST_P(HtmlBins, mergingKeepsCountsSumsAndExtremes) {
 
 INSTANTIATE_TEST_SUITE_P(Counts, HtmlBins, ::testing::Values(1, 7, 8, 9, 16, 17, 33, 1000));
 
-TEST(HtmlBins, anItemFarBehindLeavesEmptyBinsBetween) {
+TEST(HtmlBins, anItemFarAwayLeavesEmptyBinsBetween) {
     AdaptiveBins<qvinspect::TimeBin> bins(4);
     bins.binOf(0).count = 1;
     bins.binOf(1'000'000'000'000'000).count = 1;
@@ -230,7 +230,7 @@ TEST_F(HtmlReport, sameInputSameBytes) {
     EXPECT_FALSE(holds(report, folder_.path().string())) << folder_.path().string();
 }
 
-TEST_F(HtmlReport, stampTellsDateAndPath) {
+TEST_F(HtmlReport, stampShowsDateAndPath) {
     qvinspect::CommandLine line;
     line.stamp = true;
     const std::string path = pathOf("x.h265", sample());
@@ -251,7 +251,7 @@ TEST_F(HtmlReport, loadsNothing) {
     }
 }
 
-// A person has looked at it. With QVINSPECT_WRITE_GOLDEN set it is written first.
+// A person has reviewed the file. If QVINSPECT_WRITE_GOLDEN is set, it is written first.
 TEST_F(HtmlReport, unitData) {
     const std::string text = unitsIn(reportOf({pathOf("x.h265", sample())})).dump(1, ' ') + "\n" +
                              unitsIn(reportOf({pathOf("x.h264", smallStream())})).dump(1, ' ') + "\n";
@@ -282,7 +282,7 @@ TEST_F(HtmlReport, longStreamsAreBinned) {
         << "access units 1 to 2, 0.000 s: 2247 bytes on average, 3366 at most, 1 key";
 }
 
-TEST_F(HtmlReport, capsAreTold) {
+TEST_F(HtmlReport, limitsAreReported) {
     qvinspect::HtmlLimits limits;
     limits.mostUnits = 2;
     limits.mostErrors = 1;
@@ -377,7 +377,7 @@ std::string hashSource(const std::string& text) {
     return "'sha256-" + std::string(base64.begin(), base64.begin() + size) + "'";
 }
 
-// What is between the only tags of that name without attributes.
+// The text between the only tags of that name without attributes.
 std::string contentOf(const std::string& tag, const std::string& page) {
     EXPECT_EQ(countOf("<" + tag + ">", page), 1U);
     const size_t begin = page.find("<" + tag + ">") + tag.size() + 2;
@@ -396,7 +396,7 @@ TEST_F(HtmlReport, onlyItsOwnScriptAndStyleAreAllowed) {
     EXPECT_LT(report.find("Content-Security-Policy"), report.find("<style>"));
 }
 
-// --- What went wrong ---
+// --- Failures ---
 
 qvinspect::StreamHead head() {
     qvinspect::StreamInfo info;
@@ -405,16 +405,16 @@ qvinspect::StreamHead head() {
     return {"x", info, false, {}};
 }
 
-TEST_F(HtmlReport, whatWentWrongIsTold) {
+TEST_F(HtmlReport, failuresAreReported) {
     const std::string out = folder_.path() / "report.html";
     qvinspect::Html html(out, {{"none", "x", "late"}, "", {}});
     html.fail("none", std::string("cannot be read: ") + kHostile);
     html.begin(head());
     qvinspect::StreamCounter counter(head().info);
-    const std::vector<qvinspect::Finding> behind = {
+    const std::vector<qvinspect::Finding> atEnd = {
         {qvinspect::Severity::Error, 99, std::string("reading failed ") + kHostile}};
-    counter.finish(behind);
-    html.end({counter.totals(), behind, {{"no-errors", false, kHostile}}, true});
+    counter.finish(atEnd);
+    html.end({counter.totals(), atEnd, {{"no-errors", false, kHostile}}, true});
     html.finish();
     const std::string report = textOf(out);
     EXPECT_TRUE(holds(report, "cannot be read: &lt;/script&gt;")) << "cannot be read: &lt;/script&gt;";

@@ -1,4 +1,4 @@
-// What the tests of the inspector share.
+// Support for the tests of the inspector.
 #ifndef QV_TESTS_INSPECTSUPPORT_H
 #define QV_TESTS_INSPECTSUPPORT_H
 
@@ -18,8 +18,8 @@
 
 namespace qv_test {
 
-// Bytes in memory, handed out mostBytes at a time at most, that fail where they end when failure is not
-// empty.
+// A source of bytes in memory that returns at most mostBytes at a time, and fails at its end if failure is
+// not empty.
 class MemorySource : public qvinspect::ByteSource {
 public:
     explicit MemorySource(Bytes bytes, size_t mostBytes = SIZE_MAX, std::string failure = {});
@@ -33,7 +33,7 @@ private:
     size_t position_ = 0;
 };
 
-// The streams that come with the program.
+// The streams in the repository.
 std::filesystem::path sampleFolder();
 
 Bytes fileContent(const std::filesystem::path& path);
@@ -43,13 +43,13 @@ Bytes hex(const std::string& text);
 
 Bytes operator+(const Bytes& a, const Bytes& b);
 
-// Each behind a 4-byte start code.
+// Each unit after a 4-byte start code.
 Bytes byteStream(const std::vector<Bytes>& units);
 
-// Each behind a length field of that many bytes.
+// Each unit after a length field of lengthSize bytes.
 Bytes lengthPrefixed(const std::vector<Bytes>& units, unsigned lengthSize);
 
-// A folder of its own, removed with all it holds.
+// A temporary folder, removed with its contents.
 class TemporaryFolder {
 public:
     TemporaryFolder();
@@ -78,7 +78,7 @@ void PrintTo(const KeptAccessUnit& unit, std::ostream* out);
 
 struct KeptStream {
     std::vector<KeptAccessUnit> accessUnits;
-    std::vector<std::string> findings;  // behind the last access unit
+    std::vector<std::string> findings;  // after the last access unit
 };
 
 std::string describe(const qvinspect::Finding& finding);
@@ -89,7 +89,7 @@ QVCodecParameters byteStreamOf(QVCodecID codec);
 KeptStream readRaw(std::unique_ptr<qvinspect::ByteSource> source, const QVCodecParameters& raw,
                    qvinspect::RawLimits limits = {});
 
-// Has presenter told of a stream whose access units are these bytes; up to its end.
+// Passes a stream with these access units to presenter, up to its end.
 void present(qvinspect::Presenter& presenter, const qvinspect::StreamInfo& info,
              const std::vector<Bytes>& accessUnits, const qvinspect::CommandLine& line = {});
 

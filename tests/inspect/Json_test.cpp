@@ -77,7 +77,7 @@ TEST(Json, everyInputIsThereInItsOrder) {
     EXPECT_EQ(files[1], files[3]);
 }
 
-TEST(Json, inputThatFailsBehindItsHead) {
+TEST(Json, inputThatFailsAfterItsHead) {
     const TemporaryFolder folder;
     for (const Level level : {Level::Summary, Level::Fields}) {
         const std::string path = folder.path() / "json";

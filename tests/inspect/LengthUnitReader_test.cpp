@@ -1,4 +1,4 @@
-// Raw streams of NAL units behind length fields, through the reader of access units.
+// Raw length-prefixed streams through the reader of access units.
 #include "input/LengthUnitReader.h"
 
 #include <gmock/gmock.h>
@@ -57,7 +57,7 @@ TEST(LengthUnitReader, accessUnitsSpanTheLengths) {
     }
 }
 
-TEST(LengthUnitReader, parametersTellTheFraming) {
+TEST(LengthUnitReader, parametersSetTheFraming) {
     qvinspect::RawReader reader(std::make_unique<MemorySource>(lengthPrefixed(units(), 2)), lengthsOf(2));
     EXPECT_EQ(reader.info().format, "raw length-prefixed stream");
     qvinspect::AccessUnit accessUnit;
@@ -73,13 +73,13 @@ TEST(LengthUnitReader, parametersTellTheFraming) {
 
 struct BrokenCase {
     const char* name;
-    const char* tail;  // behind one whole picture
+    const char* tail;  // after one whole picture
     const char* finding;
 };
 
 class BrokenLengths : public ::testing::TestWithParam<BrokenCase> {};
 
-TEST_P(BrokenLengths, areToldBehindWhatIsWhole) {
+TEST_P(BrokenLengths, areReportedAfterWholeUnits) {
     const Bytes whole = lengthPrefixed({picture(0)}, 4);
     for (const size_t chunk : kChunks) {
         qvinspect::RawLimits limits;
@@ -99,7 +99,7 @@ INSTANTIATE_TEST_SUITE_P(
         BrokenCase{"lengthCutShort", "00 00 00", "3 bytes are left, too few for a length field"},
         BrokenCase{"unitCutShort", "00 00 00 05 41 9A",
                    "the length field here is 5 bytes, of which the stream has 2"},
-        BrokenCase{"nothingBehindTheLength", "00 00 00 05",
+        BrokenCase{"nothingAfterTheLength", "00 00 00 05",
                    "the length field here is 5 bytes, of which the stream has 0"},
         BrokenCase{"longerThanAllowed", "00 00 00 61 41 9A",
                    "the length field here is 97 bytes, more than the 96 that a unit may have; the rest is "
@@ -148,7 +148,7 @@ TEST(LengthUnitReader, emptyStream) {
     EXPECT_THAT(stream.findings, IsEmpty());
 }
 
-TEST(LengthUnitReader, failureIsToldBehindWhatCouldBeRead) {
+TEST(LengthUnitReader, failureIsReportedAfterWhatCouldBeRead) {
     const Bytes bytes = lengthPrefixed({picture(0)}, 4);
     const KeptStream stream =
         readRaw(std::make_unique<MemorySource>(bytes, SIZE_MAX, "Input/output error"), lengthsOf(4));
@@ -157,8 +157,8 @@ TEST(LengthUnitReader, failureIsToldBehindWhatCouldBeRead) {
                                              ": reading failed: Input/output error"));
 }
 
-// Whatever the bytes say, the access units follow one another without a gap, up to the first length that is
-// broken, and the analysis takes them.
+// For any bytes, the access units are contiguous up to the first broken length, and the analysis accepts
+// them.
 TEST(LengthUnitReader, hostileStreams) {
     std::mt19937 random(3);
     std::uniform_int_distribution<int> length(0, 40);

@@ -25,8 +25,8 @@ std::string textOf(const std::filesystem::path& path) {
     return std::string(bytes.begin(), bytes.end());
 }
 
-// What a listing has to be, to the letter: a person has looked at it. With QVINSPECT_WRITE_GOLDEN set it is
-// written first.
+// The listing must be exactly the golden file, which a person has reviewed. If QVINSPECT_WRITE_GOLDEN is set,
+// the file is written first.
 void expectGolden(const std::string& text, const std::string& name) {
     const std::filesystem::path path = std::filesystem::path(QVINSPECT_GOLDEN_DIR) / (name + ".txt");
     if (std::getenv("QVINSPECT_WRITE_GOLDEN") != nullptr) {
@@ -66,7 +66,7 @@ Bytes bundled(const std::string& name) {
     return fileContent(bundledStreams() / name);
 }
 
-// A/53 captions ahead of the second picture of a stream with HRD.
+// A/53 captions before the second picture of a stream with HRD.
 Bytes captionsAndHrd() {
     Bytes stream = bundled("avc_hrd_picstruct.h264");
     const Bytes captions =
@@ -77,8 +77,8 @@ Bytes captionsAndHrd() {
     return stream;
 }
 
-// Bytes ahead of the stream, a refused parameter set, a unit with forbidden_zero_bit set and one with an SEI
-// message that runs past its end.
+// Bytes before the stream, a refused parameter set, a unit with forbidden_zero_bit set and one with a
+// truncated SEI message.
 Bytes damaged() {
     return hex(
         "AB CD "
@@ -182,7 +182,7 @@ TEST(Listing, requestedTypesAreKept) {
 
 // --- Filters ---
 
-// The lines ahead of the summary, the summary.
+// The lines before the summary, and the summary.
 std::pair<std::string, std::string> parts(const std::string& listing) {
     const size_t summary = listing.find("Summary of ");
     return {listing.substr(0, summary), summary == std::string::npos ? "" : listing.substr(summary)};
@@ -224,7 +224,7 @@ TEST(Listing, aFilterThatNothingPasses) {
     EXPECT_EQ(text.find("AU 1"), std::string::npos);
 }
 
-// --- What no stream at hand shows ---
+// --- Cases that no stream in the repository has ---
 
 qvinspect::StreamInfo containerInfo() {
     qvinspect::StreamInfo info;
@@ -250,8 +250,8 @@ TEST(Listing, container) {
     qvinspect::AccessUnit untimed;
     untimed.size = 7;
     untimed.findings = {{qvinspect::Severity::Error, std::nullopt, "damaged"}};
-    const std::vector<qvinspect::Finding> behind = {{qvinspect::Severity::Error, 99, "reading failed"},
-                                                    {qvinspect::Severity::Note, std::nullopt, "a note"}};
+    const std::vector<qvinspect::Finding> atEnd = {{qvinspect::Severity::Error, 99, "reading failed"},
+                                                   {qvinspect::Severity::Note, std::nullopt, "a note"}};
     qvinspect::AccessUnitDetails details;
     details.units.resize(report.units.size());
     const Bytes bytes(timed.size);
@@ -265,14 +265,14 @@ TEST(Listing, container) {
         counter.add(view);
         listing.add(view);
     }
-    counter.finish(behind);
-    listing.end({counter.totals(), behind, {}, false});
+    counter.finish(atEnd);
+    listing.end({counter.totals(), atEnd, {}, false});
     listing.finish();
     expectGolden(textOf(out), "container");
 }
 
-// A stream of everything that a summary can tell.
-qvinspect::StreamTotals muchToTell() {
+// A stream with everything that a summary can show.
+qvinspect::StreamTotals fullSummary() {
     qvinspect::StreamTotals totals;
     totals.codec = QVCodecIDHevc;
     totals.accessUnits = 12345678901;
@@ -316,8 +316,8 @@ qvinspect::StreamTotals muchToTell() {
     return totals;
 }
 
-TEST(Listing, muchToTell) {
-    const qvinspect::StreamTotals totals = muchToTell();
+TEST(Listing, fullSummary) {
+    const qvinspect::StreamTotals totals = fullSummary();
     const std::vector<qvinspect::CheckResult> checks = {{"no-errors", false, "100 errors"},
                                                         {"captions", true, "2 messages"}};
     const TemporaryFolder folder;
@@ -328,7 +328,7 @@ TEST(Listing, muchToTell) {
     listing.begin({"raw", containerInfo(), true, {}});
     listing.end({qvinspect::StreamTotals{}, {}, {}, false});
     listing.finish();
-    expectGolden(textOf(out), "much_to_tell");
+    expectGolden(textOf(out), "full_summary");
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The manual, the completion and the guide tell of the program as it is.
+// The manual, the completion and the guide agree with the program.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -33,7 +33,7 @@ std::set<std::string> optionsIn(const std::string& text) {
     return options;
 }
 
-// Of printers past: a letter, a step back, the letter again is a bold one.
+// Removes overstrikes: a letter, a backspace and the letter again are a bold letter.
 std::string withoutOverstrikes(const std::string& text) {
     std::string plain;
     for (const char letter : text) {
@@ -46,7 +46,7 @@ std::string withoutOverstrikes(const std::string& text) {
     return plain;
 }
 
-// Those of the program itself.
+// The options of the program itself.
 std::set<std::string> allOptions() {
     const TemporaryFolder folder;
     std::string help = runProgram({QVINSPECT_PROGRAM, "--help"}, folder.path()).out;
@@ -56,7 +56,7 @@ std::set<std::string> allOptions() {
     return options;
 }
 
-// Output of a program that has to be there.
+// The output of a program that must exist.
 std::string outputOf(const std::vector<std::string>& words) {
     const TemporaryFolder folder;
     const Outcome outcome = runProgram(words, folder.path());
@@ -70,7 +70,7 @@ TEST(Manual, isWellFormed) {
     EXPECT_EQ(outputOf({"groff", "-mandoc", "-ww", "-z", QVINSPECT_MANUAL}), "");
 }
 
-TEST(Manual, tellsOfEveryOptionAndCheck) {
+TEST(Manual, documentsEveryOptionAndCheck) {
     const std::string manual = outputOf({"mandoc", "-Tascii", "-Owidth=1000", QVINSPECT_MANUAL});
     std::string plain = withoutOverstrikes(manual);
     std::replace(plain.begin(), plain.end(), '|', ' ');
@@ -92,7 +92,7 @@ TEST(Manual, guideKnowsOnlyOptionsThatAreThere) {
 
 // --- Completion ---
 
-// What bash offers behind the words, the last of which stands unfinished.
+// The completions that bash offers after the words, the last of which is incomplete.
 std::vector<std::string> completionsOf(const std::vector<std::string>& words, const std::string& folder) {
     std::vector<std::string> command = {
         "bash", "-c",
@@ -141,14 +141,15 @@ TEST_F(Completion, everyCheck) {
     EXPECT_EQ(offered.size(), qvinspect::checkRules().size() + 1);
 }
 
-// A wrong value has the program name the right ones.
+// For a wrong value, the program lists the valid ones.
 TEST_F(Completion, everyValue) {
     for (const char* option : {"--codec", "--format", "--level", "--color"}) {
-        const std::string told = runProgram({QVINSPECT_PROGRAM, option, "?", "x"}, folder().path()).err;
+        const std::string message = runProgram({QVINSPECT_PROGRAM, option, "?", "x"}, folder().path()).err;
         const std::string list = "is none of ";
-        const size_t begin = told.find(list);
-        ASSERT_NE(begin, std::string::npos) << told;
-        const std::string right = told.substr(begin + list.size(), told.find('\n') - begin - list.size());
+        const size_t begin = message.find(list);
+        ASSERT_NE(begin, std::string::npos) << message;
+        const std::string right =
+            message.substr(begin + list.size(), message.find('\n') - begin - list.size());
         std::string offered;
         for (const std::string& value : complete({option, ""})) {
             offered += (offered.empty() ? "" : ", ") + value;
@@ -158,8 +159,8 @@ TEST_F(Completion, everyValue) {
     EXPECT_THAT(complete({"--level", "s"}), ElementsAre("summary", "samples", "sei"));
 }
 
-// bash takes "=" for a word of its own.
-TEST_F(Completion, valueBehindAnEqualsSign) {
+// bash treats "=" as a separate word.
+TEST_F(Completion, valueAfterAnEqualsSign) {
     EXPECT_THAT(complete({"--check", "codec", "=", "h26"}), ElementsAre("h264", "h265"));
     EXPECT_THAT(complete({"--level", "=", "na"}), ElementsAre("nalus"));
 }

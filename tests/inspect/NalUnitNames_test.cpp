@@ -26,7 +26,7 @@ TEST(NalUnitNames, avc) {
     EXPECT_STREQ(nalUnitName(QVCodecIDAvc, 32), "unknown");
 }
 
-// The reserved names carry their numbers: a shift anywhere in the table shows.
+// The reserved names contain their numbers, which reveals a shift anywhere in the table.
 TEST(NalUnitNames, hevc) {
     EXPECT_STREQ(nalUnitName(QVCodecIDHevc, 0), "TRAIL_N");
     EXPECT_STREQ(nalUnitName(QVCodecIDHevc, 9), "RASL_R");

@@ -50,7 +50,7 @@ TEST(Ndjson, everyLineNamesItsInput) {
     EXPECT_EQ(records[1].at("date"), "D");
 }
 
-TEST(Ndjson, inputThatFailsBehindItsHead) {
+TEST(Ndjson, inputThatFailsAfterItsHead) {
     const TemporaryFolder folder;
     const std::string path = folder.path() / "ndjson";
     qvinspect::Ndjson report(path, {});

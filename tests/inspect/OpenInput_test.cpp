@@ -52,7 +52,7 @@ Bytes avcLengths(unsigned lengthSize) {
     return lengthPrefixed({avcSpsUnit(), avcPpsUnit(), avcSliceUnit({})}, lengthSize);
 }
 
-// The units of the sample, behind lengths.
+// The units of the sample, after lengths.
 Bytes hevcLengths(unsigned lengthSize) {
     const Bytes stream = fileContent(sampleFolder() / "hevc_hdr10.h265");
     std::vector<std::pair<int, int>> nalus;
@@ -64,7 +64,7 @@ Bytes hevcLengths(unsigned lengthSize) {
     return lengthPrefixed(units, lengthSize);
 }
 
-TEST_F(OpenInput, codecBehindLengthsIsProbed) {
+TEST_F(OpenInput, codecOfLengthPrefixedUnitsIsProbed) {
     const std::pair<InputFormat, unsigned> formats[] = {
         {InputFormat::Lengths1, 1}, {InputFormat::Lengths2, 2}, {InputFormat::Lengths4, 4}};
     for (const auto& [wanted, size] : formats) {
@@ -85,7 +85,7 @@ TEST_F(OpenInput, brokenLengthsDoNotHideTheCodec) {
     EXPECT_EQ(reader->info().parameters.codecId, QVCodecIDAvc);
 }
 
-TEST_F(OpenInput, codecBehindLengthsThatCannotBeTold) {
+TEST_F(OpenInput, unknownCodecOfLengthPrefixedUnits) {
     const std::string path = write(hex("00 00 00 02 FF FF"));
     EXPECT_EQ(refusal(path, format(InputFormat::Lengths4)),
               "is not recognised as H.264 or H.265 with lengths of 4 bytes; check --format, or choose with "
@@ -95,7 +95,7 @@ TEST_F(OpenInput, codecBehindLengthsThatCannotBeTold) {
 }
 
 TEST_F(OpenInput, byteStreamIsTakenAtItsWord) {
-    // It would be taken for a container.
+    // It would be treated as a container.
     const std::string path =
         write(hex("47 40") + Bytes(186, 0) + hex("47 40") + Bytes(186, 0) + hex("47 40") + Bytes(186, 0) +
               hex("47 40") + byteStream({avcSpsUnit(), avcSliceUnit({})}));
@@ -115,8 +115,8 @@ TEST_F(OpenInput, sizeIsKnown) {
     EXPECT_EQ(reader->progress().bytes, bytes.size());
 }
 
-// Samples with bytes overwritten, cut anywhere, in every format: there is nothing to expect of them but that
-// reading ends, and that the library can be asked about what was read.
+// Samples with bytes overwritten, cut anywhere, in every format: the reading must end, and the library must
+// accept what was read.
 TEST_F(OpenInput, hostileFiles) {
     std::mt19937 random(4);
     const Bytes samples[] = {fileContent(sampleFolder() / "avc_avc1.mp4"),
@@ -190,14 +190,14 @@ TEST_F(OpenInput, containerAskedFor) {
               "whole");
 }
 
-// A video whose Colour element holds the number.
+// A video whose Colour element has the number.
 Bytes matroskaOf(uint8_t transferCharacteristics) {
     return matroskaFile(
         "V_MPEGH/ISO/HEVC", {0, 0, 1, 0x40},
         {matroskaElement({0x55, 0xB0}, {matroskaElement({0x55, 0xBA}, {{transferCharacteristics}})})});
 }
 
-// Also one that libavformat's enumeration has no room for.
+// Also a number outside the range of libavformat's enumeration.
 TEST_F(OpenInput, transferOfAContainer) {
     for (const uint8_t transfer : Bytes{1, 16, 18, 78, 255}) {
         EXPECT_EQ(openInput(write(matroskaOf(transfer)), {})->info().transfer_characteristics, transfer);
@@ -205,7 +205,7 @@ TEST_F(OpenInput, transferOfAContainer) {
     EXPECT_EQ(openInput(write(matroskaOf(2)), {})->info().transfer_characteristics, std::nullopt);
 }
 
-// A playlist may come from anywhere and must not choose what is read.
+// A playlist may come from anywhere and must not determine the files that are read.
 TEST_F(OpenInput, playlistsOpenNothing) {
     const std::string mp4 = sampleFolder() / "avc_avc1.mp4";
     for (const std::string& text :

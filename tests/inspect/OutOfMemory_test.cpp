@@ -1,5 +1,4 @@
-// Memory that runs out in one file. This program replaces operator new: an allocation of more than a bound
-// fails.
+// Allocations that fail in one file. This program replaces operator new: allocations above a limit fail.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -56,7 +55,7 @@ namespace {
 using nlohmann::json;
 using ::testing::HasSubstr;
 
-// While it lives, larger allocations fail.
+// During its lifetime, larger allocations fail.
 class LargestAllocation {
 public:
     explicit LargestAllocation(size_t bytes) { mostBytes = bytes; }
@@ -65,7 +64,7 @@ public:
     LargestAllocation& operator=(const LargestAllocation&) = delete;
 };
 
-// A picture of so many bytes.
+// A stream with a picture of size bytes.
 Bytes largePicture(size_t size) {
     const Bytes sample = fileContent(sampleFolder() / "hevc_hdr10.h265");
     Bytes picture = hex("00 00 00 01 02 01");
@@ -75,7 +74,7 @@ Bytes largePicture(size_t size) {
 
 class OutOfMemory : public ::testing::Test {
 protected:
-    // The three files, the second with a picture that does not fit.
+    // Inspects three files, the second with a picture above the limit.
     int inspect(const char* option, const std::string& out, const char* level) const {
         const std::string small = sampleFolder() / "hevc_hdr10.h265";
         const std::string large = folder_.write("large.h265", largePicture(size_t{12} << 20));

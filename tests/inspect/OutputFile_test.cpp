@@ -16,7 +16,7 @@ namespace {
 namespace fs = std::filesystem;
 using qvinspect::OutputFile;
 
-// A user whom permissions bind, for as long as it exists.
+// Runs as an ordinary user, who is subject to permissions, during its lifetime.
 class OrdinaryUser {
 public:
     static constexpr uid_t kNobody = 65534;

@@ -1,4 +1,4 @@
-// Memory that the program takes for small files that ask for much.
+// The memory of the program for small files that need much.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -23,11 +23,11 @@ constexpr bool kIsSanitized = false;
 #endif
 
 struct Ended {
-    int exitCode;  // -1 when a signal ended the program
+    int exitCode;  // -1 if a signal ended the program
     long peakKilobytes;
 };
 
-// With in as its standard input, and nothing of what it writes kept.
+// Runs the program with in as its standard input, and discards its output.
 Ended runProgram(const std::vector<std::string>& arguments, int in) {
     std::vector<std::string> words = {QVINSPECT_PROGRAM};
     words.insert(words.end(), arguments.begin(), arguments.end());
@@ -80,7 +80,7 @@ protected:
     }
 };
 
-// What the program takes for a small file, and the 64 MiB that a container may take to be opened.
+// The memory of the program for a small file, and the 64 MiB for opening a container.
 constexpr long kMostKilobytes = 160 * 1024;
 
 TEST_F(ProgramBudget, containers) {

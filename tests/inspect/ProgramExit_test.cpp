@@ -36,7 +36,7 @@ protected:
         return runProgram(words, files_.path());
     }
 
-    // With standard output on a file descriptor; what is told on standard error goes to err.
+    // With standard output on a file descriptor; standard error goes to err.
     int runInto(int out, std::vector<std::string> words, std::string& err) const {
         words.insert(words.begin(), QVINSPECT_PROGRAM);
         const std::string errPath = folder() + "/err";
@@ -47,7 +47,7 @@ protected:
         return exitCode;
     }
 
-    // Under another name, until it is whole.
+    // Under another name, until it is complete.
     bool isBeingWritten() const {
         const std::filesystem::directory_iterator files(folder());
         return std::any_of(begin(files), end(files), [](const auto& file) {
@@ -66,7 +66,8 @@ private:
 
 // --- Help ---
 
-// To the letter: a person has looked at it. With QVINSPECT_WRITE_GOLDEN set it is written first.
+// Exactly the golden file, which a person has reviewed. If QVINSPECT_WRITE_GOLDEN is set, it is written
+// first.
 TEST_F(ProgramExit, help) {
     const Outcome outcome = run({"--help"});
     EXPECT_EQ(outcome.exitCode, 0);
@@ -110,7 +111,7 @@ struct ExitCase {
     int exitCode;
 };
 
-// 5 ahead of 2 ahead of 4 ahead of 3.
+// The first of 5, 2, 4, 3.
 TEST_F(ProgramExit, codes) {
     const std::vector<std::string> failing = {"--check", "captions"};
     const std::vector<ExitCase> cases = {
@@ -245,7 +246,7 @@ TEST_F(ProgramExit, otherOutputsAreFinished) {
     EXPECT_EQ(outcome.out, alone.out);
 }
 
-// The other outputs are finished, and nothing is said of it.
+// The other outputs are finished, without a message.
 TEST_F(ProgramExit, readerOfStandardOutputThatGoesAway) {
     for (const auto& [words, exitCode] :
          std::vector<std::pair<std::vector<std::string>, int>>{{{"--to-annexb", "-", "good.h265"}, 0},
@@ -295,7 +296,7 @@ TEST_F(ProgramExit, conversionOfABrokenInput) {
 
 // --- Interruption ---
 
-// 130 ahead of everything else, and what was written is whole as far as it goes.
+// 130 before all others, and what was written is valid.
 TEST_F(ProgramExit, interruption) {
     const Bytes once = fileContent(sampleFolder() / "hevc_hdr10.h265");
     Bytes stream;

@@ -1,4 +1,4 @@
-// The program's inputs, the part of them that is asked for, and what ends the reading of them.
+// The program's inputs, the selected part of them, and the end of reading.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -132,7 +132,7 @@ TEST_F(ProgramInput, containersOnStandardInput) {
     }
 }
 
-TEST_F(ProgramInput, indexBehindTheSamples) {
+TEST_F(ProgramInput, indexAfterTheSamples) {
     const std::string reason =
         "MP4 or QuickTime file: its index follows its samples, so it cannot be read from a pipe; "
         "name the file instead";
@@ -231,12 +231,12 @@ TEST_F(ProgramInput, parameterSetsAheadOfThePart) {
     EXPECT_THAT(outcome.out, HasSubstr("picture           320x180, cropped from 320x184"));
 }
 
-// A live stream: the last access unit asked for is there, and nothing behind it is waited for.
+// A live stream: after the last access unit of the part, the program does not wait for more.
 TEST_F(ProgramInput, limitOfAStreamThatStaysOpen) {
     int ends[2];
     ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
     Bytes bytes;
-    while (bytes.size() < (size_t{1} << 20)) {  // what is looked at ahead of reading
+    while (bytes.size() < (size_t{1} << 20)) {  // what is examined before reading
         bytes = bytes + rawStream();
     }
     const std::string out = folder() + "/out";
@@ -252,7 +252,7 @@ TEST_F(ProgramInput, limitOfAStreamThatStaysOpen) {
 
 // --- Interrupts ---
 
-// The program at work on a pipe that stays open.
+// The program reading a pipe that stays open.
 class Interrupted : public ProgramInput {
 protected:
     // Sends the signal when the program has read everything.
@@ -284,7 +284,7 @@ protected:
 
 TEST_F(Interrupted, whatIsWholeIsListed) {
     for (const int number : {SIGINT, SIGTERM}) {
-        for (const int copies : {1, 100}) {  // less and more than is looked at ahead of reading
+        for (const int copies : {1, 100}) {  // less and more than is examined before reading
             Bytes bytes;
             for (int i = 0; i < copies; ++i) {
                 bytes = bytes + rawStream();

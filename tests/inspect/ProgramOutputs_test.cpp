@@ -1,4 +1,4 @@
-// Files that the program writes: whole or not at all, and never over what it reads.
+// Files that the program writes: completely or not at all, and never over its inputs.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -54,7 +54,7 @@ protected:
         return status.st_mode & 07777;
     }
 
-    // What any of the files holds that are being written.
+    // The content of any of the unfinished files.
     std::string unfinished() const {
         for (const std::string& name : filesThere()) {
             if (name.rfind(".qvinspect-", 0) == 0) {
@@ -121,7 +121,7 @@ TEST_F(ProgramOutputs, circleOfLinks) {
     EXPECT_EQ(outcome.err, "qvinspect: a cannot be opened for writing: Too many levels of symbolic links\n");
 }
 
-// Names that a killed process left, or that somebody else made, are passed over.
+// Existing names, from killed processes or others, are skipped.
 TEST_F(ProgramOutputs, temporaryNamesThatAreTaken) {
     const Outcome outcome =
         runBy("for i in 0 1 2; do ln -s ../elsewhere .qvinspect-$$-$i.tmp; done; exec \"$@\"",
@@ -131,7 +131,7 @@ TEST_F(ProgramOutputs, temporaryNamesThatAreTaken) {
     EXPECT_FALSE(fs::exists(folder() + "/../elsewhere"));
 }
 
-// --- What is not a regular file ---
+// --- Outputs that are not regular files ---
 
 TEST_F(ProgramOutputs, inheritedDescriptors) {
     EXPECT_EQ(inspect({"--csv", "table", "good.h265"}).exitCode, 0);
@@ -188,7 +188,7 @@ protected:
     }
 };
 
-// The first signal ends the work in good order, the second one the program.
+// The first signal ends the reading, the second one the program.
 TEST_F(InterruptedOutputs, secondSignalLeavesFilesAsTheyWere) {
     for (const auto& [first, second] : std::vector<std::pair<int, int>>{
              {SIGINT, SIGINT}, {SIGTERM, SIGTERM}, {SIGINT, SIGTERM}, {SIGHUP, SIGHUP}}) {
@@ -323,7 +323,7 @@ TEST_F(ProgramOutputs, outputsAreNotWrittenOverEachOther) {
     }
 }
 
-// The end of it that waits for the other would wait for ever.
+// Opening either end would wait for the other for ever.
 TEST_F(ProgramOutputs, pipeForBoth) {
     ASSERT_EQ(mkfifo((folder() + "/pipe").c_str(), 0600), 0);
     const Outcome outcome = inspect({"--to-annexb", "pipe", "pipe"});

@@ -1,4 +1,4 @@
-// Standard input, output and error that are closed, full or not what they should be.
+// Standard input, output and error that are closed, full or of the wrong kind.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -31,7 +31,7 @@ protected:
         write("broken.h265", fileContent(sampleFolder() / "hevc_hdr10.h265") + hex("00 00 01 82 01 02"));
     }
 
-    // The exit code. Streams that are not closed are given here: input is empty, output is collected.
+    // Returns the exit code. Streams that are not closed are set here: input is empty, output is collected.
     int run(std::vector<std::string> words, const std::vector<int>& closed) {
         const int out = openForWriting(folder() + "/out");
         const int err = openForWriting(folder() + "/err");
@@ -64,7 +64,7 @@ struct Case {
     int exitCode;
 };
 
-// Each of the exit codes 1 to 5, with something to say on standard error.
+// Each of the exit codes 1 to 5, with a message on standard error.
 std::vector<Case> failures() {
     return {{{"good.h265"}, 0},
             {{"--nothing", "good.h265"}, 1},
@@ -137,7 +137,7 @@ TEST_F(ProgramStreams, inputThatIsOnlyForWriting) {
     EXPECT_EQ(text("err"), std::string("qvinspect: standard input: ") + kNotReadable + "\n");
 }
 
-// The program's own descriptors are none of a user's: to read from its pipe would take for ever.
+// The program's internal descriptors are not for users: reading from its pipe would take for ever.
 TEST_F(ProgramStreams, descriptorsOfTheProgram) {
     const auto runAlone = [&](const std::vector<std::string>& arguments) {
         std::vector<std::string> words = {"sh", "-c", "exec \"$@\" 3>&- 4>&- 5>&- 6>&-", "sh",
@@ -193,7 +193,7 @@ TEST_F(ProgramStreams, outputThatIsOnlyForReading) {
     EXPECT_EQ(text("err"), std::string("qvinspect: standard output ") + kNotWritable + "\n");
 }
 
-// As a parent process may leave it: a write finds no room and is tried again.
+// As a parent process may leave it: a write finds no space and is repeated.
 TEST_F(ProgramStreams, outputThatDoesNotBlock) {
     Bytes stream;
     for (int i = 0; i < 300; ++i) {

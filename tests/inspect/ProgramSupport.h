@@ -1,4 +1,4 @@
-// Runs the program as a user does.
+// Runs the program as a user would.
 #ifndef QV_TESTS_PROGRAMSUPPORT_H
 #define QV_TESTS_PROGRAMSUPPORT_H
 
@@ -13,10 +13,10 @@
 
 namespace qv_test {
 
-// Writes the bytes to a pipe, as far as they are taken. The thread gets no SIGPIPE from there on.
+// Writes the bytes to a pipe until they are written or the reader is gone. Blocks SIGPIPE in this thread.
 void feed(int pipe, const Bytes& bytes);
 
-// The program at work in a folder, at --level nalus unless the arguments say otherwise.
+// A run of the program in a folder, with --level nalus by default.
 class RunningProgram {
 public:
     RunningProgram(const std::vector<std::string>& arguments, const Streams& streams,
@@ -28,16 +28,16 @@ public:
     void signal(int number) const;
     bool isRunning() const;
 
-    // It waits for something.
+    // Whether it is waiting.
     bool isAsleep() const;
 
-    // It has a handler for the signal.
+    // Whether it handles the signal.
     bool catches(int signal) const;
 
-    // The signal was sent and has not reached it yet.
+    // Whether the signal is pending.
     bool isPending(int signal) const;
 
-    // The exit code, -1 when a signal ended the program.
+    // The exit code, -1 if a signal ended the program.
     int wait();
 
 private:
@@ -53,7 +53,7 @@ class Program : public ::testing::Test {
 protected:
     Outcome inspect(const std::vector<std::string>& arguments) const;
 
-    // With the bytes coming through a pipe, or out of a file, as standard input.
+    // With the bytes as standard input, through a pipe or from a file.
     Outcome inspectPiped(const Bytes& input, const std::vector<std::string>& arguments) const;
     Outcome inspectRedirected(const std::string& file, const std::vector<std::string>& arguments) const;
 

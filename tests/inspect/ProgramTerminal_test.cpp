@@ -21,7 +21,7 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-// What the program writes to a terminal of so many columns. environment: "NAME=value".
+// The program's output on a terminal with the given columns. environment: "NAME=value".
 std::string onTerminal(unsigned short columns, std::vector<std::string> arguments,
                        std::vector<std::string> environment = {"TERM=xterm"}) {
     arguments.insert(arguments.begin(), QVINSPECT_PROGRAM);
@@ -46,7 +46,7 @@ std::string onTerminal(unsigned short columns, std::vector<std::string> argument
     }
     std::string text;
     char buffer[4096];
-    // Behind the end of the program reading fails.
+    // After the end of the program, reading fails.
     for (ssize_t count = 0; (count = read(terminal, buffer, sizeof buffer)) > 0;) {
         text.append(buffer, static_cast<size_t>(count));
     }
@@ -71,7 +71,7 @@ size_t longestLine(const std::string& text) {
     return longest;
 }
 
-TEST(ProgramTerminal, coloursUnlessToldNotTo) {
+TEST(ProgramTerminal, coloursByDefault) {
     EXPECT_THAT(onTerminal(80, {sample()}), HasSubstr("\x1b["));
     EXPECT_THAT(onTerminal(80, {sample()}, {"TERM=xterm", "NO_COLOR=1"}), Not(HasSubstr("\x1b")));
     EXPECT_THAT(onTerminal(80, {sample()}, {"TERM=xterm", "NO_COLOR="}), HasSubstr("\x1b["));

@@ -282,7 +282,7 @@ TEST_F(Program, containerWithoutThatCodec) {
     expectListed(inspect({"--codec", "h264", "x.mp4"}), "x.mp4", "access units      25\n");
 }
 
-// The index of this file stands at its end.
+// The index of this file is at its end.
 TEST_F(Program, mp4WithoutItsIndex) {
     Bytes cut = mp4();
     cut.resize(cut.size() / 2);
@@ -302,7 +302,7 @@ TEST_F(Program, containersCutAnywhere) {
     }
 }
 
-// A length field overwritten in the first sample: the samples behind it are listed all the same.
+// A length field overwritten in the first sample: the samples after it are still listed.
 TEST_F(Program, brokenSample) {
     Bytes broken = mp4();
     const Bytes head = hex("00 00 02 AC 06 05");  // the SEI unit of 684 bytes that begins the first sample

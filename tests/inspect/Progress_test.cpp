@@ -35,7 +35,7 @@ class ProgressLine : public ::testing::Test {
 protected:
     void SetUp() override { reader_.at = {500000, 2000000}; }
 
-    // What is written when so many access units come at this time.
+    // The output for this number of access units at this time.
     std::string at(int time, int accessUnits = 100) {
         now_ = Progress::TimePoint(milliseconds(time));
         for (int i = 0; i < accessUnits; ++i) {

@@ -119,7 +119,7 @@ TEST(RawReader, startCodeAtTheEndBelongsToTheUnitBefore) {
     EXPECT_EQ(unitsOf(bytes, QVCodecIDAvc, chunksOf(2)), (NalIndexList{{3, 6}}));
 }
 
-TEST(RawReader, leadingBytesAreToldAndLeftOut) {
+TEST(RawReader, leadingBytesAreReportedAndLeftOut) {
     for (const size_t chunk : kChunks) {
         const Bytes bytes = hex("FF FF 00 01 00 00 00 00 01 65 88 80");
         const KeptStream stream = readRaw(source(bytes), byteStreamOf(QVCodecIDAvc), chunksOf(chunk));
@@ -146,7 +146,7 @@ TEST(RawReader, emptyStream) {
     EXPECT_THAT(stream.findings, IsEmpty());
 }
 
-TEST(RawReader, failureIsToldBehindWhatCouldBeRead) {
+TEST(RawReader, failureIsReportedAfterWhatCouldBeRead) {
     const Bytes bytes = hex("00 00 01 65 88 80 00 00 01 41 9A");
     const KeptStream stream = readRaw(std::make_unique<MemorySource>(bytes, SIZE_MAX, "Input/output error"),
                                       byteStreamOf(QVCodecIDAvc));
@@ -154,7 +154,7 @@ TEST(RawReader, failureIsToldBehindWhatCouldBeRead) {
     EXPECT_THAT(stream.findings, ElementsAre("error at 11: reading failed: Input/output error"));
 }
 
-// --- The bound on an access unit ---
+// --- The limit on an access unit ---
 
 const Bytes kCode = hex("00 00 01");
 
@@ -201,7 +201,7 @@ TEST(RawReader, longUnitAtTheEnd) {
     }
 }
 
-TEST(RawReader, longUnitKeepsTheUnitsAheadOfIt) {
+TEST(RawReader, longUnitKeepsTheUnitsBeforeIt) {
     const Bytes bytes = kCode + unitOf(0x06, 2) + kCode + unitOf(0x65, 30) + kCode + unitOf(0x41, 2);
     const KeptStream stream = readRaw(source(bytes), byteStreamOf(QVCodecIDAvc), accessUnitsOf(20));
     ASSERT_EQ(stream.accessUnits.size(), 2U);
@@ -210,7 +210,7 @@ TEST(RawReader, longUnitKeepsTheUnitsAheadOfIt) {
                 ElementsAre("error at 0: access unit is longer than 20 bytes; cut at offset 25"));
 }
 
-TEST(RawReader, manyUnitsAreCutAheadOfTheOneThatIsTooMuch) {
+TEST(RawReader, manyUnitsAreCutBeforeTheFirstAboveTheLimit) {
     Bytes bytes;
     for (int i = 0; i < 9; ++i) {
         bytes = bytes + kCode + unitOf(0x06, 3);  // no picture ever ends the access unit
@@ -227,7 +227,7 @@ TEST(RawReader, manyUnitsAreCutAheadOfTheOneThatIsTooMuch) {
     EXPECT_THAT(stream.accessUnits[2].findings, IsEmpty());
 }
 
-// A source without end, that notes how much was asked of it.
+// An endless source that records how much was read.
 class EndlessSource : public qvinspect::ByteSource {
 public:
     explicit EndlessSource(size_t& bytesRead) : bytesRead_(bytesRead) {}

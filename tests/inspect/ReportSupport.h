@@ -1,4 +1,4 @@
-// Reports for programs, as the tests make and compare them.
+// Makes and compares reports for programs.
 #ifndef QV_TESTS_REPORTSUPPORT_H
 #define QV_TESTS_REPORTSUPPORT_H
 
@@ -12,14 +12,14 @@
 
 namespace qv_test {
 
-// What the three of them say of the same inputs.
+// The three reports of the same inputs.
 struct Reports {
     std::string json;
     std::string ndjson;
     std::string csv;
 };
 
-// Inspects the files one after the other, as the program does.
+// Inspects the files in sequence, as the program does.
 Reports reportsOf(const std::vector<std::string>& paths, const qvinspect::JsonOptions& options = {},
                   const qvinspect::CommandLine& line = {});
 
@@ -28,17 +28,17 @@ Reports reportsOf(const std::vector<std::string>& paths, const qvinspect::JsonOp
 // cannot walk.
 Bytes smallStream();
 
-// Findings and names that hold every kind of hostile byte.
+// Findings and names with every kind of hostile byte.
 std::string hostileText();
 
-// A stream of which only the presenters know: every text in it is hostile and its numbers are extreme. Stays
-// open with isBrokenOff.
+// Presents a stream in which every text is hostile and the numbers are extreme. With isBrokenOff it has no
+// end.
 void presentHostileStream(qvinspect::Presenter& presenter, bool isBrokenOff = false);
 
 std::vector<nlohmann::json> parseLines(const std::string& ndjson);
 
-// The text to the letter as the golden file has it: a person has looked at that. With QVINSPECT_WRITE_GOLDEN
-// set it is written first. The program's version is not compared.
+// Expects exactly the text of the golden file, which a person has reviewed. If QVINSPECT_WRITE_GOLDEN is set,
+// the file is written first. The program's version is not compared.
 void expectGoldenReport(const std::string& text, const std::string& fileName);
 
 }  // namespace qv_test

@@ -11,7 +11,7 @@
 namespace qv_test {
 
 struct Outcome {
-    int exitCode;  // -1 when a signal ended the program, 127 when it cannot be run
+    int exitCode;  // -1 if a signal ended the program, 127 if it cannot be run
     std::string out;
     std::string err;
 };
@@ -25,24 +25,23 @@ int openForReading(const std::string& path);
 constexpr int kNoInput = -1;  // an empty file
 constexpr int kClosed = -2;   // no file at all
 
-// File descriptors that a program gets as its standard streams.
+// File descriptors for the standard streams of a program.
 struct Streams {
     int in;
     int out;
     int err;
 };
 
-// Starts a program in a folder. words[0] is the program, looked for in PATH. It is killed when it runs for
-// ten minutes.
+// Starts a program in a folder. words[0] is the program, searched in PATH. It is killed after ten minutes.
 pid_t startProgram(std::vector<std::string> words, const Streams& streams, const std::string& folder);
 
-// Waits for the end of a program. Its exit code, as in Outcome.
+// Waits for the end of a program and returns its exit code, as in Outcome.
 int exitCodeOf(pid_t program);
 
-// Both in one.
+// Both in one call.
 int runProgram(const std::vector<std::string>& words, const Streams& streams, const std::string& folder);
 
-// With what it wrote.
+// Also returns what the program wrote.
 Outcome runProgram(const std::vector<std::string>& words, const std::string& folder);
 
 }  // namespace qv_test

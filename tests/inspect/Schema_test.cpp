@@ -1,4 +1,4 @@
-// The schema that the program prints, held against what it writes by a validator that knows nothing of it.
+// Checks the program's output against its schema with an independent validator.
 #include <gtest/gtest.h>
 #include <stdio.h>
 
@@ -29,7 +29,7 @@ Bytes bytesOf(const std::string& text) {
 
 class Schema : public ::testing::Test {
 protected:
-    // Puts a document, or lines, to those that are validated.
+    // Adds a document, or lines, to those that are validated.
     std::string keep(const std::string& name, const std::string& text) {
         paths_.push_back(folder_.write(name, bytesOf(text)));
         return paths_.back();
@@ -40,7 +40,7 @@ protected:
         keep(name + ".ndjson", reports.ndjson);
     }
 
-    // What the validator says of all that was kept; empty when it agrees. mode: "accept" or "refuse".
+    // The validator's messages about all that was added; empty if it agrees. mode: "accept" or "refuse".
     std::string validate(const std::string& mode) {
         const std::string schema = folder_.write("schema", bytesOf(qvinspect::kJsonSchema));
         std::string command =

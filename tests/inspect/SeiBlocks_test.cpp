@@ -1,4 +1,4 @@
-// What is shown of SEI payloads that the streams at hand do not carry, or carry in one form only.
+// The fields of SEI payloads that the streams in the repository do not have, or have in one form only.
 #include "analysis/SeiBlocks.h"
 
 #include <gtest/gtest.h>

@@ -57,7 +57,7 @@ protected:
         extractor.finish();
     }
 
-    // Empty when the folder is taken.
+    // Empty if the folder is accepted.
     std::string refusal(const std::string& folder) const {
         try {
             SeiExtractor extractor(folder);
@@ -125,7 +125,7 @@ TEST_F(SeiExtraction, filterByT35Codes) {
     EXPECT_EQ(fileContent(out() + "/00000001_au00000001_sei4.bin"), hex("B5 00 31"));
 }
 
-// The walk keeps a payload that runs into the zero bytes behind a unit without trailing bits.
+// The walk keeps a payload that extends into the zero bytes after a unit without trailing bits.
 TEST_F(SeiExtraction, itemWithoutAMessageOfItsOwn) {
     extract(annexB(QVCodecIDAvc), {hex("00 00 01 06 05 02 11 00")});
     EXPECT_EQ(fileContent(out() + "/00000001_au00000001_sei5.bin"), hex("11 00"));
@@ -159,7 +159,7 @@ TEST_F(SeiExtraction, inputThatCannotBeInspectedToItsEnd) {
     EXPECT_EQ(index.at("left_out"), 0);
 }
 
-// A content_light_level_info and a mastering display, which the library keeps, in the container's record.
+// A mastering display, which the library keeps, in the container's record.
 TEST_F(SeiExtraction, itemsOfTheConfigurationRecord) {
     const Bytes display =
         hex("4E 01 89 18 33 C2 86 C4 1D 4C 0B B8 84 D0 3E 80 3D 13 40 42 00 98 96 80 00 00 03 00 32 80");
@@ -200,7 +200,7 @@ TEST_F(SeiExtraction, filtersNarrowTheItemsOfTheConfigurationRecord) {
     line.filter.unitTypes = {40};
     EXPECT_EQ(filesWith(line), 0U);
     line.filter = {};
-    line.filter.keyOnly = true;  // the picture is none
+    line.filter.keyOnly = true;  // the picture is not a key picture
     EXPECT_EQ(filesWith(line), 0U);
 }
 

@@ -1,4 +1,4 @@
-// Where the payloads of SEI messages stand.
+// The positions of SEI payloads.
 #include "analysis/SeiReport.h"
 
 #include <gtest/gtest.h>
@@ -40,15 +40,15 @@ TEST(SeiReport, placesOfPayloads) {
     const std::pair<const char*, Places> cases[] = {
         {"06 F0 02 AA BB 80", {{103, 2, 2}}},
         {"06 F0 02 AA BB F1 01 CC 80", {{103, 2, 2}, {107, 1, 1}}},
-        // An emulation prevention byte inside, and so ahead of the second message.
+        // An emulation prevention byte inside, and so before the second message.
         {"06 F0 04 AA 00 00 03 01 F1 01 CC 80", {{103, 4, 5}, {110, 1, 1}}},
-        // Right ahead of the payload: type 0, size 0 and again type 0.
+        // Directly before the payload: type 0, size 0 and again type 0.
         {"06 00 00 03 00 01 AA 80", {{104, 0, 0}, {106, 1, 1}}},
-        // Behind a payload that ends in zeros: it belongs to what follows.
+        // After a payload that ends in zeros: it belongs to the next message.
         {"06 F0 02 00 00 03 01 01 CC 80", {{103, 2, 2}, {108, 1, 1}}},
-        // A 03 that no two zeros stand ahead of is a byte of the payload.
+        // A 03 that is not preceded by two zeros is a byte of the payload.
         {"06 F0 03 00 03 03 80", {{103, 3, 3}}},
-        // As long as several size bytes tell.
+        // A size of several bytes.
         {"06 FF 01 02 AA BB 80", {{104, 2, 2}}},
         {"06 F0 00 80", {{103, 0, 0}}},
         {"06 80", {}},

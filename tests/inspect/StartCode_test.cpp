@@ -25,7 +25,7 @@ void PrintTo(const Case& row, std::ostream* out) {
 
 class StartCodeTable : public ::testing::TestWithParam<Case> {};
 
-TEST_P(StartCodeTable, isFoundWhereItStands) {
+TEST_P(StartCodeTable, isFoundAtItsPlace) {
     const Case& row = GetParam();
     const Bytes bytes = hex(row.bytes);
     const auto code = findStartCode(bytes.data(), bytes.size(), row.from, row.zeroByteFrom);
@@ -43,19 +43,19 @@ INSTANTIATE_TEST_SUITE_P(
                       Case{"threeBytes", "00 00 01 65", 0, 0, true, 0, 3},
                       Case{"fourBytes", "00 00 00 01 65", 0, 0, true, 0, 4},
                       Case{"fiveBytes", "00 00 00 00 01 65", 0, 0, true, 1, 5},
-                      Case{"nothingBehind", "00 00 01", 0, 0, false, 0, 0},
-                      Case{"nothingBehindFour", "FF 00 00 00 01", 0, 0, false, 0, 0},
-                      Case{"behindOthers", "65 01 00 00 01 41", 0, 0, true, 2, 5},
+                      Case{"nothingAfter", "00 00 01", 0, 0, false, 0, 0},
+                      Case{"nothingAfterFour", "FF 00 00 00 01", 0, 0, false, 0, 0},
+                      Case{"afterOthers", "65 01 00 00 01 41", 0, 0, true, 2, 5},
                       Case{"fromItsFirstByte", "65 01 00 00 01 41", 2, 0, true, 2, 5},
                       Case{"fromItsSecondByte", "65 01 00 00 01 41", 3, 0, false, 0, 0},
                       Case{"zeroByteSpokenFor", "00 00 01 00 00 00 01 41", 4, 4, true, 4, 7},
                       Case{"zeroByteFree", "00 00 01 65 00 00 00 01 41", 4, 4, true, 4, 8},
-                      Case{"fromBehindTheZeroByte", "65 00 00 00 01 41", 2, 1, true, 1, 5},
-                      Case{"oneAheadOfTheOne", "00 01 00 01 00 00 01 09", 0, 0, true, 4, 7}),
+                      Case{"fromAfterTheZeroByte", "65 00 00 00 01 41", 2, 1, true, 1, 5},
+                      Case{"oneBeforeTheOne", "00 01 00 01 00 00 01 09", 0, 0, true, 4, 7}),
     [](const auto& row) { return row.param.name; });
 
-// Long data is searched in blocks: a start code is found wherever it lies in them, from any place before it,
-// and none is found where it has no byte after it.
+// Long data is searched in blocks: a start code is found at any position in them, from any place before it,
+// unless no byte follows it.
 TEST(StartCode, anywhereInLongData) {
     constexpr size_t kSize = 300;
     for (size_t at = 0; at + 4 <= kSize; ++at) {

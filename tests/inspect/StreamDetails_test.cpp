@@ -1,4 +1,4 @@
-// What holds from one access unit to the next, and what comes with the container.
+// State across access units, and the content of configuration records.
 #include "analysis/StreamDetails.h"
 
 #include <gmock/gmock.h>
@@ -22,7 +22,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Pair;
 
-// A stream as the program goes through it: byte stream access units after a configuration record.
+// Inspects a stream as the program does: byte stream access units after a configuration record.
 class Inspected {
 public:
     explicit Inspected(QVCodecID codec, const Bytes& record = {})
@@ -74,7 +74,7 @@ Bytes spsOf(uint32_t macroblocksWide, uint32_t id = 0) {
     });
 }
 
-TEST(StreamDetails, parameterSetsThatComeBack) {
+TEST(StreamDetails, parameterSetsThatReturn) {
     Inspected stream(QVCodecIDAvc);
     stream.add({spsOf(2)});
     EXPECT_TRUE(stream.last().units[0].newSps);
@@ -83,7 +83,7 @@ TEST(StreamDetails, parameterSetsThatComeBack) {
     EXPECT_TRUE(stream.last().units[0].newSps);
     EXPECT_EQ(stream.last().sps->avc.mb_width, 3);
 
-    // The first one comes back: it is in force again and not a new one.
+    // The first one returns: it is active again, and not new.
     stream.add({spsOf(2)});
     EXPECT_FALSE(stream.last().units[0].newSps);
     EXPECT_TRUE(stream.last().units[0].isRepeatedSps);
@@ -94,7 +94,7 @@ TEST(StreamDetails, parameterSetsThatComeBack) {
     EXPECT_EQ(stream.totals().repeatedSps, 3U);
 }
 
-TEST(StreamDetails, refusedParameterSetsThatComeBack) {
+TEST(StreamDetails, refusedParameterSetsThatReturn) {
     const Bytes refused = spsOf(2, 40);  // above 31
     const Bytes other = spsOf(2, 41);
     Inspected stream(QVCodecIDAvc);
@@ -187,7 +187,7 @@ TEST(StreamDetails, seiOfARecordCountsWithTheFirstAccessUnit) {
 
     stream.add(kHevcPicture);
     EXPECT_EQ(stream.last().recordSei.size(), 2U);
-    EXPECT_EQ(stream.last().seiItems, 1U);  // the library keeps mastering displays
+    EXPECT_EQ(stream.last().seiItems, 1U);  // the library keeps mastering displays only
     stream.add(kHevcPicture);
     EXPECT_THAT(stream.last().recordSei, IsEmpty());
     EXPECT_EQ(stream.last().seiItems, 0U);
@@ -219,7 +219,7 @@ TEST(StreamDetails, brokenSeiOfARecord) {
                 ElementsAre("error: SEI unit 1 of the configuration record: the walk of the SEI unit ended "
                             "with 11000001"));
 
-    // The library looks at the first message only.
+    // The library reads the first message only.
     const Bytes second = hex("4E 01 90 04 03 E8 01 90 05 10 AA 80");
     EXPECT_THAT(
         describe(Inspected(QVCodecIDHevc, hevcRecord({{hex("40 01")}, {contentLight(), second}}))
@@ -230,7 +230,7 @@ TEST(StreamDetails, brokenSeiOfARecord) {
                     "unit)"));
 }
 
-// HLG as the VUI has it: transfer_characteristics 18. As an encoder wrote it.
+// HLG in the VUI, transfer_characteristics 18, as an encoder wrote it.
 TEST(StreamDetails, hlgWithAMasteringDisplay) {
     const Bytes sps =
         hex("42 01 01 02 20 00 00 03 00 90 00 00 03 00 00 03 00 3C A0 0A 08 0B 9F 6D 96 56 69 24 CA F0 16 "
@@ -241,9 +241,9 @@ TEST(StreamDetails, hlgWithAMasteringDisplay) {
     EXPECT_THAT(stream.totals().signals.hdrClasses(), ElementsAre("HLG"));
 }
 
-// --- Messages that are cut off ---
+// --- Truncated messages ---
 
-struct CutMessage {
+struct TruncatedMessage {
     const char* name;
     QVCodecID codec;
     const char* unit;
@@ -252,10 +252,10 @@ struct CutMessage {
 };
 
 // Units begin at 4.
-TEST(StreamDetails, messagesThatAreCutOff) {
-    const CutMessage cases[] = {
+TEST(StreamDetails, truncatedMessages) {
+    const TruncatedMessage cases[] = {
         {"whole", QVCodecIDHevc, "4E 01 90 04 03 E8 01 90 05 01 AA 80", std::nullopt, 0},
-        // The library looks at the first message alone.
+        // The library reads the first message only.
         {"second of H.265", QVCodecIDHevc, "4E 01 90 04 03 E8 01 90 05 10 AA 80",
          "error at 12: SEI message 2 of the unit is truncated: payloadType 5, payloadSize 16, of which 2 "
          "bytes "
@@ -266,12 +266,12 @@ TEST(StreamDetails, messagesThatAreCutOff) {
          "bytes "
          "are present",
          1},
-        {"behind emulation prevention", QVCodecIDHevc, "4E 01 C8 03 00 00 03 01 05 10 80",
+        {"after emulation prevention", QVCodecIDHevc, "4E 01 C8 03 00 00 03 01 05 10 80",
          "error at 12: SEI message 2 of the unit is truncated: payloadType 5, payloadSize 16, of which 1 "
          "bytes "
          "are present",
          1},
-        // The walk takes fewer than three bytes for no message.
+        // The walk does not treat fewer than three bytes as a message.
         {"last of H.264", QVCodecIDAvc, "06 05 01 AA 05 10",
          "error at 8: SEI message 2 of the unit is truncated: payloadType 5, payloadSize 16, of which 0 "
          "bytes "
@@ -282,7 +282,7 @@ TEST(StreamDetails, messagesThatAreCutOff) {
         {"first of H.264", QVCodecIDAvc, "06 05 10 AA 80", std::nullopt, 1},
         {"trailing bits alone", QVCodecIDHevc, "4E 01 90 04 03 E8 01 90", std::nullopt, 0},
     };
-    for (const CutMessage& row : cases) {
+    for (const TruncatedMessage& row : cases) {
         SCOPED_TRACE(row.name);
         Inspected stream(row.codec);
         stream.add({hex(row.unit)});

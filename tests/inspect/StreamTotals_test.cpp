@@ -1,4 +1,4 @@
-// What streams add up to, at the edges.
+// Totals of streams, at the limits.
 #include "analysis/StreamTotals.h"
 
 #include <gmock/gmock.h>
@@ -61,7 +61,7 @@ MadeAccessUnit keyPicture() {
 
 // --- Key access units ---
 
-// One letter for each access unit: K for a key, p for any other. They take half a second each when timed.
+// One letter for each access unit: K for a key, p for any other. With times, each lasts half a second.
 StreamTotals keysOf(const std::string& pattern, bool isTimed = false) {
     Summed stream;
     double time = 0;
@@ -158,7 +158,7 @@ TEST(StreamTotals, unknownDurations) {
         {"a time that is no number", {picture().at(0), picture().at(kNaN).lasting(1)}, 1},
         {"an infinite time", {picture().at(0), picture().at(kInfinity)}, 1},
         {"a single time", {picture().at(1)}, 0},
-        {"times that stand still", {picture().at(1), picture().at(1)}, 0},
+        {"constant times", {picture().at(1), picture().at(1)}, 0},
         {"a negative duration", {picture().at(1).lasting(-5)}, 0},
         {"a duration that is no number", {picture().at(1).lasting(kNaN)}, 0},
         {"times further apart than numbers go", {picture().at(-1.7e308), picture().at(1.7e308)}, 0},
@@ -192,7 +192,7 @@ struct Load {
     size_t bytes;
 };
 
-// Over ten seconds in all, and nothing but the given loads and two empty access units at both ends.
+// The given loads within ten seconds, with an empty access unit at each end.
 std::optional<double> peakOf(const std::vector<Load>& loads) {
     Summed stream;
     stream.add(picture().at(0).bytesInAll(0));
@@ -200,16 +200,16 @@ std::optional<double> peakOf(const std::vector<Load>& loads) {
         stream.add(picture().at(load.decodeTime).bytesInAll(load.bytes));
     }
     MadeAccessUnit last = picture().at(10).bytesInAll(0);
-    last.accessUnit.decodeTime = kNaN;  // then the time of presentation stands in
+    last.accessUnit.decodeTime = kNaN;  // then the presentation time is used
     stream.add(last);
     return stream.end().peakBitrate;
 }
 
 TEST(StreamTotals, peakBitrate) {
     EXPECT_EQ(peakOf({{5, 1000}}), 8000.0);
-    // A burst, however it falls on the seconds.
+    // A burst at any position relative to whole seconds.
     EXPECT_EQ(peakOf({{1.9, 1000}, {2.0, 1000}, {2.1, 1000}, {5, 1000}}), 24000.0);
-    // The window is a second wide, its end left out.
+    // The window is a second wide, its end excluded.
     EXPECT_EQ(peakOf({{2.0, 1000}, {2.999, 1000}}), 16000.0);
     EXPECT_EQ(peakOf({{2.0, 1000}, {3.0, 1000}}), 8000.0);
     // Equal times.
@@ -246,7 +246,7 @@ TEST(StreamTotals, units) {
     EXPECT_EQ(totals.largestAccessUnitAt, 1U);
 }
 
-// --- Parameter sets ahead of the first key picture ---
+// --- Parameter sets before the first key picture ---
 
 TEST(StreamTotals, parameterSetsOfH264) {
     const auto missingAt = [](const MadeAccessUnit& first, const MadeAccessUnit& second) {
@@ -255,7 +255,7 @@ TEST(StreamTotals, parameterSetsOfH264) {
     };
     const MadeAccessUnit key = keyPicture();
     EXPECT_EQ(missingAt(MadeAccessUnit().unit(7).unit(8).unit(5).key(), key), 0U);
-    EXPECT_EQ(missingAt(MadeAccessUnit().unit(7).unit(8).unit(1), key), 0U);  // ahead of another picture
+    EXPECT_EQ(missingAt(MadeAccessUnit().unit(7).unit(8).unit(1), key), 0U);  // before another picture
     EXPECT_EQ(missingAt(picture(), key), 2U);
     EXPECT_EQ(missingAt(MadeAccessUnit().unit(7).unit(5).key(), key), 1U);
     EXPECT_EQ(missingAt(MadeAccessUnit().unit(8).unit(5).key(), key), 1U);
@@ -298,7 +298,7 @@ TEST(StreamTotals, aRefusedParameterSetOfTheContainerIsAnError) {
 
 // --- Errors and notes ---
 
-TEST(StreamTotals, theFirstErrorIsToldWithItsPlace) {
+TEST(StreamTotals, theFirstErrorIsReportedWithItsPlace) {
     Summed stream;
     stream.add(picture().finding(Severity::Note, 0, "only a note"));
     stream.add(MadeAccessUnit().brokenUnit(UnitState::ForbiddenBit).brokenUnit(UnitState::Empty));
@@ -308,7 +308,7 @@ TEST(StreamTotals, theFirstErrorIsToldWithItsPlace) {
     EXPECT_EQ(totals.noteCount, 1U);
 }
 
-TEST(StreamTotals, anErrorBehindTheStreamHasNoAccessUnit) {
+TEST(StreamTotals, anErrorAfterTheStreamHasNoAccessUnit) {
     Summed stream;
     EXPECT_EQ(stream.end({{Severity::Error, 99, "reading failed"}}).firstError, "reading failed (at 99)");
 }
@@ -371,7 +371,7 @@ TEST(StreamTotals, hdrClasses) {
         {{{147, hex("10")}}, {"HDR10"}},
         {{{147, hex("12")}}, {"HLG"}},
         {{{147, hex("01")}}, {"SDR"}},
-        // HLG with the values of the mastering display is HLG all the same.
+        // HLG with the values of a mastering display is HLG only.
         {{{144, light}, {147, hex("12")}}, {"HLG"}},
         {{{137, Bytes(24)}, {144, light}, {147, hex("12")}}, {"HLG"}},
         {{{137, Bytes(24)}}, {"HDR10"}},

@@ -32,8 +32,8 @@ Bytes hevcRecord() {
 
 struct Written {
     Bytes bytes;
-    std::string told;    // on standard error
-    std::string failed;  // of finish(); empty when all is well
+    std::string messages;  // on standard error
+    std::string failed;    // of finish(); empty on success
 };
 
 Written write(Framing framing, const StreamInfo& info, const std::vector<Bytes>& accessUnits,
@@ -51,9 +51,9 @@ Written write(Framing framing, const StreamInfo& info, const std::vector<Bytes>&
             written.failed = error.what();
         }
     }
-    written.told = ::testing::internal::GetCapturedStderr();
+    written.messages = ::testing::internal::GetCapturedStderr();
     written.bytes = fileContent(path);
-    for (std::string* text : {&written.told, &written.failed}) {
+    for (std::string* text : {&written.messages, &written.failed}) {
         for (size_t at = text->find(path); at != std::string::npos; at = text->find(path)) {
             text->replace(at, path.size(), "out");
         }
@@ -77,7 +77,7 @@ StreamInfo annexB(const Bytes& record = {}) {
 
 void expectWhole(const Written& written, const Bytes& bytes) {
     EXPECT_EQ(written.bytes, bytes);
-    EXPECT_EQ(written.told, "");
+    EXPECT_EQ(written.messages, "");
     EXPECT_EQ(written.failed, "");
 }
 
@@ -97,7 +97,7 @@ const std::vector<FramingCase>& framings() {
          lengths(4),
          {hex("00 00 00 02 65 88 00 00 00 03 65 00 01"), hex("00 00 00 02 41 9A")}},
         {"start codes", annexB(), {hex("00 00 01 65 88 00 00 00 01 65 00 01"), hex("00 00 00 01 41 9A")}},
-        {"zeros ahead of the start codes",
+        {"zeros before the start codes",
          annexB(),
          {hex("00 00 00 00 01 65 88 00 00 01 65 00 01"), hex("00 00 01 41 9A")}},
     };
@@ -132,7 +132,7 @@ TEST(StreamWriter, filtersNarrowWhatIsShownNotTheStream) {
 
 const Bytes kAvcSets = hex("00 00 00 01 67 64 01 00 00 00 01 68 CE");
 
-TEST(StreamWriter, parameterSetsGoAheadOfKeyAccessUnits) {
+TEST(StreamWriter, parameterSetsPrecedeKeyAccessUnits) {
     expectWhole(
         write(Framing::AnnexB, lengths(1, avcRecord()), {hex("02 65 88"), hex("02 41 9A"), hex("02 65 89")}),
         kAvcSets + hex("00 00 00 01 65 88 00 00 00 01 41 9A") + kAvcSets + hex("00 00 00 01 65 89"));
@@ -140,12 +140,12 @@ TEST(StreamWriter, parameterSetsGoAheadOfKeyAccessUnits) {
                 hex("00 00 00 03 67 64 01 00 00 00 02 68 CE 00 00 00 02 65 88"));
 }
 
-TEST(StreamWriter, parameterSetsGoAheadOfTheFirstAccessUnitWhateverItIs) {
+TEST(StreamWriter, parameterSetsPrecedeTheFirstAccessUnitOfAnyKind) {
     expectWhole(write(Framing::AnnexB, lengths(1, avcRecord()), {hex("02 41 9A"), hex("02 41 9B")}),
                 kAvcSets + hex("00 00 00 01 41 9A 00 00 00 01 41 9B"));
 }
 
-TEST(StreamWriter, parameterSetsStandBehindTheDelimiterAndAheadOfSei) {
+TEST(StreamWriter, parameterSetsAreAfterTheDelimiterAndBeforeSei) {
     expectWhole(write(Framing::AnnexB, lengths(1, avcRecord()), {hex("02 09 10 03 06 FF 80 02 65 88")}),
                 hex("00 00 00 01 09 10") + kAvcSets + hex("00 00 00 01 06 FF 80 00 00 00 01 65 88"));
 }
@@ -153,7 +153,7 @@ TEST(StreamWriter, parameterSetsStandBehindTheDelimiterAndAheadOfSei) {
 TEST(StreamWriter, parameterSetsOfItsOwnAreKept) {
     expectWhole(write(Framing::AnnexB, lengths(1, avcRecord()), {hex("02 67 65 02 68 CF 02 65 88")}),
                 hex("00 00 00 01 67 65 00 00 00 01 68 CF 00 00 00 01 65 88"));
-    // With only one of its own, the other joins it.
+    // With only one in the access unit, the other is added.
     expectWhole(write(Framing::AnnexB, lengths(1, avcRecord()), {hex("02 67 65 02 65 88")}),
                 hex("00 00 00 01 67 65 00 00 00 01 68 CE 00 00 00 01 65 88"));
 }
@@ -164,7 +164,7 @@ TEST(StreamWriter, hevcRecordWithSei) {
     const Bytes picture = hex("00 00 00 01 26 01 AF");
     const StreamInfo info = lengths(1, hevcRecord(), QVCodecIDHevc);
     expectWhole(write(Framing::AnnexB, info, {hex("03 26 01 AF")}), sets + sei + picture);
-    // The very same message is not given twice; another one does not stand in for it.
+    // The same message is not written twice; another one does not replace it.
     expectWhole(write(Framing::AnnexB, info, {hex("07 4E 01 90 02 11 22 80 03 26 01 AF")}),
                 sets + sei + picture);
     expectWhole(write(Framing::AnnexB, info, {hex("05 4E 01 01 00 80 03 26 01 AF")}),
@@ -218,10 +218,10 @@ struct BrokenCase {
     Framing framing;
     Bytes accessUnit;
     Bytes expected;
-    std::string told;
+    std::string messages;
 };
 
-// What can be converted is written, and what cannot is told with its place.
+// What can be converted is written; the rest is reported with its offset.
 TEST(StreamWriter, brokenAccessUnits) {
     const std::vector<BrokenCase> cases = {
         {"length past the end", lengths(2), Framing::AnnexB, hex("00 02 65 88 00 09 65 01"),
@@ -241,7 +241,7 @@ TEST(StreamWriter, brokenAccessUnits) {
          hex("65 01 02 03"),
          {},
          "4 bytes without a NAL unit are left out"},
-        {"bytes ahead of the first start code", annexB(), Framing::Lengths4, hex("AB CD 00 00 01 65 88"),
+        {"bytes before the first start code", annexB(), Framing::Lengths4, hex("AB CD 00 00 01 65 88"),
          hex("00 00 00 02 65 88"), "2 bytes before the first NAL unit are left out"},
         {"start code inside of a unit", lengths(1), Framing::AnnexB, hex("06 65 88 00 00 01 41 02 41 9A"),
          hex("00 00 00 01 65 88 00 00 01 41 00 00 00 01 41 9A"),
@@ -251,13 +251,13 @@ TEST(StreamWriter, brokenAccessUnits) {
         SCOPED_TRACE(each.name);
         const Written written = write(each.framing, each.info, {each.accessUnit});
         EXPECT_EQ(written.bytes, each.expected);
-        EXPECT_EQ(written.told, "qvinspect: out: access unit 1 of stream: " + each.told + "\n");
+        EXPECT_EQ(written.messages, "qvinspect: out: access unit 1 of stream: " + each.messages + "\n");
         EXPECT_THAT(written.failed,
                     HasSubstr("out is not the whole stream: one part of it could not be converted"));
     }
 }
 
-// Behind a start code an empty unit would swallow the next one. Nothing is lost with it.
+// After a start code an empty unit would absorb the next start code. Leaving it out loses nothing.
 TEST(StreamWriter, emptyUnitsAreLeftOut) {
     expectWhole(write(Framing::AnnexB, lengths(1), {hex("00 02 65 88 00 00 02 65 89 00")}),
                 hex("00 00 00 01 65 88 00 00 00 01 65 89"));
@@ -270,9 +270,9 @@ TEST(StreamWriter, unitsThatAreNotTypedAreConverted) {
     expectWhole(write(Framing::AnnexB, lengths(1), {hex("02 E5 88")}), hex("00 00 00 01 E5 88"));
 }
 
-TEST(StreamWriter, theFirstLossesAreToldAndAllAreCounted) {
+TEST(StreamWriter, theFirstLossesAreReportedAndAllAreCounted) {
     const Written written = write(Framing::AnnexB, lengths(1), std::vector<Bytes>(25, hex("02 65")));
-    EXPECT_EQ(std::count(written.told.begin(), written.told.end(), '\n'), 10);
+    EXPECT_EQ(std::count(written.messages.begin(), written.messages.end(), '\n'), 10);
     EXPECT_THAT(written.failed, HasSubstr("25 parts of it could not be converted"));
 }
 

@@ -1,4 +1,4 @@
-// Real streams as the inspector reads and lists them, against what other tools found in them.
+// Access units and NAL units of real streams, compared with the results of other tools.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -20,7 +20,7 @@ namespace {
 using nlohmann::json;
 using qvinspect::UnitState;
 
-// nal_unit_type as H.264 7.3.1 and H.265 7.3.1.2 lay it out, forbidden_zero_bit or not.
+// nal_unit_type of H.264 7.3.1 and H.265 7.3.1.2, whether or not forbidden_zero_bit is set.
 int typeOf(QVCodecID codec, uint8_t firstByte) {
     return codec == QVCodecIDAvc ? firstByte % 32 : firstByte / 2 % 64;
 }
@@ -94,8 +94,8 @@ Listed listStream(const std::filesystem::path& path, bool isLengthPrefixed) {
     return listed;
 }
 
-// Streams that the parser behind the expectations cuts otherwise than the standards do. The numbers are the
-// NAL units of each access unit.
+// Streams that the expectations' parser cuts differently from the standards. The numbers are the NAL units of
+// each access unit.
 struct Deviation {
     const char* reason;
     std::vector<size_t> unitsInAccessUnit;
@@ -115,10 +115,10 @@ const std::map<std::string, Deviation>& deviations() {
           "H.264 7.4.1.2.3",
           {3, 2, 2, 2, 2, 2, 2}}},
         {"avc_jm_mvc_stereo.h264",
-         {"a prefix NAL unit (14) behind the last VCL NAL unit begins an access unit, H.264 7.4.1.2.3",
+         {"a prefix NAL unit (14) after the last VCL NAL unit begins an access unit, H.264 7.4.1.2.3",
           {8, 3, 3, 3}}},
         {"avc_unittypes_hand.h264",
-         {"units of types 14 to 18 behind the last VCL NAL unit begin an access unit, H.264 7.4.1.2.3",
+         {"units of types 14 to 18 after the last VCL NAL unit begin an access unit, H.264 7.4.1.2.3",
           {5, 2, 1, 2, 2, 2, 3, 2, 2, 2, 2, 2, 2, 2, 2, 4, 2, 2, 2, 2, 2, 1, 2, 2, 3, 2, 2, 2, 2, 2}}},
         {"hevc_alpha.h265",
          {"pictures of nuh_layer_id 1 belong to the access unit of the base layer's, H.265 7.4.2.4.4",
@@ -154,7 +154,7 @@ std::vector<size_t> expectedUnitsInAccessUnit(const Stream& stream) {
     return counts;
 }
 
-// By the types of each access unit's units: the set that QVNaluParser::isKeyFrame is documented with.
+// By the types of each access unit's units: those that QVNaluParser::isKeyFrame documents.
 std::vector<bool> expectedKeys(const Listed& listed) {
     static const std::set<int> keyUnitTypes = {5, 16, 17, 18, 19, 20, 21};
     std::vector<bool> keys(listed.sizes.size(), false);

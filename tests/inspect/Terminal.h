@@ -16,7 +16,7 @@ public:
     // The program's side.
     int file() const { return program_; }
 
-    // What was written since the last call.
+    // The output since the last call.
     std::string written() const;
 
 private:

@@ -1,4 +1,4 @@
-// What real streams add up to, against what other tools found in them.
+// Totals of real streams, compared with the results of other tools.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -82,14 +82,14 @@ TEST_P(Totals, unitsByType) {
 TEST_P(Totals, messagesByType) {
     forEachStream([](const Stream& stream, const StreamTotals& totals) {
         if (stream.name.find("noise") != std::string::npos) {
-            return;  // damaged: what is left of messages is not the same to every reader
+            return;  // damaged: readers differ in the rest of the messages
         }
         EXPECT_EQ(byType(totals.messagesByType), stream.expectation.at("sei").at("payload_type_counts"));
     });
 }
 
-// The types that QVNaluParser::isKeyFrame is documented with, one access unit a packet. Streams that the
-// other tool cuts otherwise are left out: Streams_test.cpp says which and why. One of them has as many
+// The types that QVNaluParser::isKeyFrame documents, one access unit a packet. Streams that the other tool
+// cuts differently are left out; Streams_test.cpp lists them with reasons. One of them has the same number of
 // packets.
 TEST_P(Totals, keys) {
     static const std::set<int> keyTypes = {5, 16, 17, 18, 19, 20, 21};
@@ -113,7 +113,7 @@ TEST_P(Totals, keys) {
     EXPECT_GT(compared, 2U);
 }
 
-// What the decoder of the other tool attached to its first frames.
+// The side data that the other tool's decoder attached to its first frames.
 TEST_P(Totals, signals) {
     size_t signalled = 0;
     forEachStream([&](const Stream& stream, const StreamTotals& totals) {
@@ -140,7 +140,7 @@ TEST_P(Totals, signals) {
     EXPECT_GT(signalled, 0U);
 }
 
-// Nothing is signalled that no message could carry.
+// Nothing is signalled without a message that can carry it.
 TEST_P(Totals, noSignalWithoutItsMessage) {
     forEachStream([](const Stream& stream, const StreamTotals& totals) {
         const json& types = stream.expectation.at("sei").at("payload_type_counts");

@@ -1,5 +1,5 @@
-// Writes the hostile files into a folder, and beside them a list: on each line a name and the arguments of
-// the program that the file is aimed at, with a tab between them.
+// Writes the hostile files into a folder, with a list: on each line a name and the arguments of the program
+// that make the file costly, separated by a tab.
 //
 // Usage: hostile_files FOLDER
 #include <cstdio>

@@ -1,7 +1,6 @@
-// Runs the inspector over broken copies of files, each one cut at random places and each one with random
-// bytes changed, with one report after the other. Each run has to end with the exit code of a stream that was
-// read or refused, and nothing may be thrown. Meant for a build with sanitizers; the copies of a file are the
-// same in every run.
+// Runs the inspector on broken copies of files, some cut at random places and some with random bytes changed,
+// with each report in turn. Each run must end with the exit code of a stream that was read or refused,
+// without an exception. Use a build with sanitizers; the copies of a file are the same in every run.
 //
 // Usage: torture COPIES FILE...   takes COPIES cut and COPIES changed copies of each file
 #include <unistd.h>
@@ -30,12 +29,12 @@ using Bytes = std::vector<char>;
 using Random = std::mt19937;
 using Options = std::vector<const char*>;
 
-// Made anew by each run that extracts items, in the folder that is worked in.
+// Made by each run that extracts items, in the working folder.
 constexpr const char* kItems = "items";
 
 struct Report {
     Options options;
-    bool isWhole;  // else what cannot be converted is left out, with exit code 5
+    bool isWhole;  // otherwise what cannot be converted is left out, with exit code 5
 };
 
 const std::array<Report, 8> kReports = {{
@@ -65,9 +64,9 @@ Bytes cut(const Bytes& whole, Random& random) {
     return Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(below(random, whole.size() + 1)));
 }
 
-// Bytes changed to anything, or to what framing is made of, or a bit of theirs, or taken out.
+// Bytes are changed to random values or to bytes of framing, or have a bit flipped, or are removed.
 Bytes changed(Bytes bytes, Random& random) {
-    constexpr char kTelling[] = {0, 0, 1, 3, '\xFF', '\x80', 0x67, 0x06, 0x42, 0x4E};
+    constexpr char kFramingBytes[] = {0, 0, 1, 3, '\xFF', '\x80', 0x67, 0x06, 0x42, 0x4E};
     for (size_t left = 1 + below(random, 16); left > 0 && !bytes.empty(); --left) {
         const auto at = bytes.begin() + static_cast<std::ptrdiff_t>(below(random, bytes.size()));
         switch (below(random, 4)) {
@@ -75,7 +74,7 @@ Bytes changed(Bytes bytes, Random& random) {
                 *at = static_cast<char>(random());
                 break;
             case 1:
-                *at = kTelling[below(random, sizeof kTelling)];
+                *at = kFramingBytes[below(random, sizeof kFramingBytes)];
                 break;
             case 2:
                 *at = static_cast<char>(*at ^ 1 << below(random, 8));
@@ -102,7 +101,7 @@ bool isDocumented(int exitCode, const Report& report) {
     }
 }
 
-// How often each exit code came.
+// The count of each exit code.
 using ExitCodes = std::map<int, size_t>;
 
 void inspect(const fs::path& path, const Report& report, ExitCodes& codes) {
@@ -122,7 +121,7 @@ void inspect(const fs::path& path, const Report& report, ExitCodes& codes) {
     fs::remove_all(kItems);
 }
 
-// The copy stays where something is thrown, and of course where a sanitizer ends the program.
+// The copy is kept if an exception is thrown or a sanitizer ends the program.
 void torture(const fs::path& original, size_t copies, ExitCodes& codes) {
     const Bytes whole = contentOf(original);
     const fs::path copy = fs::current_path() / original.filename();
@@ -142,7 +141,7 @@ void torture(const fs::path& original, size_t copies, ExitCodes& codes) {
     fs::remove(copy);
 }
 
-// Standard output, which goes nowhere from now on.
+// Discards standard output from here on.
 FILE* takeStandardOutput() {
     FILE* const taken = fdopen(dup(STDOUT_FILENO), "w");
     if (taken == nullptr || std::freopen("/dev/null", "w", stdout) == nullptr) {
