@@ -82,7 +82,7 @@ void countKeyFrame() {
     bytes.resize(bytes.size() + 700, 0x55);
     bytes.insert(bytes.end(), {0, 0, 1, 0x65});
     bytes.resize(kPool, 0x55);
-    count("isKeyFrame, key unit behind 700 bytes", [&] {
+    count("isKeyFrame, key unit after 700 bytes", [&] {
         require(QVNaluParser::isKeyFrame(QVCodecIDAvc, bytes.data(), sizeOf(bytes)), "isKeyFrame");
     });
 }

@@ -35,7 +35,7 @@ HevcParser hevcParser() {
     return {gst_h265_parser_new(), gst_h265_parser_free};
 }
 
-Bytes behindStartCode(const Bytes& unit) {
+Bytes afterStartCode(const Bytes& unit) {
     Bytes bytes = unit;
     bytes.insert(bytes.begin(), {0, 0, 1});
     return bytes;
@@ -66,7 +66,7 @@ void scanHevc(GstH265Parser* parser, const Bytes& bytes, NalIndexList& nalus) {
 }
 
 struct AvcUnit {
-    explicit AvcUnit(const Bytes& unit) : bytes(behindStartCode(unit)) {
+    explicit AvcUnit(const Bytes& unit) : bytes(afterStartCode(unit)) {
         const GstH264ParserResult result =
             gst_h264_parser_identify_nalu_unchecked(parser.get(), bytes.data(), 0, bytes.size(), &nalu);
         require(result == GST_H264_PARSER_OK && nalu.size == unit.size(), "a unit for GStreamer");
@@ -78,7 +78,7 @@ struct AvcUnit {
 };
 
 struct HevcUnit {
-    explicit HevcUnit(const Bytes& unit) : bytes(behindStartCode(unit)) {
+    explicit HevcUnit(const Bytes& unit) : bytes(afterStartCode(unit)) {
         const GstH265ParserResult result =
             gst_h265_parser_identify_nalu_unchecked(parser.get(), bytes.data(), 0, bytes.size(), &nalu);
         require(result == GST_H265_PARSER_OK && nalu.size == unit.size(), "a unit for GStreamer");
