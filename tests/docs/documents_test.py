@@ -10,7 +10,7 @@ REPOSITORY = pathlib.Path(sys.argv[1])
 DOCUMENTS = [path for pattern in ("*.md", "docs/*.md", "samples/*.md", "tests/*.md") for path in REPOSITORY.glob(pattern)]
 FENCE = re.compile(r"^```.*?^```\n", re.M | re.S)
 LINK = re.compile(r"\]\(([^)\s]+)\)")
-# `fuzz/build.sh`, `tests/support`, `detail/Log.h`; TARGET stands for a name.
+# `fuzz/build.sh`, `tests/support`, `detail/Log.h`; TARGET is a placeholder for a name.
 NAMED = re.compile(r"`((?:cmake|detail|docs|examples|fuzz|modules|samples|scripts|tests|tools|bench)/[\w./-]+)")
 SCRIPT = re.compile(r"(?<![\w./-])scripts/[\w./-]*\w")
 LIBRARY = REPOSITORY / "modules/demuxer/low_level/common"

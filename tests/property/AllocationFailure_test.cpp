@@ -36,7 +36,7 @@ const Bytes kByteStream = {0, 0, 0, 1,    0x67, 0x42, 0, 0, 1,    0x68, 0xCE,
                            0, 0, 1, 0x65, 0x88, 0,    0, 1, 0x41, 0x9A};
 const Bytes kLengths = {0, 0, 0, 2, 0x67, 0x42, 0, 0, 0, 2, 0x65, 0x88, 0, 0, 0, 1, 0x41};
 
-Parameters told(int payloadType, int payloadSize) {
+Parameters payloadOf(int payloadType, int payloadSize) {
     Parameters parameters;
     parameters.payloadType = payloadType;
     parameters.payloadSize = payloadSize;
@@ -62,13 +62,13 @@ std::map<std::string, Case> casesWithAllocations() {
         {"converAnnexBToAvcC", {kByteStream, {}, {}, {}, {}, true}},
         // With a length that counts as 0 the last unit does not end at the end of the buffer.
         {"connvertAvcCToAnnexB", {kLengths, {}, kInvalidData, kInvalidData, kNoMemory, true}},
-        {"parserDataToSei", {Bytes{0x06} + avcSei(), told(0, 0), kOk, {}, kFailed, true}},
-        {"parserAvcDataToSei", {avcSei(), told(0, 0), kOk, {}, kFailed, true}},
-        {"parserHevcDataToSei", {hevcSei, told(0, 0), kOk, {}, kFailed, true}},
-        {"parserHevcSeiPrefix", {Bytes(24, 0x33), told(137, 24), {}, {}, kFailed, true}},
-        {"parserHevcSeiSuffix", {Bytes(24, 0x33), told(200, 24), {}, {}, kOk, true}},
-        {"fillSeiDataWithoutParsing", {Bytes(24, 0x33), told(5, 24), {}, {}, kFailed, true}},
-        {"parserHevcDisplayOrientation", {{0x20, 0x00, 0x10}, told(47, 3), {}, {}, kFailed, true}},
+        {"parserDataToSei", {Bytes{0x06} + avcSei(), payloadOf(0, 0), kOk, {}, kFailed, true}},
+        {"parserAvcDataToSei", {avcSei(), payloadOf(0, 0), kOk, {}, kFailed, true}},
+        {"parserHevcDataToSei", {hevcSei, payloadOf(0, 0), kOk, {}, kFailed, true}},
+        {"parserHevcSeiPrefix", {Bytes(24, 0x33), payloadOf(137, 24), {}, {}, kFailed, true}},
+        {"parserHevcSeiSuffix", {Bytes(24, 0x33), payloadOf(200, 24), {}, {}, kOk, true}},
+        {"fillSeiDataWithoutParsing", {Bytes(24, 0x33), payloadOf(5, 24), {}, {}, kFailed, true}},
+        {"parserHevcDisplayOrientation", {{0x20, 0x00, 0x10}, payloadOf(47, 3), {}, {}, kFailed, true}},
         {"fillHDR10StaticMetadataFromHevcMasteringDisplayInfoSei", {Bytes(24, 0x33), {}, kOk, {}, {}}},
         {"QVByteStream", {Bytes(24, 0x33), {}, 0, {}, {}}},
     };
@@ -83,7 +83,7 @@ void warmUp(const Operation& operation, const Case& what) {
 
 // The payload parsers and other operations that allocate nothing.
 Case caseWithoutAllocations() {
-    return {Bytes(400, 0x44), told(5, 40), {}, {}, {}};
+    return {Bytes(400, 0x44), payloadOf(5, 40), {}, {}, {}};
 }
 
 void freshCore() {
