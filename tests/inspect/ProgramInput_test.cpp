@@ -221,7 +221,7 @@ TEST_F(ProgramInput, partOfARawStream) {
                   "ends before the part that --start selects; give an earlier time");
 }
 
-// What stands ahead of the part says how to read it.
+// Parameter sets before the part determine how it is read.
 TEST_F(ProgramInput, parameterSetsAheadOfThePart) {
     write("x", rawStream() + withoutParameterSets(rawStream()));
     const std::vector<std::string> part = {

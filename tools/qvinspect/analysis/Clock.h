@@ -13,7 +13,7 @@ public:
     // frameRate: frames a second, instead of the rate in the parameter sets.
     explicit Clock(std::optional<double> frameRate) : frameRate_(frameRate) {}
 
-    // Sets the times of an access unit that has none, in decoding order from 0, as long as the frame rate is
+    // Sets the times of an access unit without times, in decoding order from 0, as long as the frame rate is
     // known: as given, or by the timing of the VUI or of the H.265 VPS. A field of H.264 takes half of the
     // time of a frame.
     void apply(AccessUnitView& view);

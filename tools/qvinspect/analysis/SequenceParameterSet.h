@@ -41,7 +41,7 @@ struct SequenceParameterSet {
 SequenceParameterSet readSequenceParameterSet(QVCodecID codec, const unsigned char* unit, size_t size,
                                               const qv::hevc::Vps* vps = nullptr);
 
-// The elements under their names, and what is derived.
+// Every element under its name, and derived values.
 Block describe(const SequenceParameterSet& sps);
 
 }  // namespace qvinspect

@@ -86,7 +86,7 @@ void StreamDetails::takeSps(const unsigned char* unit, size_t size, UnitDetails&
         std::vector<uint8_t> bytes(unit, unit + size);
         auto sps = std::make_shared<const SequenceParameterSet>(
             readSequenceParameterSet(codec_, unit, size, vpsOf(unit, size)));
-        // One that comes back after another of its identifier is in force again and still not new.
+        // A set that returns after another with the same identifier is active again, but not new.
         details.isRepeatedSps = wasSeen(bytes);
         if (!details.isRepeatedSps) {
             details.newSps = sps;

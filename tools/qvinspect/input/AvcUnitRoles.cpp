@@ -55,7 +55,7 @@ UnitRole AvcUnitRoles::roleOfSlice(const unsigned char* unit, size_t size) {
     if (last->isWhole && slice.isWhole) {
         return beginsPrimaryPicture(*last, slice) ? UnitRole::BeginsPicture : UnitRole::ContinuesPicture;
     }
-    // Without its parameter sets a slice says only this much.
+    // Without its parameter sets, only this much is known of a slice.
     return slice.first_mb_in_slice == 0 ? UnitRole::BeginsPicture : UnitRole::SeemsToContinue;
 }
 

@@ -19,7 +19,7 @@ private:
     UnitRole roleOfSlice(const unsigned char* unit, size_t size);
 
     qv::avc::ParameterSets parameterSets_;
-    std::optional<AvcSliceHeader> last_;  // of the primary coded picture at hand
+    std::optional<AvcSliceHeader> last_;  // of the current primary coded picture
     bool isFieldSlice_ = false;
     bool hasEnded_ = false;  // an end of sequence or stream follows it
 };

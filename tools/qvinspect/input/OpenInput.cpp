@@ -120,7 +120,7 @@ Reader openAsFound(Input input) {
     }
     const qv::CodecProbe found = probe(head, qv::Framing::StartCodes);
     const std::optional<QVCodecID> codec = input.options.codec ? input.options.codec : codecOf(found);
-    // Start codes further in can stand inside of anything: the rarer containers come first.
+    // Start codes that are not at the beginning can be in any file: the rarer containers come first.
     if (!codec || (!found.beginsWithStartCode && looksLikeContainer(head))) {
         ContainerResult container = tryContainer(input);
         if (container.reader != nullptr) {

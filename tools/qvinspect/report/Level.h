@@ -1,4 +1,4 @@
-// How deep a report goes. Each level up to Fields holds what the ones before it hold.
+// The depth of a report. Each level up to Fields includes the ones before it.
 #ifndef QVINSPECT_LEVEL_H
 #define QVINSPECT_LEVEL_H
 

@@ -184,8 +184,8 @@ void StreamWriter::useConfiguration(QVCodecID codec, const std::vector<uint8_t>&
     }
 }
 
-// Parameter sets of a type that the access unit brings are its own business; an SEI unit
-// of the record is missing unless the very same is there.
+// Parameter sets are not inserted if the access unit has any of their type; an SEI unit of the record is not
+// inserted if the access unit has the same one.
 StreamWriter::LengthUnits StreamWriter::missingUnits(const AccessUnitView& view) {
     const QVCodecID codec = view.accessUnit.parameters.codecId;
     LengthUnits missing;
@@ -201,7 +201,7 @@ StreamWriter::LengthUnits StreamWriter::missingUnits(const AccessUnitView& view)
     return missing;
 }
 
-// The first time they are: the record is no larger than the file.
+// Always true the first time: the record is no larger than the file.
 bool StreamWriter::isInProportion(const LengthUnits& missing) {
     const bool isFirst = recordBytes_ == 0;
     if (!isFirst && recordBytes_ + missing.bytes.size() > repeatedRecordBytes(bytes_)) {

@@ -50,7 +50,7 @@ private:
         std::vector<uint8_t> bytes;
     };
 
-    // Behind 4-byte lengths.
+    // With 4-byte lengths.
     struct LengthUnits {
         std::vector<uint8_t> bytes;
         size_t count = 0;
