@@ -59,12 +59,12 @@ void readMessages(const unsigned char* data, size_t size, size_t header, size_t 
         int payloadType = 0;
         int payloadSize = 0;
         if (QVNaluParser::parserPayloadParams(rbsp, payloadType, payloadSize) != QVResultOk) {
-            sei.fault =
-                Finding{Severity::Error, sei.offset + positions.codedByte(begin),
-                        fmt::format("SEI message {} of the unit is truncated: payloadType {}, payloadSize {}, "
-                                    "of which {} bytes are present",
-                                    number, static_cast<uint32_t>(payloadType),
-                                    static_cast<uint32_t>(payloadSize), rbsp.bytesLeft())};
+            sei.fault = Finding{
+                Severity::Error, sei.offset + positions.codedByte(begin),
+                fmt::format("SEI message {} of the unit is truncated: payloadType {}, payloadSize {}, "
+                            "of which {} bytes are present",
+                            number, static_cast<uint32_t>(payloadType), static_cast<uint32_t>(payloadSize),
+                            rbsp.bytesLeft())};
             return;
         }
         const uint8_t* const payload = rbsp.data + rbsp.bytePos;
