@@ -565,7 +565,9 @@ void mapEveryByte(const Bytes& bytes) {
 void escapeAndBack(const Bytes& bytes) {
     std::vector<uint8_t> coded(qv::mostEscapedSize(bytes.size()));
     coded.resize(qv::escape(borrowed(bytes), 1, coded.data(), coded.size()));
-    require(qv::unescape(borrowed(coded), 1, coded.data(), coded.size()) != 0, "Rbsp");
+    // An emulation prevention byte at the end stays where the RBSP does not end with whole cabac_zero_words.
+    const size_t size = qv::unescape(borrowed(coded), 1, coded.data(), coded.size());
+    require(size == bytes.size() || size == bytes.size() + 1, "Rbsp");
 }
 
 void growUnits() {

@@ -206,8 +206,8 @@ void addOutputOptions(CLI::App& app, CommandLine& line, Words& words) {
     file("--to-annexb", line.toAnnexB, "the stream with start codes");
     file("--to-lengths", line.toLengths, "the stream with 4-byte lengths");
     app.add_flag("--rewrite", line.rewrite,
-                 "to standard output: as --to-annexb, with each unit that can\n"
-                 "be read into a record written from it")
+                 "to standard output: as --to-annexb, with each unit that\n"
+                 "can be read into a record written from it")
         ->group(kOutputGroup);
     app.add_flag("--elements", line.elements,
                  "to standard output: the syntax elements of each NAL unit,\n"
