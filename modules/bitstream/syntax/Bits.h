@@ -33,6 +33,24 @@ QV_ALWAYS_INLINE uint64_t loadBigEndian64(const uint8_t* bytes) noexcept {
 #endif
 }
 
+// Four bytes as a number, the first byte on top.
+QV_ALWAYS_INLINE uint32_t loadBigEndian32(const uint8_t* bytes) noexcept {
+#if defined(__GNUC__)
+    uint32_t value = 0;
+    std::memcpy(&value, bytes, sizeof value);
+#if __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+    value = __builtin_bswap32(value);
+#endif
+    return value;
+#else
+    uint32_t value = 0;
+    for (int i = 0; i < 4; ++i) {
+        value = value << 8 | bytes[i];
+    }
+    return value;
+#endif
+}
+
 // Zero bits before the first 1 bit. The value must not be 0.
 QV_ALWAYS_INLINE uint32_t leadingZeroBits(uint64_t value) noexcept {
 #if defined(__GNUC__)

@@ -73,6 +73,13 @@ uint64_t Reader::nextBytes() const noexcept {
     if (static_cast<size_t>(end_ - begin_) >= kWindowBytes) {
         return detail::loadBigEndian64(end_ - kWindowBytes) << 8 * (kWindowBytes - left);
     }
+    // A unit of less than eight bytes: most picture parameter sets and all delimiters.
+    constexpr size_t kHalf = 4;
+    if (left >= kHalf) {
+        const uint64_t first = detail::loadBigEndian32(next_);
+        const uint64_t last = detail::loadBigEndian32(end_ - kHalf);
+        return first << 32 | last << (64 - 8 * left);
+    }
     uint64_t bytes = 0;
     for (size_t i = 0; i < left; ++i) {
         bytes |= uint64_t{next_[i]} << (56 - 8 * i);
