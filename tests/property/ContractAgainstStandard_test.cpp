@@ -8,7 +8,6 @@
 #include <iostream>
 #include <map>
 #include <memory>
-#include <regex>
 #include <set>
 #include <string>
 #include <tuple>
@@ -227,13 +226,14 @@ const std::vector<Example>& examples() {
 // The tags of the register whose rows name the parsers of parameter sets or their sources.
 std::set<std::string> registeredForParameterSets() {
     std::ifstream page(QVNALU_DEPARTURES);
-    const std::regex row(R"(\| (D\d\d) .*(parseAvcSps|parseHevcSps|QVAvcSps\.cpp|QVHevcSps\.cpp).*)");
     std::set<std::string> tags;
     std::string line;
     while (std::getline(page, line)) {
-        std::smatch match;
-        if (std::regex_match(line, match, row)) {
-            tags.insert(match[1]);
+        const bool isRow = line.compare(0, 3, "| D") == 0;
+        for (const char* const name : {"parseAvcSps", "parseHevcSps", "QVAvcSps.cpp", "QVHevcSps.cpp"}) {
+            if (isRow && line.find(name) != std::string::npos) {
+                tags.insert(line.substr(2, 3));
+            }
         }
     }
     return tags;
