@@ -44,7 +44,7 @@ TEST(HevcFrameRate, ofFields) {
     EXPECT_EQ(frameRateOf(*odd).framesPerSecond, (Ratio{25, 2}));
 }
 
-// Picture order counts that stand for 1001 ticks each.
+// Each step in picture order count is 1001 ticks.
 TEST(HevcFrameRate, proportionalToPictureOrderCount) {
     const auto sps = timing(1, 24000);
     sps->vui.vui_poc_proportional_to_timing_flag = true;
