@@ -24,7 +24,7 @@ constexpr InterViewReferencesNames kNonAnchorRefs = {"num_non_anchor_refs_l0", "
 // The views, by view order index, that a flag is 1 for.
 class ViewFlags {
 public:
-    void set(uint32_t i, bool flag) { flags_[i / 64] |= uint64_t{flag} << i % 64; }
+    void set(uint32_t i, bool flag) { flags_[i / 64] |= static_cast<uint64_t>(flag) << i % 64; }
     bool operator[](uint32_t i) const { return (flags_[i / 64] >> i % 64 & 1) != 0; }
 
 private:

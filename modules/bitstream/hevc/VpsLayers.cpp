@@ -249,7 +249,8 @@ bool OutputLayerSetReader::next(OutputLayerSet& set) noexcept {
         set.NumLayersInIdList = layerIdListOf(sets_, 0, set.LayerSetLayerIdList);
         set.output_layer_flag = 1;
         set.NecessaryLayerFlag = 1;
-        set.profile_tier_level_idx[0] = vps_.vps_max_layers_minus1 > 0 && vps_.vps_base_layer_internal_flag;
+        set.profile_tier_level_idx[0] =
+            vps_.vps_max_layers_minus1 > 0 && vps_.vps_base_layer_internal_flag ? 1 : 0;
         set.MaxSubLayersInLayerSetMinus1 = maxSubLayersInLayerSetMinus1(vps_, sets_, 0);
         return true;
     }

@@ -39,6 +39,7 @@ void detail::setToZero(void* bytes, size_t size) noexcept {
 
 Reader::Reader(const CodedBits& bits) noexcept : Reader(bits.unit) {
     next_ += bits.byte;
+    // NOLINTNEXTLINE(cppcoreguidelines-prefer-member-initializer): the other constructor comes first
     loaded_ = bits.firstBit - bits.bitOfByte;
     rbsp();
     if (bits.bitOfByte != 0) {
@@ -112,6 +113,8 @@ void Reader::addBytes() noexcept {
             break;
         }
         if (isEmulationPrevention(next_ + position)) {
+            // The bytes that were passed come before this one.
+            // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult)
             const uint64_t before = ~(~uint64_t{0} >> 8 * (position - passed));
             bytes = (bytes & before) | (bytes << 8 & ~before);
             ++passed;

@@ -304,6 +304,7 @@ private:
     template <class Name>
     QV_NEVER_INLINE void cutFlags(uint32_t first, uint32_t n, const Name& name, uint64_t& mask) noexcept {
         for (uint32_t j = first; j < n && !failed(); ++j) {
+            // n is 64 at most. NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult)
             mask |= bits(1, detail::subscripted(name, j)) << j;
         }
     }

@@ -24,6 +24,8 @@ QV_PRINTF_FORMAT(1, 0)
 std::string formatted(const char* format, va_list arguments) {
     va_list measured;
     va_copy(measured, arguments);
+    // va_copy has initialised it.
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized)
     const int length = std::vsnprintf(nullptr, 0, format, measured);
     va_end(measured);
     if (length < 0) {

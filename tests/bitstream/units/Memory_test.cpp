@@ -26,11 +26,11 @@ constexpr Framing kFramings[] = {Framing::StartCodes, Framing::Lengths1, Framing
 const char* const kAvcUnits[] = {
     "67 64 00 1F AC D9 40 50 05 BB 01 10 00 00 03 00 10 00 00 03 03 20 F1 83 19 60", "68 EB E3 CB 22 C0",
     "09 F0", "0E 40 00 07", "65 88 84 00 33 FF 80"};
-const char* const kHevcUnits[] = {
-    "40 01 0C 01 FF FF 02 20 00 00 03 00 90 00 00 03 00 00 03 00 3C 95 98 09",
-    "42 01 01 02 20 00 00 03 00 90 00 00 03 00 00 03 00 3C A0 0A 08 0B 9F 79 65 94 92 4C AE 01 00 00 03 00 01"
-    " 00 00 03 00 32 08",
-    "44 01 C1 72 B4 62 40", "46 01 50", "28 01 AF 1D 20 87 A1 09"};
+const char* const kHevcUnits[] = {"40 01 0C 01 FF FF 02 20 00 00 03 00 90 00 00 03 00 00 03 00 3C 95 98 09",
+                                  ("42 01 01 02 20 00 00 03 00 90 00 00 03 00 00 03 00 3C A0 0A 08 0B 9F 79 "
+                                   "65 94 92 4C AE 01 00 00 03 00 01"
+                                   " 00 00 03 00 32 08"),
+                                  "44 01 C1 72 B4 62 40", "46 01 50", "28 01 AF 1D 20 87 A1 09"};
 
 // The units of both codecs, alone and in each framing.
 std::vector<std::vector<uint8_t>> inputs() {

@@ -8,6 +8,9 @@
 #include "bitstream/avc/Sps.h"
 #include "bitstream/hevc/Sps.h"
 
+// The player's records hold flags as integers, 0 or 1.
+// NOLINTBEGIN(readability-implicit-bool-conversion)
+
 namespace {
 
 bool isBuffer(const unsigned char* data, int size) {
@@ -117,3 +120,5 @@ int completeHevcSps(QVHevcSps* sps, const unsigned char* data, int size) {
     fillVui(*sps, read.record.vui);
     return QVResultOk;
 }
+
+// NOLINTEND(readability-implicit-bool-conversion)
