@@ -26,7 +26,8 @@ if(NOT PLATFORM)
 endif()
 set(runtime "^(_Z(nw|na|dl|da)|_ZSt|_ZNS[a-zA-Z]*|_ZNKS|_ZTV|_ZTI|__cxa_|__gxx_|_Unwind_|__stack_chk_fail)")
 # The compiler's runtime describes the processor in __cpu_model; shared_ptr uses __libc_single_threaded.
-set(c_library __cpu_model __libc_single_threaded __cpu_indicator_init malloc free memchr memcmp memcpy memmove memset strcmp strlen snprintf __snprintf_chk abort
+# Clang calls bcmp where memcmp is asked for equality.
+set(c_library __cpu_model __libc_single_threaded __cpu_indicator_init malloc free bcmp memchr memcmp memcpy memmove memset strcmp strlen snprintf __snprintf_chk abort
   _GLOBAL_OFFSET_TABLE_)
 
 set(uses_platform FALSE)
