@@ -6,7 +6,7 @@ extern "C" {
 }
 
 #include <cstring>
-#include <regex>
+#include <sstream>
 #include <stdexcept>
 
 namespace qv_test {
@@ -32,18 +32,23 @@ void require(bool condition, const char* what) {
     }
 }
 
-// "51          pic_width_in_mbs_minus1                             000010100 = 19"
+// "51          pic_width_in_mbs_minus1                             000010100 = 19"; an element of no bits has
+// nothing before the equals sign.
 bool parseElement(const std::string& line, WitnessElement& element) {
-    static const std::regex kElement(R"(^(\d+) +(\S+) +([01]*) = (-?\d+)$)");
-    std::smatch match;
-    if (!std::regex_match(line, match, kElement)) {
+    std::istringstream in(line);
+    std::string bits;
+    std::string equals = "=";
+    if (!(in >> element.firstBit >> element.name >> bits)) {
         return false;
     }
-    element.firstBit = std::stoull(match[1]);
-    element.name = match[2];
-    element.width = static_cast<uint32_t>(match[3].length());
-    element.value = std::stoll(match[4]);
-    return true;
+    if (bits == "=") {
+        bits.clear();
+    } else if (!(in >> equals)) {
+        return false;
+    }
+    element.width = static_cast<uint32_t>(bits.size());
+    return equals == "=" && bits.find_first_not_of("01") == std::string::npos &&
+           static_cast<bool>(in >> element.value) && in.eof();
 }
 
 WitnessTrace parse(const std::string& text) {
