@@ -87,6 +87,7 @@ Lists decode(const ScalingMatrix& matrix, uint32_t sent, const Lists* ruleB) {
             fallBack(lists, i, ruleB);
         }
     }
+    // cppcheck-suppress uninitvar ; the loop sets every list
     return lists;
 }
 

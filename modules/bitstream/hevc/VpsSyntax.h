@@ -77,6 +77,7 @@ void vps_timing_info(Syntax& s, Vps& vps, HrdCommon& common) {
             for (uint32_t i = 0; i < vps.vps_num_hrd_parameters && !in.failed(); ++i) {
                 vps_hrd(in, vps, i, hrd);
             }
+            // cppcheck-suppress uninitvar ; set by the syntax function
             common = hrd.hrd_parameters.common;
         });
     }

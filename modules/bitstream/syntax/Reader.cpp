@@ -161,6 +161,7 @@ void Reader::endOfWindow() noexcept {
 }
 
 // A code that a full window does not hold: it is longer than any window, or ends with the data.
+// cppcheck-suppress passedByValue ; made for the call
 uint32_t Reader::longCodeNum(Element element) noexcept {
     const uint64_t firstBit = position();
     const uint32_t leadingZeroBits =
@@ -267,10 +268,12 @@ void Reader::fail(FaultKind kind, const char* name, int64_t value) noexcept {
     fault(kind, detail::elementOf(name), position());
 }
 
+// cppcheck-suppress passedByValue ; made for the call
 void Reader::endOfData(Element element) noexcept {
     fault(FaultKind::EndOfData, element, position());
 }
 
+// cppcheck-suppress passedByValue ; made for the call
 void Reader::outOfRange(Element element, uint32_t width, int64_t value, int64_t least,
                         int64_t most) noexcept {
     if (!fault_) {

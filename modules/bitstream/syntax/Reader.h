@@ -96,6 +96,7 @@ public:
                 break;
             }
             const auto taken = static_cast<uint32_t>(take(run));
+            // cppcheck-suppress shiftTooManyBits ; run is 1 to 32
             mask |= uint64_t{detail::reversed(taken) >> (32 - run)} << first;
         }
         field = static_cast<Field>(mask);
