@@ -32,6 +32,10 @@ void scaling_matrix(Syntax& s, ScalingMatrix& matrix, const char* presentFlag, u
             scaling_list(s, matrix.scaling_list[i], i < ScalingMatrix::k4x4Lists ? 16 : 64);
         }
     }
+    // A PPS that was read for 4:2:0 may be used with an SPS of 4:4:4, which has more lists.
+    for (uint32_t i = lists; i < ScalingMatrix::kMostLists; ++i) {
+        s.infer(matrix.scaling_list_present_flag[i], false);
+    }
 }
 
 }  // namespace qv::avc
