@@ -42,6 +42,51 @@ Fault traceHeader(Bytes unit, TraceVisitor& visitor) {
     return tracer.fault();
 }
 
+// Calls use(UnitFunctions) for a type whose units have a record; false for others.
+template <class Use>
+bool withFunctions(Bytes unit, const ParameterSets& sets, const Use& use) {
+    switch (typeOf(unit)) {
+        case kNalSps:
+            use(detail::UnitFunctions{readSps, traceSps, writeSps});
+            return true;
+        case kNalPps: {
+            const uint32_t chroma_format_idc = chromaFormatFor(unit, sets);
+            use(detail::UnitFunctions{[=](Bytes bytes) { return readPps(bytes, chroma_format_idc); },
+                                      [=](Bytes bytes, TraceVisitor& visitor) {
+                                          return tracePps(bytes, chroma_format_idc, visitor);
+                                      },
+                                      [=](const Pps& pps, std::vector<uint8_t>& out) {
+                                          return writePps(pps, chroma_format_idc, out);
+                                      }});
+            return true;
+        }
+        case kNalAccessUnitDelimiter:
+            use(detail::UnitFunctions{readAccessUnitDelimiter, traceAccessUnitDelimiter,
+                                      writeAccessUnitDelimiter});
+            return true;
+        case kNalEndOfSequence:
+            use(detail::UnitFunctions{readEndOfSequence, traceEndOfSequence, writeEndOfSequence});
+            return true;
+        case kNalEndOfStream:
+            use(detail::UnitFunctions{readEndOfStream, traceEndOfStream, writeEndOfStream});
+            return true;
+        case kNalFillerData:
+            use(detail::UnitFunctions{readFillerData, traceFillerData, writeFillerData});
+            return true;
+        case kNalSpsExtension:
+            use(detail::UnitFunctions{readSpsExtension, traceSpsExtension, writeSpsExtension});
+            return true;
+        case kNalPrefix:
+            use(detail::UnitFunctions{readPrefixNalUnit, tracePrefixNalUnit, writePrefixNalUnit});
+            return true;
+        case kNalSubsetSps:
+            use(detail::UnitFunctions{readSubsetSps, traceSubsetSps, writeSubsetSps});
+            return true;
+        default:
+            return false;
+    }
+}
+
 }  // namespace
 
 const char* structureOf(uint32_t nal_unit_type) noexcept {
@@ -90,71 +135,16 @@ UnitTrace traceUnit(Bytes unit, const ParameterSets& sets, TraceVisitor& visitor
     UnitTrace trace;
     trace.nal_unit_type = typeOf(unit);
     trace.structure = structureOf(trace.nal_unit_type);
-    trace.isWhole = true;
-    switch (trace.nal_unit_type) {
-        case kNalSps:
-            detail::keepTrace(trace, traceSps(unit, visitor));
-            break;
-        case kNalPps:
-            detail::keepTrace(trace, tracePps(unit, chromaFormatFor(unit, sets), visitor));
-            break;
-        case kNalAccessUnitDelimiter:
-            detail::keepTrace(trace, traceAccessUnitDelimiter(unit, visitor));
-            break;
-        case kNalEndOfSequence:
-            detail::keepTrace(trace, traceEndOfSequence(unit, visitor));
-            break;
-        case kNalEndOfStream:
-            detail::keepTrace(trace, traceEndOfStream(unit, visitor));
-            break;
-        case kNalFillerData:
-            detail::keepTrace(trace, traceFillerData(unit, visitor));
-            break;
-        case kNalSpsExtension:
-            detail::keepTrace(trace, traceSpsExtension(unit, visitor));
-            break;
-        case kNalPrefix:
-            detail::keepTrace(trace, tracePrefixNalUnit(unit, visitor));
-            break;
-        case kNalSubsetSps:
-            detail::keepTrace(trace, traceSubsetSps(unit, visitor));
-            break;
-        default:
-            trace.isWhole = false;
-            trace.fault = traceHeader(unit, visitor);
-            break;
+    if (!withFunctions(unit, sets, detail::UnitTracer(unit, visitor, trace))) {
+        trace.fault = traceHeader(unit, visitor);
     }
     return trace;
 }
 
 UnitRewritten rewriteUnit(Bytes unit, const ParameterSets& sets, std::vector<uint8_t>& out) {
-    switch (typeOf(unit)) {
-        case kNalSps:
-            return detail::rewrite(unit, readSps(unit), out, writeSps);
-        case kNalPps: {
-            const uint32_t chroma_format_idc = chromaFormatFor(unit, sets);
-            return detail::rewrite(unit, readPps(unit, chroma_format_idc), out,
-                                   [=](const Pps& pps, std::vector<uint8_t>& bytes) {
-                                       return writePps(pps, chroma_format_idc, bytes);
-                                   });
-        }
-        case kNalAccessUnitDelimiter:
-            return detail::rewrite(unit, readAccessUnitDelimiter(unit), out, writeAccessUnitDelimiter);
-        case kNalEndOfSequence:
-            return detail::rewrite(unit, readEndOfSequence(unit), out, writeEndOfSequence);
-        case kNalEndOfStream:
-            return detail::rewrite(unit, readEndOfStream(unit), out, writeEndOfStream);
-        case kNalFillerData:
-            return detail::rewrite(unit, readFillerData(unit), out, writeFillerData);
-        case kNalSpsExtension:
-            return detail::rewrite(unit, readSpsExtension(unit), out, writeSpsExtension);
-        case kNalPrefix:
-            return detail::rewrite(unit, readPrefixNalUnit(unit), out, writePrefixNalUnit);
-        case kNalSubsetSps:
-            return detail::rewrite(unit, readSubsetSps(unit), out, writeSubsetSps);
-        default:
-            return {};
-    }
+    UnitRewritten rewritten;
+    withFunctions(unit, sets, detail::UnitRewriter(unit, out, rewritten));
+    return rewritten;
 }
 
 }  // namespace qv::avc

@@ -28,6 +28,42 @@ Fault traceHeader(Bytes unit, TraceVisitor& visitor) {
     return tracer.fault();
 }
 
+// Calls use(UnitFunctions) for a type whose units have a record; false for others.
+template <class Use>
+bool withFunctions(Bytes unit, const ParameterSets& sets, const Use& use) {
+    switch (typeOf(unit)) {
+        case kNalVps:
+            use(detail::UnitFunctions{readVps, traceVps, writeVps});
+            return true;
+        case kNalSps: {
+            const Vps* const vps = vpsOf(unit, sets);
+            use(detail::UnitFunctions{
+                [vps](Bytes bytes) { return readSps(bytes, vps); },
+                [vps](Bytes bytes, TraceVisitor& visitor) { return traceSps(bytes, visitor, vps); },
+                [vps](const Sps& sps, std::vector<uint8_t>& out) { return writeSps(sps, out, vps); }});
+            return true;
+        }
+        case kNalPps:
+            use(detail::UnitFunctions{readPps, tracePps, writePps});
+            return true;
+        case kNalAccessUnitDelimiter:
+            use(detail::UnitFunctions{readAccessUnitDelimiter, traceAccessUnitDelimiter,
+                                      writeAccessUnitDelimiter});
+            return true;
+        case kNalEndOfSequence:
+            use(detail::UnitFunctions{readEndOfSequence, traceEndOfSequence, writeEndOfSequence});
+            return true;
+        case kNalEndOfBitstream:
+            use(detail::UnitFunctions{readEndOfBitstream, traceEndOfBitstream, writeEndOfBitstream});
+            return true;
+        case kNalFillerData:
+            use(detail::UnitFunctions{readFillerData, traceFillerData, writeFillerData});
+            return true;
+        default:
+            return false;
+    }
+}
+
 }  // namespace
 
 const char* structureOf(uint32_t nal_unit_type) noexcept {
@@ -61,61 +97,16 @@ UnitTrace traceUnit(Bytes unit, const ParameterSets& sets, TraceVisitor& visitor
     UnitTrace trace;
     trace.nal_unit_type = typeOf(unit);
     trace.structure = structureOf(trace.nal_unit_type);
-    trace.isWhole = true;
-    switch (trace.nal_unit_type) {
-        case kNalVps:
-            detail::keepTrace(trace, traceVps(unit, visitor));
-            break;
-        case kNalSps:
-            detail::keepTrace(trace, traceSps(unit, visitor, vpsOf(unit, sets)));
-            break;
-        case kNalPps:
-            detail::keepTrace(trace, tracePps(unit, visitor));
-            break;
-        case kNalAccessUnitDelimiter:
-            detail::keepTrace(trace, traceAccessUnitDelimiter(unit, visitor));
-            break;
-        case kNalEndOfSequence:
-            detail::keepTrace(trace, traceEndOfSequence(unit, visitor));
-            break;
-        case kNalEndOfBitstream:
-            detail::keepTrace(trace, traceEndOfBitstream(unit, visitor));
-            break;
-        case kNalFillerData:
-            detail::keepTrace(trace, traceFillerData(unit, visitor));
-            break;
-        default:
-            trace.isWhole = false;
-            trace.fault = traceHeader(unit, visitor);
-            break;
+    if (!withFunctions(unit, sets, detail::UnitTracer(unit, visitor, trace))) {
+        trace.fault = traceHeader(unit, visitor);
     }
     return trace;
 }
 
 UnitRewritten rewriteUnit(Bytes unit, const ParameterSets& sets, std::vector<uint8_t>& out) {
-    switch (typeOf(unit)) {
-        case kNalVps:
-            return detail::rewrite(unit, readVps(unit), out, writeVps);
-        case kNalSps: {
-            const Vps* const vps = vpsOf(unit, sets);
-            const auto write = [vps](const Sps& sps, std::vector<uint8_t>& bytes) {
-                return writeSps(sps, bytes, vps);
-            };
-            return detail::rewrite(unit, readSps(unit, vps), out, write);
-        }
-        case kNalPps:
-            return detail::rewrite(unit, readPps(unit), out, writePps);
-        case kNalAccessUnitDelimiter:
-            return detail::rewrite(unit, readAccessUnitDelimiter(unit), out, writeAccessUnitDelimiter);
-        case kNalEndOfSequence:
-            return detail::rewrite(unit, readEndOfSequence(unit), out, writeEndOfSequence);
-        case kNalEndOfBitstream:
-            return detail::rewrite(unit, readEndOfBitstream(unit), out, writeEndOfBitstream);
-        case kNalFillerData:
-            return detail::rewrite(unit, readFillerData(unit), out, writeFillerData);
-        default:
-            return {};
-    }
+    UnitRewritten rewritten;
+    withFunctions(unit, sets, detail::UnitRewriter(unit, out, rewritten));
+    return rewritten;
 }
 
 }  // namespace qv::hevc
