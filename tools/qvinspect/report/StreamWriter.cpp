@@ -21,7 +21,8 @@ namespace qvinspect {
 
 namespace {
 
-constexpr QVCodecParameters kFourByteLengths{QVCodecIDAvc, 0, 4};  // the codec has no effect
+constexpr size_t kLengthSize = 4;
+constexpr QVCodecParameters kFourByteLengths{QVCodecIDAvc, 0, kLengthSize};  // the codec has no effect
 
 struct QvFree {
     void operator()(unsigned char* memory) const { qvFree(memory); }
@@ -186,44 +187,47 @@ void StreamWriter::useConfiguration(QVCodecID codec, const std::vector<uint8_t>&
 
 // Parameter sets are not inserted if the access unit has any of their type; an SEI unit of the record is not
 // inserted if the access unit has the same one.
-StreamWriter::LengthUnits StreamWriter::missingUnits(const AccessUnitView& view) {
+StreamWriter::MissingUnits StreamWriter::missingUnits(const AccessUnitView& view) const {
     const QVCodecID codec = view.accessUnit.parameters.codecId;
-    LengthUnits missing;
+    MissingUnits missing;
     const PresentUnits present(view);
     for (const ConfigurationUnit& unit : configuration_) {
         const bool isThere =
             isParameterSet(codec, unit.type) ? present.hasType(unit.type) : present.has(unit.bytes);
         if (!isThere) {
-            appendWithLength(missing.bytes, {unit.bytes.data(), unit.bytes.size()});
-            ++missing.count;
+            missing.units.push_back({unit.bytes.data(), unit.bytes.size()});
+            missing.size += kLengthSize + unit.bytes.size();
         }
     }
     return missing;
 }
 
 // Always true the first time: the record is no larger than the file.
-bool StreamWriter::isInProportion(const LengthUnits& missing) {
+bool StreamWriter::isInProportion(const MissingUnits& missing) {
     const bool isFirst = recordBytes_ == 0;
-    if (!isFirst && recordBytes_ + missing.bytes.size() > repeatedRecordBytes(bytes_)) {
+    if (!isFirst && recordBytes_ + missing.size > repeatedRecordBytes(bytes_)) {
         return false;
     }
-    recordBytes_ += missing.bytes.size();
+    recordBytes_ += missing.size;
     return true;
 }
 
 void StreamWriter::addConfiguration(const AccessUnitView& view) {
-    const LengthUnits missing = missingUnits(view);
-    if (missing.count == 0) {
+    const MissingUnits missing = missingUnits(view);
+    if (missing.units.empty()) {
         return;
     }
     if (!isInProportion(missing)) {
         lose(view.number, fmt::format("{} parameter sets of the container are not repeated: the output would "
                                       "become far larger than the stream",
-                                      missing.count));
+                                      missing.units.size()));
         return;
     }
-    const std::string problem =
-        convert(missing.bytes.data(), missing.bytes.size(), kFourByteLengths, missing.count);
+    std::vector<uint8_t> units;
+    for (const qv::Bytes unit : missing.units) {
+        appendWithLength(units, unit);
+    }
+    const std::string problem = convert(units.data(), units.size(), kFourByteLengths, missing.units.size());
     if (!problem.empty()) {
         lose(view.number, "parameter sets of the container " + problem);
     }

@@ -50,17 +50,17 @@ private:
         std::vector<uint8_t> bytes;
     };
 
-    // With 4-byte lengths.
-    struct LengthUnits {
-        std::vector<uint8_t> bytes;
-        size_t count = 0;
+    // Of the configuration, borrowed from it.
+    struct MissingUnits {
+        std::vector<qv::Bytes> units;
+        size_t size = 0;  // with 4-byte lengths
     };
 
     // accessUnit: the number of the access unit with the record.
     void useConfiguration(QVCodecID codec, const std::vector<uint8_t>& record, uint64_t accessUnit);
     void addConfiguration(const AccessUnitView& view);
-    LengthUnits missingUnits(const AccessUnitView& view);
-    bool isInProportion(const LengthUnits& missing);
+    MissingUnits missingUnits(const AccessUnitView& view) const;
+    bool isInProportion(const MissingUnits& missing);
     void convertUnits(const AccessUnitView& view, size_t first, size_t last);
     std::string convertRun(const AccessUnitView& view, size_t first, size_t last);
     void appendWithLength(std::vector<uint8_t>& out, qv::Bytes unit);
