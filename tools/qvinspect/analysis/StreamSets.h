@@ -8,6 +8,7 @@
 #include "QVCodecParameters.h"
 #include "bitstream/avc/Unit.h"
 #include "bitstream/hevc/Unit.h"
+#include "bitstream/units/NalUnits.h"
 
 namespace qvinspect {
 
@@ -19,10 +20,7 @@ public:
 
     // nal_unit_type; 0 for an empty unit.
     uint32_t typeOf(qv::Bytes unit) const {
-        if (unit.empty()) {
-            return 0;
-        }
-        return isAvc_ ? unit[0] & 0x1FU : unit[0] >> 1U & 0x3FU;
+        return qv::nalUnitOf(unit, isAvc_ ? qv::Codec::Avc : qv::Codec::Hevc).nal_unit_type;
     }
 
     // The syntax structure of the unit's RBSP; null for reserved and unspecified types.

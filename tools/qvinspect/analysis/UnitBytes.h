@@ -16,10 +16,10 @@ struct UnitBytes {
     size_t number;    // from 1
     uint64_t offset;  // as in UnitReport; in the record for a unit of a configuration record
     qv::Bytes bytes;
-    bool isShown;  // as far as the filter goes
 };
 
-// Every unit of an access unit, shown or not, to visit(const UnitBytes&).
+// Every unit of an access unit to visit(const UnitBytes&, const UnitView*); without a view for a unit that is
+// not shown.
 template <class Visit>
 void forEachUnit(const AccessUnitView& view, const Visit& visit) {
     const uint64_t start = view.accessUnit.fileOffset.value_or(0);
@@ -27,9 +27,10 @@ void forEachUnit(const AccessUnitView& view, const Visit& visit) {
     for (size_t i = 0; i < view.report.units.size(); ++i) {
         const UnitReport& unit = view.report.units[i];
         const bool isShown = shown != view.units.end() && shown->report == &unit;
+        const UnitBytes bytes{
+            i + 1, unit.offset, {view.accessUnit.data + (unit.offset - start), unit.length}};
+        visit(bytes, view.isShown && isShown ? &*shown : nullptr);
         shown += isShown ? 1 : 0;
-        visit(UnitBytes{
-            i + 1, unit.offset, {view.accessUnit.data + (unit.offset - start), unit.length}, isShown});
     }
 }
 
@@ -43,8 +44,7 @@ void forEachRecordUnit(QVCodecID codec, const std::vector<uint8_t>& record, cons
     size_t number = 0;
     qv::forEachConfigurationUnit(
         codecOf(codec), {record.data(), record.size()}, [&](const qv::NalUnit& unit) {
-            visit(UnitBytes{++number, static_cast<uint64_t>(unit.bytes.data - record.data()), unit.bytes,
-                            true});
+            visit(UnitBytes{++number, static_cast<uint64_t>(unit.bytes.data - record.data()), unit.bytes});
         });
 }
 

@@ -2,8 +2,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include "analysis/UnitBytes.h"
-
 namespace qvinspect {
 
 namespace {
@@ -48,26 +46,18 @@ void ElementLines::fail(const std::string&, const std::string&) {
 }
 
 void ElementLines::begin(const StreamHead& head) {
-    codec_ = head.info.parameters.codecId;
-    sets_.emplace(codec_);
+    walk_.emplace(head.info.parameters.codecId);
     addRecord(head.info.configuration);
 }
 
 void ElementLines::addRecord(const std::vector<uint8_t>& record) {
-    forEachRecordUnit(codec_, record, [this](const UnitBytes& unit) {
-        addUnit(0, unit);
-        sets_->take(unit.bytes);
-    });
+    walk_->record(record, [this](const UnitBytes& unit) { addUnit(0, unit); });
 }
 
 void ElementLines::add(const AccessUnitView& view) {
     addRecord(view.accessUnit.newConfiguration);
-    forEachUnit(view, [&](const UnitBytes& unit) {
-        if (view.isShown && unit.isShown) {
-            addUnit(view.number, unit);
-        }
-        sets_->take(unit.bytes);
-    });
+    walk_->accessUnit(view,
+                      [&](const UnitBytes& unit, const UnitView& /*shown*/) { addUnit(view.number, unit); });
 }
 
 void ElementLines::addUnit(uint64_t accessUnit, const UnitBytes& unit) {
@@ -77,11 +67,11 @@ void ElementLines::addUnit(uint64_t accessUnit, const UnitBytes& unit) {
     }
     output_.print(R"("au":{},"unit":{},"offset":{},"length":{},)", accessUnit, unit.number, unit.offset,
                   unit.bytes.size);
-    const char* const structure = sets_->structureOf(unit.bytes);
-    output_.print(R"("type":{},"structure":{},"elements":[)", sets_->typeOf(unit.bytes),
+    const char* const structure = walk_->sets().structureOf(unit.bytes);
+    output_.print(R"("type":{},"structure":{},"elements":[)", walk_->sets().typeOf(unit.bytes),
                   structure != nullptr ? quoted(structure) : "null");
     ElementArray elements(output_);
-    const qv::UnitTrace trace = sets_->trace(unit.bytes, elements);
+    const qv::UnitTrace trace = walk_->sets().trace(unit.bytes, elements);
     output_.print("],\"fault\":{}}}\n", faultText(trace.fault));
 }
 

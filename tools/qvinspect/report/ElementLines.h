@@ -7,15 +7,15 @@
 #include <string>
 #include <vector>
 
-#include "analysis/StreamSets.h"
-#include "analysis/UnitBytes.h"
+#include "analysis/UnitWalk.h"
 #include "report/Output.h"
 #include "report/Presenter.h"
 
 namespace qvinspect {
 
 // Units of a configuration record have access unit number 0: they come before the access unit that the record
-// comes with. An input that cannot be inspected has no lines; standard error has the reason.
+// comes with, and once if the record comes again. An input that cannot be inspected has no lines; standard
+// error has the reason.
 class ElementLines : public Presenter {
 public:
     // severalInputs: the lines have a file_index.
@@ -34,8 +34,7 @@ private:
     Output output_;
     bool severalInputs_;
     uint64_t fileIndex_ = 0;
-    QVCodecID codec_ = QVCodecIDAvc;
-    std::optional<StreamSets> sets_;
+    std::optional<UnitWalk> walk_;
 };
 
 }  // namespace qvinspect

@@ -8,7 +8,6 @@
 #include "analysis/FirstBytes.h"
 #include "analysis/NalUnitNames.h"
 #include "analysis/SeiNames.h"
-#include "analysis/UnitBytes.h"
 #include "bitstream/avc/NalUnitType.h"
 #include "bitstream/hevc/NalUnitType.h"
 #include "report/FramingName.h"
@@ -141,7 +140,7 @@ void Listing::begin(const StreamHead& head) {
         addRecordSei();
     }
     if (level_ == Level::Elements) {
-        sets_.emplace(head_.info.parameters.codecId);
+        walk_.emplace(head_.info.parameters.codecId);
         addRecordElements(head_.info.configuration);
     }
 }
@@ -186,7 +185,9 @@ void Listing::add(const AccessUnitView& view) {
         return;
     }
     if (!view.isShown) {
-        takeSets(view);
+        if (level_ == Level::Elements) {
+            addUnitElements(view);  // none, but its parameter sets count
+        }
         return;
     }
     hasShown_ = true;
@@ -260,40 +261,27 @@ void Listing::addUnit(const UnitView& unit) {
     }
 }
 
-// Sets of units that are not shown are in force too.
-void Listing::takeSets(const AccessUnitView& view) {
-    if (sets_) {
-        forEachUnit(view, [this](const UnitBytes& unit) { sets_->take(unit.bytes); });
-    }
-}
-
 void Listing::addUnitElements(const AccessUnitView& view) {
-    auto shown = view.units.begin();
-    forEachUnit(view, [&](const UnitBytes& unit) {
-        if (unit.isShown) {
-            addUnit(*shown++);
-            addElements(unit.bytes);
-        }
-        sets_->take(unit.bytes);
+    walk_->accessUnit(view, [this](const UnitBytes& unit, const UnitView& shown) {
+        addUnit(shown);
+        addElements(unit.bytes);
     });
 }
 
 void Listing::addRecordElements(const std::vector<uint8_t>& record) {
-    const QVCodecID codec = head_.info.parameters.codecId;
-    forEachRecordUnit(codec, record, [&](const UnitBytes& unit) {
+    walk_->record(record, [this](const UnitBytes& unit) {
         page_.add(Style::Heading, "configuration record").endLine();
-        const uint32_t type = sets_->typeOf(unit.bytes);
+        const uint32_t type = walk_->sets().typeOf(unit.bytes);
         page_.add("         {:>14}  {:>10}  {:>4}  {}", unit.offset, unit.bytes.size, type,
-                  nalUnitName(codec, type));
+                  nalUnitName(head_.info.parameters.codecId, type));
         page_.endLine();
         addElements(unit.bytes);
-        sets_->take(unit.bytes);
     });
 }
 
 void Listing::addElements(qv::Bytes unit) {
     ElementTable table(page_, head_.info.parameters.codecId);
-    const qv::UnitTrace trace = sets_->trace(unit, table);
+    const qv::UnitTrace trace = walk_->sets().trace(unit, table);
     if (trace.fault) {
         page_.add("{}", kFieldIndent).add(Style::Bad, "error: {}", qv::textOf(trace.fault)).endLine();
     }

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "analysis/StreamSets.h"
+#include "analysis/UnitWalk.h"
 #include "report/Level.h"
 #include "report/Page.h"
 #include "report/Presenter.h"
@@ -31,7 +31,6 @@ private:
     void addBrokenUnits(const AccessUnitView& view);
     void addUnit(const UnitView& unit);
     bool showsSei() const { return level_ == Level::Sei || level_ == Level::Fields; }
-    void takeSets(const AccessUnitView& view);
     void addUnitElements(const AccessUnitView& view);
     void addRecordElements(const std::vector<uint8_t>& record);
     void addElements(qv::Bytes unit);
@@ -50,8 +49,8 @@ private:
     Level level_;
     StreamHead head_;
     bool isFirst_ = true;
-    bool hasShown_ = false;           // an access unit of the stream
-    std::optional<StreamSets> sets_;  // at Level::Elements
+    bool hasShown_ = false;         // an access unit of the stream
+    std::optional<UnitWalk> walk_;  // at Level::Elements
 };
 
 }  // namespace qvinspect
