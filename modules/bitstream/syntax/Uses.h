@@ -20,10 +20,10 @@ template <class Record>
 constexpr size_t kClearedBytes = sizeof(Record);
 
 // memset() as a call. A compiler that knows the size may write rep stos instead, which is slow to start: 13
-// ns for 200 bytes, where the call takes 3.
+// ns for 200 bytes, where the call takes 3. For the 1456 bytes of a VPS it is the faster one.
 void setToZero(void* bytes, size_t size) noexcept;
 
-constexpr size_t kMostBytesOfCall = 512;
+constexpr size_t kMostBytesOfCall = 1024;
 
 template <class Record>
 void clear(Record& record) noexcept {
@@ -42,7 +42,9 @@ Read<Record> readUnit(Bytes unit, const Table& table) noexcept {
     clear(read.record);
     Reader reader(unit);
     table(reader, read.record);
-    read.fault = reader.fault();
+    if (reader.failed()) {
+        read.fault = reader.fault();
+    }
     read.trailing = reader.trailing();
     return read;
 }
