@@ -12,11 +12,6 @@ namespace {
 
 constexpr size_t kWindowBytes = 8;
 
-// The first bits of a window, 0 to 64, with zeros after them.
-uint64_t firstBits(uint64_t bits, uint64_t count) noexcept {
-    return count != 0 ? bits & ~uint64_t{0} << (64 - count) : 0;
-}
-
 // The end of the last byte of [begin, end) that is not zero: cabac_zero_words, the emulation prevention byte
 // that ends a unit after one (H.264 7.4.1, H.265 7.4.2.1), and trailing_zero_8bits are past it.
 const uint8_t* endOfStopBit(const uint8_t* unit, const uint8_t* begin, const uint8_t* end) noexcept {
@@ -48,25 +43,17 @@ Reader::Reader(const CodedBits& bits) noexcept : Reader(bits.unit) {
     }
 }
 
-void Reader::header(uint32_t bytes) noexcept {
-    for (; bytes > 0 && next_ != end_; --bytes) {
-        bits_ |= uint64_t{*next_++} << (56 - count_);
-        count_ += 8;
-        loaded_ += 8;
-    }
-}
-
 void Reader::rbsp() noexcept {
     end_ = endOfStopBit(begin_, next_, end_);
     tail_ = next_ != end_ ? detail::trailingZeroBits(end_[-1]) + 1 : 0;
 }
 
-bool Reader::isEmulationPrevention(const uint8_t* byte) const noexcept {
+QV_ALWAYS_INLINE bool Reader::isEmulationPrevention(const uint8_t* byte) const noexcept {
     return detail::isEmulationPrevention(begin_, static_cast<size_t>(byte - begin_));
 }
 
 // The eight bytes at next_, the first one on top, with zero bytes in place of those past the end.
-uint64_t Reader::nextBytes() const noexcept {
+QV_ALWAYS_INLINE uint64_t Reader::nextBytes() const noexcept {
     const auto left = static_cast<size_t>(end_ - next_);
     if (left >= kWindowBytes) {
         return detail::loadBigEndian64(next_);
@@ -90,23 +77,60 @@ uint64_t Reader::nextBytes() const noexcept {
 
 // Adds the first bytes of eight, at least one, to the window, which has room for them.
 QV_ALWAYS_INLINE void Reader::append(uint64_t bytes, uint64_t taken) noexcept {
-    bits_ |= bytes >> count_;
-    count_ += 8 * taken;
-    bits_ &= ~uint64_t{0} << (64 - count_);
+    const uint64_t end = uint64_t{1} << (room() - 8 * taken);
+    bits_ = ((bits_ & (bits_ - 1)) | bytes >> count() | end) & (~end + 1);
     loaded_ += 8 * taken;
     next_ += taken;
 }
 
+// The window that holds the last byte ends before the rbsp_stop_one_bit, which is the 1 bit before the one
+// after the window.
+QV_ALWAYS_INLINE void Reader::endOfWindow() noexcept {
+    if (next_ == end_ && tail_ != 0) {
+        bits_ &= bits_ - 1;
+        loaded_ -= tail_;
+    }
+}
+
+void Reader::header(uint32_t bytes) noexcept {
+    uint64_t window = bits_;
+    const uint8_t* byte = next_;
+    for (; bytes > 0 && byte != end_; --bytes) {
+        // The byte and the 1 bit after it take the place of the 1 bit after the window.
+        const uint64_t end = window & (~window + 1);
+        window += (end >> 8) * (2 * uint64_t{*byte++} + 1) - end;
+    }
+    bits_ = window;
+    loaded_ += 8 * static_cast<uint64_t>(byte - next_);
+    next_ = byte;
+}
+
+// Fills the window, which holds fewer bits than are wanted, to those, 56 at most, or with what is left.
+void Reader::refill(uint64_t wanted) noexcept {
+    const uint64_t left = bytesInReach();
+    if (left == 0) {
+        return;
+    }
+    const uint64_t bytes = nextBytes();
+    const uint64_t candidates = detail::bytesOf03(bytes);
+    if (candidates != 0) {
+        refillOverEmulationPrevention(wanted, bytes, candidates);
+        return;
+    }
+    const uint64_t fitting = room() / 8;
+    append(bytes, fitting < left ? fitting : left);
+    endOfWindow();
+}
+
 // Adds to the window, which has room for a byte at least, what fits of the next eight bytes, without the
-// emulation prevention bytes among them. That is nothing when the data ends with one.
-void Reader::addBytes() noexcept {
-    uint64_t bytes = nextBytes();
-    const auto left = static_cast<uint64_t>(end_ - next_);
+// emulation prevention bytes among their candidates. That is nothing when the data ends with one.
+QV_ALWAYS_INLINE void Reader::appendWithoutEmulationPrevention(uint64_t bytes, uint64_t candidates) noexcept {
+    const uint64_t left = bytesInReach();
     const uint64_t coded = left < kWindowBytes ? left : kWindowBytes;
-    const uint64_t room = (64 - count_) / 8;
-    uint64_t taken = room < coded ? room : coded;
+    const uint64_t fitting = room() / 8;
+    uint64_t taken = fitting < coded ? fitting : coded;
     uint64_t passed = 0;
-    for (uint64_t candidates = detail::bytesOf03(bytes); candidates != 0;) {
+    while (candidates != 0) {
         const uint64_t position = detail::leadingZeroBits(candidates) / 8;
         candidates &= ~(detail::kTopByte >> 8 * position);
         if (position > taken + passed) {
@@ -127,45 +151,21 @@ void Reader::addBytes() noexcept {
     next_ += passed;
 }
 
-// Fills the window, which holds fewer bits than are wanted, to those, 57 at most, or with what is left.
-void Reader::refill(uint64_t wanted) noexcept {
-    // Mostly the data goes on after the next eight bytes, and they hold no byte to step over.
-    if (bytesInReach() > kWindowBytes) {
-        const uint64_t bytes = detail::loadBigEndian64(next_);
-        if (detail::bytesOf03(bytes) == 0) {
-            append(bytes, (64 - count_) / 8);
-            return;
-        }
+// As refill(), where the next eight bytes have candidates for emulation prevention bytes.
+void Reader::refillOverEmulationPrevention(uint64_t wanted, uint64_t bytes, uint64_t candidates) noexcept {
+    appendWithoutEmulationPrevention(bytes, candidates);
+    while (count() < wanted && next_ != end_) {
+        const uint64_t more = nextBytes();
+        appendWithoutEmulationPrevention(more, detail::bytesOf03(more));
     }
-    refillToEnd(wanted);
-}
-
-// As above, over emulation prevention bytes and up to the end of the data.
-void Reader::refillToEnd(uint64_t wanted) noexcept {
-    if (next_ == end_) {
-        return;
-    }
-    do {
-        addBytes();
-    } while (count_ < wanted && next_ != end_);
     endOfWindow();
-}
-
-// The window that holds the last byte ends before the rbsp_stop_one_bit.
-void Reader::endOfWindow() noexcept {
-    if (next_ == end_ && tail_ != 0) {
-        count_ -= tail_;
-        loaded_ -= tail_;
-        bits_ = firstBits(bits_, count_);
-    }
 }
 
 // A code that a full window does not hold: it is longer than any window, or ends with the data.
 // cppcheck-suppress passedByValue ; made for the call
 uint32_t Reader::longCodeNum(Element element) noexcept {
     const uint64_t firstBit = position();
-    const uint32_t leadingZeroBits =
-        bits_ != 0 ? detail::leadingZeroBits(bits_) : static_cast<uint32_t>(count_);
+    const uint32_t leadingZeroBits = detail::leadingZeroBits(bits_);
     if (leadingZeroBits > kMostLeadingZeroBits) {
         fault(FaultKind::CodeTooLong, element, firstBit);
         return 0;
@@ -188,10 +188,10 @@ void Reader::extension_data(const char* name, CodedBits& bits) noexcept {
 }
 
 uint32_t Reader::bitsInReach(uint32_t most) noexcept {
-    if (count_ < most) {
+    if (!holds(most)) {
         refill(most);
     }
-    return count_ < most ? static_cast<uint32_t>(count_) : most;
+    return holds(most) ? most : static_cast<uint32_t>(count());
 }
 
 // Where the next bit is in the coded bytes: the window's bytes are counted back, over emulation prevention
@@ -201,7 +201,7 @@ CodedBits Reader::mark() const noexcept {
     mark.unit = {begin_, static_cast<size_t>(unitEnd_ - begin_)};
     mark.firstBit = position();
     const bool holdsLastByte = next_ == end_ && tail_ != 0;
-    const uint64_t bitsBack = count_ + (holdsLastByte ? tail_ : 0);
+    const uint64_t bitsBack = count() + (holdsLastByte ? tail_ : 0);
     const uint8_t* byte = next_;
     for (uint64_t bytesBack = (bitsBack + 7) / 8; bytesBack > 0; --bytesBack) {
         --byte;
@@ -223,30 +223,20 @@ CodedBits Reader::until(const CodedBits& first) const noexcept {
     return bits;
 }
 
-Trailing Reader::trailing() noexcept {
-    Trailing trailing;
-    if (fault_) {
-        return trailing;
-    }
-    trailing.bytes = {end_, static_cast<size_t>(unitEnd_ - end_)};
-    if (!more_rbsp_data()) {
-        return trailing;
-    }
+uint64_t Reader::countOfBitsLeft() noexcept {
     const uint64_t first = position();
     while (more_rbsp_data()) {
         take(bitsInReach(32));
     }
-    trailing.bits = position() - first;
-    return trailing;
+    return position() - first;
 }
 
 // --- Faults ---
 
 // From here on there is no data: every read finds an empty window and nothing to fill it with.
 void Reader::stop() noexcept {
-    bits_ = 0;
-    loaded_ -= count_;
-    count_ = 0;
+    loaded_ -= count();
+    bits_ = kNoBits;
     tail_ = 0;
     next_ = end_;
 }

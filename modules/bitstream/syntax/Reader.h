@@ -47,14 +47,14 @@ public:
     void rbsp() noexcept;
 
     /// True when the unit has no bytes after its header; after rbsp(), when it has none but zero bytes.
-    bool hasNoRbsp() const noexcept { return next_ == end_ && count_ == 0; }
+    bool hasNoRbsp() const noexcept { return next_ == end_ && bits_ == kNoBits; }
 
     /// As above; a record keeps \p absent for the writer.
     bool hasNoRbsp(bool& absent) const noexcept { return absent = hasNoRbsp(); }
 
     // --- Descriptors (H.264 7.2, H.265 7.2) ---
 
-    /// u(n), n of 0 to 57, and to 32 where the field has 32 bits.
+    /// u(n), n of 0 to 56, and to 32 where the field has 32 bits.
     template <class Name, class Field>
     QV_ALWAYS_INLINE void u(uint32_t n, const Name& name, Field& field) noexcept {
         field = static_cast<Field>(bits(n, name));
@@ -70,6 +70,7 @@ public:
             field = 0;
             outOfRange(detail::elementOf(name), n, static_cast<int64_t>(value), static_cast<int64_t>(least),
                        static_cast<int64_t>(most));
+            bits_ = kNoBits;
         }
     }
 
@@ -91,7 +92,7 @@ public:
         uint64_t mask = 0;
         for (uint32_t first = 0; first < n; first += 32) {
             const uint32_t run = n - first < 32 ? n - first : 32;
-            if (run > count_ && bitsInReach(run) < run) {
+            if (!holds(run) && bitsInReach(run) < run) {
                 cutFlags(first, n, name, mask);
                 break;
             }
@@ -127,6 +128,7 @@ public:
         if (value < least || value > limit) {
             field = 0;
             outOfRange(detail::elementOf(name), ueWidth(value), value, least, limit);
+            bits_ = kNoBits;
         }
     }
 
@@ -141,6 +143,7 @@ public:
         if (value < least || value > most) {
             field = 0;
             outOfRange(detail::elementOf(name), ueWidth(code), value, least, most);
+            bits_ = kNoBits;
         }
     }
 
@@ -153,7 +156,7 @@ public:
     // --- Functions (H.264 7.2, H.265 7.2) ---
 
     /// True while the position is before the rbsp_stop_one_bit; false after a fault.
-    bool more_rbsp_data() noexcept { return count_ != 0 || bitsInReach(1) != 0; }
+    bool more_rbsp_data() noexcept { return bits_ != kNoBits || (next_ != end_ && bitsInReach(1) != 0); }
 
     /// As above, for elements that a structure may end before: a record keeps \p present for the writer.
     bool more_rbsp_data(bool& present) noexcept { return present = more_rbsp_data(); }
@@ -221,7 +224,7 @@ public:
         field = {first, static_cast<size_t>(next_ - first)};
     }
 
-    /// The lesser of \p most, 57 at most, and the bits that are left.
+    /// The lesser of \p most, 56 at most, and the bits that are left.
     uint32_t bitsInReach(uint32_t most) noexcept;
 
     // --- Faults and results ---
@@ -236,10 +239,17 @@ public:
     bool failed() const noexcept { return static_cast<bool>(fault_); }
 
     /// The next bit, counted in the unit without emulation prevention bytes.
-    uint64_t position() const noexcept { return loaded_ - count_; }
+    uint64_t position() const noexcept { return loaded_ - count(); }
 
     /// What follows the last element; the RBSP must have been begun.
-    Trailing trailing() noexcept;
+    Trailing trailing() noexcept {
+        Trailing trailing;
+        if (!failed()) {
+            trailing.bits = more_rbsp_data() ? countOfBitsLeft() : 0;
+            trailing.bytes = {end_, static_cast<size_t>(unitEnd_ - end_)};
+        }
+        return trailing;
+    }
 
     /// Enters a syntax structure; returns the one around it.
     const Structure* enter(const Structure* structure) noexcept {
@@ -254,31 +264,42 @@ public:
 private:
     static constexpr uint32_t kMostLeadingZeroBits = 31;
 
+    // A window without a bit: the 1 bit after its last one.
+    static constexpr uint64_t kNoBits = uint64_t{1} << 63;
+
     // Bits of a window that has no room for another byte.
-    static constexpr uint32_t kFullWindow = 57;
+    static constexpr uint32_t kFullWindow = 56;
 
     // Bits of the ue(v) code of a code number.
     static uint32_t ueWidth(uint32_t code) noexcept {
         return 127 - 2 * detail::leadingZeroBits(uint64_t{code} + 1);
     }
 
+    // Bits that the window has room for.
+    uint64_t room() const noexcept { return detail::trailingZeroBits(bits_); }
+
+    // Bits in the window.
+    uint64_t count() const noexcept { return 63 - room(); }
+
+    // True when the window has n bits, 0 to 63: the 1 bit after its last one is not shifted out.
+    QV_ALWAYS_INLINE bool holds(uint64_t n) const noexcept { return bits_ << n != 0; }
+
     // The window is a value of its own up to the merge of both paths: a compiler that would load it there has
     // to wait for the store of the element before.
     template <class Name>
     QV_ALWAYS_INLINE uint64_t bits(uint32_t n, const Name& name) noexcept {
         uint64_t window = bits_;
-        uint64_t count = count_;
-        if (n > count) {
+        uint64_t rest = window << n;
+        if (rest == 0) {
             refill(n);
-            if (n > count_) {
+            if (!holds(n)) {
                 endOfData(detail::elementOf(name));
                 return 0;
             }
             window = bits_;
-            count = count_;
+            rest = window << n;
         }
-        bits_ = window << n;
-        count_ = count - n;
+        bits_ = rest;
         return window >> 1 >> (63 - n);
     }
 
@@ -286,18 +307,17 @@ private:
     template <class Name>
     QV_ALWAYS_INLINE bool bit(const Name& name) noexcept {
         uint64_t window = bits_;
-        uint64_t count = count_;
-        if (count == 0) {
+        uint64_t rest = window << 1;
+        if (rest == 0) {
             refill(1);
-            if (count_ == 0) {
+            if (!holds(1)) {
                 endOfData(detail::elementOf(name));
                 return false;
             }
             window = bits_;
-            count = count_;
+            rest = window << 1;
         }
-        bits_ = window << 1;
-        count_ = count - 1;
+        bits_ = rest;
         return static_cast<int64_t>(window) < 0;
     }
 
@@ -313,49 +333,48 @@ private:
     template <class Name>
     QV_ALWAYS_INLINE uint32_t codeNum(const Name& name) noexcept {
         uint64_t window = bits_;
-        uint64_t count = count_;
+        uint64_t rest = window << 1;
+        uint32_t code = 0;
         // Most elements are 0. As a branch, the next element need not wait for the length of this one.
-        if (window >> 63 != 0) {
-            bits_ = window << 1;
-            count_ = count - 1;
-            return 0;
-        }
-        if (!holdsCode(window, count)) {
-            if (count < kFullWindow) {
+        if (window <= kNoBits) {
+            if (!holdsCode(window)) {
                 refill(kFullWindow);
+                window = bits_;
             }
-            window = bits_;
-            count = count_;
-            if (!holdsCode(window, count)) {
-                return longCodeNum(detail::elementOf(name));
+            if (holdsCode(window)) {
+                const uint32_t length = 2 * detail::leadingZeroBits(window) + 1;
+                code = static_cast<uint32_t>(window >> (64 - length)) - 1;
+                rest = window << length;
+            } else {
+                code = longCodeNum(detail::elementOf(name));
+                rest = bits_;
             }
         }
-        const uint32_t length = 2 * detail::leadingZeroBits(window) + 1;
-        bits_ = window << length;
-        count_ = count - length;
-        return static_cast<uint32_t>(window >> (64 - length)) - 1;
+        bits_ = rest;
+        return code;
     }
 
-    QV_ALWAYS_INLINE static bool holdsCode(uint64_t window, uint64_t count) noexcept {
-        return window != 0 && 2 * detail::leadingZeroBits(window) + 1 <= count;
+    // The length of a code whose first 1 bit is in the upper half is 63 at most.
+    QV_ALWAYS_INLINE static bool holdsCode(uint64_t window) noexcept {
+        return window >> 32 != 0 && window << (2 * detail::leadingZeroBits(window) + 1) != 0;
     }
 
     // The next n bits, 0 to 63, which the window holds.
     QV_ALWAYS_INLINE uint64_t take(uint64_t n) noexcept {
         const uint64_t value = bits_ >> 1 >> (63 - n);
         bits_ <<= n;
-        count_ -= n;
         return value;
     }
 
     uint64_t bytesInReach() const noexcept { return static_cast<uint64_t>(end_ - next_); }
     uint64_t nextBytes() const noexcept;
     void append(uint64_t bytes, uint64_t taken) noexcept;
-    void addBytes() noexcept;
     void refill(uint64_t wanted) noexcept;
-    void refillToEnd(uint64_t wanted) noexcept;
+    void appendWithoutEmulationPrevention(uint64_t bytes, uint64_t candidates) noexcept;
+    void refillOverEmulationPrevention(uint64_t wanted, uint64_t bytes, uint64_t candidates) noexcept;
     void endOfWindow() noexcept;
     bool isEmulationPrevention(const uint8_t* byte) const noexcept;
+    uint64_t countOfBitsLeft() noexcept;
     uint32_t longCodeNum(Element element) noexcept;
     void stop() noexcept;
     void fault(FaultKind kind, const Element& element, uint64_t firstBit) noexcept;
@@ -365,9 +384,8 @@ private:
 
     // 64-bit numbers and pointers: no store into a record's field can change them, as far as a compiler
     // knows, and they stay in registers from one element to the next.
-    uint64_t bits_ = 0;   // the next bit on top, zero bits after the last
-    uint64_t count_ = 0;  // of bits in the window
-    uint64_t tail_ = 0;   // bits of the last byte from the rbsp_stop_one_bit on
+    uint64_t bits_ = kNoBits;  // the window: the next bit on top, after the last one a 1 bit and zero bits
+    uint64_t tail_ = 0;        // bits of the last byte from the rbsp_stop_one_bit on
     const uint8_t* begin_;
     const uint8_t* next_;  // the first byte that is not in the window
     const uint8_t* end_;

@@ -100,7 +100,7 @@ TEST(Reader, emulationPrevention) {
     for (const EmulationPreventionCase& row : kEmulationPrevention) {
         SCOPED_TRACE(row.unit);
         const Bytes unit = hex(row.unit);
-        for (uint32_t n = 1; n <= 57; ++n) {
+        for (uint32_t n = 1; n <= 56; ++n) {
             Reader reader(bytesOf(unit));
             skipHeader(reader, row.headerBytes);
             EXPECT_EQ(bitsLeft(reader, n), dataBits(hex(row.rbsp))) << n << " bits at a time";
@@ -109,7 +109,7 @@ TEST(Reader, emulationPrevention) {
     }
 }
 
-// The window holds eight bytes and is filled at any of its bits.
+// The window is filled at any of its bits, with any bytes before and after those to step over.
 TEST(Reader, emulationPreventionAcrossTheWindow) {
     const char* const kMiddles[] = {
         "00 00 03 01",
@@ -134,7 +134,7 @@ TEST(Reader, emulationPreventionAcrossTheWindow) {
                 }
                 for (uint32_t first = 0; first < 33 && first <= expected.size(); ++first) {
                     const std::vector<bool> rest(expected.begin() + first, expected.end());
-                    for (const uint32_t n : {1U, 7U, 32U, 57U}) {
+                    for (const uint32_t n : {1U, 7U, 32U, 56U}) {
                         Reader reader(bytesOf(unit));
                         skipHeader(reader, 1);
                         uint64_t value = 0;
@@ -275,10 +275,10 @@ const Descriptor kDescriptors[] = {
          s.u(32, "element", x);
          return int64_t{x};
      }},
-    {"u(57)", 57, 0,
+    {"u(56)", 56, 0,
      [](Reader& s) {
          uint64_t x = 9;
-         s.u(57, "element", x);
+         s.u(56, "element", x);
          return static_cast<int64_t>(x);
      }},
     {"u(5) with a range", 5, 0,
@@ -794,7 +794,7 @@ public:
                 return flag();
             case 1:
             case 2:
-                return bits(static_cast<uint32_t>(below(random, 58)));
+                return bits(static_cast<uint32_t>(below(random, 57)));
             case 3:
                 return bitsInRange(static_cast<uint32_t>(1 + below(random, 32)));
             case 4:

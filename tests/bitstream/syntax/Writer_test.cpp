@@ -247,7 +247,7 @@ TEST(Writer, randomElements) {
         both([&](auto& s) { s.u(8, "header", header); });
         bits.u(8, "header", header);
         for (uint64_t left = random() % 20; left > 0; --left) {
-            const auto n = static_cast<uint32_t>(1 + random() % 57);
+            const auto n = static_cast<uint32_t>(1 + random() % 56);
             uint64_t value = random() % 2 == 0 ? 0 : random() & (~uint64_t{0} >> (64 - n));
             auto code = static_cast<uint32_t>(value);
             code = code > qv::kMostUe ? 0 : code;
