@@ -5,13 +5,12 @@
 
 #include "bitstream/avc/NalUnitType.h"
 #include "bitstream/syntax/Bits.h"
+#include "bitstream/units/StartCode.h"
 #include "startcode/StartCodeSearch.h"
 
 namespace qv {
 
 namespace {
-
-constexpr size_t kPrefixSize = 3;  // start_code_prefix_one_3bytes
 
 // Bytes that one search covers, at most.
 constexpr size_t kLookAhead = size_t{256} << 10;
@@ -120,13 +119,13 @@ void NalUnits::Iterator::takeRest(UnitFault fault) noexcept {
 // --- Start codes, B.1.1 and B.2 ---
 
 QV_ALWAYS_INLINE bool NalUnits::Iterator::isPrefix(size_t place) const noexcept {
-    return buffer_.size - place >= kPrefixSize && buffer_[place] == 0x00 && buffer_[place + 1] == 0x00 &&
-           buffer_[place + 2] == 0x01;
+    return buffer_.size - place >= kStartCodePrefixSize && buffer_[place] == 0x00 &&
+           buffer_[place + 1] == 0x00 && buffer_[place + 2] == 0x01;
 }
 
 // Lists the next prefixes that begin at from or after it. False when there are none.
 bool NalUnits::Iterator::listPrefixes(size_t from) noexcept {
-    const size_t end = buffer_.size >= kPrefixSize ? buffer_.size - kPrefixSize + 1 : 0;
+    const size_t end = buffer_.size >= kStartCodePrefixSize ? buffer_.size - kStartCodePrefixSize + 1 : 0;
     passed_ = 0;
     listed_ = 0;
     for (size_t at = searchedTo_ > from ? searchedTo_ : from; at < end && listed_ == 0; at = searchedTo_) {
@@ -155,14 +154,15 @@ QV_ALWAYS_INLINE size_t NalUnits::Iterator::nextPrefix(size_t from) noexcept {
 // The unit after the prefix at next_. Of the zero bytes after it, the last one is the zero_byte of the next
 // start code.
 QV_ALWAYS_INLINE void NalUnits::Iterator::takeUnitAfterStartCode(size_t leadingBytes) noexcept {
-    const size_t offset = next_ + kPrefixSize;
+    const size_t offset = next_ + kStartCodePrefixSize;
     const size_t next = nextPrefix(offset);
     size_t end = next;
     while (end > offset && buffer_[end - 1] == 0x00) {
         --end;
     }
     const bool nextHasZeroByte = end != next && next != buffer_.size;
-    startUnit(leadingBytes, nextHasZeroByte_ ? kPrefixSize + 1 : kPrefixSize, offset, end - offset);
+    startUnit(leadingBytes, nextHasZeroByte_ ? kStartCodePrefixSize + 1 : kStartCodePrefixSize, offset,
+              end - offset);
     unit_.trailingZeroBytes = next - end - (nextHasZeroByte ? 1 : 0);
     next_ = next;
     nextHasZeroByte_ = nextHasZeroByte;

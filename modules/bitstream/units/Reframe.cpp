@@ -1,13 +1,13 @@
 // From one framing to another: Annex B of H.264 and H.265, ISO/IEC 14496-15.
 #include "bitstream/units/Reframe.h"
 
+#include "bitstream/units/StartCode.h"
 #include "startcode/StartCodeSearch.h"
 
 namespace qv {
 
 namespace {
 
-constexpr size_t kStartCodePrefixSize = 3;
 constexpr uint8_t kStartCode[] = {0x00, 0x00, 0x00, 0x01};
 
 // The faults that do not depend on the codec.

@@ -9,8 +9,8 @@
 #include "QVCoreStandalone.h"
 #include "QVNaluParser.h"
 #include "analysis/CoreHooks.h"
+#include "bitstream/units/StartCode.h"
 #include "input/Budgets.h"
-#include "input/StartCode.h"
 
 namespace qvinspect {
 
@@ -43,17 +43,17 @@ Sample fromFirstStartCode(const Sample& sample, AccessUnitReport& report) {
     if (sample.size == 0 || QVNaluParser::isAnnexBData(sample.data, sample.size)) {
         return sample;
     }
-    const auto code = findStartCode(sample.data, static_cast<size_t>(sample.size), 0, 0);
+    const auto code = qv::findStartCode({sample.data, static_cast<size_t>(sample.size)}, 0, 0);
     if (!code) {
         addFinding(report, Severity::Error, sample.offset, "the sample has no start code (00 00 01)");
         return {sample.data, 0, sample.offset};
     }
-    const auto leading = static_cast<int>(code->codeAt);
+    const auto leading = static_cast<int>(code->offset);
     const bool isZero =
         std::all_of(sample.data, sample.data + leading, [](unsigned char byte) { return byte == 0; });
     addFinding(report, isZero ? Severity::Note : Severity::Error, sample.offset,
                fmt::format("{} bytes before the first start code", leading));
-    return {sample.data + leading, sample.size - leading, sample.offset + code->codeAt};
+    return {sample.data + leading, sample.size - leading, sample.offset + code->offset};
 }
 
 NalIndexList findAnnexBUnits(const Sample& sample) {

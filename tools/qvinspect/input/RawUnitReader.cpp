@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "input/StartCode.h"
+#include "bitstream/units/StartCode.h"
 
 namespace qvinspect {
 
@@ -49,17 +49,17 @@ std::optional<Finding> RawUnitReader::rest() const {
 // Searches the window for a start code and remembers the end of the search.
 std::optional<RawUnitReader::Code> RawUnitReader::findCode() {
     const uint64_t begin = window_.begin();
-    const auto code = findStartCode(window_.at(begin), window_.end() - begin, searchFrom_ - begin,
-                                    std::max(zeroByteFrom_, begin) - begin);
+    const auto code = qv::findStartCode({window_.at(begin), window_.end() - begin}, searchFrom_ - begin,
+                                        std::max(zeroByteFrom_, begin) - begin);
     if (!code) {
         const uint64_t end = window_.end();
-        searchFrom_ = std::max(searchFrom_, end - std::min<uint64_t>(end, kStartCodeLength));
+        searchFrom_ = std::max(searchFrom_, end - std::min<uint64_t>(end, qv::kStartCodePrefixSize));
         return std::nullopt;
     }
     // The byte after a start code begins a unit, whatever its value, and never another start code.
-    searchFrom_ = begin + code->unitAt + 1;
+    searchFrom_ = begin + code->unitOffset + 1;
     zeroByteFrom_ = searchFrom_;
-    return Code{begin + code->codeAt, begin + code->unitAt};
+    return Code{begin + code->offset, begin + code->unitOffset};
 }
 
 void RawUnitReader::skipToCode() {
@@ -68,7 +68,7 @@ void RawUnitReader::skipToCode() {
     while (!(open_ = findCode())) {
         // One byte more than may become a start code: a zero byte before it.
         const uint64_t end = window_.end();
-        window_.release(end - std::min<uint64_t>(end, kStartCodeLength + 1));
+        window_.release(end - std::min<uint64_t>(end, qv::kStartCodePrefixSize + 1));
         if (!window_.grow()) {
             break;
         }

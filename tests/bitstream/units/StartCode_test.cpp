@@ -1,13 +1,17 @@
-#include "input/StartCode.h"
+// Start codes in pieces of a stream.
+#include "bitstream/units/StartCode.h"
 
 #include <gtest/gtest.h>
 
-#include "InspectSupport.h"
+#include <ostream>
+#include <vector>
+
+#include "../support/Hex.h"
 
 namespace qv_test {
 namespace {
 
-using qvinspect::findStartCode;
+using qv::findStartCode;
 
 struct Case {
     const char* name;
@@ -15,8 +19,8 @@ struct Case {
     size_t from;
     size_t zeroByteFrom;
     bool isFound;
-    size_t codeAt;
-    size_t unitAt;
+    size_t offset;
+    size_t unitOffset;
 };
 
 void PrintTo(const Case& row, std::ostream* out) {
@@ -27,12 +31,12 @@ class StartCodeTable : public ::testing::TestWithParam<Case> {};
 
 TEST_P(StartCodeTable, isFoundAtItsPlace) {
     const Case& row = GetParam();
-    const Bytes bytes = hex(row.bytes);
-    const auto code = findStartCode(bytes.data(), bytes.size(), row.from, row.zeroByteFrom);
+    const std::vector<uint8_t> bytes = hex(row.bytes);
+    const auto code = findStartCode({bytes.data(), bytes.size()}, row.from, row.zeroByteFrom);
     ASSERT_EQ(code.has_value(), row.isFound);
     if (code) {
-        EXPECT_EQ(code->codeAt, row.codeAt);
-        EXPECT_EQ(code->unitAt, row.unitAt);
+        EXPECT_EQ(code->offset, row.offset);
+        EXPECT_EQ(code->unitOffset, row.unitOffset);
     }
 }
 
@@ -43,6 +47,7 @@ INSTANTIATE_TEST_SUITE_P(
                       Case{"threeBytes", "00 00 01 65", 0, 0, true, 0, 3},
                       Case{"fourBytes", "00 00 00 01 65", 0, 0, true, 0, 4},
                       Case{"fiveBytes", "00 00 00 00 01 65", 0, 0, true, 1, 5},
+                      Case{"fromPastTheEnd", "00 00 01 65", 9, 0, false, 0, 0},
                       Case{"nothingAfter", "00 00 01", 0, 0, false, 0, 0},
                       Case{"nothingAfterFour", "FF 00 00 00 01", 0, 0, false, 0, 0},
                       Case{"afterOthers", "65 01 00 00 01 41", 0, 0, true, 2, 5},
@@ -59,18 +64,18 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(StartCode, anywhereInLongData) {
     constexpr size_t kSize = 300;
     for (size_t at = 0; at + 4 <= kSize; ++at) {
-        Bytes bytes(kSize, 0xFF);
+        std::vector<uint8_t> bytes(kSize, 0xFF);
         bytes[at] = 0x00;
         bytes[at + 1] = 0x00;
         bytes[at + 2] = 0x01;
         for (const size_t from : {size_t{0}, at / 2, at}) {
-            const auto code = findStartCode(bytes.data(), bytes.size(), from, 0);
+            const auto code = findStartCode({bytes.data(), bytes.size()}, from, 0);
             ASSERT_TRUE(code.has_value()) << at << " from " << from;
-            EXPECT_EQ(code->codeAt, at);
-            EXPECT_EQ(code->unitAt, at + 3);
+            EXPECT_EQ(code->offset, at);
+            EXPECT_EQ(code->unitOffset, at + 3);
         }
-        EXPECT_FALSE(findStartCode(bytes.data(), bytes.size(), at + 1, 0)) << at;
-        EXPECT_FALSE(findStartCode(bytes.data(), at + 3, 0, 0)) << at;
+        EXPECT_FALSE(findStartCode({bytes.data(), bytes.size()}, at + 1, 0)) << at;
+        EXPECT_FALSE(findStartCode({bytes.data(), at + 3}, 0, 0)) << at;
     }
 }
 
