@@ -516,6 +516,8 @@ void growConfigurationRecords() {
     growStructure("avc::readConfigurationRecord", avc, readAvc);
     grow("hevc::readConfigurationRecord, zeros", kSize, repeated(hevc, {0}), readHevc);
     grow("hevc::readConfigurationRecord, ones", kSize, repeated(hevc, {0xFF}), readHevc);
+    // Units of 768 bytes at most. With 55 in the pattern they have up to 21 760, and the work grows in steps.
+    grow("hevc::readConfigurationRecord, 00 00 03", kSize, repeated(hevc, {0, 0, 3}), readHevc);
     grow("hevc::readConfigurationRecord, units of a byte", kSize,
          repeated(
              [&hevc] {
