@@ -33,14 +33,11 @@ void detail::setToZero(void* bytes, size_t size) noexcept {
 }
 
 Reader::Reader(const CodedBits& bits) noexcept : Reader(bits.unit) {
-    next_ += bits.byte;
+    next_ += bits.byte < bits.unit.size ? bits.byte : bits.unit.size;
     // NOLINTNEXTLINE(cppcoreguidelines-prefer-member-initializer): the other constructor comes first
     loaded_ = bits.firstBit - bits.bitOfByte;
     rbsp();
-    if (bits.bitOfByte != 0) {
-        refill(bits.bitOfByte);
-        take(bits.bitOfByte);
-    }
+    take(bitsInReach(bits.bitOfByte % 8));
 }
 
 void Reader::rbsp() noexcept {

@@ -756,6 +756,26 @@ TEST(Reader, extensionDataIsKeptUpToTheTrailingBits) {
     }
 }
 
+// A record can be changed before its bits are read.
+TEST(Reader, bitsOutsideTheUnitAreNotThere) {
+    const Bytes unit = hex("67 A5");
+    const CodedBits kOutside[] = {
+        {bytesOf(unit), 2, 0, 16, 8},
+        {bytesOf(unit), SIZE_MAX, 5, 16, 8},
+        {bytesOf(unit), 1, 7, 16, 8},
+        {bytesOf(unit), 1, UINT32_MAX, 16, 8},
+        {{}, 1, 1, 0, 8},
+    };
+    for (const CodedBits& bits : kOutside) {
+        Reader reader(bits);
+        EXPECT_FALSE(reader.more_rbsp_data());
+        uint32_t value = 9;
+        reader.ue("outside", value);
+        EXPECT_EQ(value, 0U);
+        EXPECT_EQ(reader.fault().kind, FaultKind::EndOfData);
+    }
+}
+
 // --- Against the slow reader ---
 
 using Generator = std::mt19937_64;
