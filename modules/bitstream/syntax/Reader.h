@@ -70,7 +70,6 @@ public:
             field = 0;
             outOfRange(detail::elementOf(name), n, static_cast<int64_t>(value), static_cast<int64_t>(least),
                        static_cast<int64_t>(most));
-            bits_ = kNoBits;
         }
     }
 
@@ -128,7 +127,6 @@ public:
         if (value < least || value > limit) {
             field = 0;
             outOfRange(detail::elementOf(name), ueWidth(value), value, least, limit);
-            bits_ = kNoBits;
         }
     }
 
@@ -143,7 +141,6 @@ public:
         if (value < least || value > most) {
             field = 0;
             outOfRange(detail::elementOf(name), ueWidth(code), value, least, most);
-            bits_ = kNoBits;
         }
     }
 
