@@ -22,7 +22,7 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/modules/bitstream DESTINATION ${headers}
   FILES_MATCHING PATTERN "*.h"
   PATTERN "*Syntax.h" EXCLUDE
   REGEX "/syntax/(EmulationPrevention|Tracer|Uses|Writer)\\.h$" EXCLUDE
-  REGEX "/units/(ConfigurationFault|SpsHead|UnitUsesTemplates)\\.h$" EXCLUDE)
+  REGEX "/units/(ConfigurationFault|FaultTexts|SpsHead|UnitUsesTemplates)\\.h$" EXCLUDE)
 
 install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md
   DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)

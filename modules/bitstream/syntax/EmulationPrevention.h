@@ -18,6 +18,20 @@ inline bool isEmulationPrevention(const uint8_t* unit, size_t position) noexcept
            unit[position - 2] == 0x00;
 }
 
+// The end of the last byte of [begin, end) that is not zero: cabac_zero_words, the emulation prevention byte
+// that ends a unit after one (H.264 7.4.1, H.265 7.4.2.1), and trailing_zero_8bits are past it.
+inline const uint8_t* endOfStopBit(const uint8_t* unit, const uint8_t* begin, const uint8_t* end) noexcept {
+    for (;;) {
+        while (end != begin && end[-1] == 0x00) {
+            --end;
+        }
+        if (end == begin || !isEmulationPrevention(unit, static_cast<size_t>(end - 1 - unit))) {
+            return end;
+        }
+        --end;
+    }
+}
+
 }  // namespace qv::detail
 
 #endif

@@ -12,20 +12,6 @@ namespace {
 
 constexpr size_t kWindowBytes = 8;
 
-// The end of the last byte of [begin, end) that is not zero: cabac_zero_words, the emulation prevention byte
-// that ends a unit after one (H.264 7.4.1, H.265 7.4.2.1), and trailing_zero_8bits are past it.
-const uint8_t* endOfStopBit(const uint8_t* unit, const uint8_t* begin, const uint8_t* end) noexcept {
-    for (;;) {
-        while (end != begin && end[-1] == 0x00) {
-            --end;
-        }
-        if (end == begin || !detail::isEmulationPrevention(unit, static_cast<size_t>(end - 1 - unit))) {
-            return end;
-        }
-        --end;
-    }
-}
-
 }  // namespace
 
 void detail::setToZero(void* bytes, size_t size) noexcept {
@@ -41,7 +27,7 @@ Reader::Reader(const CodedBits& bits) noexcept : Reader(bits.unit) {
 }
 
 void Reader::rbsp() noexcept {
-    end_ = endOfStopBit(begin_, next_, end_);
+    end_ = detail::endOfStopBit(begin_, next_, end_);
     tail_ = next_ != end_ ? detail::trailingZeroBits(end_[-1]) + 1 : 0;
 }
 

@@ -5,6 +5,7 @@
 
 #include "bitstream/avc/NalUnitType.h"
 #include "bitstream/syntax/Bits.h"
+#include "bitstream/units/FaultTexts.h"
 #include "bitstream/units/StartCode.h"
 #include "startcode/StartCodeSearch.h"
 
@@ -243,11 +244,7 @@ NalUnit nalUnitOf(Bytes unit, Codec codec) noexcept {
 // --- Text ---
 
 std::string textOf(UnitFaults faults) {
-    struct Row {
-        UnitFault fault;
-        const char* text;
-    };
-    static constexpr Row kRows[] = {
+    static constexpr detail::FaultText<UnitFault> kTexts[] = {
         {UnitFault::BytesBeforeStartCode, "bytes before the first start code"},
         {UnitFault::NoStartCode, "no start code"},
         {UnitFault::LengthCut, "fewer bytes left than a NALUnitLength has"},
@@ -258,14 +255,7 @@ std::string textOf(UnitFaults faults) {
         {UnitFault::NoTemporalId, "nuh_temporal_id_plus1 is 0"},
         {UnitFault::EndsWithZeroByte, "the unit ends with a zero byte"},
     };
-    std::string text;
-    for (const Row& row : kRows) {
-        if (faults.has(row.fault)) {
-            text += text.empty() ? "" : "; ";
-            text += row.text;
-        }
-    }
-    return text;
+    return detail::textOf(faults, kTexts);
 }
 
 }  // namespace qv

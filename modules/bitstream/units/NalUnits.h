@@ -10,6 +10,7 @@
 
 #include "bitstream/Bytes.h"
 #include "bitstream/Codec.h"
+#include "bitstream/units/FaultSet.h"
 #include "bitstream/units/Framing.h"
 
 namespace qv {
@@ -38,26 +39,7 @@ enum class UnitFault : uint32_t {
 };
 
 /// The faults of one unit.
-class UnitFaults {
-public:
-    /// True when \p fault is one of them.
-    constexpr bool has(UnitFault fault) const { return (bits_ & static_cast<uint32_t>(fault)) != 0; }
-
-    /// Adds \p fault.
-    constexpr void add(UnitFault fault) { bits_ |= static_cast<uint32_t>(fault); }
-
-    /// True when there is a fault.
-    explicit constexpr operator bool() const { return bits_ != 0; }
-
-    /// True when both have the same faults.
-    friend constexpr bool operator==(UnitFaults a, UnitFaults b) { return a.bits_ == b.bits_; }
-
-    /// True when they differ.
-    friend constexpr bool operator!=(UnitFaults a, UnitFaults b) { return a.bits_ != b.bits_; }
-
-private:
-    uint32_t bits_ = 0;
-};
+using UnitFaults = FaultSet<UnitFault>;
 
 /// One NAL unit of a buffer and what is around it. Its parts follow each other: leading bytes, start code or
 /// NALUnitLength, unit, trailing_zero_8bits. Every byte of the buffer belongs to exactly one part of one
