@@ -22,6 +22,7 @@
 #include "bitstream/avc/SubsetSps.h"
 #include "bitstream/hevc/ParameterSets.h"
 #include "bitstream/hevc/SmallUnits.h"
+#include "bitstream/sei/SeiMessages.h"
 #include "bitstream/units/CodecProbe.h"
 #include "bitstream/units/ConfigurationRecord.h"
 #include "bitstream/units/NalUnits.h"
@@ -603,6 +604,42 @@ void growUnits() {
          [](const Bytes& bytes) { qv::probeCodec(borrowed(bytes)); });
 }
 
+void readEveryMessage(const Bytes& bytes) {
+    size_t messages = 0;
+    for (const qv::SeiMessage& message : qv::SeiMessages(borrowed(bytes), qv::Codec::Avc)) {
+        uint32_t value = 0;
+        message.reader().u(8, "byte", value);
+        ++messages;
+    }
+    require(messages > 0, "SeiMessages");
+}
+
+// A payload that takes nearly the whole unit.
+Bytes oneSeiPayload(size_t size) {
+    Bytes unit = {0x06, 0x05};
+    unit.insert(unit.end(), size / 512, 0xFF);
+    unit.push_back(0);
+    return repeated(unit, {0, 0, 3, 1})(size);
+}
+
+void growSeiMessages() {
+    const struct {
+        const char* name;
+        std::function<Bytes(size_t)> input;
+    } units[] = {
+        {"zeros", repeated({0x06}, {0})},
+        {"ones", repeated({0x06}, {0xFF})},
+        {"no payloads", repeated({0x06}, {5, 0})},
+        {"messages that look like trailing bits", repeated({0x06}, {0x80, 0})},
+        {"payloads of a byte", repeated({0x06}, {5, 1, 0x55})},
+        {"00 00 03 at the end of each message", repeated({0x06}, {5, 2, 0, 0, 3})},
+        {"one payload", oneSeiPayload},
+    };
+    for (const auto& [name, input] : units) {
+        grow(std::string("SeiMessages, ") + name, kSize, input, readEveryMessage);
+    }
+}
+
 template <class Sets>
 void takeEveryUnit(qv::Codec codec, const Bytes& bytes) {
     Sets sets;
@@ -639,5 +676,6 @@ int main() {
     growStructures();
     growConfigurationRecords();
     growUnits();
+    growSeiMessages();
     growParameterSetsInForce();
 }

@@ -5,6 +5,7 @@
 #include "FuzzInput.h"
 #include "bitstream/avc/Unit.h"
 #include "bitstream/hevc/Unit.h"
+#include "bitstream/sei/SeiMessages.h"
 #include "bitstream/units/CodecProbe.h"
 #include "bitstream/units/CodecString.h"
 #include "bitstream/units/ConfigurationRecord.h"
@@ -50,6 +51,27 @@ void checkUnit(Bytes unit, Sets& sets, const Trace& traceUnit) {
     FUZZ_CHECK(!trace.ok() || taken.event != qv::SetEvent::Broken);
 }
 
+// The messages of a unit follow each other, whatever its type, and their readers give what is there.
+void checkMessages(const qv::NalUnit& unit) {
+    size_t end = 0;
+    size_t rbspEnd = 0;
+    for (const qv::SeiMessage& message : qv::SeiMessages(unit)) {
+        FUZZ_CHECK(message.offset >= end && message.rbspOffset >= rbspEnd);
+        FUZZ_CHECK(message.payloadOffset >= message.offset);
+        FUZZ_CHECK(message.payload.size >= message.rbspPayloadSize);
+        FUZZ_CHECK(qv::textOf(message.faults).empty() == message.ok());
+        end = message.payloadOffset + message.payload.size;
+        rbspEnd = message.rbspPayloadOffset + message.rbspPayloadSize;
+        FUZZ_CHECK(end <= unit.bytes.size);
+        qv::Reader reader = message.reader();
+        while (reader.more_rbsp_data()) {
+            uint32_t bits = 0;
+            reader.u(reader.bitsInReach(32), "bits", bits);
+        }
+        FUZZ_CHECK(!reader.failed() && reader.position() == 8 * uint64_t{rbspEnd});
+    }
+}
+
 template <class Sets, class Trace>
 void checkUnits(Bytes buffer, Framing framing, Codec codec, const Trace& traceUnit) {
     Sets sets;
@@ -58,6 +80,7 @@ void checkUnits(Bytes buffer, Framing framing, Codec codec, const Trace& traceUn
         FUZZ_CHECK(unit.begin() == end);
         end = unit.end();
         checkUnit(unit.bytes, sets, traceUnit);
+        checkMessages(unit);
     }
     FUZZ_CHECK(end == buffer.size);
 }

@@ -37,6 +37,15 @@ public:
     /// A reader of bits that an earlier read passed over.
     explicit Reader(const CodedBits& bits) noexcept;
 
+    /// A reader of a part of \p unit, the coded bytes from \p begin to before \p end, which are in it. Every
+    /// bit of the part is data. \p firstBit is that of its first bit, as position() counts.
+    Reader(Bytes unit, size_t begin, size_t end, uint64_t firstBit) noexcept
+        : begin_(unit.data),
+          next_(unit.data + begin),
+          end_(unit.data + end),
+          unitEnd_(unit.data + end),
+          loaded_(firstBit) {}
+
     // --- The parts of a unit ---
 
     /// Makes the next \p bytes bytes of the unit, at most 4, the bits to be read. They belong to the NAL unit

@@ -1,0 +1,171 @@
+/// \file
+/// The SEI messages of a NAL unit, one after the other (H.264 7.3.2.3, H.265 7.3.2.4).
+#ifndef QV_BITSTREAM_SEI_SEIMESSAGES_H
+#define QV_BITSTREAM_SEI_SEIMESSAGES_H
+
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+#include <string>
+
+#include "bitstream/Bytes.h"
+#include "bitstream/Codec.h"
+#include "bitstream/syntax/Reader.h"
+#include "bitstream/units/FaultSet.h"
+#include "bitstream/units/NalUnits.h"
+#include "bitstream/units/Rbsp.h"
+
+namespace qv {
+
+/// What is wrong with a message or with the bytes after it.
+enum class SeiFault : uint32_t {
+    /// The unit has no message. The item stands alone and is empty.
+    NoMessage = 1U << 0,
+    /// The unit ends within the bytes of payloadType and payloadSize.
+    HeaderCut = 1U << 1,
+    /// payloadSize runs past the end of the unit. The payload holds the bytes that are there.
+    PayloadCut = 1U << 2,
+    /// The unit ends after the message without rbsp_trailing_bits().
+    NoTrailingBits = 1U << 3,
+    /// After the message comes what may be rbsp_trailing_bits(), but bytes that are neither zero nor a
+    /// message follow.
+    BytesAfterTrailingBits = 1U << 4,
+};
+
+/// The faults of one message.
+using SeiFaults = FaultSet<SeiFault>;
+
+/// One message of a unit: sei_message(), H.264 7.3.2.3.1, H.265 7.3.5.
+struct SeiMessage {
+    uint64_t payloadType = 0;  ///< all of its bytes added up; 0 with HeaderCut
+    uint64_t payloadSize = 0;  ///< as coded, in bytes of the RBSP; 0 with HeaderCut
+
+    /// The first byte of payloadType in the unit as coded.
+    size_t offset = 0;
+
+    /// The first byte of the payload in the unit as coded.
+    size_t payloadOffset = 0;
+
+    /// As offset, counted without emulation prevention bytes, the NAL unit header included.
+    size_t rbspOffset = 0;
+
+    /// As payloadOffset, counted without emulation prevention bytes, the NAL unit header included.
+    size_t rbspPayloadOffset = 0;
+
+    /// Bytes of the payload that are there, without emulation prevention bytes: payloadSize, or fewer with
+    /// PayloadCut.
+    size_t rbspPayloadSize = 0;
+
+    /// The payload as coded, emulation prevention bytes included, borrowed.
+    Bytes payload;
+
+    /// The unit from its header on, borrowed.
+    Bytes unit;
+
+    SeiFaults faults;  ///< what is wrong with it
+
+    /// False when there is a fault.
+    bool ok() const { return !faults; }
+
+    /// A reader of the payload, which ends with it: every bit is data.
+    Reader reader() const noexcept;
+};
+
+/// The SEI messages of a unit, found while they are asked for:
+///
+///     for (const SeiMessage& message : SeiMessages(unit)) { ... }
+///
+/// Every message is found that the bytes hold, also one that zero bytes end and no rbsp_trailing_bits()
+/// follow. What is cut off or left over is reported with the last message. A unit without a message has one
+/// item that says so. Nothing is allocated; work is linear in the size of the unit.
+class SeiMessages {
+public:
+    class Iterator;
+    struct End {};
+
+    /// The messages of a unit of a walk. Its nal_unit_type is not looked at.
+    explicit SeiMessages(const NalUnit& unit) noexcept : unit_(unit.bytes), headerBytes_(unit.headerBytes) {}
+
+    /// The messages of a unit from its header on, which is borrowed.
+    SeiMessages(Bytes unit, Codec codec) noexcept : SeiMessages(nalUnitOf(unit, codec)) {}
+
+    /// The first message. Finds it.
+    Iterator begin() const noexcept;
+
+    /// The end: after the last message.
+    static End end() noexcept { return {}; }
+
+private:
+    Bytes unit_;
+    size_t headerBytes_;
+};
+
+/// An iterator over the messages of a unit. Copies are independent of each other.
+class SeiMessages::Iterator {
+public:
+    /// Each message is read once, in order.
+    using iterator_category = std::input_iterator_tag;
+
+    /// What it refers to.
+    using value_type = SeiMessage;
+
+    /// Of any iterator.
+    using difference_type = std::ptrdiff_t;
+
+    /// What operator->() returns.
+    using pointer = const SeiMessage*;
+
+    /// What operator*() returns.
+    using reference = const SeiMessage&;
+
+    /// The message. The reference is valid until the iterator advances or is destroyed.
+    const SeiMessage& operator*() const noexcept { return message_; }
+
+    /// A member of the message.
+    const SeiMessage* operator->() const noexcept { return &message_; }
+
+    /// Goes on to the next message. Not allowed at the end.
+    Iterator& operator++() noexcept;
+
+    /// Goes on to the next message, and returns a copy of the iterator as it was.
+    // NOLINTNEXTLINE(cert-dcl21-cpp): iterators are not const
+    Iterator operator++(int) noexcept {
+        const Iterator before = *this;
+        ++*this;
+        return before;
+    }
+
+    /// True after the last message.
+    friend bool operator==(const Iterator& a, End /*end*/) noexcept { return a.isAtEnd_; }
+
+    /// True while there is a message.
+    friend bool operator!=(const Iterator& a, End /*end*/) noexcept { return !a.isAtEnd_; }
+
+private:
+    friend class SeiMessages;
+
+    Iterator(Bytes unit, size_t headerBytes) noexcept;
+
+    bool isAtTrailingBits() noexcept;
+    bool takeByte(uint8_t& byte) noexcept;
+    bool takeNumber(uint64_t& number) noexcept;
+    SeiMessage takeMessage() noexcept;
+    void takePayload(SeiMessage& message) noexcept;
+    void lookAhead() noexcept;
+
+    Bytes unit_;
+    RbspPositions positions_;
+    size_t dataEnd_ = 0;  // after the last byte that is not zero, in the unit as coded
+    size_t next_ = 0;     // the next byte, counted without emulation prevention bytes
+    bool isLast_ = false;
+    bool isAtEnd_ = false;
+    SeiMessage message_;
+};
+
+/// What is wrong, as a line of text without a line feed; empty without a fault. With several faults the texts
+/// are separated by "; ".
+std::string textOf(SeiFaults faults);
+
+}  // namespace qv
+
+#endif
