@@ -91,7 +91,7 @@ TEST_F(SeiExtraction, itemsAndIndex) {
          "nal_unit_type": 6, "payload_type": 1, "name": "pic_timing", "size": 1,
          "requested": false, "delivery": "payload"},
         {"file": "00000003_au00000002_sei200.bin", "access_unit": 2, "time": null, "offset": 3,
-         "nal_unit_type": 6, "payload_type": 200, "name": "reserved", "size": 3,
+         "nal_unit_type": 6, "payload_type": 200, "name": "sei_manifest", "size": 3,
          "requested": true, "delivery": "payload"}], "left_out": 0})"));
 }
 

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <initializer_list>
 
+#include "bitstream/names/AvcSeiPayloadTypes.h"
 #include "bitstream/names/Colour.h"
+#include "bitstream/names/HevcSeiPayloadTypes.h"
 
 namespace qvinspect {
 
@@ -12,90 +14,6 @@ namespace {
 constexpr uint8_t kCountryUnitedStates = 0xB5;
 constexpr uint8_t kCountryChina = 0x26;
 constexpr uint8_t kCountryExtended = 0xFF;
-
-const char* avcOnlySeiName(uint32_t payloadType) {
-    switch (payloadType) {
-        case 7:
-            return "dec_ref_pic_marking_repetition";
-        case 8:
-            return "spare_pic";
-        case 10:
-            return "sub_seq_info";
-        case 11:
-            return "sub_seq_layer_characteristics";
-        case 12:
-            return "sub_seq_characteristics";
-        case 13:
-            return "full_frame_freeze";
-        case 14:
-            return "full_frame_freeze_release";
-        case 18:
-            return "motion_constrained_slice_group_set";
-        case 20:
-            return "deblocking_filter_display_preference";
-        case 21:
-            return "stereo_video_info";
-        case 24:
-            return "scalability_info";
-        case 37:
-            return "mvc_scalable_nesting";
-        case 38:
-            return "view_scalability_info";
-        default:
-            return "reserved";
-    }
-}
-
-const char* hevcOnlySeiName(uint32_t payloadType) {
-    switch (payloadType) {
-        case 128:
-            return "structure_of_pictures_info";
-        case 129:
-            return "active_parameter_sets";
-        case 130:
-            return "decoding_unit_info";
-        case 131:
-            return "temporal_sub_layer_zero_idx";
-        case 132:
-            return "decoded_picture_hash";
-        case 133:
-            return "scalable_nesting";
-        case 134:
-            return "region_refresh_info";
-        case 135:
-            return "no_display";
-        case 136:
-            return "time_code";
-        case 138:
-            return "segmented_rect_frame_packing_arrangement";
-        case 139:
-            return "temporal_motion_constrained_tile_sets";
-        case 140:
-            return "chroma_resampling_filter_hint";
-        case 141:
-            return "knee_function_info";
-        case 143:
-            return "deinterlaced_field_identification";
-        case 145:
-            return "dependent_rap_indication";
-        case 146:
-            return "coded_region_completion";
-        case 160:
-            return "layers_not_present";
-        case 165:
-            return "alpha_channel_info";
-        case 176:
-            return "three_dimensional_reference_displays_info";
-        case 178:
-            return "multiview_scene_info";
-        case 179:
-            return "multiview_acquisition_info";
-        case 180:
-            return "multiview_view_position";
-        default:
-            return "reserved";
-    }
-}
 
 uint32_t identifierAt(const std::vector<uint8_t>& payload, size_t at) {
     if (payload.size() < at + 4) {
@@ -112,56 +30,8 @@ bool startsWith(const std::vector<uint8_t>& payload, std::initializer_list<uint8
 }  // namespace
 
 const char* seiName(QVCodecID codec, uint32_t payloadType) {
-    switch (payloadType) {
-        case 0:
-            return "buffering_period";
-        case 1:
-            return "pic_timing";
-        case 2:
-            return "pan_scan_rect";
-        case 3:
-            return "filler_payload";
-        case 4:
-            return "user_data_registered_itu_t_t35";
-        case 5:
-            return "user_data_unregistered";
-        case 6:
-            return "recovery_point";
-        case 9:
-            return "scene_info";
-        case 15:
-            return codec == QVCodecIDAvc ? "full_frame_snapshot" : "picture_snapshot";
-        case 16:
-            return "progressive_refinement_segment_start";
-        case 17:
-            return "progressive_refinement_segment_end";
-        case 19:
-            return "film_grain_characteristics";
-        case 22:
-            return "post_filter_hint";
-        case 23:
-            return "tone_mapping_info";
-        case 45:
-            return "frame_packing_arrangement";
-        case 47:
-            return "display_orientation";
-        case 56:
-            return "green_metadata";
-        case 137:
-            return "mastering_display_colour_volume";
-        case 142:
-            return "colour_remapping_info";
-        case 144:
-            return "content_light_level_info";
-        case 147:
-            return "alternative_transfer_characteristics";
-        case 148:
-            return "ambient_viewing_environment";
-        case 149:
-            return "content_colour_volume";
-        default:
-            return codec == QVCodecIDAvc ? avcOnlySeiName(payloadType) : hevcOnlySeiName(payloadType);
-    }
+    return codec == QVCodecIDAvc ? qv::avc::seiPayloadTypeName(payloadType).name
+                                 : qv::hevc::seiPayloadTypeName(payloadType).name;
 }
 
 T35Kind t35Kind(const std::vector<uint8_t>& payload) {
