@@ -28,11 +28,11 @@ SeiMessages::Iterator::Iterator(Bytes unit, size_t headerBytes) noexcept
     const uint8_t* const dataEnd = detail::endOfStopBit(unit.begin(), unit.begin() + headerBytes, unit.end());
     dataEnd_ = static_cast<size_t>(dataEnd - unit.begin());
     if (positions_.codedByte(next_) >= dataEnd_ || isAtTrailingBits()) {
-        message_.unit = unit_;
-        message_.offset = message_.payloadOffset = headerBytes;
-        message_.rbspOffset = message_.rbspPayloadOffset = headerBytes;
-        message_.payload = {unit.begin() + headerBytes, 0};
-        message_.faults.add(SeiFault::NoMessage);
+        item_.unit = unit_;
+        item_.offset = item_.payloadOffset = headerBytes;
+        item_.rbspOffset = item_.rbspPayloadOffset = headerBytes;
+        item_.payload = {unit.begin() + headerBytes, 0};
+        item_.faults.add(SeiFault::NoMessage);
         isLast_ = true;
         return;
     }
@@ -44,7 +44,7 @@ SeiMessages::Iterator& SeiMessages::Iterator::operator++() noexcept {
         isAtEnd_ = true;
         return *this;
     }
-    message_ = takeMessage();
+    item_ = takeMessage();
     lookAhead();
     return *this;
 }
@@ -116,21 +116,21 @@ void SeiMessages::Iterator::takePayload(SeiMessage& message) noexcept {
 
 // What follows the message decides whether it is the last one and whether the unit ends as it should.
 void SeiMessages::Iterator::lookAhead() noexcept {
-    const bool isCut = message_.faults.has(SeiFault::HeaderCut) || message_.faults.has(SeiFault::PayloadCut);
+    const bool isCut = item_.faults.has(SeiFault::HeaderCut) || item_.faults.has(SeiFault::PayloadCut);
     if (isCut || isAtTrailingBits()) {
         isLast_ = true;
         return;
     }
     const size_t at = positions_.codedByte(next_);
     if (at >= dataEnd_) {
-        message_.faults.add(SeiFault::NoTrailingBits);
+        item_.faults.add(SeiFault::NoTrailingBits);
         isLast_ = true;
         return;
     }
     if (unit_[at] == kTrailingBits) {
         Iterator ahead = *this;
         if (ahead.takeMessage().faults) {
-            message_.faults.add(SeiFault::BytesAfterTrailingBits);
+            item_.faults.add(SeiFault::BytesAfterTrailingBits);
             isLast_ = true;
         }
     }

@@ -5,13 +5,13 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
 #include <string>
 
 #include "bitstream/Bytes.h"
 #include "bitstream/Codec.h"
 #include "bitstream/syntax/Reader.h"
 #include "bitstream/units/FaultSet.h"
+#include "bitstream/units/ItemIterator.h"
 #include "bitstream/units/NalUnits.h"
 #include "bitstream/units/Rbsp.h"
 
@@ -81,7 +81,6 @@ struct SeiMessage {
 class SeiMessages {
 public:
     class Iterator;
-    struct End {};
 
     /// The messages of a unit of a walk. Its nal_unit_type is not looked at.
     explicit SeiMessages(const NalUnit& unit) noexcept : unit_(unit.bytes), headerBytes_(unit.headerBytes) {}
@@ -93,53 +92,20 @@ public:
     Iterator begin() const noexcept;
 
     /// The end: after the last message.
-    static End end() noexcept { return {}; }
+    static EndOfItems end() noexcept { return {}; }
 
 private:
     Bytes unit_;
     size_t headerBytes_;
 };
 
-/// An iterator over the messages of a unit. Copies are independent of each other.
-class SeiMessages::Iterator {
+/// An iterator over the messages of a unit.
+class SeiMessages::Iterator : public ItemIterator<SeiMessages::Iterator, SeiMessage> {
 public:
-    /// Each message is read once, in order.
-    using iterator_category = std::input_iterator_tag;
-
-    /// What it refers to.
-    using value_type = SeiMessage;
-
-    /// Of any iterator.
-    using difference_type = std::ptrdiff_t;
-
-    /// What operator->() returns.
-    using pointer = const SeiMessage*;
-
-    /// What operator*() returns.
-    using reference = const SeiMessage&;
-
-    /// The message. The reference is valid until the iterator advances or is destroyed.
-    const SeiMessage& operator*() const noexcept { return message_; }
-
-    /// A member of the message.
-    const SeiMessage* operator->() const noexcept { return &message_; }
+    using ItemIterator::operator++;
 
     /// Goes on to the next message. Not allowed at the end.
     Iterator& operator++() noexcept;
-
-    /// Goes on to the next message, and returns a copy of the iterator as it was.
-    // NOLINTNEXTLINE(cert-dcl21-cpp): iterators are not const
-    Iterator operator++(int) noexcept {
-        const Iterator before = *this;
-        ++*this;
-        return before;
-    }
-
-    /// True after the last message.
-    friend bool operator==(const Iterator& a, End /*end*/) noexcept { return a.isAtEnd_; }
-
-    /// True while there is a message.
-    friend bool operator!=(const Iterator& a, End /*end*/) noexcept { return !a.isAtEnd_; }
 
 private:
     friend class SeiMessages;
@@ -158,8 +124,6 @@ private:
     size_t dataEnd_ = 0;  // after the last byte that is not zero, in the unit as coded
     size_t next_ = 0;     // the next byte, counted without emulation prevention bytes
     bool isLast_ = false;
-    bool isAtEnd_ = false;
-    SeiMessage message_;
 };
 
 /// What is wrong, as a line of text without a line feed; empty without a fault. With several faults the texts

@@ -99,21 +99,21 @@ QV_ALWAYS_INLINE void readHeader(NalUnit& unit, Codec codec) noexcept {
 
 QV_ALWAYS_INLINE void NalUnits::Iterator::startUnit(size_t leadingBytes, size_t prefixSize, size_t offset,
                                                     size_t size) noexcept {
-    unit_ = NalUnit();
-    unit_.bytes = {buffer_.data + offset, size};
-    unit_.offset = offset;
-    unit_.prefixSize = static_cast<uint32_t>(prefixSize);
-    unit_.leadingBytes = leadingBytes;
-    readHeader(unit_, codec_);
+    item_ = NalUnit();
+    item_.bytes = {buffer_.data + offset, size};
+    item_.offset = offset;
+    item_.prefixSize = static_cast<uint32_t>(prefixSize);
+    item_.leadingBytes = leadingBytes;
+    readHeader(item_, codec_);
 }
 
 // What is left has no unit.
 void NalUnits::Iterator::takeRest(UnitFault fault) noexcept {
-    unit_ = NalUnit();
-    unit_.leadingBytes = buffer_.size - next_;
-    unit_.offset = buffer_.size;
-    unit_.bytes = {buffer_.end(), 0};
-    unit_.faults.add(fault);
+    item_ = NalUnit();
+    item_.leadingBytes = buffer_.size - next_;
+    item_.offset = buffer_.size;
+    item_.bytes = {buffer_.end(), 0};
+    item_.faults.add(fault);
     next_ = buffer_.size;
 }
 
@@ -164,7 +164,7 @@ QV_ALWAYS_INLINE void NalUnits::Iterator::takeUnitAfterStartCode(size_t leadingB
     const bool nextHasZeroByte = end != next && next != buffer_.size;
     startUnit(leadingBytes, nextHasZeroByte_ ? kStartCodePrefixSize + 1 : kStartCodePrefixSize, offset,
               end - offset);
-    unit_.trailingZeroBytes = next - end - (nextHasZeroByte ? 1 : 0);
+    item_.trailingZeroBytes = next - end - (nextHasZeroByte ? 1 : 0);
     next_ = next;
     nextHasZeroByte_ = nextHasZeroByte;
 }
@@ -178,8 +178,8 @@ void NalUnits::Iterator::findFirstStartCode() noexcept {
     next_ = first;
     nextHasZeroByte_ = next_ > 0 && buffer_[next_ - 1] == 0x00;
     takeUnitAfterStartCode(nextHasZeroByte_ ? next_ - 1 : next_);
-    if (!isZero(unit_.leading())) {
-        unit_.faults.add(UnitFault::BytesBeforeStartCode);
+    if (!isZero(item_.leading())) {
+        item_.faults.add(UnitFault::BytesBeforeStartCode);
     }
 }
 
@@ -196,12 +196,12 @@ void NalUnits::Iterator::takeUnitAfterLength() noexcept {
     const size_t offset = next_ + lengthSize;
     const size_t room = left - lengthSize;
     startUnit(0, lengthSize, offset, length < room ? length : room);
-    unit_.NALUnitLength = length;
-    next_ = offset + unit_.bytes.size;
+    item_.NALUnitLength = length;
+    next_ = offset + item_.bytes.size;
     if (length > room) {
-        unit_.faults.add(UnitFault::LengthPastEnd);
+        item_.faults.add(UnitFault::LengthPastEnd);
     } else if (length > 0 && buffer_[next_ - 1] == 0x00) {
-        unit_.faults.add(UnitFault::EndsWithZeroByte);
+        item_.faults.add(UnitFault::EndsWithZeroByte);
     }
 }
 

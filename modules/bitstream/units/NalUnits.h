@@ -5,13 +5,13 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
 #include <string>
 
 #include "bitstream/Bytes.h"
 #include "bitstream/Codec.h"
 #include "bitstream/units/FaultSet.h"
 #include "bitstream/units/Framing.h"
+#include "bitstream/units/ItemIterator.h"
 
 namespace qv {
 
@@ -105,7 +105,6 @@ struct NalUnit {
 class NalUnits {
 public:
     class Iterator;
-    struct End {};
 
     /// \p buffer is borrowed. A null pointer is allowed with size 0, and holds no units.
     NalUnits(Bytes buffer, Framing framing, Codec codec) noexcept
@@ -115,7 +114,7 @@ public:
     Iterator begin() const noexcept;
 
     /// The end: after the last unit.
-    static End end() noexcept { return {}; }
+    static EndOfItems end() noexcept { return {}; }
 
 private:
     Bytes buffer_;
@@ -123,46 +122,13 @@ private:
     Codec codec_;
 };
 
-/// An iterator over the units of a buffer. Copies are independent of each other.
-class NalUnits::Iterator {
+/// An iterator over the units of a buffer.
+class NalUnits::Iterator : public ItemIterator<NalUnits::Iterator, NalUnit> {
 public:
-    /// Each unit is read once, in order.
-    using iterator_category = std::input_iterator_tag;
-
-    /// What it refers to.
-    using value_type = NalUnit;
-
-    /// Of any iterator.
-    using difference_type = std::ptrdiff_t;
-
-    /// What operator->() returns.
-    using pointer = const NalUnit*;
-
-    /// What operator*() returns.
-    using reference = const NalUnit&;
-
-    /// The unit. The reference is valid until the iterator advances or is destroyed.
-    const NalUnit& operator*() const noexcept { return unit_; }
-
-    /// A member of the unit.
-    const NalUnit* operator->() const noexcept { return &unit_; }
+    using ItemIterator::operator++;
 
     /// Goes on to the next unit. Not allowed at the end.
     Iterator& operator++() noexcept;
-
-    /// Goes on to the next unit, and returns a copy of the iterator as it was.
-    // NOLINTNEXTLINE(cert-dcl21-cpp): iterators are not const
-    Iterator operator++(int) noexcept {
-        const Iterator before = *this;
-        ++*this;
-        return before;
-    }
-
-    /// True after the last unit.
-    friend bool operator==(const Iterator& a, End /*end*/) noexcept { return a.isAtEnd_; }
-
-    /// True while there is a unit.
-    friend bool operator!=(const Iterator& a, End /*end*/) noexcept { return !a.isAtEnd_; }
 
 private:
     friend class NalUnits;
@@ -181,11 +147,9 @@ private:
     bool isPrefix(size_t place) const noexcept;
     bool listPrefixes(size_t from) noexcept;
 
-    NalUnit unit_;
     Bytes buffer_;
     Framing framing_;
     Codec codec_;
-    bool isAtEnd_ = false;
     bool nextHasZeroByte_ = false;  // the prefix at next_ follows the zero_byte of its start code
     size_t next_ = 0;        // where the next prefix or NALUnitLength begins; the end when there is none
     size_t searchedTo_ = 0;  // no prefix begins before it that is not in the list
