@@ -19,7 +19,7 @@ namespace qv {
 
 /// What is wrong with a message or with the bytes after it.
 enum class SeiFault : uint32_t {
-    /// The unit has no message. The item stands alone and is empty.
+    /// The unit has no message. The item, which is empty, is the only one.
     NoMessage = 1U << 0,
     /// The unit ends within the bytes of payloadType and payloadSize.
     HeaderCut = 1U << 1,
