@@ -188,11 +188,11 @@ UnitArrays::Iterator UnitArrays::begin() const noexcept {
 
 void UnitArrays::Iterator::read() noexcept {
     Reader s(rest_);
-    array_ = {};
+    item_ = {};
     if (left_ > 0) {
-        unit_array(s, 0, array_);
+        unit_array(s, 0, item_);
     }
-    isAtEnd_ = left_ == 0 || (s.failed() && array_.units.coded.empty());
+    isAtEnd_ = left_ == 0 || (s.failed() && item_.units.coded.empty());
     left_ = s.failed() || left_ == 0 ? 0 : left_ - 1;
     rest_ = rest_.from(static_cast<size_t>(s.position() / 8));
 }

@@ -5,13 +5,13 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
 #include <vector>
 
 #include "bitstream/Bytes.h"
 #include "bitstream/Read.h"
 #include "bitstream/syntax/Trace.h"
 #include "bitstream/units/Framing.h"
+#include "bitstream/units/ItemIterator.h"
 #include "bitstream/units/UnitList.h"
 
 namespace qv::hevc {
@@ -29,7 +29,6 @@ struct UnitArray {
 ///     for (const UnitArray& array : record.arrays) { ... }
 struct UnitArrays {
     class Iterator;
-    struct End {};
 
     /// How many there are.
     uint32_t numOfArrays = 0;
@@ -41,44 +40,19 @@ struct UnitArrays {
     Iterator begin() const noexcept;
 
     /// The end: after the last array.
-    static End end() noexcept { return {}; }
+    static EndOfItems end() noexcept { return {}; }
 };
 
 /// An iterator over the arrays of a record.
-class UnitArrays::Iterator {
+class UnitArrays::Iterator : public ItemIterator<UnitArrays::Iterator, UnitArray> {
 public:
-    /// Each array is read once, in order.
-    using iterator_category = std::input_iterator_tag;
-
-    /// What it refers to.
-    using value_type = UnitArray;
-
-    /// Of any iterator.
-    using difference_type = std::ptrdiff_t;
-
-    /// What operator->() returns.
-    using pointer = const UnitArray*;
-
-    /// What operator*() returns.
-    using reference = const UnitArray&;
-
-    /// The array. The reference is valid until the iterator advances or is destroyed.
-    const UnitArray& operator*() const noexcept { return array_; }
-
-    /// A member of the array.
-    const UnitArray* operator->() const noexcept { return &array_; }
+    using ItemIterator::operator++;
 
     /// Goes on to the next array. Not allowed at the end.
     Iterator& operator++() noexcept {
         read();
         return *this;
     }
-
-    /// True after the last array.
-    friend bool operator==(const Iterator& a, End /*end*/) noexcept { return a.isAtEnd_; }
-
-    /// True while there is an array.
-    friend bool operator!=(const Iterator& a, End /*end*/) noexcept { return !a.isAtEnd_; }
 
 private:
     friend struct UnitArrays;
@@ -87,8 +61,6 @@ private:
 
     uint32_t left_;
     Bytes rest_;
-    bool isAtEnd_ = false;
-    UnitArray array_ = {};
 };
 
 /// HEVCDecoderConfigurationRecord, ISO/IEC 14496-15 8.3.3.1. Units and bytes are borrowed from the record as

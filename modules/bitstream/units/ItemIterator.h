@@ -53,7 +53,7 @@ public:
     friend bool operator!=(const ItemIterator& a, EndOfItems /*end*/) noexcept { return !a.isAtEnd_; }
 
 protected:
-    Item item_;             ///< the item
+    Item item_ = {};        ///< the item
     bool isAtEnd_ = false;  ///< true after the last item
 };
 
