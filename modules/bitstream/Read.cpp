@@ -21,6 +21,10 @@ std::string problemOf(const Fault& fault) {
             return "an Exp-Golomb code of more than 31 leading zero bits";
         case FaultKind::OtherUnit:
             return "a unit of type " + std::to_string(fault.value);
+        case FaultKind::OtherPayload:
+            return "a message of type " + std::to_string(fault.value);
+        case FaultKind::DataLeft:
+            return "more data follows";
         case FaultKind::TooManyEntries:
             return std::to_string(fault.value) + " entries";
         case FaultKind::NoSuchSet:

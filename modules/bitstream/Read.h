@@ -18,6 +18,8 @@ enum class FaultKind : uint8_t {
     OutOfRange,      ///< the element has a value that its semantics do not allow
     CodeTooLong,     ///< an Exp-Golomb code with more than 31 leading zero bits (H.264 9.1, H.265 9.2)
     OtherUnit,       ///< the unit has another nal_unit_type than the structure
+    OtherPayload,    ///< the message has another payloadType than the structure
+    DataLeft,        ///< data follows that no element covers
     TooManyEntries,  ///< a derived list grew beyond what the standard allows
     NoSuchSet,       ///< the structure refers to a parameter set that is not there
 };
@@ -37,7 +39,7 @@ struct Fault {
     /// header included, from 0.
     uint64_t firstBit = 0;
 
-    /// OutOfRange: the value. OtherUnit: the nal_unit_type.
+    /// OutOfRange: the value. OtherUnit: the nal_unit_type. OtherPayload: the payloadType.
     int64_t value = 0;
 
     /// OutOfRange: the least value that is allowed.

@@ -3,6 +3,7 @@
 
 #include "bitstream/avc/NalUnitType.h"
 #include "bitstream/names/ChromaFormat.h"
+#include "bitstream/sei/AnnouncedSps.h"
 
 namespace qv::avc {
 
@@ -107,9 +108,20 @@ SetTaken ParameterSets::take(Bytes unit) {
         taken = takeSpsExtension(unit);
     } else if (nal_unit_type == kNalSubsetSps) {
         taken = takeSubsetSps(unit);
+    } else if (nal_unit_type == kNalSei) {
+        takeSei(unit);
     }
     taken.nal_unit_type = nal_unit_type;
     return taken;
+}
+
+void ParameterSets::takeSei(Bytes unit) noexcept {
+    for (const SeiMessage& message : SeiMessages(unit, Codec::Avc)) {
+        uint32_t id = 0;
+        if (sei::namesSps(message, Codec::Avc, id)) {
+            announce(id);
+        }
+    }
 }
 
 const Sps* ParameterSets::sps(uint32_t seq_parameter_set_id) const noexcept {

@@ -41,7 +41,8 @@ struct Activation {
 /// When an allocation fails, std::bad_alloc leaves the sets as they were.
 class ParameterSets {
 public:
-    /// Takes a unit of type 7 (SPS), 8 (PPS), 13 (SPS extension) or 15 (subset SPS); others change nothing.
+    /// Takes a unit of type 7 (SPS), 8 (PPS), 13 (SPS extension) or 15 (subset SPS), and calls announce() for
+    /// the buffering period messages of one of type 6 (SEI); others change nothing.
     ///
     /// A set with a fault is kept, as far as it was read, while its identifier has no set without one. A PPS
     /// that comes before its SPS has a fault only when it has one with every chroma_format_idc.
@@ -102,6 +103,7 @@ private:
     SetTaken takeSubsetSps(Bytes unit);
     SetTaken takeSpsExtension(Bytes unit);
     SetTaken takePps(Bytes unit);
+    void takeSei(Bytes unit) noexcept;
     void activateSps(Activation& activation, uint32_t id, SliceBegins begins) noexcept;
     void activateSubsetSps(Activation& activation, uint32_t id, SliceBegins begins) noexcept;
 

@@ -7,6 +7,7 @@
 #include "bitstream/avc/NalUnitHeaderSyntax.h"
 #include "bitstream/avc/NalUnitType.h"
 #include "bitstream/avc/PrefixNalUnit.h"
+#include "bitstream/sei/SeiUnit.h"
 #include "bitstream/syntax/Tracer.h"
 #include "bitstream/units/UnitUsesTemplates.h"
 
@@ -137,11 +138,17 @@ UnitTrace traceUnit(Bytes unit, const ParameterSets& sets, TraceVisitor& visitor
     trace.structure = structureOf(trace.nal_unit_type);
     if (!withFunctions(unit, sets, detail::UnitTracer(unit, visitor, trace))) {
         trace.fault = traceHeader(unit, visitor);
+        if (typeOf(unit) == kNalSei && !trace.fault) {
+            sei::traceSeiRbsp(unit, sei::Context(sets), visitor, trace);
+        }
     }
     return trace;
 }
 
 UnitRewritten rewriteUnit(Bytes unit, const ParameterSets& sets, std::vector<uint8_t>& out) {
+    if (typeOf(unit) == kNalSei) {
+        return sei::rewriteSeiUnit(unit, sei::Context(sets), out);
+    }
     UnitRewritten rewritten;
     withFunctions(unit, sets, detail::UnitRewriter(unit, out, rewritten));
     return rewritten;

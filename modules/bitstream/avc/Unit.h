@@ -17,8 +17,9 @@ namespace qv::avc {
 /// "seq_parameter_set_rbsp". Null for reserved and unspecified types.
 const char* structureOf(uint32_t nal_unit_type) noexcept;
 
-/// Reports every element of a unit in bitstream order: all of parameter sets (types 7, 8, 13 and 15),
-/// delimiters (9), ends (10 and 11), filler data (12) and prefix units (14), and the header of all others.
+/// Reports every element of a unit in bitstream order: all of SEI (type 6), parameter sets (7, 8, 13
+/// and 15), delimiters (9), ends (10 and 11), filler data (12) and prefix units (14), and the header of all
+/// others.
 ///
 /// \param unit  one NAL unit from its header on, without start code or length
 /// \param sets  the sets in force before the unit. A PPS is read with the chroma_format_idc of the SPS that

@@ -5,6 +5,7 @@
 #include <tuple>
 
 #include "bitstream/hevc/NalUnitType.h"
+#include "bitstream/sei/AnnouncedSps.h"
 
 namespace qv::hevc {
 
@@ -130,6 +131,9 @@ SetTaken ParameterSets::take(Bytes unit) {
     }
     taken.nal_unit_type = unit[0] >> 1 & 0x3FU;
     taken.nuh_layer_id = (unit[0] & 1U) << 5 | unit[1] >> 3;
+    if (isSei(taken.nal_unit_type) && taken.nuh_layer_id == 0) {
+        takeSei(unit);
+    }
     const bool isSet =
         taken.nal_unit_type == kNalVps || taken.nal_unit_type == kNalSps || taken.nal_unit_type == kNalPps;
     if (!isSet || taken.nuh_layer_id >= kLayers) {
@@ -148,6 +152,15 @@ SetTaken ParameterSets::take(Bytes unit) {
         takePps(taken, unit);
     }
     return taken;
+}
+
+void ParameterSets::takeSei(Bytes unit) noexcept {
+    for (const SeiMessage& message : SeiMessages(unit, Codec::Hevc)) {
+        uint32_t id = 0;
+        if (sei::namesSps(message, Codec::Hevc, id)) {
+            announce(id);
+        }
+    }
 }
 
 // The set of the nearest layer at or below nuh_layer_id, which becomes that layer; null when there is none.

@@ -51,8 +51,8 @@ struct Activation {
 /// they were.
 class ParameterSets {
 public:
-    /// Takes a unit of type 32 (VPS), 33 (SPS) or 34 (PPS); other units, and those of layer 63, which is
-    /// reserved, change nothing.
+    /// Takes a unit of type 32 (VPS), 33 (SPS) or 34 (PPS), and calls announce() for the SEI messages of the
+    /// base layer that name an SPS; other units, and those of layer 63, which is reserved, change nothing.
     ///
     /// A set with a fault is kept, as far as it was read, while its identifier has no set without one. An SPS
     /// that takes elements from its VPS (multiLayerExtSpsFlag()) is read again when that VPS comes or
@@ -121,6 +121,7 @@ private:
     void takeVps(SetTaken& taken, Bytes unit);
     void takeSps(SetTaken& taken, Bytes unit);
     void takePps(SetTaken& taken, Bytes unit);
+    void takeSei(Bytes unit) noexcept;
     template <class Sets, class Record, class ReadRecord>
     void takeOfLayer(SetTaken& taken, Sets LayerSets::*sets, Bytes unit, const Read<Record>& read,
                      const ReadRecord& readRecord);

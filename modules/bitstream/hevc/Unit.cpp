@@ -4,6 +4,7 @@
 #include "bitstream/hevc/NalUnitHeaderSyntax.h"
 #include "bitstream/hevc/NalUnitType.h"
 #include "bitstream/hevc/SmallUnits.h"
+#include "bitstream/sei/SeiUnit.h"
 #include "bitstream/syntax/Tracer.h"
 #include "bitstream/units/UnitUsesTemplates.h"
 
@@ -99,11 +100,17 @@ UnitTrace traceUnit(Bytes unit, const ParameterSets& sets, TraceVisitor& visitor
     trace.structure = structureOf(trace.nal_unit_type);
     if (!withFunctions(unit, sets, detail::UnitTracer(unit, visitor, trace))) {
         trace.fault = traceHeader(unit, visitor);
+        if (isSei(typeOf(unit)) && !trace.fault) {
+            sei::traceSeiRbsp(unit, sei::Context(sets), visitor, trace);
+        }
     }
     return trace;
 }
 
 UnitRewritten rewriteUnit(Bytes unit, const ParameterSets& sets, std::vector<uint8_t>& out) {
+    if (isSei(typeOf(unit))) {
+        return sei::rewriteSeiUnit(unit, sei::Context(sets), out);
+    }
     UnitRewritten rewritten;
     withFunctions(unit, sets, detail::UnitRewriter(unit, out, rewritten));
     return rewritten;

@@ -18,7 +18,7 @@ namespace qv::hevc {
 const char* structureOf(uint32_t nal_unit_type) noexcept;
 
 /// Reports every element of a unit in bitstream order: all of parameter sets (types 32 to 34), delimiters
-/// (35), ends (36 and 37) and filler data (38), and the header of all others.
+/// (35), ends (36 and 37), filler data (38) and SEI (39 and 40), and the header of all others.
 ///
 /// \param unit  one NAL unit from its header on, without start code or length
 /// \param sets  the sets in force before the unit. An SPS of a layer above 0 is read with the VPS that it

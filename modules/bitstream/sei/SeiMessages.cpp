@@ -20,19 +20,27 @@ Reader SeiMessage::reader() const noexcept {
 }
 
 SeiMessages::Iterator SeiMessages::begin() const noexcept {
-    return {unit_, headerBytes_};
+    return Iterator(*this);
 }
 
-SeiMessages::Iterator::Iterator(Bytes unit, size_t headerBytes) noexcept
-    : unit_(unit), positions_(unit, headerBytes), next_(headerBytes) {
-    const uint8_t* const dataEnd = detail::endOfStopBit(unit.begin(), unit.begin() + headerBytes, unit.end());
-    dataEnd_ = static_cast<size_t>(dataEnd - unit.begin());
+SeiMessages::Iterator::Iterator(const SeiMessages& messages) noexcept
+    : unit_(messages.unit_),
+      positions_(messages.unit_, messages.begin_, messages.rbspBegin_),
+      dataEnd_(messages.unit_.size),
+      next_(messages.rbspBegin_),
+      isNested_(messages.isNested_) {
+    if (!isNested_) {
+        const uint8_t* const begin = unit_.begin() + messages.begin_;
+        dataEnd_ =
+            static_cast<size_t>(detail::endOfStopBit(unit_.begin(), begin, unit_.end()) - unit_.begin());
+    }
     if (positions_.codedByte(next_) >= dataEnd_ || isAtTrailingBits()) {
         item_.unit = unit_;
-        item_.offset = item_.payloadOffset = headerBytes;
-        item_.rbspOffset = item_.rbspPayloadOffset = headerBytes;
-        item_.payload = {unit.begin() + headerBytes, 0};
+        item_.offset = item_.payloadOffset = messages.begin_;
+        item_.rbspOffset = item_.rbspPayloadOffset = next_;
+        item_.payload = {unit_.begin() + messages.begin_, 0};
         item_.faults.add(SeiFault::NoMessage);
+        item_.isNested = isNested_;
         isLast_ = true;
         return;
     }
@@ -52,7 +60,7 @@ SeiMessages::Iterator& SeiMessages::Iterator::operator++() noexcept {
 // True when the next byte is 0x80 and zero bytes alone follow.
 bool SeiMessages::Iterator::isAtTrailingBits() noexcept {
     const size_t at = positions_.codedByte(next_);
-    return at + 1 == dataEnd_ && unit_[at] == kTrailingBits;
+    return !isNested_ && at + 1 == dataEnd_ && unit_[at] == kTrailingBits;
 }
 
 bool SeiMessages::Iterator::takeByte(uint8_t& byte) noexcept {
@@ -80,6 +88,7 @@ bool SeiMessages::Iterator::takeNumber(uint64_t& number) noexcept {
 SeiMessage SeiMessages::Iterator::takeMessage() noexcept {
     SeiMessage message;
     message.unit = unit_;
+    message.isNested = isNested_;
     message.rbspOffset = next_;
     message.offset = positions_.codedByte(next_);
     if (takeNumber(message.payloadType) && takeNumber(message.payloadSize)) {
@@ -123,11 +132,13 @@ void SeiMessages::Iterator::lookAhead() noexcept {
     }
     const size_t at = positions_.codedByte(next_);
     if (at >= dataEnd_) {
-        item_.faults.add(SeiFault::NoTrailingBits);
+        if (!isNested_) {
+            item_.faults.add(SeiFault::NoTrailingBits);
+        }
         isLast_ = true;
         return;
     }
-    if (unit_[at] == kTrailingBits) {
+    if (!isNested_ && unit_[at] == kTrailingBits) {
         Iterator ahead = *this;
         if (ahead.takeMessage().faults) {
             item_.faults.add(SeiFault::BytesAfterTrailingBits);

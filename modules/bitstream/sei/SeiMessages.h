@@ -9,6 +9,7 @@
 
 #include "bitstream/Bytes.h"
 #include "bitstream/Codec.h"
+#include "bitstream/syntax/CodedBits.h"
 #include "bitstream/syntax/Reader.h"
 #include "bitstream/units/FaultSet.h"
 #include "bitstream/units/ItemIterator.h"
@@ -64,11 +65,18 @@ struct SeiMessage {
 
     SeiFaults faults;  ///< what is wrong with it
 
+    bool isNested = false;  ///< true for a message in the payload of another one
+
     /// False when there is a fault.
     bool ok() const { return !faults; }
 
     /// A reader of the payload, which ends with it: every bit is data.
     Reader reader() const noexcept;
+};
+
+/// Messages in the payload of another one: scalable_nesting() (H.264 G.13.1.7, H.265 D.2.24) and its kin.
+struct NestedMessages {
+    CodedBits bits;  ///< whole bytes, borrowed from the unit; see SeiMessages
 };
 
 /// The SEI messages of a unit, found while they are asked for:
@@ -83,10 +91,18 @@ public:
     class Iterator;
 
     /// The messages of a unit of a walk. Its nal_unit_type is not looked at.
-    explicit SeiMessages(const NalUnit& unit) noexcept : unit_(unit.bytes), headerBytes_(unit.headerBytes) {}
+    explicit SeiMessages(const NalUnit& unit) noexcept
+        : unit_(unit.bytes), begin_(unit.headerBytes), rbspBegin_(unit.headerBytes) {}
 
     /// The messages of a unit from its header on, which is borrowed.
     SeiMessages(Bytes unit, Codec codec) noexcept : SeiMessages(nalUnitOf(unit, codec)) {}
+
+    /// The messages in the payload of another one, which end with it: they have no rbsp_trailing_bits().
+    explicit SeiMessages(const NestedMessages& nested) noexcept
+        : unit_(nested.bits.unit),
+          begin_(nested.bits.byte),
+          rbspBegin_(static_cast<size_t>(nested.bits.firstBit / 8)),
+          isNested_(true) {}
 
     /// The first message. Finds it.
     Iterator begin() const noexcept;
@@ -96,7 +112,9 @@ public:
 
 private:
     Bytes unit_;
-    size_t headerBytes_;
+    size_t begin_;
+    size_t rbspBegin_;
+    bool isNested_ = false;
 };
 
 /// An iterator over the messages of a unit.
@@ -110,7 +128,7 @@ public:
 private:
     friend class SeiMessages;
 
-    Iterator(Bytes unit, size_t headerBytes) noexcept;
+    explicit Iterator(const SeiMessages& messages) noexcept;
 
     bool isAtTrailingBits() noexcept;
     bool takeByte(uint8_t& byte) noexcept;
@@ -123,6 +141,7 @@ private:
     RbspPositions positions_;
     size_t dataEnd_ = 0;  // after the last byte that is not zero, in the unit as coded
     size_t next_ = 0;     // the next byte, counted without emulation prevention bytes
+    bool isNested_ = false;
     bool isLast_ = false;
 };
 

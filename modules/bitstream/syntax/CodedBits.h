@@ -14,7 +14,8 @@ namespace qv {
 /// parts of a structure in this form that have no practical upper bound, and data of extensions that the
 /// standard reserves. A writer copies the bits; a Reader reads them.
 struct CodedBits {
-    /// The whole NAL unit, emulation prevention bytes included.
+    /// The NAL unit from its header up to the byte that holds the last bit, emulation prevention bytes
+    /// included.
     Bytes unit;
 
     /// The byte of the unit that holds the first bit.

@@ -3,6 +3,7 @@
 #define QV_BITSTREAM_SYNTAX_EMULATIONPREVENTION_H
 
 #include "bitstream/Bytes.h"
+#include "bitstream/syntax/Bits.h"
 
 namespace qv::detail {
 
@@ -16,6 +17,41 @@ constexpr uint8_t kGreatestEmulatingByte = 0x03;
 inline bool isEmulationPrevention(const uint8_t* unit, size_t position) noexcept {
     return unit[position] == kEmulationPreventionThreeByte && position >= 2 && unit[position - 1] == 0x00 &&
            unit[position - 2] == 0x00;
+}
+
+// Calls found(byte) with each emulation prevention byte of [begin, end) until it returns true; the byte where
+// it does, otherwise the end.
+template <class Found>
+const uint8_t* findEmulationPrevention(const uint8_t* unit, const uint8_t* begin, const uint8_t* end,
+                                       const Found& found) noexcept {
+    constexpr ptrdiff_t kWordBytes = 8;
+    const uint8_t* next = begin;
+    for (; end - next >= kWordBytes; next += kWordBytes) {
+        uint64_t candidates = bytesOf03(loadBigEndian64(next));
+        while (candidates != 0) {
+            const uint32_t byte = leadingZeroBits(candidates) / 8;
+            if (isEmulationPrevention(unit, static_cast<size_t>(next + byte - unit)) && found(next + byte)) {
+                return next + byte;
+            }
+            candidates &= ~(kTopByte >> 8 * byte);
+        }
+    }
+    for (; next != end; ++next) {
+        if (isEmulationPrevention(unit, static_cast<size_t>(next - unit)) && found(next)) {
+            return next;
+        }
+    }
+    return end;
+}
+
+inline uint64_t countEmulationPrevention(const uint8_t* unit, const uint8_t* begin,
+                                         const uint8_t* end) noexcept {
+    uint64_t count = 0;
+    findEmulationPrevention(unit, begin, end, [&count](const uint8_t*) {
+        ++count;
+        return false;
+    });
+    return count;
 }
 
 // The end of the last byte of [begin, end) that is not zero: cabac_zero_words, the emulation prevention byte

@@ -20,9 +20,10 @@ void detail::setToZero(void* bytes, size_t size) noexcept {
 
 Reader::Reader(const CodedBits& bits) noexcept : Reader(bits.unit) {
     next_ += bits.byte < bits.unit.size ? bits.byte : bits.unit.size;
-    // NOLINTNEXTLINE(cppcoreguidelines-prefer-member-initializer): the other constructor comes first
+    // NOLINTBEGIN(cppcoreguidelines-prefer-member-initializer): the other constructor comes first
     loaded_ = bits.firstBit - bits.bitOfByte;
-    rbsp();
+    tail_ = (8 - (bits.bitOfByte + bits.count) % 8) % 8;
+    // NOLINTEND(cppcoreguidelines-prefer-member-initializer)
     take(bitsInReach(bits.bitOfByte % 8));
 }
 
@@ -66,11 +67,11 @@ QV_ALWAYS_INLINE void Reader::append(uint64_t bytes, uint64_t taken) noexcept {
     next_ += taken;
 }
 
-// The window that holds the last byte ends before the rbsp_stop_one_bit, which is the 1 bit before the one
-// after the window.
+// The window that holds the last byte ends before the bits of that byte that are not data.
 QV_ALWAYS_INLINE void Reader::endOfWindow() noexcept {
     if (next_ == end_ && tail_ != 0) {
-        bits_ &= bits_ - 1;
+        const uint64_t end = (bits_ & (~bits_ + 1)) << tail_;
+        bits_ = (bits_ & (~end + 1)) | end;
         loaded_ -= tail_;
     }
 }
@@ -202,8 +203,45 @@ CodedBits Reader::mark() const noexcept {
 
 CodedBits Reader::until(const CodedBits& first) const noexcept {
     CodedBits bits = first;
-    bits.count = fault_ ? 0 : position() - first.firstBit;
+    const CodedBits end = fault_ ? first : mark();
+    bits.count = end.firstBit - first.firstBit;
+    bits.unit.size = end.byte + (end.bitOfByte != 0 ? 1 : 0);
     return bits;
+}
+
+// Passes over everything that is left, emulation prevention bytes counted a word at a time.
+void Reader::passRest(CodedBits& bits) noexcept {
+    const CodedBits first = mark();
+    if (next_ != end_) {
+        loaded_ += 8 * (bytesInReach() - detail::countEmulationPrevention(begin_, next_, end_)) - tail_;
+        next_ = end_;
+    }
+    bits_ = kNoBits;
+    // The window is empty: what it held is before the position.
+    bits = until(first);
+}
+
+uint64_t Reader::bitsBeforeLastOne() const noexcept {
+    Reader rest = *this;
+    const uint64_t first = position();
+    uint64_t lastOne = first;
+    while (const uint32_t n = rest.bitsInReach(32)) {
+        if (const uint64_t value = rest.take(n)) {
+            lastOne = rest.position() - 1 - detail::trailingZeroBits(value);
+        }
+    }
+    return lastOne - first;
+}
+
+void Reader::payload_extension(const char* name, CodedBits& bits) noexcept {
+    keep(bits, [name](Reader& reader) {
+        for (uint64_t left = reader.bitsBeforeLastOne(); left > 0;) {
+            const auto n = static_cast<uint32_t>(left < 32 ? left : 32);
+            uint32_t value = 0;
+            reader.u(n, name, value);
+            left -= n;
+        }
+    });
 }
 
 uint64_t Reader::countOfBitsLeft() noexcept {
@@ -239,6 +277,13 @@ void Reader::fail(FaultKind kind, const char* name, int64_t value) noexcept {
         fault_.value = value;
     }
     fault(kind, detail::elementOf(name), position());
+}
+
+void Reader::fail(const Fault& fault) noexcept {
+    if (!fault_) {
+        fault_ = fault;
+    }
+    stop();
 }
 
 // cppcheck-suppress passedByValue ; made for the call

@@ -34,7 +34,7 @@ public:
     explicit Reader(Bytes unit) noexcept
         : begin_(unit.data), next_(unit.data), end_(unit.end()), unitEnd_(unit.end()) {}
 
-    /// A reader of bits that an earlier read passed over.
+    /// A reader of bits that an earlier read passed over. The data ends with them.
     explicit Reader(const CodedBits& bits) noexcept;
 
     /// A reader of a part of \p unit, the coded bytes from \p begin to before \p end, which are in it. Every
@@ -197,6 +197,18 @@ public:
     /// Flags of an extension that the standard reserves, up to the end of the RBSP.
     void extension_data(const char* name, CodedBits& bits) noexcept;
 
+    // --- The payload of an SEI message ---
+
+    /// All bits that are left: the bytes of a payload that have one name.
+    template <class Name>
+    void payload_bytes(const Name& name, CodedBits& bits) noexcept {
+        static_cast<void>(name);
+        passRest(bits);
+    }
+
+    /// The bits that are left before the last bit that is 1: reserved_payload_extension_data (H.265 D.2.1).
+    void payload_extension(const char* name, CodedBits& bits) noexcept;
+
     // --- Whole bytes without emulation prevention, before rbsp() and with no bits announced ---
 
     /// The next \p n bytes, borrowed; none after a fault.
@@ -237,6 +249,9 @@ public:
 
     /// Records a fault that is not that of one element's value.
     QV_NEVER_INLINE void fail(FaultKind kind, const char* name, int64_t value) noexcept;
+
+    /// As fail(), for a fault that a reader of a part has found.
+    void fail(const Fault& fault) noexcept;
 
     /// The first fault; none while the data is as it should be.
     const Fault& fault() const noexcept { return fault_; }
@@ -372,6 +387,8 @@ private:
         return value;
     }
 
+    void passRest(CodedBits& bits) noexcept;
+    uint64_t bitsBeforeLastOne() const noexcept;
     uint64_t bytesInReach() const noexcept { return static_cast<uint64_t>(end_ - next_); }
     uint64_t nextBytes() const noexcept;
     void append(uint64_t bytes, uint64_t taken) noexcept;
@@ -391,7 +408,7 @@ private:
     // 64-bit numbers and pointers: no store into a record's field can change them, as far as a compiler
     // knows, and they stay in registers from one element to the next.
     uint64_t bits_ = kNoBits;  // the window: the next bit on top, after the last one a 1 bit and zero bits
-    uint64_t tail_ = 0;        // bits of the last byte from the rbsp_stop_one_bit on
+    uint64_t tail_ = 0;  // bits of the last byte that are not data: the rbsp_stop_one_bit and later ones
     const uint8_t* begin_;
     const uint8_t* next_;  // the first byte that is not in the window
     const uint8_t* end_;

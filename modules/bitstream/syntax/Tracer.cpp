@@ -81,4 +81,15 @@ void Tracer::extension_data(const char* name, CodedBits& bits) {
     });
 }
 
+void Tracer::payload_extension(const char* name, CodedBits& bits) {
+    Reader passing = reader_;
+    passing.payload_extension(name, bits);
+    for (uint64_t left = bits.count; left > 0;) {
+        const auto n = static_cast<uint32_t>(left < 32 ? left : 32);
+        uint32_t value = 0;
+        u(n, name, value);
+        left -= n;
+    }
+}
+
 }  // namespace qv

@@ -13,6 +13,14 @@ public:
     /// \p unit and \p visitor are borrowed.
     Tracer(Bytes unit, TraceVisitor& visitor) : reader_(unit), visitor_(visitor), unit_(unit) {}
 
+    /// A tracer of a part of \p unit, which a data byte begins; see Reader.
+    Tracer(Bytes unit, size_t begin, size_t end, uint64_t firstBit, TraceVisitor& visitor)
+        : reader_(unit, begin, end, firstBit),
+          visitor_(visitor),
+          unit_(unit),
+          rbspByte_(firstBit / 8),
+          codedByte_(begin) {}
+
     void header(uint32_t bytes) {
         headerBytes_ += bytes;
         reader_.header(bytes);
@@ -130,7 +138,30 @@ public:
         reader_.keepBytes(field, [&](Reader&) { body(*this); });
     }
 
+    template <class Name>
+    void payload_bytes(const Name& name, CodedBits& bits) {
+        keep(bits, [&name](Tracer& tracer) {
+            for (uint32_t i = 0; tracer.more_rbsp_data(); ++i) {
+                uint32_t byte = 0;
+                tracer.u(tracer.reader_.bitsInReach(8), detail::subscripted(name, i), byte);
+            }
+        });
+    }
+
+    void payload_extension(const char* name, CodedBits& bits);
+
     void fail(FaultKind kind, const char* name, int64_t value) { reader_.fail(kind, name, value); }
+
+    /// Ends with a fault that a tracer of a part has found.
+    void fail(const Fault& fault) { reader_.fail(fault); }
+
+    TraceVisitor& visitor() { return visitor_; }
+
+    /// A copy reads ahead.
+    const Reader& reader() const { return reader_; }
+
+    /// Passes over bits that tracers of parts have reported: all that are left.
+    void pass(CodedBits& bits) { reader_.payload_bytes("", bits); }
 
     const Fault& fault() const { return reader_.fault(); }
     bool failed() const { return reader_.failed(); }

@@ -117,6 +117,17 @@ public:
         copy(bits);
     }
 
+    template <class Name>
+    void payload_bytes(const Name& name, const CodedBits& bits) {
+        static_cast<void>(name);
+        copy(bits);
+    }
+
+    void payload_extension(const char* name, const CodedBits& bits) {
+        static_cast<void>(name);
+        copy(bits);
+    }
+
     template <class Body>
     void keep(const CodedBits& bits, Body body) {
         static_cast<void>(body);
@@ -232,6 +243,9 @@ class Writer : public BitOutput<Writer> {
 public:
     /// \p out is borrowed; what it holds stays.
     explicit Writer(std::vector<uint8_t>& out) : out_(out), begin_(out.size()) {}
+
+    /// Inserts no emulation prevention bytes from here on.
+    void withoutEmulationPrevention() { headerEnd_ = SIZE_MAX; }
 
     /// The bytes of the header, which has no emulation prevention bytes, follow.
     void header(uint32_t bytes) { headerEnd_ += bytes; }

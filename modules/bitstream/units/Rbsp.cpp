@@ -13,10 +13,6 @@ namespace {
 
 constexpr size_t kWordBytes = 8;
 
-bool isEmulationPrevention(Bytes unit, size_t position) noexcept {
-    return detail::isEmulationPrevention(unit.data, position);
-}
-
 // Writes the first bytes of a result, as far as there is room, and counts all of them.
 class Output {
 public:
@@ -119,23 +115,13 @@ void escapeTo(Sink& sink, Bytes unit, size_t headerBytes) noexcept {
 }  // namespace
 
 size_t findEmulationPrevention(Bytes unit, size_t headerBytes, size_t from) noexcept {
-    size_t at = std::max(headerBytes, from);
-    for (; at < unit.size && unit.size - at >= kWordBytes; at += kWordBytes) {
-        uint64_t candidates = detail::bytesOf03(detail::loadBigEndian64(unit.data + at));
-        while (candidates != 0) {
-            const uint32_t byte = detail::leadingZeroBits(candidates) / 8;
-            if (isEmulationPrevention(unit, at + byte)) {
-                return at + byte;
-            }
-            candidates &= ~(detail::kTopByte >> 8 * byte);
-        }
+    const size_t begin = std::max(headerBytes, from);
+    if (begin >= unit.size) {
+        return unit.size;
     }
-    for (; at < unit.size; ++at) {
-        if (isEmulationPrevention(unit, at)) {
-            return at;
-        }
-    }
-    return unit.size;
+    const uint8_t* const found = detail::findEmulationPrevention(unit.data, unit.data + begin, unit.end(),
+                                                                 [](const uint8_t*) { return true; });
+    return static_cast<size_t>(found - unit.data);
 }
 
 size_t unescapedSize(Bytes unit, size_t headerBytes) noexcept {
@@ -169,10 +155,18 @@ RbspPositions::RbspPositions(Bytes unit, size_t headerBytes) noexcept
     restart();
 }
 
+RbspPositions::RbspPositions(Bytes unit, size_t codedByte, size_t unescapedByte) noexcept
+    : unit_(unit),
+      headerBytes_(codedByte),
+      firstByte_(codedByte),
+      passedBeforeFirst_(codedByte - unescapedByte) {
+    restart();
+}
+
 void RbspPositions::restart() noexcept {
-    begin_ = 0;
-    passed_ = 0;
-    next_ = findEmulationPrevention(unit_, headerBytes_, 0);
+    begin_ = firstByte_;
+    passed_ = passedBeforeFirst_;
+    next_ = findEmulationPrevention(unit_, headerBytes_, begin_);
 }
 
 void RbspPositions::pass() noexcept {

@@ -56,6 +56,10 @@ public:
     /// \p unit is borrowed.
     RbspPositions(Bytes unit, size_t headerBytes) noexcept;
 
+    /// A map of a unit's bytes from a data byte on whose place is known in both forms. It is not asked for
+    /// positions before that byte.
+    RbspPositions(Bytes unit, size_t codedByte, size_t unescapedByte) noexcept;
+
     /// The byte of the coded unit that holds a byte of the unescaped one; the coded size for one past the
     /// end.
     size_t codedByte(size_t unescapedByte) noexcept;
@@ -77,6 +81,8 @@ private:
 
     Bytes unit_;
     size_t headerBytes_;
+    size_t firstByte_ = 0;
+    size_t passedBeforeFirst_ = 0;
     size_t begin_ = 0;   // the byte after the emulation prevention byte that was passed last
     size_t next_ = 0;    // the next emulation prevention byte, or the size of the unit
     size_t passed_ = 0;  // emulation prevention bytes before begin_

@@ -47,6 +47,9 @@ bool parseElement(const std::string& line, WitnessElement& element) {
         return false;
     }
     element.width = static_cast<uint32_t>(bits.size());
+    for (const char bit : bits) {
+        element.bits = element.bits << 1 | (bit == '1' ? 1U : 0U);
+    }
     return equals == "=" && bits.find_first_not_of("01") == std::string::npos &&
            static_cast<bool>(in >> element.value) && in.eof();
 }

@@ -20,6 +20,7 @@ struct WitnessElement {
     std::string name;
     uint32_t width = 0;
     int64_t value = 0;
+    uint64_t bits = 0;  // as coded, of at most 64
 };
 
 struct WitnessTrace {

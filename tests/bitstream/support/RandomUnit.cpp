@@ -63,6 +63,39 @@ void RandomUnit::fail(qv::FaultKind kind, const char* name, int64_t value) {
     failed_ = true;
 }
 
+void RandomUnit::nested_messages(qv::CodedBits& bits) {
+    constexpr uint64_t kReservedType = 199;
+    bits = {};
+    for (uint64_t messages = 1 + pick(3); messages > 0; --messages) {
+        const uint64_t size = pick(6);
+        put(8, qv::detail::elementOf("last_payload_type_byte"), qv::Descriptor::u, kReservedType);
+        put(8, qv::detail::elementOf("last_payload_size_byte"), qv::Descriptor::u, size);
+        for (uint32_t i = 0; i < size; ++i) {
+            put(8, qv::detail::elementOf(qv::at("reserved_sei_message_payload_byte", i)), qv::Descriptor::u,
+                pick(4));
+        }
+    }
+}
+
+void RandomUnit::endPayload(qv::Codec codec) {
+    rbspBits_ = writer_.position();
+    const bool isHevc = codec == qv::Codec::Hevc;
+    if (!byte_aligned()) {
+        put(1, qv::detail::elementOf(isHevc ? "payload_bit_equal_to_one" : "bit_equal_to_one"),
+            qv::Descriptor::f, 1);
+    }
+    while (!byte_aligned()) {
+        put(1, qv::detail::elementOf(isHevc ? "payload_bit_equal_to_zero" : "bit_equal_to_zero"),
+            qv::Descriptor::f, 0);
+    }
+    writer_.rbsp_trailing_bits();
+}
+
+void RandomUnit::put(uint32_t n, const qv::Element& element, qv::Descriptor descriptor, uint64_t value) {
+    note(element, descriptor, n, static_cast<int64_t>(value), value);
+    writer_.u(n, "", value);
+}
+
 qv::Bytes RandomUnit::randomBytes(uint64_t n) {
     runs_.emplace_back(static_cast<size_t>(n));
     for (uint8_t& byte : runs_.back()) {

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "bitstream/Codec.h"
 #include "bitstream/syntax/Reader.h"
 #include "bitstream/syntax/Trace.h"
 #include "bitstream/syntax/Writer.h"
@@ -170,6 +171,23 @@ public:
     void extension_data(const char* name, qv::CodedBits& bits);
 
     template <class Name>
+    void payload_bytes(const Name& name, qv::CodedBits& bits) {
+        bits = {};
+        const auto n = static_cast<uint32_t>(pick(40));
+        for (uint32_t i = 0; i < n; ++i) {
+            uint32_t byte = 0;
+            u(8, qv::detail::subscripted(name, i), byte);
+        }
+    }
+
+    // The messages in the payload of another one: one to three, of a type that both codecs reserve.
+    void nested_messages(qv::CodedBits& bits);
+
+    // Ends a payload (H.264 D.1.1, H.265 D.2.1). The rbsp_trailing_bits() after it, a byte, are not among the
+    // elements.
+    void endPayload(qv::Codec codec);
+
+    template <class Name>
     void bytes(uint64_t n, const Name& name, qv::Bytes& field) {
         field = randomBytes(n);
         note(qv::detail::elementOf(name), qv::Descriptor::bytes, static_cast<uint32_t>(8 * n),
@@ -207,6 +225,7 @@ public:
 
 private:
     uint64_t pick(uint64_t bound) { return random_() % bound; }
+    void put(uint32_t n, const qv::Element& element, qv::Descriptor descriptor, uint64_t value);
     qv::Bytes randomBytes(uint64_t n);
     int64_t valueOf(const qv::Element& element, int64_t least, uint64_t range);
     bool isToBeViolated();

@@ -50,6 +50,9 @@ struct StructureUnderTest {
     // Elements that are read only while there is more data.
     std::set<std::string> optional = {};
 
+    // True for the payload of an SEI message: whole bytes, and rbsp_trailing_bits() that belong to the unit.
+    bool isPayload = false;
+
     // Flags of extension_data(): a unit may end before each of them.
     std::set<std::string> extensionData = {};
 
@@ -189,7 +192,8 @@ void checkCuts(const StructureUnderTest<Record>& structure, int rounds) {
         }
         const std::vector<qv::TracedElement>& elements = generator.elements();
         size_t next = 0;
-        for (uint64_t cut = 8 * generator.headerBytes(); cut < generator.rbspBits(); ++cut) {
+        for (uint64_t cut = 8 * generator.headerBytes(); cut < generator.rbspBits();
+             cut += structure.isPayload ? 8 : 1) {
             while (elements[next].firstBit + elements[next].width <= cut) {
                 ++next;
             }

@@ -700,7 +700,6 @@ TEST(Reader, keptBitsReadAgainFromEveryBitToEveryBit) {
             ASSERT_EQ(kept.byte, slow.byte());
             ASSERT_EQ(kept.bitOfByte, slow.bitOfByte());
             ASSERT_EQ(kept.unit.data, kUnitToKeep.data());
-            ASSERT_EQ(kept.unit.size, kUnitToKeep.size());
 
             Reader again(kept);
             ASSERT_EQ(again.position(), 8 + first);
@@ -712,6 +711,12 @@ TEST(Reader, keptBitsReadAgainFromEveryBitToEveryBit) {
                 left -= n;
             }
             ASSERT_FALSE(again.failed());
+            ASSERT_EQ(kept.unit.size, slow.byte() + (slow.bitOfByte() != 0 ? 1 : 0));
+            ASSERT_FALSE(again.more_rbsp_data());
+            bool one = false;
+            again.flag("one more", one);
+            ASSERT_EQ(again.fault().kind, FaultKind::EndOfData);
+            ASSERT_EQ(again.fault().firstBit, 8 + first + count);
         }
     }
 }

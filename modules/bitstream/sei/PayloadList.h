@@ -1,0 +1,62 @@
+// The payloads that have a record, and the record of a payloadType.
+#ifndef QV_BITSTREAM_SEI_PAYLOADLIST_H
+#define QV_BITSTREAM_SEI_PAYLOADLIST_H
+
+#include <cstdint>
+
+#include "bitstream/Codec.h"
+#include "bitstream/sei/LightLevel.h"
+#include "bitstream/sei/PayloadUses.h"
+#include "bitstream/sei/UserData.h"
+
+namespace qv::sei {
+
+template <class... Payloads>
+struct PayloadList {
+    // Calls use(PayloadUses<Payload>) for the payload of a type; false when there is none.
+    template <class Use>
+    static bool with([[maybe_unused]] Codec codec, [[maybe_unused]] uint64_t payloadType,
+                     [[maybe_unused]] const Use& use) {
+        return (... ||
+                (payloadType == Payloads::kPayloadTypes.of(codec) && (use(PayloadUses<Payloads>()), true)));
+    }
+};
+
+using UserDataPayloads = PayloadList<FillerPayload, UserDataRegistered, UserDataUnregistered>;
+
+using TimingPayloads = PayloadList<>;
+
+using PicturePayloads = PayloadList<>;
+
+using DisplayPayloads = PayloadList<ContentLightLevelInfo>;
+
+using RegionPayloads = PayloadList<>;
+
+using ViewPayloads = PayloadList<>;
+
+using LayerPayloads = PayloadList<>;
+
+template <class... Families>
+struct FamilyList {
+    template <class Use>
+    static bool with([[maybe_unused]] Codec codec, [[maybe_unused]] uint64_t payloadType,
+                     [[maybe_unused]] const Use& use) {
+        return (... || Families::with(codec, payloadType, use));
+    }
+};
+
+using AllPayloads = FamilyList<UserDataPayloads, TimingPayloads, PicturePayloads, DisplayPayloads,
+                               RegionPayloads, ViewPayloads, LayerPayloads>;
+
+// Calls use(PayloadUses<Payload>) for the payload of a type; for types without a record, of which the
+// standards reserve most, that of ReservedSeiMessage.
+template <class Use>
+void withPayload(Codec codec, uint64_t payloadType, const Use& use) {
+    if (!AllPayloads::with(codec, payloadType, use)) {
+        use(PayloadUses<ReservedSeiMessage>());
+    }
+}
+
+}  // namespace qv::sei
+
+#endif

@@ -1,0 +1,174 @@
+// SEI units: H.264 7.3.2.3, H.265 7.3.2.4 and 7.3.5.
+#include "bitstream/sei/SeiUnit.h"
+
+#include <algorithm>
+
+#include "bitstream/sei/PayloadList.h"
+#include "bitstream/sei/PayloadSyntax.h"
+#include "bitstream/sei/SeiMessages.h"
+#include "bitstream/sei/UserData.h"
+#include "bitstream/syntax/Tracer.h"
+#include "bitstream/syntax/Writer.h"
+
+namespace qv::sei {
+
+namespace {
+
+constexpr uint32_t kFfByte = 0xFF;
+
+constexpr SharedStructure kSeiRbsp = sharedStructure("sei_rbsp()", "7.3.2.3", "7.3.2.4");
+constexpr SharedStructure kSeiMessage = sharedStructure("sei_message()", "7.3.2.3.1", "7.3.5");
+
+// The bytes of payloadType or payloadSize.
+void traceNumber(Tracer& tracer, const char* lastByte) {
+    uint32_t byte = kFfByte;
+    while (byte == kFfByte && !tracer.failed()) {
+        Reader ahead = tracer.reader();
+        ahead.u(8, lastByte, byte);
+        if (byte == kFfByte) {
+            tracer.f(8, "ff_byte", kFfByte);
+        } else {
+            tracer.u(8, lastByte, byte);
+        }
+    }
+}
+
+// A message from its header to the end of its payload.
+Fault traceMessage(const SeiMessage& message, const Context& context, TraceVisitor& visitor) {
+    const auto end = static_cast<size_t>(message.payload.end() - message.unit.begin());
+    Tracer tracer(message.unit, message.offset, end, uint64_t{8} * message.rbspOffset, visitor);
+    const Within<Tracer> within(tracer, kSeiMessage.of(context));
+    traceNumber(tracer, "last_payload_type_byte");
+    traceNumber(tracer, "last_payload_size_byte");
+    if (!tracer.failed()) {
+        withPayload(context.codec, message.payloadType,
+                    [&](auto uses) { decltype(uses)::trace(tracer, message, context); });
+    }
+    return tracer.fault();
+}
+
+// What is wrong after the last message.
+Fault faultAfter(const SeiMessage& message, const Context& context) {
+    Fault fault;
+    fault.structure = &kSeiRbsp.of(context);
+    fault.firstBit = uint64_t{8} * (message.rbspPayloadOffset + message.rbspPayloadSize);
+    if (message.faults.has(SeiFault::NoMessage)) {
+        fault.kind = FaultKind::EndOfData;
+        fault.element.name = "sei_message()";
+    } else if (message.faults.has(SeiFault::NoTrailingBits)) {
+        fault.kind = FaultKind::EndOfData;
+        fault.element.name = "rbsp_stop_one_bit";
+    } else if (message.faults.has(SeiFault::BytesAfterTrailingBits)) {
+        fault.kind = FaultKind::DataLeft;
+        fault.element.name = "rbsp_trailing_bits()";
+    }
+    return fault;
+}
+
+// Of a unit whose messages have no fault, the byte 0x80 after the last one.
+size_t trailingBitsOf(const SeiMessage& last) {
+    RbspPositions positions(last.unit, last.payloadOffset, last.rbspPayloadOffset);
+    return positions.codedByte(last.rbspPayloadOffset + last.rbspPayloadSize);
+}
+
+void traceTrailingBits(const SeiMessage& last, TraceVisitor& visitor) {
+    static constexpr Structure kTrailingBits = {"rbsp_trailing_bits()", "7.3.2.11"};
+    const size_t byte = trailingBitsOf(last);
+    Tracer tracer(last.unit, byte, byte + 1, uint64_t{8} * (last.rbspPayloadOffset + last.rbspPayloadSize),
+                  visitor);
+    const Within<Tracer> within(tracer, kTrailingBits);
+    tracer.f(1, "rbsp_stop_one_bit", 1);
+    while (!tracer.byte_aligned()) {
+        tracer.f(1, "rbsp_alignment_zero_bit", 0);
+    }
+}
+
+void writeNumber(Writer& writer, uint64_t number) {
+    for (; number >= kFfByte; number -= kFfByte) {
+        writer.f(8, "ff_byte", kFfByte);
+    }
+    writer.f(8, "last_payload_byte", number);
+}
+
+void copyHeader(Writer& writer, Bytes header) {
+    writer.header(static_cast<uint32_t>(header.size));
+    for (const uint8_t byte : header) {
+        writer.f(8, "nal_unit_header()", byte);
+    }
+}
+
+}  // namespace
+
+void nested_messages(Tracer& tracer, const Context& context, NestedMessages& nested) {
+    Reader passing = tracer.reader();
+    nested_messages(passing, context, nested);
+    for (const SeiMessage& message : SeiMessages(nested)) {
+        Fault fault = traceMessage(message, context, tracer.visitor());
+        if (!fault) {
+            fault = faultAfter(message, context);
+        }
+        if (fault) {
+            tracer.fail(fault);
+        }
+    }
+    tracer.pass(nested.bits);
+}
+
+void traceSeiRbsp(Bytes unit, Context context, TraceVisitor& visitor, UnitTrace& trace) {
+    visitor.begin(kSeiRbsp.of(context));
+    trace.isWhole = true;
+    SeiMessage last;
+    for (const SeiMessage& message : SeiMessages(unit, context.codec)) {
+        const Fault fault = message.faults.has(SeiFault::NoMessage) ? faultAfter(message, context)
+                                                                    : traceMessage(message, context, visitor);
+        if (!trace.fault) {
+            trace.fault = fault;
+        }
+        context.take(message);
+        last = message;
+    }
+    if (!last.faults) {
+        traceTrailingBits(last, visitor);
+        trace.trailing.bytes = unit.from(trailingBitsOf(last) + 1);
+    } else if (!trace.fault) {
+        trace.fault = faultAfter(last, context);
+    }
+    visitor.end();
+}
+
+UnitRewritten rewriteSeiUnit(Bytes unit, Context context, std::vector<uint8_t>& out) {
+    UnitRewritten rewritten;
+    const size_t before = out.size();
+    Writer writer(out);
+    copyHeader(writer, unit.first(nalUnitOf(unit, context.codec).headerBytes));
+    SeiMessage last;
+    for (const SeiMessage& message : SeiMessages(unit, context.codec)) {
+        rewritten.fault = faultAfter(message, context);
+        if (!rewritten.fault) {
+            writeNumber(writer, message.payloadType);
+            writeNumber(writer, message.payloadSize);
+            withPayload(context.codec, message.payloadType, [&](auto uses) {
+                rewritten.fault = decltype(uses)::rewrite(writer, message, context);
+            });
+        }
+        if (rewritten.fault) {
+            out.resize(before);
+            return rewritten;
+        }
+        context.take(message);
+        last = message;
+    }
+    writer.rbsp_trailing_bits();
+    writer.finish();
+    const Bytes trailing = unit.from(trailingBitsOf(last) + 1);
+    out.insert(out.end(), trailing.begin(), trailing.end());
+    rewritten.isRewritten =
+        out.size() - before == unit.size &&
+        std::equal(unit.begin(), unit.end(), out.begin() + static_cast<std::ptrdiff_t>(before));
+    if (!rewritten.isRewritten) {
+        out.resize(before);
+    }
+    return rewritten;
+}
+
+}  // namespace qv::sei

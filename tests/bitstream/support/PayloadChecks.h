@@ -1,0 +1,68 @@
+// What holds for the payload of every SEI message, whatever its table says: checked on random payloads.
+#ifndef QV_TESTS_BITSTREAM_PAYLOADCHECKS_H
+#define QV_TESTS_BITSTREAM_PAYLOADCHECKS_H
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "MemoryChecks.h"
+#include "StructureChecks.h"
+#include "bitstream/sei/PayloadSyntax.h"
+#include "bitstream/sei/SeiPayload.h"
+#include "bitstream/units/Rbsp.h"
+
+namespace qv_test {
+
+// Nested messages of types without a record.
+inline void nested_messages(RandomUnit& s, const qv::sei::Context& context, qv::NestedMessages& nested) {
+    static_cast<void>(context);
+    s.nested_messages(nested.bits);
+}
+
+// A message whose payload is all of a unit but its last byte, which holds rbsp_trailing_bits().
+template <class Payload>
+qv::SeiMessage messageOf(qv::Bytes unit, qv::Codec codec) {
+    constexpr uint64_t kSomeType = 199;  // reserved in both codecs
+    const uint32_t payloadType = Payload::kPayloadTypes.of(codec);
+    qv::SeiMessage message;
+    message.payloadType = payloadType == qv::sei::kAnyPayloadType ? kSomeType : payloadType;
+    message.unit = unit;
+    message.payload = unit.first(unit.empty() ? 0 : unit.size - 1);
+    message.payloadSize = message.rbspPayloadSize = qv::unescapedSize(message.payload, 0);
+    return message;
+}
+
+// A payload: its functions, and its syntax function as a generator.
+//
+//     payloadUnderTest<PanScanRect>(context, [](auto& s, const auto& c, auto& p) { pan_scan_rect(s, c, p); })
+template <class Payload, class Table>
+StructureUnderTest<Payload> payloadUnderTest(const qv::sei::Context& context, Table table) {
+    StructureUnderTest<Payload> structure;
+    structure.generate = [=](RandomUnit& s, Payload& record) {
+        table(s, context, record);
+        s.endPayload(context.codec);
+    };
+    structure.read = [=](qv::Bytes unit) {
+        return qv::sei::readPayload<Payload>(messageOf<Payload>(unit, context.codec), context);
+    };
+    structure.trace = [=](qv::Bytes unit, qv::TraceVisitor& visitor) {
+        return qv::sei::tracePayload<Payload>(messageOf<Payload>(unit, context.codec), context, visitor);
+    };
+    structure.write = [=](const Payload& record, std::vector<uint8_t>& out) {
+        std::vector<uint8_t> rbsp;
+        const qv::Written written = qv::sei::writePayload(record, context, rbsp);
+        rbsp.push_back(0x80);
+        out.resize(qv::mostEscapedSize(rbsp.size()));
+        out.resize(qv::escape(bytesOf(rbsp), 0, out.data(), out.size()));
+        return qv::Written{written.fault ? 0 : out.size(), written.fault};
+    };
+    structure.size = [=](const Payload& record) { return qv::sei::sizeOfPayload(record, context); };
+    structure.isPayload = true;
+    return structure;
+}
+
+}  // namespace qv_test
+
+#endif
