@@ -2,6 +2,10 @@
 #ifndef QV_BITSTREAM_SYNTAX_EMULATIONPREVENTION_H
 #define QV_BITSTREAM_SYNTAX_EMULATIONPREVENTION_H
 
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
 #include "bitstream/Bytes.h"
 #include "bitstream/syntax/Bits.h"
 
@@ -19,11 +23,32 @@ inline bool isEmulationPrevention(const uint8_t* unit, size_t position) noexcept
            unit[position - 2] == 0x00;
 }
 
-// Calls found(byte) with each emulation prevention byte of [begin, end) until it returns true; the byte where
-// it does, otherwise the end.
+// How many bytes mayHoldEmulationPrevention() tests at once.
+constexpr ptrdiff_t kEmulationBlock = 128;
+
+// False when none of the kEmulationBlock bytes after the one at before is an emulation prevention byte. Each
+// of these has a pair of bytes 00 00 or 00 03 in an even 16-bit lane: the pair before it, or the one that it
+// ends. Compilers make vector instructions of this loop; the masked bits keep the lanes from being negative.
+inline bool mayHoldEmulationPrevention(const uint8_t* before) noexcept {
+    constexpr uint8_t kMaskBytes[2] = {0x7F, 0x7C};
+    constexpr ptrdiff_t kLane = 2;
+    int16_t mask = 0;
+    std::memcpy(&mask, kMaskBytes, sizeof mask);
+    int16_t least = INT16_MAX;
+    for (ptrdiff_t i = 0; i < kEmulationBlock; i += kLane) {
+        int16_t lane = 0;
+        std::memcpy(&lane, before + i, sizeof lane);
+        lane = static_cast<int16_t>(lane & mask);
+        least = lane < least ? lane : least;
+    }
+    return least == 0;
+}
+
+// Calls found(byte) with each emulation prevention byte of [begin, end), of which two bytes of the unit come
+// before, until it returns true; the byte where it does, otherwise the end.
 template <class Found>
-const uint8_t* findEmulationPrevention(const uint8_t* unit, const uint8_t* begin, const uint8_t* end,
-                                       const Found& found) noexcept {
+const uint8_t* findEmulationPreventionByWords(const uint8_t* unit, const uint8_t* begin, const uint8_t* end,
+                                              const Found& found) noexcept {
     constexpr ptrdiff_t kWordBytes = 8;
     const uint8_t* next = begin;
     for (; end - next >= kWordBytes; next += kWordBytes) {
@@ -42,6 +67,28 @@ const uint8_t* findEmulationPrevention(const uint8_t* unit, const uint8_t* begin
         }
     }
     return end;
+}
+
+// As above, for any part of a unit.
+template <class Found>
+const uint8_t* findEmulationPrevention(const uint8_t* unit, const uint8_t* begin, const uint8_t* end,
+                                       const Found& found) noexcept {
+    constexpr ptrdiff_t kZeroBytes = 2;
+    if (end - unit <= kZeroBytes) {
+        return end;
+    }
+    const uint8_t* next = begin - unit < kZeroBytes ? unit + kZeroBytes : begin;
+    for (; end - next >= kEmulationBlock; next += kEmulationBlock) {
+        if (!mayHoldEmulationPrevention(next - 1)) {
+            continue;
+        }
+        const uint8_t* const blockEnd = next + kEmulationBlock;
+        const uint8_t* const byte = findEmulationPreventionByWords(unit, next, blockEnd, found);
+        if (byte != blockEnd) {
+            return byte;
+        }
+    }
+    return findEmulationPreventionByWords(unit, next, end, found);
 }
 
 inline uint64_t countEmulationPrevention(const uint8_t* unit, const uint8_t* begin,

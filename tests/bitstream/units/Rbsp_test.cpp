@@ -99,6 +99,33 @@ TEST(Rbsp, findEmulationPrevention) {
     EXPECT_EQ(qv::findEmulationPrevention({}, 1, 0), 0U);
 }
 
+// Every place relative to the blocks and words of the search, with what looks like one around it.
+TEST(Rbsp, findEmulationPreventionAtEveryPlace) {
+    constexpr size_t kSize = 400;
+    constexpr uint8_t kFillings[] = {0x00, 0x01, 0x03, 0x80, 0xFF};
+    for (const uint8_t filling : kFillings) {
+        for (size_t place = 0; place + 3 <= kSize; ++place) {
+            Bytes unit(kSize, filling);
+            if (place > 0) {
+                unit[place - 1] = 0x05;
+            }
+            unit[place] = unit[place + 1] = 0x00;
+            unit[place + 2] = 0x03;
+            std::replace(unit.begin(), unit.begin() + static_cast<std::ptrdiff_t>(place), uint8_t{0x03},
+                         uint8_t{0x02});
+            for (const size_t from : {size_t{0}, size_t{1}, place, place + 2}) {
+                ASSERT_EQ(qv::findEmulationPrevention(bytesOf(unit), 0, from), place + 2) << int{filling};
+            }
+            size_t next = place + 3;
+            while (next < kSize &&
+                   !(unit[next] == 0x03 && unit[next - 1] == 0x00 && unit[next - 2] == 0x00)) {
+                ++next;
+            }
+            ASSERT_EQ(qv::findEmulationPrevention(bytesOf(unit), 0, place + 3), next) << int{filling};
+        }
+    }
+}
+
 // --- Against models that go byte by byte ---
 
 Bytes slowUnescaped(const Bytes& unit, size_t headerBytes, std::vector<size_t>& codedBytes) {
