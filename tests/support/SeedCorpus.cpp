@@ -8,6 +8,7 @@
 #include "HevcSpsSyntax.h"
 #include "QVNaluParser.h"
 #include "SeiMessages.h"
+#include "SeiStreams.h"
 
 namespace qv_test {
 
@@ -54,6 +55,7 @@ void addStream(Seeds& seeds, const Bytes& stream, bool isHevc) {
     add(seeds, "reframe_fuzz", {4, 0}, stream);
     add(seeds, "raw_reader_fuzz", {codec, 200, 255, 100}, stream);
     add(seeds, "bitstream_read_fuzz", {codec}, stream);
+    add(seeds, "bitstream_rewrite_fuzz", {static_cast<uint8_t>(codec + 8)}, stream);
     std::vector<unsigned char> lengths;
     if (QVNaluParser::converAnnexBToAvcC(stream.data(), static_cast<int>(stream.size()), lengths) ==
         QVResultOk) {
@@ -135,6 +137,23 @@ void addMessages(Seeds& seeds) {
     add(seeds, "hevc_sei_fuzz", {0, 0}, seiUnit({seiMessage(4, largestVivid)}));
 }
 
+// SEI messages of every type, a few to a unit, with the parameter sets that they refer to.
+void addSeiStreams(Seeds& seeds) {
+    constexpr unsigned kLastType = 256;
+    constexpr unsigned kTypesOfASeed = 16;
+    const Bytes payloads[] = {Bytes(12, 0x80), Bytes(20, 0x55), {0x04, 0xA1, 0xFF, 0x00, 0x13, 0xB0}, {}};
+    for (const uint8_t codec : {uint8_t{0}, uint8_t{1}}) {
+        const Bytes sets = codec == 0 ? avcSetsForSei() : hevcSetsForSei();
+        for (unsigned first = 0; first <= kLastType; first += kTypesOfASeed) {
+            for (const Bytes& payload : payloads) {
+                const Bytes stream = sets + seiOfTypes(codec == 1, first, first + kTypesOfASeed - 1, payload);
+                add(seeds, "bitstream_read_fuzz", {codec}, stream);
+                add(seeds, "bitstream_rewrite_fuzz", {static_cast<uint8_t>(codec + 8)}, stream);
+            }
+        }
+    }
+}
+
 void addReaders(Seeds& seeds) {
     Bytes operations = {63};
     for (unsigned i = 0; i < 63; ++i) {
@@ -160,6 +179,7 @@ std::vector<Seed> builtSeeds() {
     Seeds seeds;
     addParameterSets(seeds);
     addMessages(seeds);
+    addSeiStreams(seeds);
     addReaders(seeds);
     return seeds;
 }

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "bitstream/Codec.h"
+#include "bitstream/sei/HevcLayers.h"
 #include "bitstream/sei/LightLevel.h"
 #include "bitstream/sei/PayloadUses.h"
 #include "bitstream/sei/UserData.h"
@@ -18,7 +19,7 @@ struct PayloadList {
     static bool with([[maybe_unused]] Codec codec, [[maybe_unused]] uint64_t payloadType,
                      [[maybe_unused]] const Use& use) {
         return (... ||
-                (payloadType == Payloads::kPayloadTypes.of(codec) && (use(PayloadUses<Payloads>()), true)));
+                (Payloads::kPayloadTypes.is(codec, payloadType) && (use(PayloadUses<Payloads>()), true)));
     }
 };
 
@@ -34,7 +35,9 @@ using RegionPayloads = PayloadList<>;
 
 using ViewPayloads = PayloadList<>;
 
-using LayerPayloads = PayloadList<>;
+using LayerPayloads =
+    PayloadList<HevcScalableNesting, LayersNotPresent, InterLayerConstrainedTileSets, BspNesting,
+                SubBitstreamProperty, AlphaChannelInfo, OverlayInfo, TemporalMvPredictionConstraints>;
 
 template <class... Families>
 struct FamilyList {

@@ -25,6 +25,8 @@ constexpr SharedStructure sharedStructure(const char* name, const char* avcClaus
     return {{name, avcClause}, {name, hevcClause}};
 }
 
+inline constexpr SharedStructure kSeiMessage = sharedStructure("sei_message()", "7.3.2.3.1", "7.3.5");
+
 // What follows the syntax of a payload within its payloadSize.
 struct PayloadEnd {
     bool isPresent = false;

@@ -33,8 +33,8 @@ constexpr bool kHoldsMessages<Payload, std::void_t<decltype(Payload::messages)>>
 // A message in the payload of another one does not hold messages itself (H.264 G.13.2.7, H.265 D.3.24).
 template <class Payload>
 bool isPayloadOf(const SeiMessage& message, Codec codec) {
-    const uint32_t payloadType = Payload::kPayloadTypes.of(codec);
-    return (payloadType == kAnyPayloadType || payloadType == message.payloadType) &&
+    return (Payload::kPayloadTypes.of(codec) == kAnyPayloadType ||
+            Payload::kPayloadTypes.is(codec, message.payloadType)) &&
            !(kHoldsMessages<Payload> && message.isNested);
 }
 
@@ -42,7 +42,9 @@ bool isPayloadOf(const SeiMessage& message, Codec codec) {
 template <class In, class Payload>
 void takePayload(In& in, const SeiMessage& message, const Context& context, Payload& payload,
                  PayloadEnd& end) {
-    if (!isPayloadOf<Payload>(message, context.codec)) {
+    if (message.faults.has(SeiFault::NoMessage) || message.faults.has(SeiFault::HeaderCut)) {
+        in.fail(FaultKind::EndOfData, "payloadType", 0);
+    } else if (!isPayloadOf<Payload>(message, context.codec)) {
         in.fail(FaultKind::OtherPayload, "payloadType", static_cast<int64_t>(message.payloadType));
     }
     sei_payload(in, context, payload, end);
@@ -66,6 +68,7 @@ Read<Payload> readFrom(In& in, const SeiMessage& message, const Context& context
 template <class Payload>
 Read<Payload> readPayload(const SeiMessage& message, const Context& context) noexcept {
     Reader reader = message.reader();
+    const Within<Reader> within(reader, kSeiMessage.of(context));
     PayloadEnd end;
     return readFrom<Payload>(reader, message, context, end);
 }
@@ -74,6 +77,7 @@ template <class Payload>
 Read<Payload> tracePayload(const SeiMessage& message, const Context& context, TraceVisitor& visitor) {
     Tracer tracer(message.unit, message.payloadOffset, message.payloadOffset + message.payload.size,
                   uint64_t{8} * message.rbspPayloadOffset, visitor);
+    const Within<Tracer> within(tracer, kSeiMessage.of(context));
     PayloadEnd end;
     return readFrom<Payload>(tracer, message, context, end);
 }
@@ -106,6 +110,7 @@ void PayloadUses<Payload>::trace(Tracer& tracer, const SeiMessage& message, cons
 template <class Payload>
 Fault PayloadUses<Payload>::rewrite(Writer& writer, const SeiMessage& message, const Context& context) {
     Reader reader = message.reader();
+    const Within<Reader> within(reader, kSeiMessage.of(context));
     PayloadEnd end;
     Read<Payload> read = readFrom<Payload>(reader, message, context, end);
     if (!read.fault) {

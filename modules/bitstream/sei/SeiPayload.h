@@ -27,6 +27,11 @@ struct PayloadTypes {
 
     /// That of one codec.
     constexpr uint32_t of(Codec codec) const { return codec == Codec::Avc ? avc : hevc; }
+
+    /// True when that of one codec is \p payloadType; false when there is none, whatever \p payloadType is.
+    constexpr bool is(Codec codec, uint64_t payloadType) const {
+        return of(codec) != kNoPayloadType && of(codec) == payloadType;
+    }
 };
 
 // Payload is one of the records of this folder: each has a constant kPayloadTypes.

@@ -17,20 +17,34 @@ namespace {
 constexpr uint32_t kFfByte = 0xFF;
 
 constexpr SharedStructure kSeiRbsp = sharedStructure("sei_rbsp()", "7.3.2.3", "7.3.2.4");
-constexpr SharedStructure kSeiMessage = sharedStructure("sei_message()", "7.3.2.3.1", "7.3.5");
+
+// A copy reads ahead.
+const Reader& readerOf(const Reader& reader) {
+    return reader;
+}
+const Reader& readerOf(const Tracer& tracer) {
+    return tracer.reader();
+}
 
 // The bytes of payloadType or payloadSize.
-void traceNumber(Tracer& tracer, const char* lastByte) {
+template <class In>
+void payload_number(In& in, const char* lastByte) {
     uint32_t byte = kFfByte;
-    while (byte == kFfByte && !tracer.failed()) {
-        Reader ahead = tracer.reader();
+    while (byte == kFfByte && !in.failed()) {
+        Reader ahead = readerOf(in);
         ahead.u(8, lastByte, byte);
         if (byte == kFfByte) {
-            tracer.f(8, "ff_byte", kFfByte);
+            in.f(8, "ff_byte", kFfByte);
         } else {
-            tracer.u(8, lastByte, byte);
+            in.u(8, lastByte, byte);
         }
     }
+}
+
+template <class In>
+void sei_message_header(In& in) {
+    payload_number(in, "last_payload_type_byte");
+    payload_number(in, "last_payload_size_byte");
 }
 
 // A message from its header to the end of its payload.
@@ -38,13 +52,20 @@ Fault traceMessage(const SeiMessage& message, const Context& context, TraceVisit
     const auto end = static_cast<size_t>(message.payload.end() - message.unit.begin());
     Tracer tracer(message.unit, message.offset, end, uint64_t{8} * message.rbspOffset, visitor);
     const Within<Tracer> within(tracer, kSeiMessage.of(context));
-    traceNumber(tracer, "last_payload_type_byte");
-    traceNumber(tracer, "last_payload_size_byte");
+    sei_message_header(tracer);
     if (!tracer.failed()) {
         withPayload(context.codec, message.payloadType,
                     [&](auto uses) { decltype(uses)::trace(tracer, message, context); });
     }
     return tracer.fault();
+}
+
+// Where the header of a message is cut.
+Fault faultOfHeader(const SeiMessage& message, const Context& context) {
+    Reader reader(message.unit, message.offset, message.payloadOffset, uint64_t{8} * message.rbspOffset);
+    const Within<Reader> within(reader, kSeiMessage.of(context));
+    sei_message_header(reader);
+    return reader.fault();
 }
 
 // What is wrong after the last message.
@@ -102,12 +123,11 @@ void copyHeader(Writer& writer, Bytes header) {
 void nested_messages(Tracer& tracer, const Context& context, NestedMessages& nested) {
     Reader passing = tracer.reader();
     nested_messages(passing, context, nested);
+    if (tracer.failed()) {
+        return;
+    }
     for (const SeiMessage& message : SeiMessages(nested)) {
-        Fault fault = traceMessage(message, context, tracer.visitor());
-        if (!fault) {
-            fault = faultAfter(message, context);
-        }
-        if (fault) {
+        if (const Fault fault = traceMessage(message, context, tracer.visitor())) {
             tracer.fail(fault);
         }
     }
@@ -143,7 +163,8 @@ UnitRewritten rewriteSeiUnit(Bytes unit, Context context, std::vector<uint8_t>& 
     copyHeader(writer, unit.first(nalUnitOf(unit, context.codec).headerBytes));
     SeiMessage last;
     for (const SeiMessage& message : SeiMessages(unit, context.codec)) {
-        rewritten.fault = faultAfter(message, context);
+        rewritten.fault = message.faults.has(SeiFault::HeaderCut) ? faultOfHeader(message, context)
+                                                                  : faultAfter(message, context);
         if (!rewritten.fault) {
             writeNumber(writer, message.payloadType);
             writeNumber(writer, message.payloadSize);

@@ -35,6 +35,9 @@ constexpr Alias kAliases[] = {
     {"gaps_in_frame_num_allowed_flag", "gaps_in_frame_num_value_allowed_flag"},
     // The name of D.1.40 and D.2.49 is longer.
     {"payload_byte", "reserved_sei_message_payload_byte"},
+    // The names in H.264 D.1.1; H.265 D.2.1 has "payload" in them.
+    {"bit_equal_to_one", "payload_bit_equal_to_one"},
+    {"bit_equal_to_zero", "payload_bit_equal_to_zero"},
     // The name in H.264; H.265 E.2.1 shortens it.
     {"matrix_coefficients", "matrix_coeffs"},
 };

@@ -14,6 +14,7 @@
 #include "AllocationFault.h"
 #include "BitWriter.h"
 #include "GuardedBuffer.h"
+#include "bitstream/syntax/EmulationPrevention.h"
 
 namespace {
 
@@ -759,6 +760,78 @@ TEST(Reader, extensionDataIsKeptUpToTheTrailingBits) {
         }
         EXPECT_FALSE(again.more_rbsp_data());
     }
+}
+
+// The bytes of a part of a unit that are left after some of its bits, and again from where they were kept.
+TEST(Reader, payloadBytesOfEveryPart) {
+    std::vector<size_t> coded;
+    for (size_t byte = 0; byte < kUnitToKeep.size(); ++byte) {
+        if (!qv::detail::isEmulationPrevention(kUnitToKeep.data(), byte)) {
+            coded.push_back(byte);
+        }
+    }
+    for (size_t first = 1; first < coded.size(); ++first) {
+        for (size_t end = first; end < coded.size(); ++end) {
+            const size_t codedEnd = end > first ? coded[end - 1] + 1 : coded[first];
+            for (uint32_t before = 0; before <= 8 * (end - first) && before < 20; ++before) {
+                SCOPED_TRACE(std::to_string(before) + " bits of " + std::to_string(first) + " to " +
+                             std::to_string(end));
+                Reader reader(bytesOf(kUnitToKeep), coded[first], codedEnd, 8 * first);
+                uint32_t value = 0;
+                reader.u(before, "before", value);
+                CodedBits kept;
+                reader.payload_bytes("bytes", kept);
+                ASSERT_FALSE(reader.failed() || reader.more_rbsp_data());
+                ASSERT_EQ(reader.position(), 8 * end);
+                ASSERT_EQ(kept.count, 8 * (end - first) - before);
+                ASSERT_EQ(kept.firstBit, 8 * first + before);
+                Reader again(kept);
+                for (uint64_t bit = kept.firstBit; bit < 8 * end; ++bit) {
+                    bool flag = false;
+                    again.flag("again", flag);
+                    ASSERT_EQ(flag, (kUnitToKeep[coded[bit / 8]] >> (7 - bit % 8) & 1) != 0);
+                }
+                ASSERT_FALSE(again.failed() || again.more_rbsp_data());
+            }
+        }
+    }
+}
+
+TEST(Reader, payloadExtensionEndsBeforeTheLastOne) {
+    const std::vector<uint8_t> unit = hex("06 A0 00 00 03 01 00 00 03 00");
+    for (uint32_t before = 0; before < 56; ++before) {
+        Reader reader(bytesOf(unit), 1, unit.size(), 8);
+        uint64_t value = 0;
+        reader.u(before, "before", value);
+        CodedBits bits;
+        reader.payload_extension("reserved_payload_extension_data", bits);
+        // The last bit that is 1 is bit 31 of the part: A0 00 00 01 00 00 00
+        ASSERT_EQ(bits.count, before < 32 ? 31 - before : 0);
+        ASSERT_EQ(reader.position(), before < 32 ? 39 : 8 + before);
+        ASSERT_FALSE(reader.failed());
+        Reader again(bits);
+        for (uint64_t left = bits.count; left > 0; --left) {
+            bool flag = false;
+            again.flag("again", flag);
+            ASSERT_EQ(flag, left == 31 || left == 29);
+        }
+        ASSERT_FALSE(again.failed() || again.more_rbsp_data());
+    }
+}
+
+TEST(Reader, aFaultThatAReaderOfAPartHasFound) {
+    Reader part(bytesOf(kUnitToKeep));
+    part.fail(FaultKind::DataLeft, "part", 7);
+    Reader reader(bytesOf(kUnitToKeep));
+    reader.fail(part.fault());
+    EXPECT_EQ(reader.fault().kind, FaultKind::DataLeft);
+    EXPECT_STREQ(reader.fault().element.name, "part");
+    EXPECT_FALSE(reader.more_rbsp_data());
+    // The first one is kept.
+    Reader other(bytesOf(kUnitToKeep));
+    other.fail(FaultKind::NoSuchSet, "other", 1);
+    reader.fail(other.fault());
+    EXPECT_STREQ(reader.fault().element.name, "part");
 }
 
 // A record can be changed before its bits are read.

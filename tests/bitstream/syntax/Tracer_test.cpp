@@ -181,6 +181,44 @@ TEST(Tracer, keptBitsAreReportedAsTheyAreRead) {
     EXPECT_EQ(lines.lines.back(), "kept u 28+8 = 26 (26) byte 4");
 }
 
+// A part of a unit that begins with a data byte; its last byte is not a whole one of the payload.
+TEST(Tracer, bytesOfAPayload) {
+    const Bytes unit = hex("06 00 00 03 01 A5 00 00 03 02");
+    Lines lines;
+    Tracer tracer(bytesOf(unit), 4, unit.size(), 24, lines);
+    uint32_t value = 0;
+    qv::CodedBits kept;
+    tracer.u(4, "first", value);
+    tracer.payload_bytes("byte", kept);
+    EXPECT_EQ(kept.firstBit, 28U);
+    EXPECT_EQ(kept.count, 36U);
+    const std::vector<std::string> expected = {
+        "first u 24+4 = 0 (0) byte 4",   "byte[0] u 28+8 = 26 (26) byte 4", "byte[1] u 36+8 = 80 (80) byte 5",
+        "byte[2] u 44+8 = 0 (0) byte 6", "byte[3] u 52+8 = 0 (0) byte 7",   "byte[4] u 60+4 = 2 (2) byte 9",
+    };
+    EXPECT_EQ(lines.lines, expected);
+}
+
+TEST(Tracer, extensionOfAPayloadInRuns) {
+    BitWriter bits;
+    bits.u(8, "header", 0x06);
+    for (int i = 0; i < 70; ++i) {
+        bits.u(1, "extension", i % 5 == 0 ? 1 : 0);
+    }
+    const Bytes unit = bits.trailingBits().bytes();
+    Lines lines;
+    Tracer tracer(bytesOf(unit), 1, unit.size(), 8, lines);
+    qv::CodedBits kept;
+    tracer.payload_extension("reserved_payload_extension_data", kept);
+    EXPECT_EQ(kept.count, 70U);
+    EXPECT_EQ(kept.firstBit, 8U);
+    ASSERT_EQ(lines.elements.size(), 3U);
+    EXPECT_EQ(lines.elements[0].width, 32U);
+    EXPECT_EQ(lines.elements[2].width, 6U);
+    tracer.f(1, "payload_bit_equal_to_one", 1);
+    EXPECT_FALSE(tracer.failed());
+}
+
 TEST(Tracer, wholeBytes) {
     const Bytes record = hex("00 03 00 00 03 00 00 03 01 02");
     Lines lines;

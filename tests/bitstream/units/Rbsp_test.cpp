@@ -193,6 +193,21 @@ void expectPositions(const Bytes& unit, size_t headerBytes, const std::vector<si
     ASSERT_EQ(forward.unescapedByte(SIZE_MAX), codedBytes.size() - 1);
 }
 
+// A map from a data byte on whose place is known.
+void expectPositionsFrom(size_t first, const Bytes& unit, const std::vector<size_t>& codedBytes) {
+    qv::RbspPositions forward(bytesOf(unit), codedBytes[first], first);
+    qv::RbspPositions back(bytesOf(unit), codedBytes[first], first);
+    for (size_t i = first; i < codedBytes.size(); ++i) {
+        const size_t last = codedBytes.size() - 1 - (i - first);
+        ASSERT_EQ(forward.codedByte(i), codedBytes[i]) << i;
+        ASSERT_EQ(back.codedByte(last), codedBytes[last]) << last;
+    }
+    for (size_t i = codedBytes[first]; i <= unit.size(); ++i) {
+        const auto at = std::lower_bound(codedBytes.begin(), codedBytes.end(), i);
+        ASSERT_EQ(forward.unescapedByte(i), static_cast<size_t>(at - codedBytes.begin())) << i;
+    }
+}
+
 void expectAsSlow(const Bytes& unit, size_t headerBytes) {
     std::vector<size_t> codedBytes;
     const Bytes expected = slowUnescaped(unit, headerBytes, codedBytes);
@@ -203,6 +218,9 @@ void expectAsSlow(const Bytes& unit, size_t headerBytes) {
     ASSERT_EQ(qv::escapedSize(bytesOf(unit), headerBytes), coded.size());
     ASSERT_LE(coded.size(), qv::mostEscapedSize(unit.size()));
     expectPositions(unit, headerBytes, codedBytes);
+    for (size_t first = headerBytes; first < codedBytes.size(); first += 1 + first / 4) {
+        expectPositionsFrom(first, unit, codedBytes);
+    }
     Bytes inPlace = unit;
     inPlace.resize(qv::unescape(bytesOf(inPlace), headerBytes, inPlace.data(), inPlace.size()));
     ASSERT_EQ(inPlace, expected);
