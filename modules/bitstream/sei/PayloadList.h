@@ -6,8 +6,16 @@
 
 #include "bitstream/Codec.h"
 #include "bitstream/sei/HevcLayers.h"
+#include "bitstream/sei/ActiveParameterSets.h"
 #include "bitstream/sei/LightLevel.h"
 #include "bitstream/sei/PayloadUses.h"
+#include "bitstream/sei/PictureDisplay.h"
+#include "bitstream/sei/PictureHash.h"
+#include "bitstream/sei/PictureStructure.h"
+#include "bitstream/sei/RandomAccess.h"
+#include "bitstream/sei/ShutterInterval.h"
+#include "bitstream/sei/TimeCode.h"
+#include "bitstream/sei/Timing.h"
 #include "bitstream/sei/UserData.h"
 
 namespace qv::sei {
@@ -25,7 +33,12 @@ struct PayloadList {
 
 using UserDataPayloads = PayloadList<FillerPayload, UserDataRegistered, UserDataUnregistered>;
 
-using TimingPayloads = PayloadList<>;
+using TimingPayloads =
+    PayloadList<AvcPicTiming, HevcPicTiming, AvcBufferingPeriod, HevcBufferingPeriod, DecodedPictureHash,
+                AvcRecoveryPoint, HevcRecoveryPoint, ActiveParameterSets, TimeCode, DecodingUnitInfo,
+                FrameFieldInfo, StructureOfPicturesInfo, TemporalSubLayerZeroIdx, RegionRefreshInfo,
+                NoDisplay, DependentRapIndication, CodedRegionCompletion, DeinterlacedFieldIdentification,
+                ShutterIntervalInfo, PanScanRect>;
 
 using PicturePayloads = PayloadList<>;
 

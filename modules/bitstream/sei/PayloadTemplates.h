@@ -18,9 +18,20 @@ namespace qv::sei {
 template <class Payload>
 struct PayloadTable;
 
+// True for the record of a payload whose last element is there only when payload_extension_present().
+template <class Payload, class = void>
+constexpr bool kMayExtend = false;
+template <class Payload>
+constexpr bool kMayExtend<Payload, std::void_t<decltype(Payload::payload_extension_present)>> = true;
+
 template <class Syntax, class Payload>
 void sei_payload(Syntax& s, const Context& context, Payload& payload, PayloadEnd& end) {
     PayloadTable<Payload>::apply(s, context, payload);
+    if constexpr (kMayExtend<Payload>) {
+        // A byte-aligned payload would end with the element, which reads as
+        // payload_bit_equal_to_one when it is 1.
+        end.isPresent = end.isPresent || payload.payload_extension_present;
+    }
     sei_payload_end(s, context, end);
 }
 

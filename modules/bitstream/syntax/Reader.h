@@ -206,6 +206,10 @@ public:
         passRest(bits);
     }
 
+    /// True when a bit that is 1 follows the next bit, which then belongs to an extension and is not
+    /// payload_bit_equal_to_one (H.265 D.2.1). A record keeps \p present for the writer.
+    bool payload_extension_present(bool& present) const noexcept { return present = bitsBeforeLastOne() > 0; }
+
     /// The bits that are left before the last bit that is 1: reserved_payload_extension_data (H.265 D.2.1).
     void payload_extension(const char* name, CodedBits& bits) noexcept;
 

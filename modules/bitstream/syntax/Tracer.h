@@ -148,6 +148,7 @@ public:
         });
     }
 
+    bool payload_extension_present(bool& present) const { return reader_.payload_extension_present(present); }
     void payload_extension(const char* name, CodedBits& bits);
 
     void fail(FaultKind kind, const char* name, int64_t value) { reader_.fail(kind, name, value); }

@@ -104,6 +104,7 @@ public:
     /// What the record says is written.
     bool hasNoRbsp(bool& absent) const { return absent; }
     bool more_rbsp_data(bool& present) const { return present; }
+    bool payload_extension_present(bool& present) const { return present; }
 
     void rbsp_trailing_bits() {
         put(1, 1);

@@ -206,6 +206,14 @@ size_t agreeing(const std::vector<WitnessElement>& ours, const std::vector<Witne
     return same;
 }
 
+// After a fault in an SEI message the trace of the unit goes on with the next one.
+size_t elementsBefore(const qv::Fault& fault, const std::vector<WitnessElement>& elements) {
+    const auto later = std::find_if(elements.begin(), elements.end(), [&](const WitnessElement& element) {
+        return element.firstBit >= fault.firstBit;
+    });
+    return static_cast<size_t>(later - elements.begin());
+}
+
 std::string elementAt(const std::vector<WitnessElement>& elements, size_t i) {
     return i < elements.size() ? textOf(elements[i]) : "no element";
 }
@@ -243,8 +251,8 @@ private:
         counts_.elements += same;
         const bool isWhole =
             same == ours.size() && same == theirs.elements.size() && theirs.complaint.empty();
-        const bool bothStop =
-            trace.fault && !theirs.complaint.empty() && same == std::min(ours.size(), theirs.elements.size());
+        const bool bothStop = trace.fault && !theirs.complaint.empty() &&
+                              same >= std::min(elementsBefore(trace.fault, ours), theirs.elements.size());
         if (isWhole && trace.ok()) {
             return;
         }

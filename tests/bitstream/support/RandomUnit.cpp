@@ -80,7 +80,7 @@ void RandomUnit::nested_messages(qv::CodedBits& bits) {
 void RandomUnit::endPayload(qv::Codec codec) {
     rbspBits_ = writer_.position();
     const bool isHevc = codec == qv::Codec::Hevc;
-    if (!byte_aligned()) {
+    if (extensionPresent_ || !byte_aligned()) {
         put(1, qv::detail::elementOf(isHevc ? "payload_bit_equal_to_one" : "bit_equal_to_one"),
             qv::Descriptor::f, 1);
     }

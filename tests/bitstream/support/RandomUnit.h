@@ -180,6 +180,11 @@ public:
         }
     }
 
+    bool payload_extension_present(bool& present) {
+        extensionPresent_ = pick(2) == 0;
+        return present = extensionPresent_;
+    }
+
     // The messages in the payload of another one: one to three, of a type that both codecs reserve.
     void nested_messages(qv::CodedBits& bits);
 
@@ -245,6 +250,7 @@ private:
     size_t toViolate_ = SIZE_MAX;
     size_t violated_ = SIZE_MAX;
     bool failed_ = false;
+    bool extensionPresent_ = false;
 };
 
 }  // namespace qv_test
