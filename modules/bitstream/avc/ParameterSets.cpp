@@ -87,6 +87,9 @@ SetTaken ParameterSets::takePps(Bytes unit) {
     if (isReadNow) {
         pps_[id]->is444 = is444;
     }
+    if (taken.hasId) {
+        lastPps_ = taken.id;
+    }
     return taken;
 }
 
@@ -245,6 +248,10 @@ const Sps* ParameterSets::ofNextPicture() const noexcept {
         return sps(announced_);
     }
     return sps(activeSps_.isActive ? activeSps_.id : last_);
+}
+
+const Pps* ParameterSets::ppsOfNextPicture() const noexcept {
+    return recordAt(pps_, activePps_[0].isActive ? activePps_[0].id : lastPps_);
 }
 
 }  // namespace qv::avc

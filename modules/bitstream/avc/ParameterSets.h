@@ -86,6 +86,11 @@ public:
     /// any.
     const Sps* ofNextPicture() const noexcept;
 
+    /// The PPS that SEI messages of the next picture refer to: the active one of slices with an SPS, before
+    /// the first slice the one that came last. Null without any. Its scaling lists may have been read with
+    /// another chroma_format_idc than that of the SPS; see pps().
+    const Pps* ppsOfNextPicture() const noexcept;
+
 private:
     static constexpr uint32_t kSpsIds = 32;
     static constexpr uint32_t kPpsIds = 256;
@@ -117,7 +122,8 @@ private:
     std::array<uint64_t, kSpsIds> activeSubsetSps_ = {};  // serials, 0 for one that is not active
     detail::ActiveSet activePps_[2];                      // of slices with an SPS, and with a subset SPS
     uint32_t announced_ = kSpsIds;
-    uint32_t last_ = kSpsIds;  // the SPS that came last
+    uint32_t last_ = kSpsIds;     // the SPS that came last
+    uint32_t lastPps_ = kPpsIds;  // the PPS that came last
 };
 
 }  // namespace qv::avc

@@ -16,6 +16,19 @@
 #include "bitstream/sei/ShutterInterval.h"
 #include "bitstream/sei/TimeCode.h"
 #include "bitstream/sei/Timing.h"
+#include "bitstream/sei/Display.h"
+#include "bitstream/sei/FilmGrain.h"
+#include "bitstream/sei/FilterHints.h"
+#include "bitstream/sei/FramePacking.h"
+#include "bitstream/sei/FullFrame.h"
+#include "bitstream/sei/GreenMetadata.h"
+#include "bitstream/sei/LightLevel.h"
+#include "bitstream/sei/PayloadUses.h"
+#include "bitstream/sei/PictureMarking.h"
+#include "bitstream/sei/SceneInfo.h"
+#include "bitstream/sei/SliceGroupSet.h"
+#include "bitstream/sei/SubSequences.h"
+#include "bitstream/sei/ToneMapping.h"
 #include "bitstream/sei/UserData.h"
 
 namespace qv::sei {
@@ -40,7 +53,13 @@ using TimingPayloads =
                 NoDisplay, DependentRapIndication, CodedRegionCompletion, DeinterlacedFieldIdentification,
                 ShutterIntervalInfo, PanScanRect>;
 
-using PicturePayloads = PayloadList<>;
+using PicturePayloads =
+    PayloadList<DecRefPicMarkingRepetition, SparePic, SceneInfo, SubSeqInfo, SubSeqLayerCharacteristics,
+                SubSeqCharacteristics, FullFrameFreeze, FullFrameFreezeRelease, PictureSnapshot,
+                ProgressiveRefinementSegmentStart, ProgressiveRefinementSegmentEnd,
+                MotionConstrainedSliceGroupSet, FilmGrainCharacteristics, DeblockingFilterDisplayPreference,
+                StereoVideoInfo, PostFilterHint, ToneMappingInfo, FramePackingArrangement, DisplayOrientation,
+                GreenMetadata, SegmentedRectFramePackingArrangement, ChromaResamplingFilterHint>;
 
 using DisplayPayloads = PayloadList<ContentLightLevelInfo>;
 

@@ -35,7 +35,10 @@ bool namesSps(const SeiMessage& message, Codec codec, uint32_t& id) noexcept {
 }
 
 Context::Context(const avc::ParameterSets& sets) noexcept
-    : codec(Codec::Avc), avcSets(&sets), avcSps(dataOf(sets.ofNextPicture())) {}
+    : codec(Codec::Avc),
+      avcSets(&sets),
+      avcSps(dataOf(sets.ofNextPicture())),
+      avcPps(sets.ppsOfNextPicture()) {}
 
 Context::Context(const hevc::ParameterSets& sets) noexcept
     : codec(Codec::Hevc), hevcSets(&sets), hevcSps(sets.ofNextPicture()) {}

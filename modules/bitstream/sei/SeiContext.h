@@ -25,12 +25,13 @@ struct Context {
     const hevc::ParameterSets* hevcSets = nullptr;  ///< H.265: the sets in force
 
     const avc::SpsData* avcSps = nullptr;  ///< H.264: the SPS of the picture that the messages belong to
+    const avc::Pps* avcPps = nullptr;      ///< H.264: the PPS of that picture
     const hevc::Sps* hevcSps = nullptr;    ///< H.265: the SPS of the picture that the messages belong to
 
     /// No parameter sets.
     explicit Context(Codec codecOfUnit) noexcept : codec(codecOfUnit) {}
 
-    /// The sets of the next picture, see avc::ParameterSets::ofNextPicture().
+    /// The sets of the next picture, see avc::ParameterSets::ofNextPicture() and ppsOfNextPicture().
     explicit Context(const avc::ParameterSets& sets) noexcept;
 
     /// The sets of the next picture, see hevc::ParameterSets::ofNextPicture().

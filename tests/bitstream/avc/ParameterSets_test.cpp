@@ -457,6 +457,24 @@ TEST_F(AvcParameterSets, messagesReferToTheSpsOfTheNextPicture) {
     EXPECT_EQ(sets->ofNextPicture(), sets->sps(1));
 }
 
+TEST_F(AvcParameterSets, messagesReferToThePpsOfTheNextPicture) {
+    EXPECT_EQ(sets->ppsOfNextPicture(), nullptr);
+    take(sps(0, 11));
+    take(pps(1, 0));
+    EXPECT_EQ(sets->ppsOfNextPicture(), sets->pps(1));
+    take(pps(0, 0));
+    EXPECT_EQ(sets->ppsOfNextPicture(), sets->pps(0));
+    sets->activate(1, SliceBegins::CodedVideoSequence);
+    EXPECT_EQ(sets->ppsOfNextPicture(), sets->pps(1));
+    // Neither a set that comes nor slices of other views change it.
+    take(pps(2, 0));
+    take(subsetSps(0));
+    sets->activate(0, SliceBegins::Picture, true);
+    EXPECT_EQ(sets->ppsOfNextPicture(), sets->pps(1));
+    sets->activate(2, SliceBegins::Picture);
+    EXPECT_EQ(sets->ppsOfNextPicture(), sets->pps(2));
+}
+
 // --- Memory ---
 
 TEST_F(AvcParameterSets, onlyTakingAllocates) {
@@ -475,6 +493,7 @@ TEST_F(AvcParameterSets, onlyTakingAllocates) {
     sets->activate(0, SliceBegins::Picture, true);
     sets->announce(0);
     sets->ofNextPicture();
+    sets->ppsOfNextPicture();
     // Nor does a set that is there already.
     for (const std::vector<uint8_t>& unit : units) {
         take(unit);

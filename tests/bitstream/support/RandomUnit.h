@@ -178,6 +178,11 @@ public:
             uint32_t byte = 0;
             u(8, qv::detail::subscripted(name, i), byte);
         }
+        // They begin after any bit and end with a byte of the payload.
+        if (!byte_aligned()) {
+            uint32_t rest = 0;
+            u(static_cast<uint32_t>(8 - writer_.position() % 8), qv::detail::subscripted(name, n), rest);
+        }
     }
 
     bool payload_extension_present(bool& present) {
