@@ -29,6 +29,15 @@
 #include "bitstream/sei/SliceGroupSet.h"
 #include "bitstream/sei/SubSequences.h"
 #include "bitstream/sei/ToneMapping.h"
+#include "bitstream/sei/AnnotatedRegions.h"
+#include "bitstream/sei/ColourRemapping.h"
+#include "bitstream/sei/ColourVolume.h"
+#include "bitstream/sei/Omnidirectional.h"
+#include "bitstream/sei/PayloadUses.h"
+#include "bitstream/sei/RegionalNesting.h"
+#include "bitstream/sei/SeiManifest.h"
+#include "bitstream/sei/SignedContent.h"
+#include "bitstream/sei/TileSets.h"
 #include "bitstream/sei/UserData.h"
 
 namespace qv::sei {
@@ -61,9 +70,16 @@ using PicturePayloads =
                 StereoVideoInfo, PostFilterHint, ToneMappingInfo, FramePackingArrangement, DisplayOrientation,
                 GreenMetadata, SegmentedRectFramePackingArrangement, ChromaResamplingFilterHint>;
 
-using DisplayPayloads = PayloadList<ContentLightLevelInfo>;
+using DisplayPayloads =
+    PayloadList<MasteringDisplayColourVolume, ContentLightLevelInfo, AlternativeTransferCharacteristics,
+                AmbientViewingEnvironment, ContentColourVolume, KneeFunctionInfo, ColourRemappingInfo>;
 
-using RegionPayloads = PayloadList<>;
+using RegionPayloads =
+    PayloadList<EquirectangularProjection, CubemapProjection, FisheyeVideoInfo, SphereRotation,
+                RegionwisePacking, OmniViewport, TemporalMotionConstrainedTileSets, MctsExtractionInfoSets,
+                MctsExtractionInfoNesting, RegionalNesting, SeiManifest, SeiPrefixIndication,
+                AnnotatedRegions, DigitallySignedContentInitialization, DigitallySignedContentSelection,
+                DigitallySignedContentVerification>;
 
 using ViewPayloads = PayloadList<>;
 

@@ -51,6 +51,18 @@ void sei_payload_end(Syntax& s, const Context& context, PayloadEnd& end) {
     }
 }
 
+// st(v): the bytes of a string and a zero byte, at most `most` bytes before it. The zero byte is kept as
+// well.
+template <class Syntax, class Name>
+void st(Syntax& s, const Name& name, uint32_t most, CodedBits& bits) {
+    s.keep(bits, [&name, most](auto& in) {
+        uint32_t byte = 1;
+        for (uint32_t k = 0; byte != 0; ++k) {
+            in.u(8, detail::subscripted(name, k), byte, 0, k < most ? 0xFF : 0);
+        }
+    });
+}
+
 // --- Messages in the payload of another one ---
 
 // A reader keeps where they are; SeiMessages finds them.
@@ -67,6 +79,14 @@ void nested_messages(BitOutput<Sink>& output, const Context& context, const Nest
     static_cast<void>(context);
     output.payload_bytes("sei_message()", nested.bits);
 }
+
+// --- One message among other elements, in a part of a payload that is kept ---
+
+// A reader passes over it.
+void nested_message(Reader& reader, const Context& context);
+
+// Traces it.
+void nested_message(Tracer& tracer, const Context& context);
 
 }  // namespace qv::sei
 

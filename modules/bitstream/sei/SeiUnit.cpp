@@ -47,6 +47,17 @@ void sei_message_header(In& in) {
     payload_number(in, "last_payload_size_byte");
 }
 
+// The number that the bytes of payloadType or payloadSize add up to; 0 after a fault.
+uint64_t passNumber(Reader& reader, const char* lastByte) {
+    uint64_t number = 0;
+    uint32_t byte = kFfByte;
+    while (byte == kFfByte) {
+        reader.u(8, lastByte, byte);
+        number += byte;
+    }
+    return reader.failed() ? 0 : number;
+}
+
 // A message from its header to the end of its payload.
 Fault traceMessage(const SeiMessage& message, const Context& context, TraceVisitor& visitor) {
     const auto end = static_cast<size_t>(message.payload.end() - message.unit.begin());
@@ -132,6 +143,35 @@ void nested_messages(Tracer& tracer, const Context& context, NestedMessages& nes
         }
     }
     tracer.pass(nested.bits);
+}
+
+void nested_message(Reader& reader, const Context& context) {
+    const Within<Reader> within(reader, kSeiMessage.of(context));
+    const uint64_t payloadType = passNumber(reader, "last_payload_type_byte");
+    static_cast<void>(payloadType);
+    for (uint64_t left = passNumber(reader, "last_payload_size_byte"); left > 0 && !reader.failed(); --left) {
+        uint32_t byte = 0;
+        reader.u(8, "payloadSize", byte);
+    }
+}
+
+void nested_message(Tracer& tracer, const Context& context) {
+    Reader after = tracer.reader();
+    const CodedBits first = after.mark();
+    nested_message(after, context);
+    NestedMessages nested;
+    if (after.failed()) {
+        Reader rest = tracer.reader();
+        rest.payload_bytes("sei_message()", nested.bits);
+    } else {
+        nested.bits = after.until(first);
+    }
+    const Fault fault = traceMessage(*SeiMessages(nested).begin(), context, tracer.visitor());
+    if (fault) {
+        tracer.fail(fault);
+    } else {
+        tracer.goOnAt(after);
+    }
 }
 
 void traceSeiRbsp(Bytes unit, Context context, TraceVisitor& visitor, UnitTrace& trace) {

@@ -118,6 +118,18 @@ public:
         field = static_cast<Field>(static_cast<int64_t>((bits(n, name) ^ sign) - sign));
     }
 
+    /// i(n) with a range.
+    template <class Name, class Field>
+    QV_ALWAYS_INLINE void i(uint32_t n, const Name& name, Field& field, int64_t least,
+                            int64_t most) noexcept {
+        i(n, name, field);
+        const auto value = static_cast<int64_t>(field);
+        if (value < least || value > most) {
+            field = 0;
+            outOfRange(detail::elementOf(name), n, value, least, most);
+        }
+    }
+
     /// f(n): bits that have one value.
     template <class Name>
     QV_ALWAYS_INLINE void f(uint32_t n, const Name& name, uint64_t pattern) noexcept {

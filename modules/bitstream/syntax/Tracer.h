@@ -67,9 +67,13 @@ public:
     template <class Name, class Field>
     void i(uint32_t n, const Name& name, Field& field) {
         reader_.i(n, name, field);
-        const uint64_t mask = (uint64_t{1} << n) - 1;
-        report(detail::elementOf(name), Descriptor::i, n, static_cast<uint64_t>(int64_t{field}) & mask,
-               field);
+        reportSigned(detail::elementOf(name), n, field);
+    }
+
+    template <class Name, class Field>
+    void i(uint32_t n, const Name& name, Field& field, int64_t least, int64_t most) {
+        reader_.i(n, name, field, least, most);
+        reportSigned(detail::elementOf(name), n, field);
     }
 
     template <class Name>
@@ -164,6 +168,9 @@ public:
     /// Passes over bits that tracers of parts have reported: all that are left.
     void pass(CodedBits& bits) { reader_.payload_bytes("", bits); }
 
+    /// Goes on where a reader is that was a copy, after what tracers of parts have reported.
+    void goOnAt(const Reader& reader) { reader_ = reader; }
+
     const Fault& fault() const { return reader_.fault(); }
     bool failed() const { return reader_.failed(); }
     uint64_t position() const { return reader_.position(); }
@@ -183,6 +190,10 @@ private:
         report(element, descriptor, width, bits, static_cast<int64_t>(bits));
     }
     void report(const Element& element, Descriptor descriptor, uint32_t width, uint64_t bits, int64_t value);
+    void reportSigned(const Element& element, uint32_t width, int64_t value) {
+        const uint64_t mask = (uint64_t{1} << width) - 1;
+        report(element, Descriptor::i, width, static_cast<uint64_t>(value) & mask, value);
+    }
     void reportAt(uint64_t firstBit, const Element& element, Descriptor descriptor, uint32_t width,
                   uint64_t bits, int64_t value);
     void reportCode(const Element& element, Descriptor descriptor, uint64_t firstBit, int64_t value,

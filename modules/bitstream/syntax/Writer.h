@@ -57,10 +57,16 @@ public:
     template <class Name, class Field>
     void i(uint32_t n, const Name& name, Field& field) {
         const int64_t most = (int64_t{1} << (n - 1)) - 1;
+        i(n, name, field, -most - 1, most);
+    }
+
+    /// \p least and \p most are values of the descriptor.
+    template <class Name, class Field>
+    void i(uint32_t n, const Name& name, Field& field, int64_t least, int64_t most) {
         const auto value = static_cast<int64_t>(field);
-        if (value < -most - 1 || value > most) {
+        if (value < least || value > most) {
             field = 0;
-            outOfRange(detail::elementOf(name), value, -most - 1, most);
+            outOfRange(detail::elementOf(name), value, least, most);
             return;
         }
         put(n, static_cast<uint64_t>(value) & ((uint64_t{1} << n) - 1));

@@ -180,13 +180,14 @@ bool isSame(const WitnessElement& ours, const WitnessElement& theirs) {
            isSameName(ours.name, theirs.name);
 }
 
-// The filter reads reserved bits in pieces of 24 bits at most, each under the name of the whole.
+// The filter reads reserved bits in pieces of 24 bits at most, each under the name of the whole; those of an
+// extension of a payload in pieces of 8.
 std::vector<WitnessElement> joined(const std::vector<WitnessElement>& elements) {
-    constexpr uint32_t kPiece = 24;
     std::vector<WitnessElement> whole;
     for (const WitnessElement& element : elements) {
+        const uint32_t piece = element.name == "reserved_payload_extension_data" ? 8 : 24;
         const bool isPiece = !whole.empty() && whole.back().name == element.name &&
-                             whole.back().width % kPiece == 0 &&
+                             whole.back().width % piece == 0 &&
                              element.name.find("reserved") != std::string::npos;
         if (isPiece) {
             whole.back().value = whole.back().value << element.width | element.value;

@@ -7,8 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "BitWriter.h"
 #include "MemoryChecks.h"
 #include "StructureChecks.h"
+#include "bitstream/sei/CodedEntries.h"
 #include "bitstream/sei/PayloadSyntax.h"
 #include "bitstream/sei/SeiPayload.h"
 #include "bitstream/units/Rbsp.h"
@@ -19,6 +21,12 @@ namespace qv_test {
 inline void nested_messages(RandomUnit& s, const qv::sei::Context& context, qv::NestedMessages& nested) {
     static_cast<void>(context);
     s.nested_messages(nested.bits);
+}
+
+// A nested message of a type without a record.
+inline void nested_message(RandomUnit& s, const qv::sei::Context& context) {
+    static_cast<void>(context);
+    s.nested_message();
 }
 
 // A message whose payload is all of a unit but its last byte, which holds rbsp_trailing_bits().
@@ -32,6 +40,38 @@ qv::SeiMessage messageOf(qv::Bytes unit, qv::Codec codec) {
     message.payload = unit.first(unit.empty() ? 0 : unit.size - 1);
     message.payloadSize = message.rbspPayloadSize = qv::unescapedSize(message.payload, 0);
     return message;
+}
+
+// A unit for messageOf(), with emulation prevention bytes.
+inline std::vector<uint8_t> unitOfPayload(std::vector<uint8_t> payload) {
+    payload.push_back(0x80);
+    return withEmulationPrevention(payload);
+}
+
+// The payload of such a unit.
+template <class Payload>
+qv::Read<Payload> readPayloadOf(const std::vector<uint8_t>& unit, const qv::sei::Context& context) {
+    return qv::sei::readPayload<Payload>(messageOf<Payload>(bytesOf(unit), context.codec), context);
+}
+
+// All entries of a list.
+template <class Record, class Entry>
+std::vector<Entry> entriesOf(const qv::sei::CodedEntries<Record, Entry>& entries) {
+    std::vector<Entry> all;
+    for (const Entry& entry : entries) {
+        all.push_back(entry);
+    }
+    return all;
+}
+
+// All of a list in one number, which is not 0 when there is an entry.
+template <class Record, class Entry, class NumberOf>
+uint64_t sumOf(const qv::sei::CodedEntries<Record, Entry>& entries, NumberOf numberOf) {
+    uint64_t sum = 0;
+    for (const Entry& entry : entries) {
+        sum += 1 + numberOf(entry);
+    }
+    return sum;
 }
 
 // A payload: its functions, and its syntax function as a generator.

@@ -64,16 +64,21 @@ void RandomUnit::fail(qv::FaultKind kind, const char* name, int64_t value) {
 }
 
 void RandomUnit::nested_messages(qv::CodedBits& bits) {
-    constexpr uint64_t kReservedType = 199;
     bits = {};
     for (uint64_t messages = 1 + pick(3); messages > 0; --messages) {
-        const uint64_t size = pick(6);
-        put(8, qv::detail::elementOf("last_payload_type_byte"), qv::Descriptor::u, kReservedType);
-        put(8, qv::detail::elementOf("last_payload_size_byte"), qv::Descriptor::u, size);
-        for (uint32_t i = 0; i < size; ++i) {
-            put(8, qv::detail::elementOf(qv::at("reserved_sei_message_payload_byte", i)), qv::Descriptor::u,
-                pick(4));
-        }
+        nested_message();
+    }
+}
+
+void RandomUnit::nested_message() {
+    constexpr uint64_t kReservedType = 199;
+    const qv::Element sizeByte = qv::detail::elementOf("last_payload_size_byte");
+    const auto size = static_cast<uint64_t>(valueOf(sizeByte, 0, 5));
+    put(8, qv::detail::elementOf("last_payload_type_byte"), qv::Descriptor::u, kReservedType);
+    put(8, sizeByte, qv::Descriptor::u, size);
+    for (uint32_t i = 0; i < size; ++i) {
+        put(8, qv::detail::elementOf(qv::at("reserved_sei_message_payload_byte", i)), qv::Descriptor::u,
+            pick(4));
     }
 }
 

@@ -105,12 +105,23 @@ public:
 
     template <class Name, class Field>
     void i(uint32_t n, const Name& name, Field& field) {
-        const int64_t least = -(int64_t{1} << (n - 1));
-        const int64_t value = valueOf(qv::detail::elementOf(name), least, (uint64_t{1} << n) - 1);
-        note(qv::detail::elementOf(name), qv::Descriptor::i, n, value,
-             static_cast<uint64_t>(value) & ((uint64_t{1} << n) - 1));
-        field = static_cast<Field>(value);
-        writer_.i(n, name, field);
+        const int64_t most = (int64_t{1} << (n - 1)) - 1;
+        i(n, name, field, -most - 1, most);
+    }
+
+    template <class Name, class Field>
+    void i(uint32_t n, const Name& name, Field& field, int64_t least, int64_t most) {
+        const int64_t greatest = (int64_t{1} << (n - 1)) - 1;
+        const qv::Element element = qv::detail::elementOf(name);
+        int64_t value = valueOf(element, least, static_cast<uint64_t>(most - least));
+        if (most < greatest && isToBeViolated()) {
+            value = most + 1;
+        } else if (least > -greatest - 1 && isToBeViolated()) {
+            value = least - 1;
+        }
+        note(element, qv::Descriptor::i, n, value, static_cast<uint64_t>(value) & ((uint64_t{1} << n) - 1));
+        writer_.i(n, name, value);
+        field = static_cast<Field>(value >= least && value <= most ? value : 0);
     }
 
     template <class Name>
@@ -192,6 +203,9 @@ public:
 
     // The messages in the payload of another one: one to three, of a type that both codecs reserve.
     void nested_messages(qv::CodedBits& bits);
+
+    // One message of that type among other elements of a payload.
+    void nested_message();
 
     // Ends a payload (H.264 D.1.1, H.265 D.2.1). The rbsp_trailing_bits() after it, a byte, are not among the
     // elements.
