@@ -2,11 +2,15 @@
 // one part of one unit, a trace must report the elements of the read without a gap, and the parameter sets in
 // force must be those of the units.
 #include <cstring>
+#include <vector>
 
 #include "FuzzCheck.h"
 #include "FuzzInput.h"
 #include "bitstream/avc/Unit.h"
 #include "bitstream/hevc/Unit.h"
+#include "bitstream/sei/A53.h"
+#include "bitstream/sei/CaptionOrder.h"
+#include "bitstream/sei/CaptionServices.h"
 #include "bitstream/sei/SeiMessages.h"
 #include "bitstream/units/CodecProbe.h"
 #include "bitstream/units/CodecString.h"
@@ -22,6 +26,8 @@ using qv::Framing;
 // Elements follow each other bit by bit. After a message with a fault the next one follows.
 class Order : public qv::TraceVisitor {
 public:
+    explicit Order(uint64_t firstBit = 0) : next_(firstBit) {}
+
     void begin(const qv::Structure& /*structure*/) override { ++depth_; }
     void end() override {
         FUZZ_CHECK(depth_ > 0);
@@ -39,7 +45,7 @@ public:
     bool isAtRest() const { return depth_ == 0; }
 
 private:
-    uint64_t next_ = 0;
+    uint64_t next_;
     bool hasGap_ = false;
     int depth_ = 0;
 };
@@ -79,6 +85,70 @@ void checkMessages(const qv::NalUnit& unit) {
     }
 }
 
+// A payload of ATSC A/53: trace and read agree, and what is read without a fault is written the same.
+template <class Payload>
+void checkA53(const qv::SeiMessage& message, const qv::sei::Context& context) {
+    Order order(8 * uint64_t{message.rbspPayloadOffset});
+    const qv::Read<Payload> traced = qv::sei::tracePayload<Payload>(message, context, order);
+    const qv::Read<Payload> read = qv::sei::readPayload<Payload>(message, context);
+    FUZZ_CHECK(order.isAtRest());
+    FUZZ_CHECK(traced.fault.kind == read.fault.kind && traced.fault.firstBit == read.fault.firstBit);
+    if (read.ok() && read.trailing.bits == 0) {
+        std::vector<uint8_t> written;
+        FUZZ_CHECK(qv::sei::writePayload(read.record, context, written).ok());
+        // H.265 has an extension of 0 bits too, which writePayload() leaves out.
+        FUZZ_CHECK(written.size() <= message.payloadSize);
+        FUZZ_CHECK(written.size() == message.payloadSize || context.codec == Codec::Hevc);
+        FUZZ_CHECK(8 * written.size() == qv::sei::sizeOfPayload(read.record, context).bits);
+    }
+}
+
+// No picture is lost.
+class OutputOrder : public qv::sei::CaptionSink {
+public:
+    void picture(const qv::sei::CaptionedPicture& picture) override {
+        FUZZ_CHECK(picture.count <= qv::sei::CaptionedPicture::kMostConstructs);
+        ++pictures;
+        finder.take(picture);
+    }
+
+    uint64_t pictures = 0;
+    qv::sei::CaptionServiceFinder finder;
+};
+
+void checkCaptions(const qv::SeiMessage& message, const qv::sei::Context& context,
+                   qv::sei::CaptionOrder& captions, OutputOrder& output, uint64_t& pictures) {
+    checkA53<qv::sei::AtscCaptions>(message, context);
+    checkA53<qv::sei::SatelliteCaptions>(message, context);
+    checkA53<qv::sei::AtscBarData>(message, context);
+    checkA53<qv::sei::ActiveFormatDescription>(message, context);
+    qv::sei::CaptionedPicture picture;
+    if (picture.add(message, context)) {
+        // Any numbers will do: the bytes are those of the input.
+        picture.picOrderCnt = static_cast<int32_t>(message.payloadSize) - 64;
+        picture.isField = message.payloadSize % 3 == 0;
+        picture.startsSequence = message.payloadSize % 7 == 0;
+        captions.push(picture, output);
+        ++pictures;
+    }
+}
+
+// All captions of a buffer, whatever the type of their units.
+void checkCaptions(Bytes buffer, Framing framing, Codec codec) {
+    const qv::sei::Context context(codec);
+    qv::sei::CaptionOrder captions(static_cast<uint32_t>(buffer.size % 20));
+    OutputOrder output;
+    uint64_t pictures = 0;
+    for (const qv::NalUnit& unit : qv::NalUnits(buffer, framing, codec)) {
+        for (const qv::SeiMessage& message : qv::SeiMessages(unit)) {
+            checkCaptions(message, context, captions, output, pictures);
+        }
+    }
+    captions.flush(output);
+    FUZZ_CHECK(output.pictures == pictures);
+    FUZZ_CHECK(captions.late() <= pictures);
+}
+
 template <class Sets, class Trace>
 void checkUnits(Bytes buffer, Framing framing, Codec codec, const Trace& traceUnit) {
     Sets sets;
@@ -112,6 +182,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
     const Bytes buffer = {rest.data(), static_cast<size_t>(rest.size())};
     qv::probeCodec(buffer);
     checkConfiguration(codec, buffer);
+    checkCaptions(buffer, framing, codec);
     if (codec == Codec::Avc) {
         qv::avc::codecStringOfSps(buffer);
         checkUnits<qv::avc::ParameterSets>(buffer, framing, codec, qv::avc::traceUnit);

@@ -22,7 +22,8 @@ bool isStartCode(const uint8_t* bytes, size_t size, size_t position) {
            bytes[position + 2] == 1;
 }
 
-// Annex B, byte by byte.
+}  // namespace
+
 void addUnitsOfByteStream(const uint8_t* bytes, size_t size, Units& units) {
     size_t position = 0;
     while (position < size && !isStartCode(bytes, size, position)) {
@@ -61,6 +62,8 @@ void addUnitsOfLengths(const uint8_t* bytes, size_t size, size_t lengthSize, Uni
     }
 }
 
+namespace {
+
 // The 16-bit lengths of a configuration record from a place on; returns where they end.
 size_t addUnitsOfArray(const uint8_t* bytes, size_t size, size_t position, size_t count, Units& units) {
     for (; count > 0 && position + 2 <= size; --count) {
@@ -75,7 +78,8 @@ size_t addUnitsOfArray(const uint8_t* bytes, size_t size, size_t position, size_
     return position;
 }
 
-// Returns the size of length fields; 0 without a configuration record.
+}  // namespace
+
 size_t addUnitsOfRecord(qv::Codec codec, const uint8_t* bytes, size_t size, Units& units) {
     if (codec == qv::Codec::Avc) {
         if (size < 7 || bytes[0] != 1) {
@@ -100,6 +104,8 @@ size_t addUnitsOfRecord(qv::Codec codec, const uint8_t* bytes, size_t size, Unit
     }
     return (bytes[21] & 3U) + 1;
 }
+
+namespace {
 
 FileUnits unitsOfContainer(const fs::path& file) {
     AVFormatContext* context = nullptr;

@@ -12,10 +12,9 @@
 #include <vector>
 
 #include "FileUnits.h"
+#include "SeiUnits.h"
 #include "StreamFolder.h"
 #include "TraceHeaders.h"
-#include "bitstream/avc/NalUnitType.h"
-#include "bitstream/hevc/NalUnitType.h"
 
 using qv::Codec;
 
@@ -81,12 +80,6 @@ struct Counts {
     size_t faults = 0;    // of ours
     size_t stopped = 0;   // units that the filter does not read to their end
 };
-
-bool isSei(Codec codec, qv::Bytes unit) {
-    const uint32_t type = qv::nalUnitOf(unit, codec).nal_unit_type;
-    return codec == Codec::Avc ? type == qv::avc::kNalSei
-                               : type == qv::hevc::kNalPrefixSei || type == qv::hevc::kNalSuffixSei;
-}
 
 // Of a unit in which the filter stops, the messages before that place are compared.
 void compareUnit(qv::Bytes unit, Codec codec, const WitnessTrace& trace, Counts& counts) {
