@@ -21,7 +21,7 @@ install(FILES ${qvnalu_public_headers} DESTINATION ${headers} COMPONENT developm
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/modules/bitstream DESTINATION ${headers} COMPONENT development
   FILES_MATCHING PATTERN "*.h"
   PATTERN "*Syntax.h" EXCLUDE
-  REGEX "/sei/(AnnouncedSps|PayloadList|PayloadTemplates|PayloadUses|SeiUnit)\\.h$" EXCLUDE
+  REGEX "/sei/(AnnouncedSps|PayloadList|PayloadTemplates|PayloadUses|SeiUnit|T35BodyTemplates|T35BodyUses)\\.h$" EXCLUDE
   REGEX "/syntax/(EmulationPrevention|Tracer|Uses|Writer)\\.h$" EXCLUDE
   REGEX "/units/(ConfigurationFault|FaultTexts|SpsHead|UnitUsesTemplates)\\.h$" EXCLUDE)
 

@@ -15,6 +15,15 @@ void filler_payload(Syntax& s, const Context& context, FillerPayload& payload) {
     s.payload_bytes("ff_byte", payload.ff_byte);
 }
 
+// The bytes of user_data_registered_itu_t_t35() after the country code.
+template <class Syntax>
+void itu_t_t35_payload(Syntax& s, UserDataRegistered& payload) {
+    s.payload_bytes("itu_t_t35_payload_byte", payload.itu_t_t35_payload_byte);
+}
+
+// Traces the elements of a body that is known, and bytes when it has a fault. Defined in T35Body.cpp.
+void itu_t_t35_payload(Tracer& tracer, UserDataRegistered& payload);
+
 // user_data_registered_itu_t_t35(), H.264 D.1.6, H.265 D.2.6
 template <class Syntax>
 void user_data_registered_itu_t_t35(Syntax& s, const Context& context, UserDataRegistered& payload) {
@@ -26,7 +35,7 @@ void user_data_registered_itu_t_t35(Syntax& s, const Context& context, UserDataR
     if (payload.itu_t_t35_country_code == kExtension) {
         s.u(8, "itu_t_t35_country_code_extension_byte", payload.itu_t_t35_country_code_extension_byte);
     }
-    s.payload_bytes("itu_t_t35_payload_byte", payload.itu_t_t35_payload_byte);
+    itu_t_t35_payload(s, payload);
 }
 
 // user_data_unregistered(), H.264 D.1.7, H.265 D.2.7

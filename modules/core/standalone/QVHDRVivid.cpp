@@ -1,9 +1,10 @@
-// Parses the HDR Vivid metadata of one T.35 message (T/UWA 005.1). Elements are coded most significant bit
-// first, without alignment.
+// The HDR Vivid metadata of one T.35 message (T/UWA 005.1), read with the syntax functions of the standards'
+// library. Only their templates are used: the core does not link that library.
 #include "QVHDRVivid.h"
 
 #include "QVHDRVividDynamicMetadata.h"
 #include "QVSeiItem.h"
+#include "bitstream/sei/HdrVividWindowSyntax.h"
 
 namespace {
 
@@ -13,7 +14,8 @@ constexpr uint32_t kProviderCode = 0x0004;
 constexpr uint32_t kProviderOrientedCode = 0x0005;
 constexpr uint32_t kOneWindow = 0x01;
 
-// Reads u(n) from a payload. Past the end it returns zero bits, and ranOut() reports it.
+// Reads u(n) from a payload without emulation prevention bytes. Past the end it returns zero bits, and
+// ranOut() reports it.
 class VividBits {
 public:
     VividBits(const uint8_t* data, uint32_t size) : data_(data), bits_(uint64_t{size} * 8) {}
@@ -24,6 +26,20 @@ public:
             value = value << 1 | nextBit();
         }
         return value;
+    }
+
+    // --- The vocabulary of the syntax functions ---
+
+    template <class Name>
+    void u(uint32_t n, const Name& name, uint32_t& field) {
+        static_cast<void>(name);
+        field = u(n);
+    }
+
+    template <class Name>
+    void flag(const Name& name, bool& field) {
+        static_cast<void>(name);
+        field = u(1) != 0;
     }
 
     bool ranOut() const { return ranOut_; }
@@ -44,69 +60,6 @@ private:
     uint64_t position_ = 0;
     bool ranOut_ = false;
 };
-
-void readBaseParameters(VividBits& in, QVHDRVividToneMapping& mapping) {
-    mapping.base_param_m_p = in.u(14);
-    mapping.base_param_m_m = in.u(6);
-    mapping.base_param_m_a = in.u(10);
-    mapping.base_param_m_b = in.u(10);
-    mapping.base_param_m_n = in.u(6);
-    mapping.base_param_K1 = in.u(2);
-    mapping.base_param_K2 = in.u(2);
-    mapping.base_param_K3 = in.u(4);
-    mapping.base_param_Delta_enable_mode = in.u(3);
-    mapping.base_param_enable_Delta = in.u(7);
-}
-
-void readSpline(VividBits& in, QVHDRVividSpline& spline) {
-    spline.TH_enable_mode = in.u(2);
-    if (spline.TH_enable_mode == 0 || spline.TH_enable_mode == 2) {
-        spline.has_TH_enable_MB = 1;
-        spline.TH_enable_MB = in.u(8);
-    }
-    spline.TH_enable = in.u(12);
-    spline.TH_enable_Delta1 = in.u(10);
-    spline.TH_enable_Delta2 = in.u(10);
-    spline.enable_Strength = in.u(8);
-}
-
-void readToneMapping(VividBits& in, QVHDRVividToneMapping& mapping) {
-    mapping.targeted_system_display_maximum_luminance_pq = in.u(12);
-    mapping.base_enable_flag = in.u(1);
-    if (mapping.base_enable_flag != 0) {
-        readBaseParameters(in, mapping);
-    }
-    mapping.three_Spline_enable_flag = in.u(1);
-    if (mapping.three_Spline_enable_flag != 0) {
-        mapping.three_Spline_enable_num = in.u(1);
-        mapping.numSplines = mapping.three_Spline_enable_num + 1;
-    }
-    for (uint32_t i = 0; i < mapping.numSplines; ++i) {
-        readSpline(in, mapping.splines[i]);
-    }
-}
-
-void readWindow(VividBits& in, QVHDRVividDynamicMetadata& metadata) {
-    metadata.minimum_maxrgb_pq = in.u(12);
-    metadata.average_maxrgb_pq = in.u(12);
-    metadata.variance_maxrgb_pq = in.u(12);
-    metadata.maximum_maxrgb_pq = in.u(12);
-    metadata.tone_mapping_enable_mode_flag = in.u(1);
-    if (metadata.tone_mapping_enable_mode_flag != 0) {
-        metadata.tone_mapping_param_enable_num = in.u(1);
-        metadata.numToneMappings = metadata.tone_mapping_param_enable_num + 1;
-    }
-    for (uint32_t i = 0; i < metadata.numToneMappings; ++i) {
-        readToneMapping(in, metadata.toneMappings[i]);
-    }
-    metadata.color_saturation_mapping_enable_flag = in.u(1);
-    if (metadata.color_saturation_mapping_enable_flag != 0) {
-        metadata.color_saturation_enable_num = in.u(3);
-    }
-    for (uint32_t i = 0; i < metadata.color_saturation_enable_num; ++i) {
-        metadata.color_saturation_enable_gain[i] = in.u(8);
-    }
-}
 
 // Compares one code of the header with its only permitted value. A code that the payload's end cuts off is
 // reported as truncated, not as a mismatch.
@@ -132,6 +85,59 @@ QVHDRVividStatus readHeader(VividBits& in) {
     return status;
 }
 
+// --- The record of this core ---
+
+QVHDRVividSpline splineOf(const qv::sei::HdrVividSpline& spline) {
+    return {spline.TH_enable_mode, spline.hasMiddleBase() ? 1U : 0U, spline.TH_enable_MB,
+            spline.TH_enable,      spline.TH_enable_Delta1,          spline.TH_enable_Delta2,
+            spline.enable_Strength};
+}
+
+QVHDRVividToneMapping toneMappingOf(const qv::sei::HdrVividToneMapping& mapping) {
+    QVHDRVividToneMapping result{};
+    result.targeted_system_display_maximum_luminance_pq =
+        mapping.targeted_system_display_maximum_luminance_pq;
+    result.base_enable_flag = mapping.base_enable_flag ? 1 : 0;
+    result.base_param_m_p = mapping.base_param_m_p;
+    result.base_param_m_m = mapping.base_param_m_m;
+    result.base_param_m_a = mapping.base_param_m_a;
+    result.base_param_m_b = mapping.base_param_m_b;
+    result.base_param_m_n = mapping.base_param_m_n;
+    result.base_param_K1 = mapping.base_param_K1;
+    result.base_param_K2 = mapping.base_param_K2;
+    result.base_param_K3 = mapping.base_param_K3;
+    result.base_param_Delta_enable_mode = mapping.base_param_Delta_enable_mode;
+    result.base_param_enable_Delta = mapping.base_param_enable_Delta;
+    result.three_Spline_enable_flag = mapping.three_Spline_enable_flag ? 1 : 0;
+    result.three_Spline_enable_num = mapping.three_Spline_enable_num;
+    result.numSplines = mapping.splineCount();
+    for (uint32_t i = 0; i < result.numSplines; ++i) {
+        result.splines[i] = splineOf(mapping.splines[i]);
+    }
+    return result;
+}
+
+QVHDRVividDynamicMetadata metadataOf(const qv::sei::HdrVivid& metadata) {
+    QVHDRVividDynamicMetadata result{};
+    result.system_start_code = kOneWindow;
+    result.minimum_maxrgb_pq = metadata.minimum_maxrgb_pq;
+    result.average_maxrgb_pq = metadata.average_maxrgb_pq;
+    result.variance_maxrgb_pq = metadata.variance_maxrgb_pq;
+    result.maximum_maxrgb_pq = metadata.maximum_maxrgb_pq;
+    result.tone_mapping_enable_mode_flag = metadata.tone_mapping_enable_mode_flag ? 1 : 0;
+    result.tone_mapping_param_enable_num = metadata.tone_mapping_param_enable_num;
+    result.numToneMappings = metadata.toneMappingCount();
+    for (uint32_t i = 0; i < result.numToneMappings; ++i) {
+        result.toneMappings[i] = toneMappingOf(metadata.toneMappings[i]);
+    }
+    result.color_saturation_mapping_enable_flag = metadata.color_saturation_mapping_enable_flag ? 1 : 0;
+    result.color_saturation_enable_num = metadata.color_saturation_enable_num;
+    for (uint32_t i = 0; i < metadata.gainCount(); ++i) {
+        result.color_saturation_enable_gain[i] = metadata.color_saturation_enable_gain[i];
+    }
+    return result;
+}
+
 }  // namespace
 
 namespace qv_hdr_vivid_parser {
@@ -149,13 +155,12 @@ int fillHDRVividDynamicMetadataFromHevcUserDataRegisteredSei(const QVSeiItem& it
     if (header != QVHDRVividOk) {
         return header;
     }
-    QVHDRVividDynamicMetadata read{};
-    read.system_start_code = kOneWindow;
-    readWindow(in, read);
+    qv::sei::HdrVivid read{};
+    qv::sei::hdr_vivid_window(in, read);
     if (in.ranOut()) {
         return QVHDRVividTruncated;
     }
-    *metadata = read;
+    *metadata = metadataOf(read);
     return QVHDRVividOk;
 }
 

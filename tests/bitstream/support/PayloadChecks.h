@@ -29,6 +29,19 @@ inline void nested_message(RandomUnit& s, const qv::sei::Context& context) {
     s.nested_message();
 }
 
+// Bits up to the byte boundary, and a few bytes.
+inline void t35_padding(RandomUnit& s, qv::CodedBits& padding) {
+    padding = {};
+    const qv::TracedElement& last = s.elements().back();
+    uint32_t bits = 0;
+    if (!s.byte_aligned()) {
+        s.u(static_cast<uint32_t>(8 - (last.firstBit + last.width) % 8), "padding", bits);
+    }
+    while (s.more_rbsp_data()) {
+        s.u(8, "padding", bits);
+    }
+}
+
 // A message whose payload is all of a unit but its last byte, which holds rbsp_trailing_bits().
 template <class Payload>
 qv::SeiMessage messageOf(qv::Bytes unit, qv::Codec codec) {

@@ -1,0 +1,61 @@
+// What the syntax functions of T.35 bodies have in common.
+#ifndef QV_BITSTREAM_SEI_T35BODYSYNTAX_H
+#define QV_BITSTREAM_SEI_T35BODYSYNTAX_H
+
+#include "bitstream/sei/PayloadSyntax.h"
+#include "bitstream/sei/T35.h"
+#include "bitstream/syntax/Tracer.h"
+
+namespace qv::sei {
+
+// --- What follows the last element of a body: bits up to the byte boundary, and whole bytes ---
+
+inline void t35_padding(Reader& reader, CodedBits& padding) {
+    reader.payload_bytes("padding", padding);
+}
+
+inline void t35_padding(Tracer& tracer, CodedBits& padding) {
+    tracer.keep(padding, [](Tracer& in) {
+        while (in.more_rbsp_data()) {
+            uint32_t bits = 0;
+            in.u(static_cast<uint32_t>(8 - in.position() % 8), "padding", bits);
+        }
+    });
+}
+
+template <class Sink>
+void t35_padding(BitOutput<Sink>& output, const CodedBits& padding) {
+    output.payload_bytes("padding", padding);
+    while (!output.failed() && !output.byte_aligned()) {
+        output.f(1, "padding", 0);
+    }
+}
+
+// A message whose owner defines its body. For each record there is
+//
+//     template <class Syntax>
+//     void t35_body(Syntax& s, Record& body);
+//
+// which begins with itu_t_t35_terminal_provider_code, and the record has a member
+//
+//     static constexpr T35Owner kOwner;
+template <class Syntax, class Body>
+void t35_message(Syntax& s, const Context& context, Body& body) {
+    static constexpr SharedStructure kStructure =
+        sharedStructure("user_data_registered_itu_t_t35()", "D.1.6", "D.2.6");
+    const Within<Syntax> within(s, kStructure.of(context));
+    s.f(8, "itu_t_t35_country_code", t35OwnerNameOf(Body::kOwner)->code.itu_t_t35_country_code);
+    t35_body(s, body);
+}
+
+// The codes and the identifier that a body begins with, each of one value.
+template <class Syntax>
+void t35_codes(Syntax& s, T35Owner owner) {
+    const T35OwnerName& row = *t35OwnerNameOf(owner);
+    s.f(16, "itu_t_t35_terminal_provider_code", row.code.itu_t_t35_terminal_provider_code);
+    s.f(row.identifierBits, "itu_t_t35_terminal_provider_oriented_code", row.identifier);
+}
+
+}  // namespace qv::sei
+
+#endif
