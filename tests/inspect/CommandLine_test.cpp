@@ -78,6 +78,13 @@ TEST(CommandLine, everyOption) {
                                     "a",
                                     "--to-lengths",
                                     "l",
+                                    "--drop-sei",
+                                    "4,5",
+                                    "--drop-sei=137",
+                                    "--keep-sei",
+                                    "4294967295",
+                                    "--drop-t35",
+                                    "26:0004,b5",
                                     "--extract-sei",
                                     "s",
                                     "--color",
@@ -112,6 +119,12 @@ TEST(CommandLine, everyOption) {
     EXPECT_EQ(
         line.json + line.ndjson + line.csv + line.html + line.toAnnexB + line.toLengths + line.extractSei,
         "jnchals");
+    EXPECT_THAT(line.removal.droppedTypes, ElementsAre(4, 5, 137));
+    EXPECT_THAT(line.removal.keptTypes, ElementsAre(UINT32_MAX));
+    ASSERT_EQ(line.removal.droppedT35.size(), 2U);
+    EXPECT_EQ(line.removal.droppedT35[0].itu_t_t35_country_code, 0x26);
+    EXPECT_EQ(line.removal.droppedT35[0].itu_t_t35_provider_code, 0x0004);
+    EXPECT_EQ(line.removal.droppedT35[1].itu_t_t35_provider_code, std::nullopt);
     EXPECT_EQ(line.color, ColorUse::Never);
     EXPECT_TRUE(line.stamp);
     ASSERT_EQ(line.checks.size(), 2U);
@@ -155,6 +168,18 @@ TEST(CommandLine, wrongLines) {
         {{"--t35", "b5:", "x"},
          "--t35: \"b5:\" is not a code; write the country in hexadecimal, as b5, or with the provider, as "
          "b5:0031"},
+        {{"--rewrite", "--drop-sei", "4,,5", "x"},
+         "--drop-sei: \"\" is no payloadType; write numbers, as 4 or 4,5"},
+        {{"--rewrite", "--keep-sei", "0x4", "x"},
+         "--keep-sei: \"0x4\" is no payloadType; write numbers, as 4 or 4,5"},
+        {{"--rewrite", "--drop-sei", "4294967296", "x"},
+         "--drop-sei: \"4294967296\" is no payloadType; write numbers, as 4 or 4,5"},
+        {{"--rewrite", "--drop-t35", "26:0004,", "x"},
+         "--drop-t35: \"\" is not a code; write the country in hexadecimal, as b5, or with the provider, as "
+         "b5:0031"},
+        {{"--drop-sei", "4", "--elements", "x"},
+         "--drop-sei, --keep-sei and --drop-t35 change the stream of --to-annexb, --to-lengths or --rewrite; "
+         "name one of them"},
         {{"--check", "captions=1", "x"}, "--check captions=1: captions takes no value"},
         {{"--json", "-", "--html", "-", "x"},
          "only one output can go to standard output; name a file for the others"},

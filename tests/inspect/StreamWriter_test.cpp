@@ -37,13 +37,13 @@ struct Written {
 };
 
 Written write(Framing framing, const StreamInfo& info, const std::vector<Bytes>& accessUnits,
-              const CommandLine& line = {}) {
+              const CommandLine& line = {}, const SeiRemoval& removal = {}) {
     const TemporaryFolder folder;
     const std::string path = folder.path() / "out";
     Written written;
     ::testing::internal::CaptureStderr();
     {
-        StreamWriter writer(path, framing);
+        StreamWriter writer(path, framing, UnitSource::Stream, removal);
         present(writer, info, accessUnits, line);
         try {
             writer.finish();
@@ -169,6 +169,29 @@ TEST(StreamWriter, hevcRecordWithSei) {
                 sets + sei + picture);
     expectWhole(write(Framing::AnnexB, info, {hex("05 4E 01 01 00 80 03 26 01 AF")}),
                 sets + sei + hex("00 00 00 01 4E 01 01 00 80") + picture);
+}
+
+// A unit of the record that has other messages is inserted without those that are left out; one that the
+// access unit has too is not, although it is not written there as it was.
+TEST(StreamWriter, seiOfTheRecordIsLeftOut) {
+    const Bytes sets = hex("00 00 00 01 40 01 0A 00 00 00 01 42 01 0B 00 00 00 01 44 01 0C");
+    const Bytes picture = hex("00 00 00 01 26 01 AF");
+    const SeiRemoval lightLevel = {{144}, {}, {}};
+    const Written none = write(Framing::AnnexB, lengths(1, hevcRecord(), QVCodecIDHevc),
+                               {hex("03 26 01 AF"), hex("03 26 01 AF")}, {}, lightLevel);
+    EXPECT_EQ(none.bytes, sets + picture + sets + picture);
+    EXPECT_EQ(none.messages, "qvinspect: out: 1 SEI message and 1 SEI unit are dropped\n");
+    const Bytes record = hex("01") + Bytes(21, 0) + hex("01 27 00 01 00 0A 4E 01 90 02 11 22 04 01 B5 80");
+    const Bytes left = hex("00 00 00 01 4E 01 04 01 B5 80");
+    const StreamInfo info = lengths(1, record, QVCodecIDHevc);
+    EXPECT_EQ(write(Framing::AnnexB, info, {hex("03 26 01 AF")}, {}, lightLevel).bytes, left + picture);
+    EXPECT_EQ(
+        write(Framing::AnnexB, info, {hex("0A 4E 01 90 02 11 22 04 01 B5 80 03 26 01 AF")}, {}, lightLevel)
+            .bytes,
+        left + picture);
+    const SeiRemoval owner = {{}, {}, {{0xB5, std::nullopt}}};
+    EXPECT_EQ(write(Framing::Lengths4, info, {hex("03 26 01 AF")}, {}, owner).bytes,
+              hex("00 00 00 07 4E 01 90 02 11 22 80 00 00 00 03 26 01 AF"));
 }
 
 TEST(StreamWriter, newRecordInMidStream) {

@@ -104,12 +104,15 @@ struct Words {
     std::string color = "auto";
     std::vector<int> requested;
     std::vector<std::string> t35;
+    std::vector<std::string> dropSei;
+    std::vector<std::string> keepSei;
+    std::vector<std::string> dropT35;
     std::vector<std::string> checks;
     bool listChecks = false;
     bool showSchema = false;
 };
 
-uint32_t hexNumber(const std::string& text, uint32_t most, const std::string& whole) {
+uint32_t hexNumber(const char* option, const std::string& text, uint32_t most, const std::string& whole) {
     const bool hasPrefix = text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
     const char* const begin = text.data() + (hasPrefix ? 2 : 0);
     const char* const end = text.data() + text.size();
@@ -117,21 +120,60 @@ uint32_t hexNumber(const std::string& text, uint32_t most, const std::string& wh
     const auto [stop, error] = std::from_chars(begin, end, number, 16);
     if (begin == end || error != std::errc() || stop != end || number > most) {
         throw std::invalid_argument(
-            fmt::format("--t35: \"{}\" is not a code; write the country in hexadecimal, as b5, or with the "
+            fmt::format("{}: \"{}\" is not a code; write the country in hexadecimal, as b5, or with the "
                         "provider, as b5:0031",
-                        printableName(whole)));
+                        option, printableName(whole)));
     }
     return number;
 }
 
-T35Codes parseT35(const std::string& text) {
+T35Codes parseT35(const char* option, const std::string& text) {
     const size_t colon = text.find(':');
-    T35Codes codes{static_cast<uint8_t>(hexNumber(text.substr(0, colon), 0xFF, text)), std::nullopt};
+    T35Codes codes{static_cast<uint8_t>(hexNumber(option, text.substr(0, colon), 0xFF, text)), std::nullopt};
     if (colon != std::string::npos) {
         codes.itu_t_t35_provider_code =
-            static_cast<uint16_t>(hexNumber(text.substr(colon + 1), 0xFFFF, text));
+            static_cast<uint16_t>(hexNumber(option, text.substr(colon + 1), 0xFFFF, text));
     }
     return codes;
+}
+
+// The words between commas.
+std::vector<std::string> wordsOf(const std::string& list) {
+    std::vector<std::string> words;
+    size_t begin = 0;
+    for (size_t comma = list.find(','); comma != std::string::npos; comma = list.find(',', begin)) {
+        words.push_back(list.substr(begin, comma - begin));
+        begin = comma + 1;
+    }
+    words.push_back(list.substr(begin));
+    return words;
+}
+
+std::vector<uint32_t> parseTypes(const char* option, const std::vector<std::string>& lists) {
+    std::vector<uint32_t> types;
+    for (const std::string& list : lists) {
+        for (const std::string& word : wordsOf(list)) {
+            const auto type = numberOf<uint32_t>(word);
+            if (!type) {
+                throw std::invalid_argument(fmt::format(
+                    "{}: \"{}\" is no payloadType; write numbers, as 4 or 4,5", option, printableName(word)));
+            }
+            types.push_back(*type);
+        }
+    }
+    return types;
+}
+
+SeiRemoval removalOf(const Words& words) {
+    SeiRemoval removal;
+    removal.droppedTypes = parseTypes("--drop-sei", words.dropSei);
+    removal.keptTypes = parseTypes("--keep-sei", words.keepSei);
+    for (const std::string& list : words.dropT35) {
+        for (const std::string& word : wordsOf(list)) {
+            removal.droppedT35.push_back(parseT35("--drop-t35", word));
+        }
+    }
+    return removal;
 }
 
 void addInputOptions(CLI::App& app, CommandLine& line, Words& words) {
@@ -209,6 +251,22 @@ void addOutputOptions(CLI::App& app, CommandLine& line, Words& words) {
                  "to standard output: as --to-annexb, with each unit that\n"
                  "can be read into a record written from it")
         ->group(kOutputGroup);
+    const auto list = [&](const char* name, std::vector<std::string>& lists, const char* help,
+                          const char* type) {
+        app.add_option(name, lists, help)->type_name(type)->allow_extra_args(false)->group(kOutputGroup);
+    };
+    list("--drop-sei", words.dropSei,
+         "streams are written without SEI messages of these\n"
+         "payloadTypes: 4 or 4,5",
+         "TYPES");
+    list("--keep-sei", words.keepSei,
+         "streams are written with SEI messages of these\n"
+         "payloadTypes only",
+         "TYPES");
+    list("--drop-t35", words.dropT35,
+         "streams are written without ITU-T T.35 messages of these\n"
+         "codes: 26:0004",
+         "CODES");
     app.add_flag("--elements", line.elements,
                  "to standard output: the syntax elements of each NAL unit,\n"
                  "a JSON object on each line")
@@ -354,8 +412,9 @@ void understand(CommandLine& line, const Words& words) {
     }
     line.requested.assign(words.requested.begin(), words.requested.end());
     for (const std::string& text : words.t35) {
-        line.filter.t35.push_back(parseT35(text));
+        line.filter.t35.push_back(parseT35("--t35", text));
     }
+    line.removal = removalOf(words);
     for (const std::string& text : words.checks) {
         line.checks.push_back(parseCheck(text));
     }
@@ -373,8 +432,14 @@ void understand(CommandLine& line, const Words& words) {
             "--stream selects a stream of a container and --format {} is not one; leave one of them out",
             words.format));
     }
-    const bool takesOneInput =
-        !line.toAnnexB.empty() || !line.toLengths.empty() || line.rewrite || !line.extractSei.empty();
+    const bool writesStream = !line.toAnnexB.empty() || !line.toLengths.empty() || line.rewrite;
+    if (!line.removal.empty() && !writesStream) {
+        throw std::invalid_argument(
+            "--drop-sei, --keep-sei and --drop-t35 change the stream of --to-annexb, --to-lengths or "
+            "--rewrite; "
+            "name one of them");
+    }
+    const bool takesOneInput = writesStream || !line.extractSei.empty();
     if (takesOneInput && line.files.size() > 1) {
         throw std::invalid_argument(
             "--to-annexb, --to-lengths, --rewrite and --extract-sei take one FILE at a time");

@@ -12,6 +12,7 @@
 #include "input/InputOptions.h"
 #include "report/ColorUse.h"
 #include "report/Level.h"
+#include "report/SeiRemover.h"
 
 namespace qvinspect {
 
@@ -36,6 +37,8 @@ struct CommandLine {
     // To standard output.
     bool rewrite = false;
     bool elements = false;
+
+    SeiRemoval removal;  // from toAnnexB, toLengths and rewrite
 
     std::vector<Check> checks;
     bool strict = false;

@@ -70,13 +70,16 @@ Presenters makePresenters(const CommandLine& line) {
         presenters.push_back(makeHtml(line));
     }
     if (!line.toAnnexB.empty()) {
-        presenters.push_back(std::make_unique<StreamWriter>(line.toAnnexB, Framing::AnnexB));
+        presenters.push_back(
+            std::make_unique<StreamWriter>(line.toAnnexB, Framing::AnnexB, UnitSource::Stream, line.removal));
     }
     if (!line.toLengths.empty()) {
-        presenters.push_back(std::make_unique<StreamWriter>(line.toLengths, Framing::Lengths4));
+        presenters.push_back(std::make_unique<StreamWriter>(line.toLengths, Framing::Lengths4,
+                                                            UnitSource::Stream, line.removal));
     }
     if (line.rewrite) {
-        presenters.push_back(std::make_unique<StreamWriter>("-", Framing::AnnexB, UnitSource::Records));
+        presenters.push_back(
+            std::make_unique<StreamWriter>("-", Framing::AnnexB, UnitSource::Records, line.removal));
     }
     if (line.elements) {
         presenters.push_back(std::make_unique<ElementLines>("-", line.files.size() > 1));

@@ -21,8 +21,8 @@ _qvinspect() {
                 hdr-vivid captions no-errors codec=h264 codec=h265'
             ;;
         codec) words='h264 h265' ;;
-        --sei | --request) words='0 1 4 5 6 45 47 56 129 132 137 144 147' ;;
-        --t35) words='b5: 26: 26:0004 b5:0031 b5:003c' ;;
+        --sei | --drop-sei | --keep-sei | --request) words='0 1 4 5 6 45 47 56 129 132 137 144 147' ;;
+        --t35 | --drop-t35) words='b5: 26: 26:0004 b5:0031 b5:003c' ;;
         --type | --stream | --frame-rate | --start | --duration | --limit) return ;;
         --extract-sei)
             mapfile -t COMPREPLY < <(compgen -d -- "$current")
@@ -33,8 +33,8 @@ _qvinspect() {
             if [[ $current == -?* && $previous != --@(json|ndjson|csv|html|to-annexb|to-lengths) ]]; then
                 words='--codec --format --stream --frame-rate --start --duration --limit --level --type --sei
                     --t35 --key-only --errors-only --request --json --ndjson --csv --html --to-annexb
-                    --to-lengths --rewrite --elements --extract-sei --schema --color --stamp --check --list-checks --strict --help
-                    --version'
+                    --to-lengths --rewrite --drop-sei --keep-sei --drop-t35 --elements --extract-sei --schema --color
+                    --stamp --check --list-checks --strict --help --version'
             fi
             ;;
     esac

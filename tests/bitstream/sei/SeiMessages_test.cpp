@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -12,6 +11,7 @@
 #include "AllocationFault.h"
 #include "BitWriter.h"
 #include "GuardedBuffer.h"
+#include "RandomSei.h"
 
 namespace {
 
@@ -189,23 +189,6 @@ std::vector<Found> slowMessages(const Bytes& unit, Codec codec) {
 
 // --- Units as written ---
 
-Bytes header(Codec codec) {
-    return codec == Codec::Avc ? Bytes{0x06} : Bytes{0x4E, 0x01};
-}
-
-void appendNumber(Bytes& bytes, uint64_t value) {
-    for (; value >= 255; value -= 255) {
-        bytes.push_back(0xFF);
-    }
-    bytes.push_back(static_cast<uint8_t>(value));
-}
-
-void appendMessage(Bytes& rbsp, uint64_t type, const Bytes& payload) {
-    appendNumber(rbsp, type);
-    appendNumber(rbsp, payload.size());
-    rbsp.insert(rbsp.end(), payload.begin(), payload.end());
-}
-
 struct Case {
     const char* unit;
     std::vector<std::string> messages;
@@ -272,9 +255,9 @@ TEST(SeiMessages, hevcUnitsHaveTwoBytesOfHeader) {
 }
 
 TEST(SeiMessages, runsOfFf) {
-    Bytes rbsp = header(Codec::Avc);
-    appendMessage(rbsp, 255 * 255 + 7, Bytes(255 * 3, 0x11));
-    appendMessage(rbsp, 4, {});
+    Bytes rbsp = seiHeader(Codec::Avc);
+    appendSeiMessage(rbsp, 255 * 255 + 7, Bytes(255 * 3, 0x11));
+    appendSeiMessage(rbsp, 4, {});
     rbsp.push_back(0x80);
     const std::vector<Found> all = messagesOf(bytesOf(rbsp), Codec::Avc);
     ASSERT_EQ(all.size(), 2U);
@@ -285,9 +268,9 @@ TEST(SeiMessages, runsOfFf) {
 }
 
 TEST(SeiMessages, tenThousand) {
-    Bytes rbsp = header(Codec::Hevc);
+    Bytes rbsp = seiHeader(Codec::Hevc);
     for (uint32_t i = 0; i < 10000; ++i) {
-        appendMessage(rbsp, i, Bytes(i % 7, 0x00));
+        appendSeiMessage(rbsp, i, Bytes(i % 7, 0x00));
     }
     rbsp.push_back(0x80);
     const Bytes unit = withEmulationPrevention(rbsp);
@@ -315,45 +298,14 @@ TEST(SeiMessages, iteratorsGoTheirOwnWays) {
 
 // --- Against the slow walk ---
 
-using Generator = std::mt19937_64;
-
-// Bytes that matter to the syntax more often than others.
-uint8_t randomByte(Generator& random) {
-    constexpr uint8_t kBytes[] = {0x00, 0x00, 0x00, 0x00, 0x01, 0x02, 0x03, 0x03, 0x05, 0x80, 0x80, 0xFF};
-    const uint64_t choice = random() % (sizeof kBytes + 3);
-    return choice < sizeof kBytes ? kBytes[choice] : static_cast<uint8_t>(random());
-}
-
-Bytes randomUnit(Generator& random, Codec codec) {
-    Bytes unit = header(codec);
-    const bool isLegal = random() % 2 == 0;
-    if (isLegal) {
-        for (uint64_t left = random() % 5; left > 0; --left) {
-            Bytes payload(random() % 12);
-            for (uint8_t& byte : payload) {
-                byte = randomByte(random);
-            }
-            appendMessage(unit, random() % 4 == 0 ? random() % 600 : random() % 6, payload);
-        }
-        unit.push_back(0x80);
-        unit.insert(unit.end(), random() % 3 == 0 ? 2 : 0, 0x00);
-        unit = withEmulationPrevention(unit);
-    } else {
-        for (uint64_t left = random() % 30; left > 0; --left) {
-            unit.push_back(randomByte(random));
-        }
-    }
-    return unit;
-}
-
 // Each unit is between inaccessible pages, whole and cut at every byte.
 TEST(SeiMessages, randomUnitsAsTheSlowWalk) {
-    Generator random(23);
+    SeiRandom random(23);
     GuardedBuffer guarded(256);
     size_t messages = 0;
     for (int round = 0; round < 20000; ++round) {
         const Codec codec = round % 2 == 0 ? Codec::Avc : Codec::Hevc;
-        Bytes unit = randomUnit(random, codec);
+        Bytes unit = randomSeiUnit(random, codec);
         for (bool isWhole = true; isWhole || round % 20 == 0; isWhole = false) {
             const uint8_t* const place =
                 round % 4 < 2 ? guarded.placeAtEnd(unit) : guarded.placeAtBegin(unit);
@@ -370,10 +322,10 @@ TEST(SeiMessages, randomUnitsAsTheSlowWalk) {
 }
 
 TEST(SeiMessages, noWalkAllocates) {
-    Generator random(24);
+    SeiRandom random(24);
     std::vector<Bytes> units;
     for (int i = 0; i < 200; ++i) {
-        units.push_back(randomUnit(random, Codec::Avc));
+        units.push_back(randomSeiUnit(random, Codec::Avc));
     }
     const AllocationFault allocations(Allocator::New, 0);
     const AllocationFault blocks(Allocator::Malloc, 0);

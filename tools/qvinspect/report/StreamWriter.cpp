@@ -152,11 +152,12 @@ size_t countUnits(const AnnexB& stream) {
 
 }  // namespace
 
-StreamWriter::StreamWriter(const std::string& path, Framing framing, UnitSource source)
+StreamWriter::StreamWriter(const std::string& path, Framing framing, UnitSource source, SeiRemoval removal)
     : output_(path),
       outputName_(outputName(path)),
       framing_(framing),
-      isRewriting_(source == UnitSource::Records) {}
+      isRewriting_(source == UnitSource::Records),
+      removal_(std::move(removal)) {}
 
 void StreamWriter::fail(const std::string&, const std::string&) {
     hasFailed_ = true;
@@ -166,6 +167,9 @@ void StreamWriter::begin(const StreamHead& head) {
     streamName_ = head.name;
     if (isRewriting_) {
         rewriter_.emplace(head.info.parameters.codecId);
+    }
+    if (!removal_.empty()) {
+        remover_.emplace(head.info.parameters.codecId, removal_);
     }
     useConfiguration(head.info.parameters.codecId, head.info.configuration, 1);
 }
@@ -179,8 +183,15 @@ void StreamWriter::useConfiguration(QVCodecID codec, const std::vector<uint8_t>&
              fmt::format("{} NAL units of the container's configuration record are left out", found.leftOut));
     }
     for (const qv::Bytes unit : found.units) {
-        if (!unit.empty() && mayLead(codec, typeOf(codec, unit[0]))) {
-            configuration_.push_back({typeOf(codec, unit[0]), {unit.begin(), unit.end()}});
+        if (unit.empty() || !mayLead(codec, typeOf(codec, unit[0]))) {
+            continue;
+        }
+        const std::vector<uint8_t> bytes(unit.begin(), unit.end());
+        edited_.clear();
+        if (!remover_) {
+            configuration_.push_back({typeOf(codec, unit[0]), bytes, bytes});
+        } else if (remover_->append(unit, edited_)) {
+            configuration_.push_back({typeOf(codec, unit[0]), bytes, edited_});
         }
     }
 }
@@ -195,8 +206,8 @@ StreamWriter::MissingUnits StreamWriter::missingUnits(const AccessUnitView& view
         const bool isThere =
             isParameterSet(codec, unit.type) ? present.hasType(unit.type) : present.has(unit.bytes);
         if (!isThere) {
-            missing.units.push_back({unit.bytes.data(), unit.bytes.size()});
-            missing.size += kLengthSize + unit.bytes.size();
+            missing.units.push_back({unit.written.data(), unit.written.size()});
+            missing.size += kLengthSize + unit.written.size();
         }
     }
     return missing;
@@ -289,16 +300,32 @@ void StreamWriter::convertUnits(const AccessUnitView& view, size_t first, size_t
 std::string StreamWriter::convertRun(const AccessUnitView& view, size_t first, size_t last) {
     const Places places(view);
     const AccessUnit& accessUnit = view.accessUnit;
-    if (!isRewriting_) {
-        const size_t begin = places.begin(first);
-        return convert(accessUnit.data + begin, places.end(last - 1) - begin, accessUnit.parameters,
-                       last - first);
+    if (isRewriting_ || remover_) {
+        return convertEdited(view, first, last);
     }
+    const size_t begin = places.begin(first);
+    return convert(accessUnit.data + begin, places.end(last - 1) - begin, accessUnit.parameters,
+                   last - first);
+}
+
+// As convertRun(), with units that are written from their records, or without SEI messages.
+std::string StreamWriter::convertEdited(const AccessUnitView& view, size_t first, size_t last) {
+    const Places places(view);
     std::vector<uint8_t> units;
+    size_t count = 0;
     for (size_t i = first; i < last; ++i) {
-        appendWithLength(units, {accessUnit.data + places.unit(i), view.report.units[i].length});
+        qv::Bytes unit = {view.accessUnit.data + places.unit(i), view.report.units[i].length};
+        if (remover_) {
+            edited_.clear();
+            if (!remover_->append(unit, edited_)) {
+                continue;
+            }
+            unit = {edited_.data(), edited_.size()};
+        }
+        appendWithLength(units, unit);
+        ++count;
     }
-    return convert(units.data(), units.size(), kFourByteLengths, last - first);
+    return count == 0 ? "" : convert(units.data(), units.size(), kFourByteLengths, count);
 }
 
 // Written from its record when that is asked for.
@@ -368,6 +395,9 @@ void StreamWriter::finish() {
         return;
     }
     output_.close();
+    if (remover_) {
+        complain(fmt::format("{}: {}", outputName_, remover_->summary()));
+    }
     if (rewriter_) {
         complain(fmt::format("{}: {}", outputName_, rewriter_->summary()));
     }

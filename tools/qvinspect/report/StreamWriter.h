@@ -9,6 +9,7 @@
 
 #include "report/Output.h"
 #include "report/Presenter.h"
+#include "report/SeiRemover.h"
 #include "report/UnitRewriter.h"
 
 namespace qvinspect {
@@ -31,12 +32,15 @@ enum class Framing {
 // a new record: after the access unit delimiter and before SEI units, since a buffering period message
 // activates its sequence parameter set (H.264 7.4.1.2.1, H.265 C.3.2).
 //
+// SEI messages can be left out, also those of the record; finish() reports how many. All else stays as it is.
+//
 // Empty units, which only lengths can express, are left out. Anything else that is not written is reported on
 // standard error; everything else is written, and finish() throws OutputError. If the input cannot be
 // inspected, a file is not changed.
 class StreamWriter : public Presenter {
 public:
-    StreamWriter(const std::string& path, Framing framing, UnitSource source = UnitSource::Stream);
+    StreamWriter(const std::string& path, Framing framing, UnitSource source = UnitSource::Stream,
+                 SeiRemoval removal = {});
 
     void fail(const std::string& name, const std::string& reason) override;
     void begin(const StreamHead& head) override;
@@ -48,6 +52,7 @@ private:
     struct ConfigurationUnit {
         uint32_t type;
         std::vector<uint8_t> bytes;
+        std::vector<uint8_t> written;  // the bytes without the SEI messages that are left out
     };
 
     // Of the configuration, borrowed from it.
@@ -63,6 +68,7 @@ private:
     bool isInProportion(const MissingUnits& missing);
     void convertUnits(const AccessUnitView& view, size_t first, size_t last);
     std::string convertRun(const AccessUnitView& view, size_t first, size_t last);
+    std::string convertEdited(const AccessUnitView& view, size_t first, size_t last);
     void appendWithLength(std::vector<uint8_t>& out, qv::Bytes unit);
     std::string convert(const unsigned char* data, size_t size, const QVCodecParameters& from, size_t units);
     void lose(uint64_t accessUnit, const std::string& what);
@@ -72,7 +78,10 @@ private:
     std::string outputName_;
     Framing framing_;
     bool isRewriting_;
+    SeiRemoval removal_;
     std::optional<UnitRewriter> rewriter_;  // of the input
+    std::optional<SeiRemover> remover_;     // of the input
+    std::vector<uint8_t> edited_;           // a unit without the messages that are left out
     std::string streamName_;
     std::vector<ConfigurationUnit> configuration_;
     bool isFirst_ = true;
