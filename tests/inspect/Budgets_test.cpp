@@ -193,12 +193,12 @@ size_t describedIn(const AccessUnitDetails& details) {
 TEST(HostileAccessUnit, messagesOfAUnit) {
     constexpr uint8_t kUserDataUnregistered = 5;
     const Analysed most =
-        analysed(manySeiMessages(1024, kUserDataUnregistered, 1), byteStreamOf(QVCodecIDAvc));
+        analysed(manySeiMessages(1024, kUserDataUnregistered, 16), byteStreamOf(QVCodecIDAvc));
     EXPECT_EQ(describedIn(most.details), 1024U);
     EXPECT_THAT(most.findings, IsEmpty());
 
     const Analysed more =
-        analysed(manySeiMessages(1030, kUserDataUnregistered, 1), byteStreamOf(QVCodecIDAvc));
+        analysed(manySeiMessages(1030, kUserDataUnregistered, 16), byteStreamOf(QVCodecIDAvc));
     EXPECT_EQ(describedIn(more.details), 1024U);
     EXPECT_EQ(more.details.units.at(2).sei->furtherMessages, (std::map<uint32_t, uint64_t>{{5, 6}}));
     EXPECT_EQ(more.details.units.at(2).sei->items.size(), 1024U);
@@ -214,7 +214,7 @@ TEST(HostileAccessUnit, messagesOfAUnit) {
 
 // The limit applies to each access unit.
 TEST(HostileAccessUnit, messagesOfSeveralUnits) {
-    const Bytes message = hex("06 05 01 FF 80");
+    const Bytes message = hex("06 05 10 00 11 22 33 44 55 66 77 88 99 AA BB CC DD EE FF 80");
     const Bytes bytes = byteStream(std::vector<Bytes>(1030, message));
     AccessUnit accessUnit;
     accessUnit.data = bytes.data();
@@ -367,7 +367,7 @@ TEST_F(HostileOutput, itemsOfOneAccessUnit) {
     StreamInfo info;
     info.parameters = byteStreamOf(QVCodecIDAvc);
     SeiExtractor extractor(path("items"));
-    present(extractor, info, {manySeiMessages(1030, kUserDataUnregistered, 1)});
+    present(extractor, info, {manySeiMessages(1030, kUserDataUnregistered, 16)});
     EXPECT_THROW(extractor.finish(), OutputError);
     const Bytes index = fileContent(path("items/index.json"));
     EXPECT_THAT(std::string(index.begin(), index.end()), HasSubstr("\"left_out\": 6}"));

@@ -27,7 +27,8 @@ std::vector<Place> placesIn(QVCodecID codec, const std::string& text) {
     const Bytes unit = hex(text);
     qvinspect::SeiReader reader(codec, {});
     const qvinspect::SeiUnit report =
-        reader.add(unit.data(), unit.size(), codec == QVCodecIDAvc ? 6 : 39, 100);
+        reader.add(unit.data(), unit.size(), codec == QVCodecIDAvc ? 6 : 39, 100,
+                   qv::sei::Context(codec == QVCodecIDAvc ? qv::Codec::Avc : qv::Codec::Hevc));
     std::vector<Place> places;
     for (const auto& message : report.messages) {
         places.push_back({message.offset, message.payloadSize, message.codedSize});

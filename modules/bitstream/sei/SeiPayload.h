@@ -50,6 +50,12 @@ Read<Payload> readPayload(const SeiMessage& message, const Context& context) noe
 template <class Payload>
 Read<Payload> tracePayload(const SeiMessage& message, const Context& context, TraceVisitor& visitor);
 
+/// Reads the payload of a message of any type by the record of its type, hands each element to \p visitor, and
+/// forgets the record. A payload of a type without a record is traced as bytes.
+///
+/// \return the first fault; see readPayload()
+Fault traceAnyPayload(const SeiMessage& message, const Context& context, TraceVisitor& visitor);
+
 /// Writes a payload as bytes of the RBSP, that is, without emulation prevention bytes, to the end of \p out.
 ///
 /// \return the number of bytes, or the first element that does not fit its descriptor or its range

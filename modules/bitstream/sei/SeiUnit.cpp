@@ -6,6 +6,7 @@
 #include "bitstream/sei/PayloadList.h"
 #include "bitstream/sei/PayloadSyntax.h"
 #include "bitstream/sei/SeiMessages.h"
+#include "bitstream/sei/SeiPayload.h"
 #include "bitstream/sei/UserData.h"
 #include "bitstream/syntax/Tracer.h"
 #include "bitstream/syntax/Writer.h"
@@ -172,6 +173,14 @@ void nested_message(Tracer& tracer, const Context& context) {
     } else {
         tracer.goOnAt(after);
     }
+}
+
+Fault traceAnyPayload(const SeiMessage& message, const Context& context, TraceVisitor& visitor) {
+    const auto end = static_cast<size_t>(message.payload.end() - message.unit.begin());
+    Tracer tracer(message.unit, message.payloadOffset, end, uint64_t{8} * message.rbspPayloadOffset, visitor);
+    withPayload(context.codec, message.payloadType,
+                [&](auto uses) { decltype(uses)::trace(tracer, message, context); });
+    return tracer.fault();
 }
 
 void traceSeiRbsp(Bytes unit, Context context, TraceVisitor& visitor, UnitTrace& trace) {

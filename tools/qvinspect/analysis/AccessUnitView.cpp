@@ -16,8 +16,7 @@ uint64_t errorsIn(const std::vector<Finding>& findings) {
 
 bool isBroken(const UnitView& unit) {
     return unit.report->state != UnitState::Typed ||
-           (unit.details->newSps && !unit.details->newSps->isAccepted) ||
-           (unit.details->sei && unit.details->sei->result != QVResultOk);
+           (unit.details->newSps && !unit.details->newSps->isAccepted);
 }
 
 AccessUnitView viewOf(uint64_t number, const AccessUnit& accessUnit, const AccessUnitReport& report,

@@ -27,7 +27,7 @@ struct RecordItemView {
     const SeiItem* item;
 };
 
-// Whether the library does not type the unit, refuses it, or cannot walk all of it.
+// Whether the library does not type the unit or refuses it.
 bool isBroken(const UnitView& unit);
 
 // References and pointers are valid until the next access unit is read.

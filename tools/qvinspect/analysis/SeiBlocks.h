@@ -1,18 +1,23 @@
-// The fields of an SEI payload, read by the library's payload parsers.
+// The fields of an SEI payload.
 #ifndef QVINSPECT_SEIBLOCKS_H
 #define QVINSPECT_SEIBLOCKS_H
 
-#include <cstdint>
-#include <vector>
+#include <cstddef>
 
 #include "analysis/Block.h"
-#include "analysis/SequenceParameterSet.h"
+#include "bitstream/Read.h"
+#include "bitstream/sei/SeiContext.h"
+#include "bitstream/sei/SeiMessages.h"
 
 namespace qvinspect {
 
-// payload is without emulation prevention bytes; sps may be null. Empty for a payloadType that is not parsed.
-Block describeSei(QVCodecID codec, uint32_t payloadType, const std::vector<uint8_t>& payload,
-                  const SequenceParameterSet* sps);
+// Adds every element of the payload to the block, and what follows from it. Payload bytes that have no syntax
+// of their own are left out.
+//
+// fields: how many fields the messages of the access unit have, which is increased. Above kMostSeiFields a
+// last field says that there are more.
+qv::Fault describeSei(const qv::SeiMessage& message, const qv::sei::Context& context, size_t& fields,
+                      Block& block);
 
 }  // namespace qvinspect
 

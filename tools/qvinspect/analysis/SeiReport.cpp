@@ -8,11 +8,9 @@
 #include "QVCoreStandalone.h"
 #include "analysis/CoreHooks.h"
 #include "analysis/FirstBytes.h"
-#include "analysis/NalUnitNames.h"
 #include "analysis/SeiBlocks.h"
 #include "analysis/SeiNames.h"
 #include "analysis/SeiTypes.h"
-#include "bitstream/units/Rbsp.h"
 #include "input/Budgets.h"
 
 namespace qvinspect {
@@ -22,64 +20,28 @@ namespace {
 // The library logs what it refuses, for most messages once.
 constexpr size_t kMostLogLines = 32;
 
-// The units that the library cuts include trailing_zero_8bits, which no message extends into.
-void dropTrailingZeros(std::vector<uint8_t>& unit) {
-    while (!unit.empty() && unit.back() == 0x00) {
-        unit.pop_back();
+std::vector<uint8_t> bytesOf(const qv::SeiMessage& message) {
+    std::vector<uint8_t> bytes(message.rbspPayloadSize);
+    qv::Reader reader = message.reader();
+    for (uint8_t& byte : bytes) {
+        reader.u(8, "payload", byte);
     }
+    return bytes;
 }
 
-bool isTrailing(const QVByteStream& rbsp) {
-    return rbsp.atEnd() || (rbsp.bytesLeft() == 1 && rbsp.data[rbsp.bytePos] == 0x80);
+// number: of the message in its unit, from 1.
+std::string faultText(const qv::SeiMessage& message, uint64_t number) {
+    if (message.faults.has(qv::SeiFault::PayloadCut)) {
+        return fmt::format(
+            "SEI message {} of the unit is truncated: payloadType {}, payloadSize {}, of which {} "
+            "bytes are present",
+            number, message.payloadType, message.payloadSize, message.rbspPayloadSize);
+    }
+    return fmt::format("SEI message {} of the unit: {}", number, qv::textOf(message.faults));
 }
 
-// The place of a payload of size bytes at position of the unescaped unit.
-void place(SeiMessage& message, qv::RbspPositions& positions, size_t position, uint64_t unitOffset) {
-    const size_t begin = positions.codedByte(position);
-    const size_t size = message.payload.size();
-    message.offset = unitOffset + begin;
-    message.codedSize =
-        size == 0 ? 0 : static_cast<uint32_t>(positions.codedByte(position + size - 1) + 1 - begin);
-}
-
-// sei_rbsp(): every message of the unit, including those that the library's walk skips. The first most
-// messages are described, the others are counted.
-void readMessages(const unsigned char* data, size_t size, size_t header, size_t most, SeiUnit& sei) {
-    std::vector<uint8_t> unit(size);
-    unit.resize(qv::unescape({data, size}, header, unit.data(), unit.size()));
-    dropTrailingZeros(unit);
-    if (unit.size() <= header) {
-        return;
-    }
-    qv::RbspPositions positions({data, size}, header);
-    QVByteStream rbsp(unit.data() + header, unit.size() - header);
-    const LogCapture quiet;  // the walk has its own lines
-    for (uint64_t number = 1; !isTrailing(rbsp); ++number) {
-        const size_t begin = header + rbsp.bytePos;
-        int payloadType = 0;
-        int payloadSize = 0;
-        if (QVNaluParser::parserPayloadParams(rbsp, payloadType, payloadSize) != QVResultOk) {
-            sei.fault = Finding{
-                Severity::Error, sei.offset + positions.codedByte(begin),
-                fmt::format("SEI message {} of the unit is truncated: payloadType {}, payloadSize {}, "
-                            "of which {} bytes are present",
-                            number, static_cast<uint32_t>(payloadType), static_cast<uint32_t>(payloadSize),
-                            rbsp.bytesLeft())};
-            return;
-        }
-        const uint8_t* const payload = rbsp.data + rbsp.bytePos;
-        if (sei.messages.size() < most) {
-            sei.messages.push_back({static_cast<uint32_t>(payloadType),
-                                    static_cast<uint32_t>(payloadSize),
-                                    std::vector<uint8_t>(payload, payload + payloadSize),
-                                    Delivery::NotKept,
-                                    {}});
-            place(sei.messages.back(), positions, header + rbsp.bytePos, sei.offset);
-        } else {
-            ++sei.furtherMessages[static_cast<uint32_t>(payloadType)];
-        }
-        rbsp.skipBytes(static_cast<uint64_t>(payloadSize));
-    }
+uint32_t saturated(uint64_t number) {
+    return static_cast<uint32_t>(std::min<uint64_t>(number, UINT32_MAX));
 }
 
 Delivery deliveryOf(const QVSeiItem& item) {
@@ -125,34 +87,73 @@ SeiReader::~SeiReader() {
     forgetItems();
 }
 
-SeiUnit SeiReader::add(const unsigned char* data, size_t size, uint32_t nalUnitType, uint64_t offset) {
+// What the player's library keeps of the unit.
+void SeiReader::walk(const unsigned char* data, size_t size, SeiUnit& unit) {
+    const LogCapture log;
+    const QVNaluParser::NaluInfo nalu{unit.nalUnitType, 0, static_cast<int32_t>(size), false};
+    QVAvcSps avc = sps_ != nullptr ? sps_->avc : QVAvcSps{};
+    QVHevcSps hevc = sps_ != nullptr ? sps_->hevc : QVHevcSps{};
+    void* const sps = codec_ == QVCodecIDAvc ? static_cast<void*>(&avc) : static_cast<void*>(&hevc);
+    unit.result = QVNaluParser::parserDataToSei(codec_, data, nalu, items_, sps, requested_);
+    for (const LogLine& line : log.lines()) {
+        if (line.level != QVTraceDebug && unit.log.size() < kMostLogLines) {
+            unit.log.push_back(line.text);
+        }
+    }
+    if (unit.result != QVResultOk) {
+        unit.findings.push_back({Severity::Note, unit.offset,
+                                 fmt::format("the player's library ends its walk of the SEI unit with {}{}",
+                                             unit.result, unit.log.empty() ? "" : ": " + unit.log.front())});
+    }
+}
+
+void SeiReader::addMessage(const qv::SeiMessage& message, const qv::sei::Context& context, SeiUnit& sei) {
+    SeiMessage& added = sei.messages.emplace_back();
+    added.payloadType = saturated(message.payloadType);
+    added.payloadSize = saturated(message.payloadSize);
+    added.payload = bytesOf(message);
+    added.offset = sei.offset + message.payloadOffset;
+    added.codedSize = static_cast<uint32_t>(message.payload.size);
+    const qv::Fault fault = describeSei(message, context, fields_, added.block);
+    if (fault && !message.faults.has(qv::SeiFault::PayloadCut)) {
+        sei.findings.push_back({Severity::Error, added.offset,
+                                fmt::format("SEI {} {}: {}", added.payloadType,
+                                            seiName(codec_, added.payloadType), qv::textOf(fault))});
+    }
+}
+
+// Every message of the unit. The first ones of an access unit are described, the others are counted.
+void SeiReader::readMessages(qv::Bytes unit, qv::sei::Context context, SeiUnit& sei) {
+    uint64_t number = 0;
+    for (const qv::SeiMessage& message : qv::SeiMessages(unit, context.codec)) {
+        ++number;
+        if (message.faults) {
+            sei.findings.push_back(
+                {Severity::Error, sei.offset + message.offset, faultText(message, number)});
+        }
+        if (message.faults.has(qv::SeiFault::NoMessage) || message.faults.has(qv::SeiFault::HeaderCut)) {
+            return;
+        }
+        if (described_ + sei.messages.size() < kMostDescribedMessages) {
+            addMessage(message, context, sei);
+        } else {
+            ++sei.furtherMessages[saturated(message.payloadType)];
+        }
+        context.take(message);
+    }
+}
+
+SeiUnit SeiReader::add(const unsigned char* data, size_t size, uint32_t nalUnitType, uint64_t offset,
+                       qv::sei::Context context) {
     SeiUnit unit;
     unit.offset = offset;
     unit.nalUnitType = nalUnitType;
     const size_t firstItem = items_.size();
-    {
-        const LogCapture log;
-        const QVNaluParser::NaluInfo nalu{nalUnitType, 0, static_cast<int32_t>(size), false};
-        QVAvcSps avc = sps_ != nullptr ? sps_->avc : QVAvcSps{};
-        QVHevcSps hevc = sps_ != nullptr ? sps_->hevc : QVHevcSps{};
-        void* const sps = codec_ == QVCodecIDAvc ? static_cast<void*>(&avc) : static_cast<void*>(&hevc);
-        unit.result = QVNaluParser::parserDataToSei(codec_, data, nalu, items_, sps, requested_);
-        for (const LogLine& line : log.lines()) {
-            if (line.level != QVTraceDebug && unit.log.size() < kMostLogLines) {
-                unit.log.push_back(line.text);
-            }
-        }
-    }
-    readMessages(data, size, headerSize(codec_), kMostDescribedMessages - described_, unit);
-    if (unit.result != QVResultOk) {
-        unit.fault.reset();  // the walk's end is reported
-    }
+    walk(data, size, unit);
+    readMessages({data, size}, context, unit);
     described_ += unit.messages.size();
     for (const auto& [type, count] : unit.furtherMessages) {
         undescribed_ += count;
-    }
-    for (SeiMessage& message : unit.messages) {
-        message.block = describeSei(codec_, message.payloadType, message.payload, sps_);
     }
     markKept(unit.messages, items_, firstItem);
     for (size_t i = firstItem; i < items_.size() && listedItems_ < kMostDescribedMessages;
@@ -173,6 +174,7 @@ SeiTotals SeiReader::finish() {
     }
     forgetItems();
     described_ = 0;
+    fields_ = 0;
     listedItems_ = 0;
     return totals;
 }

@@ -1,4 +1,4 @@
-// The SEI messages of one access unit, and what the library keeps of them.
+// The SEI messages of one access unit, and what the player's library keeps of them.
 #ifndef QVINSPECT_SEIREPORT_H
 #define QVINSPECT_SEIREPORT_H
 
@@ -6,17 +6,19 @@
 #include <cstdint>
 #include <deque>
 #include <map>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "QVNaluParser.h"
 #include "analysis/Block.h"
 #include "analysis/SequenceParameterSet.h"
+#include "bitstream/sei/SeiContext.h"
+#include "bitstream/sei/SeiMessages.h"
 #include "input/AccessUnit.h"
 
 namespace qvinspect {
 
+// What the player's library does with a message.
 enum class Delivery {
     Kept,       // an item of the library's list
     Requested,  // an item because --request asked for it
@@ -47,7 +49,7 @@ struct SeiItem {
 struct SeiUnit {
     uint64_t offset = 0;  // of its NAL unit
     uint32_t nalUnitType = 0;
-    int result = QVResultOk;  // of the library's walk
+    int result = QVResultOk;  // of the player's library's walk; another one is no fault of the stream
     std::vector<std::string> log;
     std::vector<SeiMessage> messages;
     std::vector<SeiItem> items;  // in the order of the walk
@@ -56,8 +58,8 @@ struct SeiUnit {
     // kMostDescribedMessages.
     std::map<uint32_t, uint64_t> furtherMessages;
 
-    // A truncated message that the walk did not reach.
-    std::optional<Finding> fault;
+    // What is wrong with the messages by the standard, and notes of what the player's library does with them.
+    std::vector<Finding> findings;
 };
 
 // What the library keeps of an access unit.
@@ -76,8 +78,9 @@ public:
     // Sets the active parameter set; null if none was seen.
     void use(const SequenceParameterSet* sps) { sps_ = sps; }
 
-    // data, size: the SEI unit, header included.
-    SeiUnit add(const unsigned char* data, size_t size, uint32_t nalUnitType, uint64_t offset);
+    // data, size: the SEI unit, header included. context: the parameter sets in force before it.
+    SeiUnit add(const unsigned char* data, size_t size, uint32_t nalUnitType, uint64_t offset,
+                qv::sei::Context context);
 
     // Packs the items of the access unit and frees them.
     SeiTotals finish();
@@ -87,6 +90,9 @@ public:
     SeiReader& operator=(const SeiReader&) = delete;
 
 private:
+    void walk(const unsigned char* data, size_t size, SeiUnit& unit);
+    void readMessages(qv::Bytes unit, qv::sei::Context context, SeiUnit& sei);
+    void addMessage(const qv::SeiMessage& message, const qv::sei::Context& context, SeiUnit& sei);
     void forgetItems();
 
     QVCodecID codec_;
@@ -94,6 +100,7 @@ private:
     const SequenceParameterSet* sps_ = nullptr;
     std::vector<QVSeiItem> items_;
     size_t described_ = 0;  // messages of the access unit
+    size_t fields_ = 0;     // of the messages of the access unit
     size_t listedItems_ = 0;
     uint64_t undescribed_ = 0;
 };

@@ -37,7 +37,7 @@ uint32_t unitType(QVCodecID codec, uint8_t firstByte) {
 }  // namespace
 
 StreamDetails::StreamDetails(QVCodecID codec, std::deque<int> requested)
-    : codec_(codec), seiReader_(codec, std::move(requested)) {}
+    : codec_(codec), seiReader_(codec, std::move(requested)), sets_(codec) {}
 
 bool StreamDetails::isSps(uint32_t nalUnitType) const {
     return nalUnitType == (codec_ == QVCodecIDAvc ? qv::avc::kNalSps : qv::hevc::kNalSps);
@@ -63,16 +63,10 @@ bool StreamDetails::wasSeen(const std::vector<uint8_t>& bytes) {
     return false;
 }
 
-void StreamDetails::takeVps(uint32_t nalUnitType, const unsigned char* unit, size_t size) {
-    if (codec_ == QVCodecIDHevc && nalUnitType == qv::hevc::kNalVps) {
-        hevcSets_.take({unit, size});
-    }
-}
-
 // The VPS that an SPS refers to with sps_video_parameter_set_id, its first element; null without one.
 const qv::hevc::Vps* StreamDetails::vpsOf(const unsigned char* sps, size_t size) const {
     constexpr size_t kHeaderBytes = 2;
-    return codec_ == QVCodecIDHevc && size > kHeaderBytes ? hevcSets_.vps(sps[kHeaderBytes] >> 4U) : nullptr;
+    return codec_ == QVCodecIDHevc && size > kHeaderBytes ? sets_.vps(sps[kHeaderBytes] >> 4U) : nullptr;
 }
 
 void StreamDetails::takeSps(const unsigned char* unit, size_t size, UnitDetails& details) {
@@ -103,19 +97,13 @@ void StreamDetails::takeSps(const unsigned char* unit, size_t size, UnitDetails&
 // Reads an SEI unit of the record and keeps it for the first access unit.
 void StreamDetails::addRecordSei(const std::vector<uint8_t>& unit, uint32_t type,
                                  ConfigurationDetails& configuration) {
-    const SeiUnit sei = seiReader_.add(unit.data(), unit.size(), type, 0);
-    configuration.seiUnits.push_back(sei);
+    configuration.seiUnits.push_back(seiReader_.add(unit.data(), unit.size(), type, 0, sets_.context()));
     recordSei_.push_back(unit);
-    const auto report = [&](const std::string& what) {
-        configuration.findings.push_back({Severity::Error, std::nullopt,
-                                          fmt::format("SEI unit {} of the configuration record: {}",
-                                                      configuration.seiUnits.size(), what)});
-    };
-    if (sei.result != QVResultOk) {
-        report(fmt::format("the walk of the SEI unit ended with {}", sei.result));
-    }
-    if (sei.fault) {
-        report(fmt::format("{} (offset {} of the unit)", sei.fault->text, *sei.fault->offset));
+    for (const Finding& finding : configuration.seiUnits.back().findings) {
+        configuration.findings.push_back(
+            {finding.severity, std::nullopt,
+             fmt::format("SEI unit {} of the configuration record: {} (offset {} of the unit)",
+                         configuration.seiUnits.size(), finding.text, *finding.offset)});
     }
 }
 
@@ -135,7 +123,6 @@ ConfigurationDetails StreamDetails::addConfiguration(const std::vector<uint8_t>&
         }
         const uint32_t type = unitType(codec_, unit[0]);
         configuration.unitTypes.push_back(type);
-        takeVps(type, unit.data, unit.size);
         const bool isBaseSps = isSps(type) && isBaseLayer(codec_, unit.data, unit.size);
         if (isBaseSps && configuration.parameterSets.size() == kMostNewSps) {
             ++leftOutSps;
@@ -149,6 +136,7 @@ ConfigurationDetails StreamDetails::addConfiguration(const std::vector<uint8_t>&
         if (isSei(type)) {
             addRecordSei({unit.begin(), unit.end()}, type, configuration);
         }
+        sets_.take(unit);
     }
     addFindings(seiReader_.finish(), leftOutSps, "configuration record", configuration.findings);
     return configuration;
@@ -173,7 +161,7 @@ void StreamDetails::takeRecordSei(const AccessUnit& accessUnit, const AccessUnit
     for (const std::vector<uint8_t>& unit : std::exchange(recordSei_, {})) {
         if (present.count(textOf(unit.data(), unit.size())) == 0) {
             details.recordSei.push_back(
-                seiReader_.add(unit.data(), unit.size(), unitType(codec_, unit[0]), 0));
+                seiReader_.add(unit.data(), unit.size(), unitType(codec_, unit[0]), 0, sets_.context()));
         }
     }
 }
@@ -191,7 +179,6 @@ AccessUnitDetails StreamDetails::add(const AccessUnit& accessUnit, AccessUnitRep
             continue;
         }
         const unsigned char* const bytes = accessUnit.data + (unit.offset - start);
-        takeVps(unit.type, bytes, unit.length);
         if (isSps(unit.type) && isBaseLayer(codec_, bytes, unit.length)) {
             if (newSps == kMostNewSps) {
                 ++leftOutSps;
@@ -200,12 +187,11 @@ AccessUnitDetails StreamDetails::add(const AccessUnit& accessUnit, AccessUnitRep
             takeSps(bytes, unit.length, unitDetails);
             newSps += unitDetails.newSps ? 1U : 0U;
         } else if (isSei(unit.type)) {
-            SeiUnit sei = seiReader_.add(bytes, unit.length, unit.type, unit.offset);
-            if (sei.fault) {
-                report.findings.push_back(*sei.fault);
-            }
+            SeiUnit sei = seiReader_.add(bytes, unit.length, unit.type, unit.offset, sets_.context());
+            report.findings.insert(report.findings.end(), sei.findings.begin(), sei.findings.end());
             unitDetails.sei = std::make_shared<const SeiUnit>(std::move(sei));
         }
+        sets_.take({bytes, unit.length});
     }
     const SeiTotals sei = seiReader_.finish();
     details.seiItems = sei.items;

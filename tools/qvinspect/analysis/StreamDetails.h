@@ -12,7 +12,7 @@
 #include "analysis/Analysis.h"
 #include "analysis/SeiReport.h"
 #include "analysis/SequenceParameterSet.h"
-#include "bitstream/hevc/ParameterSets.h"
+#include "analysis/StreamSets.h"
 #include "input/AccessUnit.h"
 
 namespace qvinspect {
@@ -57,7 +57,6 @@ private:
     bool isSei(uint32_t nalUnitType) const;
     void takeRecordSei(const AccessUnit& accessUnit, const AccessUnitReport& report,
                        AccessUnitDetails& details);
-    void takeVps(uint32_t nalUnitType, const unsigned char* unit, size_t size);
     const qv::hevc::Vps* vpsOf(const unsigned char* sps, size_t size) const;
     void takeSps(const unsigned char* unit, size_t size, UnitDetails& details);
     void addRecordSei(const std::vector<uint8_t>& unit, uint32_t type, ConfigurationDetails& configuration);
@@ -72,8 +71,8 @@ private:
 
     QVCodecID codec_;
     SeiReader seiReader_;
-    qv::hevc::ParameterSets hevcSets_;  // VPS alone
-    std::map<int, KnownSps> known_;     // by identifier, which is at most 31 where it is accepted; else -1
+    StreamSets sets_;
+    std::map<int, KnownSps> known_;  // by identifier, which is at most 31 where it is accepted; else -1
     const SequenceParameterSet* active_ = nullptr;
 
     std::vector<std::vector<uint8_t>> recordSei_;  // not counted yet

@@ -8,6 +8,7 @@
 #include "QVCodecParameters.h"
 #include "bitstream/avc/Unit.h"
 #include "bitstream/hevc/Unit.h"
+#include "bitstream/sei/SeiContext.h"
 #include "bitstream/units/NalUnits.h"
 
 namespace qvinspect {
@@ -35,6 +36,12 @@ public:
     qv::UnitRewritten rewrite(qv::Bytes unit, std::vector<uint8_t>& out) const {
         return isAvc_ ? qv::avc::rewriteUnit(unit, avc_, out) : qv::hevc::rewriteUnit(unit, hevc_, out);
     }
+
+    // For the SEI messages of the next unit.
+    qv::sei::Context context() const { return isAvc_ ? qv::sei::Context(avc_) : qv::sei::Context(hevc_); }
+
+    // The VPS with an identifier; null without one, and for H.264.
+    const qv::hevc::Vps* vps(uint32_t id) const { return hevc_.vps(id); }
 
     void take(qv::Bytes unit) {
         if (isAvc_) {

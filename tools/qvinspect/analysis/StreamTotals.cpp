@@ -189,9 +189,6 @@ void StreamCounter::addUnitErrors(const UnitReport& unit, const UnitDetails& det
     if (details.newSps && !details.newSps->isAccepted) {
         add("the library refuses the parameter set");
     }
-    if (details.sei && details.sei->result != QVResultOk) {
-        add(fmt::format("the walk of the SEI unit ended with {}", details.sei->result));
-    }
 }
 
 void StreamCounter::addDetails(const AccessUnitDetails& details) {

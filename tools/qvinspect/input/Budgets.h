@@ -69,6 +69,10 @@ constexpr size_t kMostNewSps = 64;
 // few for each slice.
 constexpr size_t kMostDescribedMessages = 1024;
 
+// Fields of the SEI messages of an access unit that are described: those of kMostDescribedMessages ordinary
+// messages. A payload can hold an element in each bit.
+constexpr size_t kMostSeiFields = 16 * kMostDescribedMessages;
+
 // Bytes of the sequence parameter sets that are remembered to recognise repeated ones. An ordinary one takes
 // about 50.
 constexpr size_t kMostKnownSpsBytes = kMiB;

@@ -37,10 +37,6 @@ std::optional<std::string> errorOf(const UnitReport& report, const UnitDetails& 
     if (details.newSps && !details.newSps->isAccepted) {
         return because("the library refuses the parameter set", details.newSps->log);
     }
-    if (details.sei && details.sei->result != QVResultOk) {
-        return because(fmt::format("the walk of the SEI unit ended with {}", details.sei->result),
-                       details.sei->log);
-    }
     return std::nullopt;
 }
 

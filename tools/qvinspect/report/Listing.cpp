@@ -156,7 +156,7 @@ void Listing::addRecordSei() {
                 addHex(message.payload.data(), message.payload.size(), message.offset);
             }
         }
-        addSeiErrors(unit);
+        addSeiLog(unit);
     }
 }
 
@@ -235,10 +235,9 @@ void Listing::addBrokenUnits(const AccessUnitView& view) {
         if (!isBroken(unit)) {
             continue;
         }
-        const char* const text = unit.report->state != UnitState::Typed ? errorOf(*unit.report)
-                                 : unit.details->newSps
-                                     ? "the library refuses the parameter set"
-                                     : "the library's walk of the SEI unit ends with an error";
+        const char* const text = unit.report->state != UnitState::Typed
+                                     ? errorOf(*unit.report)
+                                     : "the library refuses the parameter set";
         addFindings({{Severity::Error, unit.report->offset, text}});
     }
 }
@@ -326,16 +325,13 @@ void Listing::addSei(const UnitView& unit) {
     for (const SeiMessage* message : unit.messages) {
         addMessage(unit, *message);
     }
-    addSeiErrors(*unit.details->sei);
+    addSeiLog(*unit.details->sei);
 }
 
-void Listing::addSeiErrors(const SeiUnit& sei) {
+// Findings are listed with those of the access unit.
+void Listing::addSeiLog(const SeiUnit& sei) {
     for (const std::string& line : sei.log) {
         page_.add("{}library: {}", kFieldIndent, line).endLine();
-    }
-    if (sei.result != QVResultOk) {
-        page_.add("{}", kFieldIndent);
-        page_.add(Style::Bad, "error: the library's walk ended with {}", sei.result).endLine();
     }
 }
 

@@ -38,7 +38,7 @@ private:
     void addSps(const SequenceParameterSet& sps);
     void addSei(const UnitView& unit);
     void addRecordSei();
-    void addSeiErrors(const SeiUnit& sei);
+    void addSeiLog(const SeiUnit& sei);
     void addMessageLine(const SeiMessage& message);
     void addMessage(const UnitView& unit, const SeiMessage& message);
     void addBlock(const Block& block);

@@ -1,7 +1,5 @@
 #include "report/UnitTexts.h"
 
-#include <fmt/format.h>
-
 namespace qvinspect {
 
 const char* stateName(UnitState state) {
@@ -21,9 +19,7 @@ std::string unitError(const UnitView& unit) {
         return {};
     }
     if (unit.report->state == UnitState::Typed) {
-        return unit.details->sei
-                   ? fmt::format("the walk of the SEI unit ended with {}", unit.details->sei->result)
-                   : "the library refuses the parameter set";
+        return "the library refuses the parameter set";
     }
     return unit.report->state == UnitState::Empty ? "empty unit" : "forbidden_zero_bit is set";
 }
