@@ -44,7 +44,8 @@ A53Kind kindOfAtsc(Reader& reader) noexcept {
 bool hasMarkerBits(const CcData& cc_data) noexcept {
     return cc_data.marker_bits == kMarkerBitsAfterConstructs &&
            std::all_of(
-               cc_data.constructs, cc_data.constructs + cc_data.cc_count,
+               cc_data.constructs,
+               cc_data.constructs + std::min(uint32_t{cc_data.cc_count}, CcData::kMostConstructs),
                [](const CcConstruct& construct) { return construct.marker_bits == kMarkerBitsOfConstruct; });
 }
 

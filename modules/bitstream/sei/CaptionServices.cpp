@@ -1,6 +1,8 @@
 // The caption services that a stream holds.
 #include "bitstream/sei/CaptionServices.h"
 
+#include <iterator>
+
 namespace qv::sei {
 
 namespace {
@@ -33,7 +35,7 @@ Begins meaningOf(uint32_t command) noexcept {
 }
 
 // The first byte of a miscellaneous control code: 14 in field 1 and 15 in field 2, plus 8 in data channel 2.
-// There are encoders that write 14 in field 2, which is no other code; the field is that of the construct.
+// Some encoders write 14 in field 2, where it has no other meaning: the field is that of the construct.
 bool isMiscellaneous(uint32_t first) noexcept {
     return (first & 0x76U) == 0x14;
 }
@@ -60,7 +62,8 @@ uint32_t channelOf(uint32_t first, uint32_t second) noexcept {
 
 const char* nameOf(CaptionChannel channel) noexcept {
     static constexpr const char* kNames[] = {"CC1", "CC2", "CC3", "CC4", "T1", "T2", "T3", "T4"};
-    return kNames[static_cast<uint8_t>(channel)];
+    const auto index = static_cast<uint8_t>(channel);
+    return index < std::size(kNames) ? kNames[index] : "";
 }
 
 void CaptionServiceFinder::take(const CaptionedPicture& picture) noexcept {

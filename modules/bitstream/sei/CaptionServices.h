@@ -22,7 +22,7 @@ enum class CaptionChannel : uint8_t {
     T4,   ///< text, field 2, data channel 2
 };
 
-/// The name of a channel: "CC1" to "CC4", "T1" to "T4".
+/// The name of a channel: "CC1" to "CC4", "T1" to "T4"; empty for other values.
 const char* nameOf(CaptionChannel channel) noexcept;
 
 /// What the caption constructs of a stream hold.
@@ -53,11 +53,11 @@ struct CaptionServices {
     bool hasCaptions() const noexcept { return (valid[0] | valid[1] | valid[2] | valid[3]) != 0; }
 
     /// True when a type of construct is there with cc_valid.
-    bool has(CcType type) const noexcept { return valid[static_cast<uint8_t>(type)] != 0; }
+    bool has(CcType type) const noexcept { return valid[static_cast<uint8_t>(type) & 3U] != 0; }
 
     /// True when captions or text begin in a channel of CTA-608.
     bool has(CaptionChannel channel) const noexcept {
-        return (channels >> static_cast<uint8_t>(channel) & 1U) != 0;
+        return (channels >> (static_cast<uint8_t>(channel) & 31U) & 1U) != 0;
     }
 
     /// True when a service of CTA-708, 1 to 63, has service blocks. False for other numbers.

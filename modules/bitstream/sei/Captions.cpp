@@ -47,10 +47,11 @@ void CaptionedPicture::add(const CcData& cc_data, uint32_t constructsRead) noexc
     if (!cc_data.process_cc_data_flag) {
         return;
     }
-    const uint32_t kept = std::min(constructsRead, kMostConstructs - count);
+    const uint32_t coded = std::min(constructsRead, CcData::kMostConstructs);
+    const uint32_t kept = std::min(coded, kMostConstructs - count);
     std::copy_n(cc_data.constructs, kept, constructs + count);
     count += kept;
-    dropped += constructsRead - kept;
+    dropped += coded - kept;
 }
 
 }  // namespace qv::sei

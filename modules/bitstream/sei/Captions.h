@@ -14,7 +14,7 @@ namespace qv::sei {
 
 /// A picture and its caption constructs, in the order of the messages. Plain data; it holds no pointers.
 struct CaptionedPicture {
-    /// The most constructs that a picture keeps: those of four cc_data(). CTA-708 allows one.
+    /// The most constructs that a picture keeps: those of four cc_data(). Most streams have one.
     static constexpr uint32_t kMostConstructs = 4 * CcData::kMostConstructs;
 
     uint64_t number = 0;      ///< the caller's number of the picture; it is not looked at

@@ -63,8 +63,9 @@ Found findIn(const std::vector<std::vector<uint8_t>>& units, Codec codec) {
 std::vector<uint8_t> bytesOf(const CaptionedPicture& picture) {
     std::vector<uint8_t> bytes;
     for (const CcConstruct& construct : picture) {
-        bytes.push_back(static_cast<uint8_t>(
-            construct.marker_bits << 3 | static_cast<uint32_t>(construct.cc_valid) << 2 | construct.cc_type));
+        bytes.push_back(static_cast<uint8_t>(uint32_t{construct.marker_bits} << 3 |
+                                             static_cast<uint32_t>(construct.cc_valid) << 2 |
+                                             construct.cc_type));
         bytes.push_back(construct.cc_data_1);
         bytes.push_back(construct.cc_data_2);
     }

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "AllocationFault.h"
-#include "Captions.h"
+#include "CaptionConstructs.h"
 
 namespace {
 

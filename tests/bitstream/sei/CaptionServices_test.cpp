@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "AllocationFault.h"
-#include "Captions.h"
+#include "CaptionConstructs.h"
 
 namespace {
 
@@ -42,6 +42,12 @@ std::vector<uint32_t> servicesIn(const CaptionServices& services) {
         }
     }
     return found;
+}
+
+TEST(CaptionServices, namesOfChannels) {
+    EXPECT_STREQ(nameOf(CaptionChannel::CC1), "CC1");
+    EXPECT_STREQ(nameOf(CaptionChannel::T4), "T4");
+    EXPECT_STREQ(nameOf(static_cast<CaptionChannel>(8)), "");
 }
 
 TEST(CaptionServices, withoutConstructsThereAreNoCaptions) {

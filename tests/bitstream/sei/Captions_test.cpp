@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "Captions.h"
+#include "CaptionConstructs.h"
 #include "bitstream/units/NalUnits.h"
 
 namespace {
@@ -69,6 +69,23 @@ TEST(SeiCaptions, constructsBeforeAFault) {
     EXPECT_TRUE(addUnit(cutBeforeThem, "b50031 47413934 03"));
     EXPECT_TRUE(addUnit(cutBeforeThem, "b50031 47413934 03 c3"));
     EXPECT_EQ(cutBeforeThem.count, 0U);
+}
+
+// A record that no reader made.
+TEST(SeiCaptions, moreThanCcDataHolds) {
+    CcData data = {};
+    data.process_cc_data_flag = true;
+    data.cc_count = 255;
+    EXPECT_FALSE(hasMarkerBits(data));
+    CaptionedPicture picture;
+    picture.add(data);
+    EXPECT_EQ(picture.count, CcData::kMostConstructs);
+    EXPECT_EQ(picture.dropped, 0U);
+    data.marker_bits = 255;
+    for (CcConstruct& construct : data.constructs) {
+        construct.marker_bits = 31;
+    }
+    EXPECT_TRUE(hasMarkerBits(data));
 }
 
 TEST(SeiCaptions, moreThanAPictureKeeps) {

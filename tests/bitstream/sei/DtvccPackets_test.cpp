@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "Captions.h"
+#include "CaptionConstructs.h"
 
 namespace {
 

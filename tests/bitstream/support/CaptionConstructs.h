@@ -1,6 +1,6 @@
 // Caption constructs made by hand.
-#ifndef QV_TESTS_BITSTREAM_CAPTIONS_H
-#define QV_TESTS_BITSTREAM_CAPTIONS_H
+#ifndef QV_TESTS_BITSTREAM_CAPTIONCONSTRUCTS_H
+#define QV_TESTS_BITSTREAM_CAPTIONCONSTRUCTS_H
 
 #include <string>
 #include <vector>
