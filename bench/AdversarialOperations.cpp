@@ -22,6 +22,7 @@
 #include "bitstream/avc/SubsetSps.h"
 #include "bitstream/hevc/ParameterSets.h"
 #include "bitstream/hevc/SmallUnits.h"
+#include "bitstream/sei/SeiEdit.h"
 #include "bitstream/sei/SeiMessages.h"
 #include "bitstream/units/CodecProbe.h"
 #include "bitstream/units/ConfigurationRecord.h"
@@ -614,6 +615,14 @@ void readEveryMessage(const Bytes& bytes) {
     require(messages > 0, "SeiMessages");
 }
 
+void removeEveryOther(const Bytes& bytes) {
+    std::vector<uint8_t> out;
+    size_t messages = 0;
+    qv::sei::removeMessages(borrowed(bytes), qv::Codec::Avc, out,
+                            [&messages](const qv::SeiMessage&) { return messages++ % 2 == 0; });
+    require(messages > 0 || out == bytes, "removeMessages");
+}
+
 // A payload that takes nearly the whole unit.
 Bytes oneSeiPayload(size_t size) {
     Bytes unit = {0x06, 0x05};
@@ -637,6 +646,7 @@ void growSeiMessages() {
     };
     for (const auto& [name, input] : units) {
         grow(std::string("SeiMessages, ") + name, kSize, input, readEveryMessage);
+        grow(std::string("removeMessages, ") + name, kSize, input, removeEveryOther);
     }
 }
 

@@ -34,6 +34,9 @@ void addUnit(Seeds& seeds, const Bytes& unit, bool isHevc) {
     if (isHevc ? type >= 32 && type <= 38 : type >= 7 && type <= 15) {
         add(seeds, "bitstream_rewrite_fuzz", {isHevc ? uint8_t{1} : kAvc420}, unit);
     }
+    if (isHevc ? type == 39 || type == 40 : type == 6) {
+        add(seeds, "bitstream_edit_fuzz", {isHevc ? uint8_t{1} : uint8_t{0}, 0x55, 0x55, 0x55, 0x55}, unit);
+    }
     if (isHevc && type == 33) {
         add(seeds, "hevc_sps_fuzz", {}, unit);
     } else if (isHevc && (type == 39 || type == 40)) {
@@ -129,6 +132,9 @@ void addMessages(Seeds& seeds) {
         add(seeds, "avc_sei_fuzz", {1, static_cast<uint8_t>(payloadType), 3, 1, 0, 0, 0, 0, 0, 0, 0, 1},
             unit);
         add(seeds, "hevc_sei_fuzz", {1, static_cast<uint8_t>(payloadType), 0}, unit);
+        const Bytes twice = seiUnit({seiMessage(payloadType, payload), seiMessage(5, payload)});
+        add(seeds, "bitstream_edit_fuzz", {0, 0, 0, 0, 1, 0x06}, twice);
+        add(seeds, "bitstream_edit_fuzz", {1, 0, 0, 0, 2, 0x4E, 0x01}, twice);
         for (uint8_t parser = 0; parser < 22; ++parser) {
             add(seeds, "sei_payload_fuzz", {parser, 0, 0, 1, static_cast<uint8_t>(payload.size())}, payload);
         }

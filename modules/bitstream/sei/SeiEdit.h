@@ -2,12 +2,14 @@
 /// SEI units built from messages, messages removed, inserted and replaced, and the place of a new message or
 /// unit in its access unit (H.264 7.3.2.3 and 7.4.1.2.3, H.265 7.3.2.4 and 7.4.2.4.4).
 ///
-/// Positions count the messages of a unit from 0. What is nested in a message is part of its payload, and is
-/// looked into only by the removeMessages() that says so. A
-/// message whose payload is cut counts; the bytes of one that is cut before its payload begins are none, and
-/// belong to what follows the messages. An edit that changes nothing leaves the unit as it is, byte for byte.
-/// Otherwise the other messages and what follows them keep their bytes, except for emulation prevention bytes
-/// where two parts meet. Of a damaged unit:
+/// Positions count the messages of a unit from 0. Messages that are nested in another one are part of its
+/// payload; only the removeMessages() with the parameter \p nestedIn looks at them. A message whose payload
+/// is cut counts. The bytes of one that is cut before its payload do not; they belong to what follows the
+/// messages.
+///
+/// An edit that changes nothing leaves the unit as it is, byte for byte. Otherwise the other messages and
+/// what follows them keep their bytes, except for emulation prevention bytes where two parts meet. Of a
+/// damaged unit:
 ///
 /// - A message whose payload is cut (SeiFault::PayloadCut) is kept with its payloadSize. When it is removed,
 ///   rbsp_trailing_bits() follow the messages before it. One of type 128 at the start of a unit reads as
@@ -23,7 +25,8 @@
 /// or not.
 ///
 /// Units are appended to a list of bytes. The bytes that a function reads may not be in that list. Work is
-/// linear in the size of the unit; nothing is allocated except by the list.
+/// linear in the size of the unit. Nothing is allocated except by the list, and for payloads that are written
+/// from records or without nested messages.
 #ifndef QV_BITSTREAM_SEI_SEIEDIT_H
 #define QV_BITSTREAM_SEI_SEIEDIT_H
 
@@ -334,10 +337,10 @@ size_t placeOfMessage(Bytes unit, Codec codec, uint64_t payloadType) noexcept;
 /// of those SEI units that has a message that comes after that one. An H.265 suffix SEI unit belongs after
 /// the last slice segment and the suffix SEI units that follow it.
 ///
-/// \param units        the units of the access unit in order, of a walk or from nalUnitOf()
-/// \param count        how many there are
+/// \param units          the units of the access unit in order, of a walk or from nalUnitOf()
+/// \param count          how many there are
 /// \param nal_unit_type  of the new unit: in H.265 prefix or suffix SEI; not looked at in H.264
-/// \param payloadType  of its first message
+/// \param payloadType    of its first message
 /// \return the unit before which it belongs, counted from 0; \p count at the end, also for a suffix SEI unit
 ///         when there is no slice segment
 size_t placeOfSeiUnit(const NalUnit* units, size_t count, Codec codec, uint32_t nal_unit_type,

@@ -14,65 +14,13 @@
 #include "FileUnits.h"
 #include "SeiUnits.h"
 #include "StreamFolder.h"
-#include "TraceHeaders.h"
+#include "WitnessMessages.h"
 
 using qv::Codec;
 
 namespace qv_test {
 
 namespace {
-
-struct Message {
-    uint64_t firstBit = 0;
-    uint64_t payloadBit = 0;
-    uint64_t payloadType = 0;
-    uint64_t payloadSize = 0;
-};
-
-std::string textOf(const Message& message) {
-    return "type " + std::to_string(message.payloadType) + ", " + std::to_string(message.payloadSize) +
-           " bytes at bit " + std::to_string(message.firstBit) + ", payload at bit " +
-           std::to_string(message.payloadBit);
-}
-
-std::vector<std::string> textsOf(const std::vector<Message>& messages) {
-    std::vector<std::string> texts;
-    std::transform(messages.begin(), messages.end(), std::back_inserter(texts),
-                   [](const Message& message) { return textOf(message); });
-    return texts;
-}
-
-// The filter's elements: ff_byte as often as it comes, last_payload_type_byte, ff_byte,
-// last_payload_size_byte, and the payload.
-std::vector<Message> messagesOf(const WitnessTrace& trace) {
-    std::vector<Message> messages;
-    Message message;
-    uint64_t sum = 0;
-    bool isInHeader = false;
-    for (const WitnessElement& element : trace.elements) {
-        const bool isLastOfType = element.name == "last_payload_type_byte";
-        const bool isLastOfSize = element.name == "last_payload_size_byte";
-        if (element.name != "ff_byte" && !isLastOfType && !isLastOfSize) {
-            continue;
-        }
-        if (!isInHeader) {
-            message.firstBit = element.firstBit;
-            isInHeader = true;
-        }
-        sum += static_cast<uint64_t>(element.value);
-        if (isLastOfType) {
-            message.payloadType = sum;
-            sum = 0;
-        } else if (isLastOfSize) {
-            message.payloadSize = sum;
-            message.payloadBit = element.firstBit + element.width;
-            messages.push_back(message);
-            sum = 0;
-            isInHeader = false;
-        }
-    }
-    return messages;
-}
 
 struct Counts {
     size_t units = 0;
@@ -83,13 +31,13 @@ struct Counts {
 
 // Of a unit in which the filter stops, the messages before that place are compared.
 void compareUnit(qv::Bytes unit, Codec codec, const WitnessTrace& trace, Counts& counts) {
-    std::vector<Message> ours;
+    std::vector<WitnessMessage> ours;
     for (const qv::SeiMessage& message : qv::SeiMessages(unit, codec)) {
         counts.faults += message.ok() ? 0U : 1U;
         ours.push_back({8 * uint64_t{message.rbspOffset}, 8 * uint64_t{message.rbspPayloadOffset},
                         message.payloadType, message.payloadSize});
     }
-    const std::vector<Message> theirs = messagesOf(trace);
+    const std::vector<WitnessMessage> theirs = messagesOf(trace);
     if (!trace.complaint.empty()) {
         ++counts.stopped;
         EXPECT_LE(theirs.size(), ours.size()) << trace.complaint;
