@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <deque>
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "AllocationCount.h"
@@ -14,14 +15,17 @@
 #include "Pools.h"
 #include "QVCoreStandalone.h"
 #include "QVNaluParser.h"
+#include "SeiStreams.h"
 #include "bitstream/avc/AccessUnitDelimiter.h"
 #include "bitstream/avc/EndOfSequence.h"
 #include "bitstream/avc/FillerData.h"
 #include "bitstream/avc/ParameterSets.h"
 #include "bitstream/avc/PrefixNalUnit.h"
 #include "bitstream/avc/SubsetSps.h"
+#include "bitstream/avc/Unit.h"
 #include "bitstream/hevc/ParameterSets.h"
 #include "bitstream/hevc/SmallUnits.h"
+#include "bitstream/hevc/Unit.h"
 #include "bitstream/sei/SeiEdit.h"
 #include "bitstream/sei/SeiMessages.h"
 #include "bitstream/units/CodecProbe.h"
@@ -650,6 +654,119 @@ void growSeiMessages() {
     }
 }
 
+// --- SEI units traced and rewritten, with parameter sets in force ---
+
+constexpr unsigned kSeiTypes = 206;  // H.264 and H.265 define types up to 205
+
+// Only counts.
+class CountingVisitor : public qv::TraceVisitor {
+public:
+    void element(const qv::TracedElement& element) override { bits += element.width; }
+    uint64_t bits = 0;
+};
+
+template <class Sets>
+struct SeiUse {
+    qv::UnitTrace (*traceUnit)(qv::Bytes, const Sets&, qv::TraceVisitor&);
+    qv::UnitRewritten (*rewriteUnit)(qv::Bytes, const Sets&, std::vector<uint8_t>&);
+    Sets sets;
+
+    void traceAndRewrite(const Bytes& unit) const {
+        CountingVisitor visitor;
+        traceUnit(borrowed(unit), sets, visitor);
+        require(visitor.bits != 0, "a trace has elements");
+        std::vector<uint8_t> out;
+        out.reserve(unit.size());
+        rewriteUnit(borrowed(unit), sets, out);
+    }
+};
+
+// A message of each type in turn, whose payload of 16 bytes repeats a pattern.
+std::function<Bytes(size_t)> messagesOfEveryType(const Bytes& header, const Bytes& pattern) {
+    constexpr size_t kPayload = 16;
+    Bytes messages;
+    for (unsigned type = 0; type < kSeiTypes; ++type) {
+        const Bytes payload = repeated({}, pattern)(kPayload);
+        messages.push_back(static_cast<unsigned char>(type));
+        messages.push_back(kPayload);
+        messages.insert(messages.end(), payload.begin(), payload.end());
+    }
+    return repeated(header, messages);
+}
+
+// A header and a payload that takes the rest of the unit, whose type is filled in later.
+std::function<Bytes(size_t)> onePayload(const Bytes& header, const Bytes& pattern) {
+    return [=](size_t size) {
+        Bytes unit = header;
+        unit.push_back(0);
+        const size_t left = size - unit.size() - 1;
+        const size_t payload = left - left / 255 - 1;
+        unit.insert(unit.end(), payload / 255, 0xFF);
+        unit.push_back(static_cast<unsigned char>(payload % 255));
+        unit = repeated(unit, pattern)(size);
+        unit.back() = 0x80;
+        return unit;
+    };
+}
+
+template <class Sets>
+void growSeiUses(const SeiUse<Sets>& use, const char* name, const Bytes& header) {
+    const struct {
+        const char* name;
+        Bytes bytes;
+    } patterns[] = {{"zeros", {0}}, {"ones", {0xFF}}, {"00 00 03", {0, 0, 3, 0x55}}, {"80", {0x80}}};
+    const auto call = [&use](const Bytes& unit) { use.traceAndRewrite(unit); };
+    for (const auto& pattern : patterns) {
+        grow(std::string(name) + ", messages of every type, " + pattern.name, kSize,
+             messagesOfEveryType(header, pattern.bytes), call);
+        grow(std::string(name) + ", a long payload of every type, " + pattern.name, kSize / 16,
+             onePayload(header, pattern.bytes), [&use, &header](const Bytes& unit) {
+                 for (unsigned type = 0; type < kSeiTypes; ++type) {
+                     Bytes ofType = unit;
+                     ofType[header.size()] = static_cast<unsigned char>(type);
+                     use.traceAndRewrite(ofType);
+                 }
+             });
+    }
+    grow(std::string(name) + ", no payloads", kSize, closed(repeated(header, {3, 0}), {0x80}), call);
+    grow(std::string(name) + ", ff_bytes", kSize, repeated(header, {0xFF}), call);
+}
+
+// all_layers_flag 1, and messages without bytes in the rest of the payload.
+Bytes nestedMessages(size_t size) {
+    Bytes unit = onePayload({0x4E, 1}, {3, 0})(size);
+    unit[2] = 133;
+    for (size_t i = 3; i + 1 < size; ++i) {
+        if (unit[i] != 0xFF) {
+            unit[i + 1] = 0x20;
+            break;
+        }
+    }
+    return unit;
+}
+
+template <class Sets>
+void takeSets(Sets& sets, qv::Codec codec, const Bytes& stream) {
+    for (const qv::NalUnit& unit : qv::NalUnits(borrowed(stream), qv::Framing::StartCodes, codec)) {
+        require(sets.take(unit.bytes).event != qv::SetEvent::Broken, "a parameter set");
+    }
+}
+
+void growSeiUnits() {
+    const auto avc = std::make_unique<SeiUse<qv::avc::ParameterSets>>();
+    avc->traceUnit = qv::avc::traceUnit;
+    avc->rewriteUnit = qv::avc::rewriteUnit;
+    takeSets(avc->sets, qv::Codec::Avc, qv_test::avcSetsForSei());
+    growSeiUses(*avc, "avc::traceUnit and rewriteUnit", {0x06});
+    const auto hevc = std::make_unique<SeiUse<qv::hevc::ParameterSets>>();
+    hevc->traceUnit = qv::hevc::traceUnit;
+    hevc->rewriteUnit = qv::hevc::rewriteUnit;
+    takeSets(hevc->sets, qv::Codec::Hevc, qv_test::hevcSetsForSei());
+    growSeiUses(*hevc, "hevc::traceUnit and rewriteUnit", {0x4E, 0x01});
+    grow("hevc::traceUnit and rewriteUnit, nested messages", kSize, nestedMessages,
+         [&hevc](const Bytes& unit) { hevc->traceAndRewrite(unit); });
+}
+
 template <class Sets>
 void takeEveryUnit(qv::Codec codec, const Bytes& bytes) {
     Sets sets;
@@ -687,5 +804,6 @@ int main() {
     growConfigurationRecords();
     growUnits();
     growSeiMessages();
+    growSeiUnits();
     growParameterSetsInForce();
 }

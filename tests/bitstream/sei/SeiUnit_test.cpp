@@ -8,12 +8,15 @@
 #include <string>
 #include <vector>
 
+#include "MemoryChecks.h"
+#include "SeiStreams.h"
 #include "SeiUnits.h"
 #include "StructureChecks.h"
 #include "bitstream/avc/Unit.h"
 #include "bitstream/hevc/Unit.h"
 #include "bitstream/sei/HevcLayers.h"
 #include "bitstream/sei/UserData.h"
+#include "bitstream/units/NalUnits.h"
 
 namespace {
 
@@ -231,6 +234,82 @@ TEST_F(SeiUnit, tenThousandMessages) {
     }
 }
 
+// --- With parameter sets in force ---
+
+// Messages of types with fields, with bytes, with messages and without a record, and of many zero bytes.
+Buffer randomMessages(Random& random, Codec codec, bool isNested = false) {
+    constexpr uint64_t kTypes[] = {3, 4, 5, 144, 199, 0x100, 0x300};
+    Buffer messages;
+    for (uint64_t left = 1 + random() % 4; left > 0; --left) {
+        if (codec == Codec::Hevc && !isNested && random() % 4 == 0) {
+            Buffer nested = randomMessages(random, codec, true);
+            nested.insert(nested.begin(), 0x20);
+            appendSeiMessage(messages, 133, nested);
+            continue;
+        }
+        const uint64_t type = kTypes[random() % (sizeof kTypes / sizeof kTypes[0])];
+        Buffer payload(type == 144 ? 4 : type == 5 ? 16 + random() % 8 : 2 + random() % 20);
+        for (uint8_t& byte : payload) {
+            byte = random() % 3 != 0 ? 0 : static_cast<uint8_t>(random() % 5);
+        }
+        appendSeiMessage(messages, type, payload);
+    }
+    return messages;
+}
+
+class SeiUnitWithSets : public SeiUnit {
+protected:
+    SeiUnitWithSets() {
+        takeSets(*avc, Codec::Avc, avcSetsForSei());
+        takeSets(*hevc, Codec::Hevc, hevcSetsForSei());
+    }
+
+    template <class Sets>
+    static void takeSets(Sets& sets, Codec codec, const Buffer& stream) {
+        for (const qv::NalUnit& unit : qv::NalUnits(bytesOf(stream), qv::Framing::StartCodes, codec)) {
+            sets.take(unit.bytes);
+        }
+    }
+};
+
+TEST_F(SeiUnitWithSets, aPayloadWhoseSyntaxDependsOnThem) {
+    // lnp_sei_active_vps_id 0 of two layers, layer_not_present_flag 1 and 0, the end of the payload
+    const Buffer unit = hex("4E 01 A0 01 0A 80");
+    RecordingVisitor visitor;
+    EXPECT_TRUE(trace(unit, Codec::Hevc, visitor).ok());
+    ASSERT_GT(visitor.elements.size(), 8U);
+    EXPECT_EQ(textOf(visitor.elements[7]), "36 1 layer_not_present_flag[0] 1");
+    EXPECT_EQ(faultOfRewriting(unit, Codec::Hevc), "rewritten");
+    // There is no VPS 15.
+    const char* const kFault =
+        "lnp_sei_active_vps_id in layers_not_present() (F.14.2.3) at bit 36: there is no parameter set 15";
+    EXPECT_EQ(qv::textOf(trace(hex("4E 01 A0 01 FA 80"), Codec::Hevc, visitor).fault), kFault);
+    EXPECT_EQ(faultOfRewriting(hex("4E 01 A0 01 FA 80"), Codec::Hevc), kFault);
+}
+
+TEST_F(SeiUnitWithSets, noAllocationAndNoByteOutside) {
+    for (const Codec codec : kCodecs) {
+        MemoryCheck check({{"trace", [&](qv::Bytes unit) {
+                                SummingVisitor visitor;
+                                return codec == Codec::Avc ? qv::avc::traceUnit(unit, *avc, visitor).ok()
+                                                           : qv::hevc::traceUnit(unit, *hevc, visitor).ok();
+                            }}});
+        Random random(14);
+        check.checkVariants(seiUnitOf(codec, 3, {0xFF}), random);
+        for (int round = 0; round < unitRounds(20) && !HasFailure(); ++round) {
+            check.checkVariants(seiUnitOf(codec, randomMessages(random, codec)), random);
+        }
+        for (unsigned type = 0; type < 256 && !HasFailure(); ++type) {
+            Buffer payload(4 + random() % 24);
+            for (uint8_t& byte : payload) {
+                byte = static_cast<uint8_t>(random() % 3 != 0 ? random() & 0x91 : 0);
+            }
+            check.checkVariants(seiUnitOf(codec, type, payload), random);
+        }
+        check.expectEverythingWasUsed();
+    }
+}
+
 // --- Messages in the payload of another one ---
 
 TEST_F(SeiUnit, nestedMessagesAreTraced) {
@@ -291,27 +370,6 @@ TEST_F(SeiUnit, nestedMessagesAfterOneWithAFault) {
 
 // --- Emulation prevention bytes in every place ---
 
-// Messages of types with fields, with bytes, with messages and without a record, and of many zero bytes.
-Buffer randomMessages(Random& random, Codec codec, bool isNested = false) {
-    constexpr uint64_t kTypes[] = {3, 4, 5, 144, 199, 0x100, 0x300};
-    Buffer messages;
-    for (uint64_t left = 1 + random() % 4; left > 0; --left) {
-        if (codec == Codec::Hevc && !isNested && random() % 4 == 0) {
-            Buffer nested = randomMessages(random, codec, true);
-            nested.insert(nested.begin(), 0x20);
-            appendSeiMessage(messages, 133, nested);
-            continue;
-        }
-        const uint64_t type = kTypes[random() % (sizeof kTypes / sizeof kTypes[0])];
-        Buffer payload(type == 144 ? 4 : type == 5 ? 16 + random() % 8 : 2 + random() % 20);
-        for (uint8_t& byte : payload) {
-            byte = random() % 3 != 0 ? 0 : static_cast<uint8_t>(random() % 5);
-        }
-        appendSeiMessage(messages, type, payload);
-    }
-    return messages;
-}
-
 // Every element is where the slow walk finds its bits, and no bit of the unit is left out.
 void expectElementsAt(const std::vector<qv::TracedElement>& elements, const Buffer& unit,
                       size_t headerBytes) {
@@ -321,7 +379,7 @@ void expectElementsAt(const std::vector<qv::TracedElement>& elements, const Buff
         ASSERT_EQ(element.firstBit, next);
         uint64_t bits = 0;
         for (uint32_t i = 0; i < element.width; ++i, ++next) {
-            bits = bits << 1 | (unit[codedBytes[next / 8]] >> (7 - next % 8) & 1U);
+            bits = bits << 1 | (uint32_t{unit[codedBytes[next / 8]]} >> (7 - next % 8) & 1U);
         }
         ASSERT_EQ(element.bits, bits) << textOf(element);
         ASSERT_EQ(element.codedByte, codedBytes[element.firstBit / 8]) << textOf(element);
