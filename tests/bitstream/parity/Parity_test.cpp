@@ -40,6 +40,9 @@ constexpr Alias kAliases[] = {
     {"bit_equal_to_zero", "payload_bit_equal_to_zero"},
     // The name in H.264; H.265 E.2.1 shortens it.
     {"matrix_coefficients", "matrix_coeffs"},
+    // The names of H.264 D.1.1; H.265 D.2.1 has longer ones.
+    {"bit_equal_to_one", "payload_bit_equal_to_one"},
+    {"bit_equal_to_zero", "payload_bit_equal_to_zero"},
 };
 
 // A unit where the traces part, and the filter's last element before that.

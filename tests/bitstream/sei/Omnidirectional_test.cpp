@@ -193,6 +193,24 @@ TEST(SeiOmnidirectional, noRegionsAfterAFault) {
     EXPECT_TRUE(entriesOf(packedRegionsOf(packing)).empty());
 }
 
+// Identifier 5, one viewport to the left and up, 90 degrees wide and 60 high.
+TEST(SeiOmnidirectional, viewport) {
+    BitWriter bits;
+    bits.u(10, "omni_viewport_id", 5).u(1, "omni_viewport_cancel_flag", 0);
+    bits.u(1, "omni_viewport_persistence_flag", 1).u(4, "omni_viewport_cnt_minus1", 0);
+    bits.u(32, "omni_viewport_azimuth_centre[ 0 ]", 0xFFFF0000)
+        .u(32, "omni_viewport_elevation_centre[ 0 ]", 32768);
+    bits.u(32, "omni_viewport_tilt_centre[ 0 ]", 0).u(32, "omni_viewport_hor_range[ 0 ]", 90 * 65536);
+    bits.u(32, "omni_viewport_ver_range[ 0 ]", 60 * 65536);
+    const auto read = readPayloadOf<OmniViewport>(unitOfPayload(bits.bytes()), Context(Codec::Hevc));
+    ASSERT_TRUE(read.ok()) << qv::textOf(read.fault);
+    EXPECT_EQ(read.record.omni_viewport_id, 5U);
+    EXPECT_EQ(read.record.omni_viewport_azimuth_centre[0], -65536);
+    EXPECT_EQ(read.record.omni_viewport_elevation_centre[0], 32768);
+    EXPECT_EQ(read.record.omni_viewport_hor_range[0], 90U * 65536);
+    EXPECT_EQ(read.record.omni_viewport_ver_range[0], 60U * 65536);
+}
+
 TEST(SeiOmnidirectional, activeAreaOfAFisheyePicture) {
     BitWriter bits;
     bits.u(1, "fisheye_cancel_flag", 0).u(1, "fisheye_persistence_flag", 1);
