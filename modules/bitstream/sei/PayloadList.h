@@ -6,9 +6,12 @@
 
 #include "bitstream/Codec.h"
 #include "bitstream/sei/ActiveParameterSets.h"
+#include "bitstream/sei/AlternativeDepth.h"
 #include "bitstream/sei/AnnotatedRegions.h"
+#include "bitstream/sei/AvcScalableNesting.h"
 #include "bitstream/sei/ColourRemapping.h"
 #include "bitstream/sei/ColourVolume.h"
+#include "bitstream/sei/DepthRepresentation.h"
 #include "bitstream/sei/Display.h"
 #include "bitstream/sei/FilmGrain.h"
 #include "bitstream/sei/FilterHints.h"
@@ -16,25 +19,33 @@
 #include "bitstream/sei/FullFrame.h"
 #include "bitstream/sei/GreenMetadata.h"
 #include "bitstream/sei/HevcLayers.h"
+#include "bitstream/sei/LayerSets.h"
+#include "bitstream/sei/MultiviewScene.h"
 #include "bitstream/sei/Omnidirectional.h"
 #include "bitstream/sei/PayloadUses.h"
 #include "bitstream/sei/PictureDisplay.h"
 #include "bitstream/sei/PictureHash.h"
 #include "bitstream/sei/PictureMarking.h"
 #include "bitstream/sei/PictureStructure.h"
+#include "bitstream/sei/QualityLayers.h"
 #include "bitstream/sei/RandomAccess.h"
+#include "bitstream/sei/ReferenceDisplays.h"
 #include "bitstream/sei/RegionalNesting.h"
+#include "bitstream/sei/ScalabilityInfo.h"
 #include "bitstream/sei/SceneInfo.h"
 #include "bitstream/sei/SeiManifest.h"
 #include "bitstream/sei/ShutterInterval.h"
 #include "bitstream/sei/SignedContent.h"
 #include "bitstream/sei/SliceGroupSet.h"
 #include "bitstream/sei/SubSequences.h"
+#include "bitstream/sei/TemporalHrd.h"
 #include "bitstream/sei/TileSets.h"
 #include "bitstream/sei/TimeCode.h"
 #include "bitstream/sei/Timing.h"
 #include "bitstream/sei/ToneMapping.h"
 #include "bitstream/sei/UserData.h"
+#include "bitstream/sei/ViewScalability.h"
+#include "bitstream/sei/ViewSets.h"
 
 namespace qv::sei {
 
@@ -77,7 +88,15 @@ using RegionPayloads =
                 AnnotatedRegions, DigitallySignedContentInitialization, DigitallySignedContentSelection,
                 DigitallySignedContentVerification>;
 
-using ViewPayloads = PayloadList<>;
+using ViewPayloads =
+    PayloadList<ScalabilityInfo, SubPicScalableLayer, NonRequiredLayerRep, PriorityLayerInfo,
+                AvcLayersNotPresent, LayerDependencyChange, AvcScalableNesting, BaseLayerTemporalHrd,
+                QualityLayerIntegrityCheck, RedundantPicProperty, Tl0DepRepIndex, TlSwitchingPoint,
+                MvcScalableNesting, ViewScalabilityInfo, MultiviewSceneInfo, MultiviewAcquisitionInfo,
+                NonRequiredViewComponent, OperationPointNotPresent, BaseViewTemporalHrd,
+                MultiviewViewPosition, MvcdScalableNesting, MvcdViewScalabilityInfo, DepthRepresentationInfo,
+                ThreeDimensionalReferenceDisplaysInfo, DepthTiming, DepthSamplingInfo,
+                ConstrainedDepthParameterSetIdentifier, AlternativeDepthInfo>;
 
 using LayerPayloads =
     PayloadList<HevcScalableNesting, LayersNotPresent, InterLayerConstrainedTileSets, BspNesting,

@@ -3,6 +3,8 @@
 #ifndef QV_BITSTREAM_SEI_SEICONTEXT_H
 #define QV_BITSTREAM_SEI_SEICONTEXT_H
 
+#include <cstdint>
+
 #include "bitstream/Codec.h"
 #include "bitstream/avc/ParameterSets.h"
 #include "bitstream/hevc/ParameterSets.h"
@@ -27,6 +29,10 @@ struct Context {
     const avc::SpsData* avcSps = nullptr;  ///< H.264: the SPS of the picture that the messages belong to
     const avc::Pps* avcPps = nullptr;      ///< H.264: the PPS of that picture
     const hevc::Sps* hevcSps = nullptr;    ///< H.265: the SPS of the picture that the messages belong to
+
+    /// H.265: the views that a message applies to, minus 1 (G.14.3.6). For a message in the payload of a
+    /// scalable nesting message that is nesting_num_layers_minus1.
+    uint32_t numViewsMinus1 = 0;
 
     /// No parameter sets.
     explicit Context(Codec codecOfUnit) noexcept : codec(codecOfUnit) {}

@@ -82,6 +82,20 @@ public:
         }
     }
 
+    /// u(n), n of 0 to 63.
+    template <class Name>
+    void u_long(uint32_t n, const Name& name, uint64_t& field) noexcept {
+        constexpr uint32_t kHalf = 32;
+        const uint64_t firstBit = position();
+        const bool hadFailed = failed();
+        const uint64_t high = n > kHalf ? bits(n - kHalf, name) : 0;
+        const uint64_t low = bits(n > kHalf ? kHalf : n, name);
+        field = failed() ? 0 : high << kHalf | low;
+        if (failed() && !hadFailed) {
+            fault_.firstBit = firstBit;
+        }
+    }
+
     /// u(1).
     template <class Name>
     QV_ALWAYS_INLINE void flag(const Name& name, bool& field) noexcept {

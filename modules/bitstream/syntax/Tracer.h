@@ -42,6 +42,12 @@ public:
     }
 
     template <class Name>
+    void u_long(uint32_t n, const Name& name, uint64_t& field) {
+        reader_.u_long(n, name, field);
+        report(detail::elementOf(name), Descriptor::u, n, field);
+    }
+
+    template <class Name>
     void flag(const Name& name, bool& field) {
         reader_.flag(name, field);
         report(detail::elementOf(name), Descriptor::u, 1, field ? 1 : 0);

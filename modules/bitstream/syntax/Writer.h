@@ -34,6 +34,11 @@ public:
     }
 
     template <class Name>
+    void u_long(uint32_t n, const Name& name, uint64_t& field) {
+        u(n, name, field);
+    }
+
+    template <class Name>
     void flag(const Name& name, bool& field) {
         static_cast<void>(name);
         put(1, field ? 1 : 0);

@@ -83,6 +83,11 @@ public:
     }
 
     template <class Name>
+    void u_long(uint32_t n, const Name& name, uint64_t& field) {
+        u(n, name, field);
+    }
+
+    template <class Name>
     void flag(const Name& name, bool& field) {
         u(1, name, field);
     }

@@ -282,6 +282,18 @@ const Descriptor kDescriptors[] = {
          s.u(56, "element", x);
          return static_cast<int64_t>(x);
      }},
+    {"u_long(63)", 63, 0,
+     [](Reader& s) {
+         uint64_t x = 9;
+         s.u_long(63, "element", x);
+         return static_cast<int64_t>(x);
+     }},
+    {"u_long(32)", 32, 0,
+     [](Reader& s) {
+         uint64_t x = 9;
+         s.u_long(32, "element", x);
+         return static_cast<int64_t>(x);
+     }},
     {"u(5) with a range", 5, 0,
      [](Reader& s) {
          uint16_t x = 9;
@@ -543,6 +555,21 @@ TEST(Reader, rangesAndTheirFaults) {
         EXPECT_EQ(reader.fault().least, row.least);
         EXPECT_EQ(reader.fault().most, row.most);
         EXPECT_EQ(reader.fault().firstBit, 8U);
+    }
+}
+
+TEST(Reader, longNumbersOfEveryWidth) {
+    for (uint32_t n = 0; n <= 63; ++n) {
+        const uint64_t value = uint64_t{0x6A5B4C3D2E1F9078} >> 1 >> (63 - n);
+        BitWriter bits;
+        bits.u(8, "header", 0x67).u(n, "value", value).trailingBits();
+        const Bytes unit = withEmulationPrevention(bits.bytes());
+        Reader reader(bytesOf(unit));
+        skipHeader(reader, 1);
+        uint64_t read = 9;
+        reader.u_long(n, "value", read);
+        EXPECT_EQ(read, value) << "u(" << n << ")";
+        EXPECT_FALSE(reader.more_rbsp_data());
     }
 }
 
