@@ -52,7 +52,8 @@ struct Hdr10PlusWindow {
     uint32_t color_saturation_weight;    ///< u(6), in units of 1/8
 };
 
-/// Dynamic metadata of one picture for colour volume transform application 4.
+/// Dynamic metadata of one picture for colour volume transform application 4. In a message of another owner
+/// the first code that differs has the fault OutOfRange.
 struct Hdr10Plus {
     static constexpr PayloadTypes kPayloadTypes = {4, 4};    ///< payloadType
     static constexpr T35Owner kOwner = T35Owner::Hdr10Plus;  ///< codes B5:003C, 0x0001

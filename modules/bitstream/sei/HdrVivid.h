@@ -55,7 +55,8 @@ struct HdrVividToneMapping {
     }
 };
 
-/// Dynamic metadata of one picture.
+/// Dynamic metadata of one picture. In a message of another owner the first code that differs has the fault
+/// OutOfRange.
 struct HdrVivid {
     static constexpr PayloadTypes kPayloadTypes = {4, 4};   ///< payloadType
     static constexpr T35Owner kOwner = T35Owner::HdrVivid;  ///< codes 26:0004, 0x0005

@@ -26,21 +26,20 @@ uint32_t digitOf(char c) {
     return digit < kLower.size() ? static_cast<uint32_t>(digit) : 16;
 }
 
-// Takes a number of that many digits off the text.
-bool takeHex(std::string_view& text, size_t digits, uint32_t& value) {
-    value = 0;
-    if (text.size() < digits) {
-        return false;
+// The value of a number of at most that many digits; none for another text.
+std::optional<uint32_t> hexNumberOf(std::string_view text, size_t mostDigits) {
+    if (text.empty() || text.size() > mostDigits) {
+        return std::nullopt;
     }
-    for (const char c : text.substr(0, digits)) {
+    uint32_t value = 0;
+    for (const char c : text) {
         const uint32_t digit = digitOf(c);
         if (digit > 0xF) {
-            return false;
+            return std::nullopt;
         }
         value = value << 4 | digit;
     }
-    text.remove_prefix(digits);
-    return true;
+    return value;
 }
 
 CodedBits restOf(Reader reader) {
@@ -57,23 +56,33 @@ std::string textOf(const T35Code& code) {
     if (code.itu_t_t35_country_code == T35Code::kExtendedCountry) {
         appendHex(code.itu_t_t35_country_code_extension_byte, kCountryDigits, text);
     }
-    text += ':';
-    appendHex(code.itu_t_t35_terminal_provider_code, kProviderDigits, text);
+    if (code.itu_t_t35_terminal_provider_code) {
+        text += ':';
+        appendHex(*code.itu_t_t35_terminal_provider_code, kProviderDigits, text);
+    }
     return text;
 }
 
 std::optional<T35Code> t35CodeOf(std::string_view text) noexcept {
+    const size_t colon = text.find(':');
+    const std::optional<uint32_t> country = hexNumberOf(text.substr(0, colon), 2 * kCountryDigits);
+    if (!country) {
+        return std::nullopt;
+    }
     T35Code code;
-    bool isCode = takeHex(text, kCountryDigits, code.itu_t_t35_country_code);
-    if (isCode && code.itu_t_t35_country_code == T35Code::kExtendedCountry) {
-        isCode = takeHex(text, kCountryDigits, code.itu_t_t35_country_code_extension_byte);
-    }
-    if (!isCode || text.empty() || text.front() != ':') {
+    if (*country >> 8 == T35Code::kExtendedCountry) {
+        code.itu_t_t35_country_code = T35Code::kExtendedCountry;
+        code.itu_t_t35_country_code_extension_byte = *country & 0xFFU;
+    } else if (*country < T35Code::kExtendedCountry) {
+        code.itu_t_t35_country_code = *country;
+    } else {
         return std::nullopt;
     }
-    text.remove_prefix(1);
-    if (!takeHex(text, kProviderDigits, code.itu_t_t35_terminal_provider_code) || !text.empty()) {
-        return std::nullopt;
+    if (colon != std::string_view::npos) {
+        code.itu_t_t35_terminal_provider_code = hexNumberOf(text.substr(colon + 1), kProviderDigits);
+        if (!code.itu_t_t35_terminal_provider_code) {
+            return std::nullopt;
+        }
     }
     return code;
 }
@@ -84,17 +93,22 @@ T35 t35Of(const UserDataRegistered& message) noexcept {
     t35.code.itu_t_t35_country_code_extension_byte = message.itu_t_t35_country_code_extension_byte;
     Reader reader(message.itu_t_t35_payload_byte);
     t35.body = message.itu_t_t35_payload_byte;
-    reader.u(16, "itu_t_t35_terminal_provider_code", t35.code.itu_t_t35_terminal_provider_code);
+    uint32_t provider = 0;
+    reader.u(16, "itu_t_t35_terminal_provider_code", provider);
     if (reader.failed()) {
         t35.owner = T35Owner::Cut;
         return t35;
     }
+    t35.code.itu_t_t35_terminal_provider_code = provider;
     t35.body = restOf(reader);
     for (const T35OwnerName& row : kT35Owners) {
+        if (row.code != t35.code) {
+            continue;
+        }
         Reader ahead = reader;
         uint64_t identifier = 0;
         ahead.u(row.identifierBits, "itu_t_t35_terminal_provider_oriented_code", identifier);
-        if (row.code == t35.code && !ahead.failed() && identifier == row.identifier) {
+        if (!ahead.failed() && identifier == row.identifier) {
             t35.owner = row.owner;
             t35.identifierBits = row.identifierBits;
             t35.identifier = identifier;

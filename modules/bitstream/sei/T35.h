@@ -36,25 +36,34 @@ struct T35Code {
     static constexpr uint32_t kExtendedCountry = 0xFF;  ///< a country code that an extension byte follows
 
     uint32_t itu_t_t35_country_code = 0;                 ///< 8 bits
-    uint32_t itu_t_t35_country_code_extension_byte = 0;  ///< 8 bits, with a country code of 0xFF
-    uint32_t itu_t_t35_terminal_provider_code = 0;       ///< 16 bits
+    uint32_t itu_t_t35_country_code_extension_byte = 0;  ///< 8 bits, with a country code of 0xFF, otherwise 0
+
+    /// 16 bits; none in a message that ends before it, and in a code that covers every provider of a country.
+    std::optional<uint32_t> itu_t_t35_terminal_provider_code;
+
+    /// True for a code of the same country, and of the same provider unless this one has none.
+    constexpr bool covers(const T35Code& code) const {
+        return itu_t_t35_country_code == code.itu_t_t35_country_code &&
+               itu_t_t35_country_code_extension_byte == code.itu_t_t35_country_code_extension_byte &&
+               (!itu_t_t35_terminal_provider_code ||
+                itu_t_t35_terminal_provider_code == code.itu_t_t35_terminal_provider_code);
+    }
 
     /// True for the same country and provider.
     friend constexpr bool operator==(const T35Code& a, const T35Code& b) {
-        return a.itu_t_t35_country_code == b.itu_t_t35_country_code &&
-               (a.itu_t_t35_country_code != kExtendedCountry ||
-                a.itu_t_t35_country_code_extension_byte == b.itu_t_t35_country_code_extension_byte) &&
-               a.itu_t_t35_terminal_provider_code == b.itu_t_t35_terminal_provider_code;
+        return a.covers(b) && b.covers(a);
     }
 
     /// True for another country or provider.
     friend constexpr bool operator!=(const T35Code& a, const T35Code& b) { return !(a == b); }
 };
 
-/// Codes as text: country and provider in hexadecimal, `26:0004`; with an extension byte `FF12:0004`.
+/// Codes as text: country and provider in hexadecimal, `26:0004`; with an extension byte `FF12:0004`; without
+/// a provider `26`.
 std::string textOf(const T35Code& code);
 
-/// The codes of such a text, with digits of either case. None for any other text.
+/// The codes of such a text. Digits may be of either case, and leading zeros of each number left out. None
+/// for any other text.
 std::optional<T35Code> t35CodeOf(std::string_view text) noexcept;
 
 /// How an owner is recognised, and its name.
@@ -111,8 +120,8 @@ constexpr const T35OwnerName* t35OwnerNameOf(T35Owner owner) {
 
 /// Who sends a message, and what.
 struct T35 {
-    T35Owner owner = T35Owner::Unknown;  ///< Cut when the message ends before the provider code does
-    T35Code code;                        ///< with Cut, without the provider
+    T35Owner owner = T35Owner::Unknown;  ///< Cut when the message ends before or within the provider code
+    T35Code code;                        ///< of the message
     uint32_t identifierBits = 0;         ///< bits of the identifier of a known owner
     uint64_t identifier = 0;             ///< the identifier of a known owner
     CodedBits body;                      ///< the bytes after the codes and the identifier, borrowed

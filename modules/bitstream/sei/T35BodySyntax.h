@@ -52,7 +52,7 @@ void t35_message(Syntax& s, const Context& context, Body& body) {
 template <class Syntax>
 void t35_codes(Syntax& s, T35Owner owner) {
     const T35OwnerName& row = *t35OwnerNameOf(owner);
-    s.f(16, "itu_t_t35_terminal_provider_code", row.code.itu_t_t35_terminal_provider_code);
+    s.f(16, "itu_t_t35_terminal_provider_code", row.code.itu_t_t35_terminal_provider_code.value_or(0));
     s.f(row.identifierBits, "itu_t_t35_terminal_provider_oriented_code", row.identifier);
 }
 

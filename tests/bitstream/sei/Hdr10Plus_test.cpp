@@ -175,4 +175,16 @@ TEST(SeiHdr10Plus, profiles) {
     EXPECT_EQ(profileOf(metadata), Hdr10PlusProfile::Other);
 }
 
+TEST(SeiHdr10Plus, valuesThatDoNotFitAreNotWritten) {
+    Hdr10Plus metadata = {};
+    metadata.application_identifier = 4;
+    metadata.num_windows = 4;
+    std::vector<uint8_t> out;
+    const qv::Written written = writePayload(metadata, Context(Codec::Hevc), out);
+    EXPECT_EQ(written.fault.kind, qv::FaultKind::OutOfRange);
+    EXPECT_STREQ(written.fault.element.name, "num_windows");
+    EXPECT_TRUE(out.empty());
+    EXPECT_EQ(sizeOfPayload(metadata, Context(Codec::Hevc)).bits, 0U);
+}
+
 }  // namespace

@@ -82,4 +82,29 @@ TEST(SeiHdrVivid, oneSplineByHand) {
     EXPECT_EQ(metadata.padding.count, 1U);
 }
 
+TEST(SeiHdrVivid, valuesThatDoNotFitAreNotWritten) {
+    HdrVivid metadata = {};
+    metadata.system_start_code = 1;
+    metadata.color_saturation_mapping_enable_flag = true;
+    metadata.color_saturation_enable_num = 8;
+    std::vector<uint8_t> out;
+    const qv::Written written = writePayload(metadata, Context(Codec::Avc), out);
+    EXPECT_EQ(written.fault.kind, qv::FaultKind::OutOfRange);
+    EXPECT_STREQ(written.fault.element.name, "color_saturation_enable_num");
+    EXPECT_TRUE(out.empty());
+    EXPECT_EQ(sizeOfPayload(metadata, Context(Codec::Avc)).bits, 0U);
+}
+
+// A count without its flag is no count.
+TEST(SeiHdrVivid, partsWithoutTheirFlagsAreNotWritten) {
+    HdrVivid metadata = {};
+    metadata.system_start_code = 1;
+    metadata.tone_mapping_param_enable_num = 1;
+    metadata.color_saturation_enable_num = 7;
+    std::vector<uint8_t> out;
+    ASSERT_TRUE(writePayload(metadata, Context(Codec::Avc), out).ok());
+    // Six bytes of codes, 48 bits of zeros, two flags.
+    EXPECT_EQ(out, hex("26 0004 0005 01 000000 000000 00"));
+}
+
 }  // namespace

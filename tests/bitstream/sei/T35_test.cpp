@@ -73,10 +73,10 @@ TEST(SeiT35, ownerByCountryProviderAndIdentifier) {
         {"B5 003C 00", T35Owner::Unknown, "B5:003C", 0, 8},
         {"B5 003C", T35Owner::Unknown, "B5:003C", 0, 0},
         {"FF B5 0031 47413934 03", T35Owner::Unknown, "FFB5:0031", 0, 40},
-        {"B5 00", T35Owner::Cut, "B5:0000", 0, 8},
-        {"B5", T35Owner::Cut, "B5:0000", 0, 0},
-        {"FF", T35Owner::Cut, "FF00:0000", 0, 0},
-        {"", T35Owner::Cut, "00:0000", 0, 0},
+        {"B5 00", T35Owner::Cut, "B5", 0, 8},
+        {"B5", T35Owner::Cut, "B5", 0, 0},
+        {"FF", T35Owner::Cut, "FF00", 0, 0},
+        {"", T35Owner::Cut, "00", 0, 0},
     };
     for (const OwnerCase& one : cases) {
         SCOPED_TRACE(one.payload);
@@ -93,16 +93,28 @@ TEST(SeiT35, ownerByCountryProviderAndIdentifier) {
 
 TEST(SeiT35, codesAsText) {
     EXPECT_EQ(t35CodeOf("26:0004"), (T35Code{0x26, 0, 4}));
-    EXPECT_EQ(t35CodeOf("b5:003c"), (T35Code{0xB5, 0, 0x3C}));
+    EXPECT_EQ(t35CodeOf("b5:3c"), (T35Code{0xB5, 0, 0x3C}));
+    EXPECT_EQ(t35CodeOf("5:0"), (T35Code{5, 0, 0}));
     EXPECT_EQ(t35CodeOf("FF12:aBcD"), (T35Code{0xFF, 0x12, 0xABCD}));
+    EXPECT_EQ(t35CodeOf("b4"), (T35Code{0xB4, 0, std::nullopt}));
     EXPECT_NE(t35CodeOf("FF12:ABCD"), (T35Code{0xFF, 0x13, 0xABCD}));
-    for (const char* text : {"", "2", "26", "26:", "26:4", "26:00040", "26 0004", "2G:0004", "26:000x",
-                             "FF:0004", "FF12", "126:0004", "26-0004", " 26:0004"}) {
+    for (const char* text : {"", ":", ":4", "26:", "26:00040", "26 0004", "2G:0004", "26:000x", "FF",
+                             "FF:0004", "126", "126:0004", "FF123:0004", "26-0004", " 26:0004", "26:4:4"}) {
         EXPECT_FALSE(t35CodeOf(text).has_value()) << text;
     }
     for (const T35OwnerName& row : kT35Owners) {
         EXPECT_EQ(t35CodeOf(textOf(row.code)), row.code);
     }
+    EXPECT_EQ(textOf(T35Code{0xFF, 1, std::nullopt}), "FF01");
+}
+
+TEST(SeiT35, aCodeWithoutProviderCoversACountry) {
+    const T35Code code = {0xB5, 0, 0x31};
+    EXPECT_TRUE((T35Code{0xB5, 0, 0x31}).covers(code));
+    EXPECT_TRUE((T35Code{0xB5, 0, std::nullopt}).covers(code));
+    EXPECT_FALSE((T35Code{0xB5, 0, 0x3C}).covers(code));
+    EXPECT_FALSE((T35Code{0x26, 0, std::nullopt}).covers(code));
+    EXPECT_FALSE(code.covers({0xB5, 0, std::nullopt}));
 }
 
 TEST(SeiT35, everyKnownOwnerHasAName) {
