@@ -107,6 +107,7 @@ TEST(SeiActiveParameterSets, withoutTheVps) {
                 StartsWith("active_video_parameter_set_id in active_parameter_sets"));
     EXPECT_THAT(faultOf<ActiveParameterSets>(Context(sets()), "1111 0 0 1 1"),
                 StartsWith("active_video_parameter_set_id in active_parameter_sets"));
+    expectNotWritten<ActiveParameterSets>(Codec::Hevc);
 }
 
 }  // namespace

@@ -55,6 +55,24 @@ std::string faultOf(const qv::sei::Context& context, const std::string& pattern)
     return qv::textOf(PayloadOfBits<Payload>(context, pattern).read.fault);
 }
 
+// A payload that depends on a parameter set is neither written nor traced without it. The elements before
+// are in the first byte.
+template <class Payload>
+void expectNotWritten(qv::Codec codec, uint8_t firstByte = 0x83) {
+    std::vector<uint8_t> out;
+    EXPECT_EQ(qv::sei::writePayload(Payload(), qv::sei::Context(codec), out).fault.kind,
+              qv::FaultKind::NoSuchSet);
+    EXPECT_TRUE(out.empty());
+    EXPECT_EQ(qv::sei::sizeOfPayload(Payload(), qv::sei::Context(codec)).fault.kind,
+              qv::FaultKind::NoSuchSet);
+    const std::vector<uint8_t> unit = {firstByte, 0x80};
+    RecordingVisitor visitor;
+    const auto message = messageOf<Payload>(bytesOf(unit), codec);
+    EXPECT_EQ(qv::sei::tracePayload<Payload>(message, qv::sei::Context(codec), visitor).fault.kind,
+              qv::FaultKind::NoSuchSet);
+    EXPECT_EQ(visitor.depth, 0);
+}
+
 // What holds for a payload without elements, on which the other checks have nothing to do.
 template <class Payload>
 void checkEmptyPayload(const StructureUnderTest<Payload>& structure) {

@@ -71,6 +71,7 @@ TEST_F(SeiPictureHash, noAllocationAndNoByteOutside) {
 TEST_F(SeiPictureHash, withoutTheSps) {
     EXPECT_THAT(faultOf<DecodedPictureHash>(Context(Codec::Hevc), "00000000"),
                 testing::StartsWith("sps_seq_parameter_set_id in decoded_picture_hash"));
+    expectNotWritten<DecodedPictureHash>(Codec::Hevc, 0x01);
 }
 
 // One component of 16 bytes, the digest of no data (RFC 1321 A.5).

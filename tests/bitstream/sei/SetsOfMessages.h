@@ -49,10 +49,23 @@ inline std::unique_ptr<qv::hevc::Sps> plainHevcSps(uint32_t sps_seq_parameter_se
     return sps;
 }
 
-template <class Sets, class Sps>
-void takeWritten(Sets& sets, const Sps& sps) {
+inline qv::Written writeSet(const qv::avc::Sps& sps, std::vector<uint8_t>& out) {
+    return writeSps(sps, out);
+}
+
+inline qv::Written writeSet(const qv::hevc::Sps& sps, std::vector<uint8_t>& out) {
+    return writeSps(sps, out);
+}
+
+inline qv::Written writeSet(const qv::hevc::Vps& vps, std::vector<uint8_t>& out) {
+    return writeVps(vps, out);
+}
+
+// Takes the unit of a record, which has no fault.
+template <class Sets, class Set>
+void takeWritten(Sets& sets, const Set& set) {
     std::vector<uint8_t> unit;
-    const qv::Written written = writeSps(sps, unit);
+    const qv::Written written = writeSet(set, unit);
     EXPECT_TRUE(written.ok()) << qv::textOf(written.fault);
     const qv::SetTaken taken = sets.take(bytesOf(unit));
     EXPECT_TRUE(!taken.fault) << qv::textOf(taken.fault);

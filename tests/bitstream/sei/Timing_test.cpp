@@ -133,7 +133,7 @@ void takeHevcSps(qv::hevc::ParameterSets& sets, uint32_t id, const qv::hevc::Hrd
     takeWritten(sets, *sps);
 }
 
-// VPS 3 with hrd_parameters() for the VCL: two CPBs; lengths 10, 8 and 6.
+// VPS 3 with hrd_parameters() for the VCL: two CPBs; lengths 10, 8 and 6. VPS 4 without.
 void takeVpsWithHrd(qv::hevc::ParameterSets& sets) {
     BitWriter bits;
     bits.ue("hrd_layer_set_idx[0]", 0).bits("nal, vcl, sub-picture", "010").bits("scales", "0000 0000");
@@ -147,7 +147,7 @@ void takeVpsWithHrd(qv::hevc::ParameterSets& sets) {
     const auto vps = std::make_unique<qv::hevc::Vps>();
     vps->header.nal_unit_type = 32;
     vps->header.nuh_temporal_id_plus1 = 1;
-    vps->vps_video_parameter_set_id = 3;
+    vps->vps_video_parameter_set_id = 4;
     vps->vps_base_layer_internal_flag = vps->vps_base_layer_available_flag = true;
     vps->vps_temporal_id_nesting_flag = true;
     vps->vps_reserved_0xffff_16bits = 0xFFFF;
@@ -157,13 +157,12 @@ void takeVpsWithHrd(qv::hevc::ParameterSets& sets) {
     vps->vps_timing_info_present_flag = true;
     vps->vps_num_units_in_tick = 1;
     vps->vps_time_scale = 25;
+    takeWritten(sets, *vps);
+    vps->vps_video_parameter_set_id = 3;
     vps->vps_num_hrd_parameters = 1;
     vps->hrd_parameters.unit = bytesOf(hrd);
     vps->hrd_parameters.count = bits.bitCount();
-    std::vector<uint8_t> unit;
-    ASSERT_TRUE(writeVps(*vps, unit).ok());
-    const qv::SetTaken taken = sets.take(bytesOf(unit));
-    ASSERT_FALSE(taken.fault) << qv::textOf(taken.fault);
+    takeWritten(sets, *vps);
 }
 
 // 0: both HRD, decoding units in pic_timing(), of short elements. 1: NAL HRD, of long ones. 2: the HRD of the
@@ -290,6 +289,14 @@ TEST(SeiTiming, withoutTheSps) {
     EXPECT_THAT(faultOf<DecodingUnitInfo>(hevc, "1"),
                 StartsWith("sps_seq_parameter_set_id in decoding_unit_info"));
     EXPECT_EQ((PayloadOfBits<AvcPicTiming>(avc, "1").read.fault.kind), qv::FaultKind::NoSuchSet);
+}
+
+TEST(SeiTiming, notWrittenWithoutTheSps) {
+    expectNotWritten<AvcBufferingPeriod>(Codec::Avc);
+    expectNotWritten<AvcPicTiming>(Codec::Avc);
+    expectNotWritten<HevcBufferingPeriod>(Codec::Hevc);
+    expectNotWritten<HevcPicTiming>(Codec::Hevc);
+    expectNotWritten<DecodingUnitInfo>(Codec::Hevc);
 }
 
 // --- Values ---
@@ -523,8 +530,11 @@ TEST(SeiTiming, hrdInForce) {
     EXPECT_FALSE(none.CpbDpbDelaysPresentFlag());
     EXPECT_EQ(none.CpbCnt, 1U);
     EXPECT_EQ(none.common.au_cpb_removal_delay_length_minus1, 23U);
-    // A VPS that has no HRD parameters for the sub-layers of the SPS.
+    // A VPS that has no HRD parameters, and one that has none for the sub-layers of the SPS.
     qv::hevc::Sps sps = *hevcSets().sps(2);
+    sps.sps_video_parameter_set_id = 4;
+    EXPECT_EQ(hrdInForce(hevcContext(2), sps).CpbCnt, 1U);
+    sps.sps_video_parameter_set_id = 3;
     sps.sps_max_sub_layers_minus1 = 1;
     EXPECT_EQ(hrdInForce(hevcContext(2), sps).CpbCnt, 1U);
     // Values that no read gives.
