@@ -64,8 +64,16 @@ MadeAccessUnit& MadeAccessUnit::seiUnit(uint32_t type,
     qvinspect::SeiUnit sei;
     sei.offset = accessUnit.size + kStartCode;
     for (const auto& [payloadType, payload] : payloads) {
-        sei.messages.push_back(
-            {payloadType, static_cast<uint32_t>(payload.size()), payload, qvinspect::Delivery::NotKept, {}});
+        qv::SeiMessage message;
+        message.payloadType = payloadType;
+        message.payloadSize = message.rbspPayloadSize = payload.size();
+        message.unit = message.payload = {payload.data(), payload.size()};
+        sei.messages.push_back({payloadType,
+                                static_cast<uint32_t>(payload.size()),
+                                payload,
+                                qvinspect::Delivery::NotKept,
+                                {},
+                                qvinspect::factsOf(message, qv::sei::Context(qv::Codec::Hevc))});
     }
     add(UnitState::Typed, type, 10).sei = std::make_shared<const qvinspect::SeiUnit>(std::move(sei));
     return *this;

@@ -63,17 +63,25 @@ TEST(Check, everyRuleBothWays) {
         {"parameter-sets-first", [](StreamTotals& totals) { totals.keyWithoutParameterSets = 3; }, false,
          "access unit 3, the first key access unit, lacks parameter sets"},
         {"parameter-sets-first", kNoKey, false, "no key access unit"},
-        {"hdr10", kAsItIs, false, "mastering display: no, content light level: no"},
-        {"hdr10", [](StreamTotals& totals) { totals.signals.masteringDisplay.emplace(); }, true,
-         "mastering display: yes, content light level: no"},
-        {"hdr10", [](StreamTotals& totals) { totals.signals.contentLight.emplace(); }, true,
-         "mastering display: no, content light level: yes"},
+        {"hdr10", kAsItIs, false, "transfer: not signalled, mastering display: no, content light level: no"},
+        {"hdr10",
+         [](StreamTotals& totals) {
+             totals.signals.masteringDisplay.emplace();
+             totals.signals.transfer_characteristics = 16;
+         },
+         true, "transfer: SMPTE ST 2084 (PQ), mastering display: yes, content light level: no"},
+        {"hdr10",
+         [](StreamTotals& totals) {
+             totals.signals.contentLight.emplace();
+             totals.signals.containerTransfer = 16;
+         },
+         false, "transfer: SMPTE ST 2084 (PQ), mastering display: no, content light level: yes"},
         {"hdr10",
          [](StreamTotals& totals) {
              totals.signals.masteringDisplay.emplace();
              totals.signals.transfer_characteristics = 18;
          },
-         false, "mastering display: yes, content light level: no, but the transfer is HLG"},
+         false, "transfer: ARIB STD-B67 (HLG), mastering display: yes, content light level: no"},
         {"hdr-vivid", kAsItIs, false, "no messages"},
         {"hdr-vivid", [](StreamTotals& totals) { totals.signals.hdrVivid.messages = 1; }, true, "1 message"},
         {"captions", kAsItIs, false, "no messages"},

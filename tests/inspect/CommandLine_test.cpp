@@ -110,9 +110,9 @@ TEST(CommandLine, everyOption) {
     EXPECT_THAT(line.filter.seiTypes, ElementsAre(137));
     ASSERT_EQ(line.filter.t35.size(), 2U);
     EXPECT_EQ(line.filter.t35[0].itu_t_t35_country_code, 0xB5);
-    EXPECT_EQ(line.filter.t35[0].itu_t_t35_provider_code, 0x0031);
+    EXPECT_EQ(line.filter.t35[0].itu_t_t35_terminal_provider_code, 0x0031);
     EXPECT_EQ(line.filter.t35[1].itu_t_t35_country_code, 0x26);
-    EXPECT_EQ(line.filter.t35[1].itu_t_t35_provider_code, std::nullopt);
+    EXPECT_EQ(line.filter.t35[1].itu_t_t35_terminal_provider_code, std::nullopt);
     EXPECT_TRUE(line.filter.keyOnly);
     EXPECT_TRUE(line.filter.errorsOnly);
     EXPECT_THAT(line.requested, ElementsAre(5));
@@ -123,8 +123,8 @@ TEST(CommandLine, everyOption) {
     EXPECT_THAT(line.removal.keptTypes, ElementsAre(UINT32_MAX));
     ASSERT_EQ(line.removal.droppedT35.size(), 2U);
     EXPECT_EQ(line.removal.droppedT35[0].itu_t_t35_country_code, 0x26);
-    EXPECT_EQ(line.removal.droppedT35[0].itu_t_t35_provider_code, 0x0004);
-    EXPECT_EQ(line.removal.droppedT35[1].itu_t_t35_provider_code, std::nullopt);
+    EXPECT_EQ(line.removal.droppedT35[0].itu_t_t35_terminal_provider_code, 0x0004);
+    EXPECT_EQ(line.removal.droppedT35[1].itu_t_t35_terminal_provider_code, std::nullopt);
     EXPECT_EQ(line.color, ColorUse::Never);
     EXPECT_TRUE(line.stamp);
     ASSERT_EQ(line.checks.size(), 2U);

@@ -36,7 +36,7 @@ TEST(Csv, filtersApply) {
     line.filter.unitTypes = {8};
     line.input.frameRate = 4;
     EXPECT_EQ(reportsOf({path}, {}, line).csv,
-              std::string(kHeader) + "x,1,0,true,23,4,8,picture parameter set,typed,false,,,2\r\n");
+              std::string(kHeader) + "x,1,0,true,23,4,8,picture parameter set,typed,false,,,1\r\n");
 }
 
 // RFC 4180: rows end with CR LF and quotes are doubled, for every name.

@@ -53,15 +53,15 @@ Filter types(std::vector<uint32_t> unitTypes, std::vector<uint32_t> seiTypes = {
     return filter;
 }
 
-Filter t35(uint8_t country, std::optional<uint16_t> provider = std::nullopt) {
+Filter t35(uint32_t country, std::optional<uint32_t> provider = std::nullopt) {
     Filter filter;
-    filter.t35 = {{country, provider}};
+    filter.t35 = {{country, 0, provider}};
     return filter;
 }
 
 TEST(Filter, chooses) {
     Filter both = t35(0xB5);
-    both.t35.push_back({0x26, 0x0004});
+    both.t35.push_back({0x26, 0, 0x0004});
     Filter captionsIn5 = t35(0xB5);
     captionsIn5.seiTypes = {5};
     Filter captionsInSlices = t35(0xB5);
@@ -97,7 +97,7 @@ TEST(Filter, payloadsTooShortForTheirCodes) {
         {{}, "-"}, {hex("B5"), "-"}, {hex("B5 00"), "-"}, {hex("FF 01 00"), "-"}, {hex("B5 00 31"), "6(4)"}};
     for (const auto& [payload, expected] : cases) {
         Filter filter = t35(0xB5, 0x0031);
-        filter.t35.push_back({0xFF, 0x0031});
+        filter.t35.push_back({0xFF, 0, 0x0031});
         EXPECT_EQ(shown(filter, MadeAccessUnit().seiUnit(6, {{4, payload}})), expected);
     }
     EXPECT_EQ(shown(t35(0xB5), MadeAccessUnit().seiUnit(6, {{4, hex("B5")}})), "6(4)");

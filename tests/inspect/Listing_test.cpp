@@ -190,7 +190,7 @@ std::pair<std::string, std::string> parts(const std::string& listing) {
 
 TEST(Listing, filtersNarrowEveryLevelButNotTheTotals) {
     qvinspect::Filter captions;
-    captions.t35 = {{0xB5, 0x0031}};
+    captions.t35 = {{0xB5, 0, 0x0031}};
     qvinspect::Filter slices;
     slices.unitTypes = {5};
     qvinspect::Filter keys;
@@ -313,6 +313,7 @@ qvinspect::StreamTotals fullSummary() {
     signals.transfer_characteristics = 16;
     signals.preferredTransfer = 18;
     signals.captionMessages = 2;
+    signals.captionTypes = 0b1001;
     return totals;
 }
 

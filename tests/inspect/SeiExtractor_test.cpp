@@ -118,7 +118,7 @@ TEST_F(SeiExtraction, filtersNarrowTheItems) {
 // H.265 keeps them.
 TEST_F(SeiExtraction, filterByT35Codes) {
     CommandLine line;
-    line.filter.t35 = {{0xB5, 0x0031}};
+    line.filter.t35 = {{0xB5, 0, 0x0031}};
     extract(annexB(QVCodecIDHevc), {hex("00 00 01 4E 01 04 03 B5 00 3C 80 00 00 01 4E 01 04 03 B5 00 31 80")},
             line);
     EXPECT_THAT(namesIn(out()), ElementsAre("00000001_au00000001_sei4.bin", "index.json"));

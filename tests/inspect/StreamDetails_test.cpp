@@ -194,7 +194,7 @@ TEST(StreamDetails, seiOfARecordCountsWithTheFirstAccessUnit) {
     EXPECT_THAT(stream.last().recordSei, IsEmpty());
     EXPECT_EQ(stream.last().seiItems, 0U);
     EXPECT_THAT(stream.totals().messagesByType, ElementsAre(Pair(137, 1), Pair(144, 1)));
-    EXPECT_THAT(stream.totals().signals.hdrClasses(), ElementsAre("HDR10"));
+    EXPECT_THAT(stream.totals().signals.hdrClasses(), ElementsAre("unknown"));
     EXPECT_EQ(stream.totals().signals.contentLight->max_content_light_level, 1000);
     EXPECT_EQ(stream.totals().signals.masteringDisplay->max_display_mastering_luminance, 10000000U);
     EXPECT_EQ(stream.totals().errors, 0U);
@@ -212,7 +212,7 @@ TEST(StreamDetails, seiOfAnAvcRecord) {
     Inspected stream(QVCodecIDAvc, avcRecord({spsOf(2), sei}, {avcPpsUnit()}));
     stream.add({avcSliceUnit({})});
     EXPECT_THAT(stream.totals().messagesByType, ElementsAre(Pair(144, 1)));
-    EXPECT_THAT(stream.totals().signals.hdrClasses(), ElementsAre("HDR10"));
+    EXPECT_THAT(stream.totals().signals.hdrClasses(), ElementsAre("unknown"));
 }
 
 TEST(StreamDetails, brokenSeiOfARecord) {
@@ -261,7 +261,7 @@ struct TruncatedMessage {
 TEST(StreamDetails, truncatedMessages) {
     const std::string walk = "note at 4: the player's library ends its walk of the SEI unit with 11000001: ";
     const TruncatedMessage cases[] = {
-        {"whole", QVCodecIDHevc, "4E 01 90 04 03 E8 01 90 C8 01 AA 80", {}},
+        {"whole", QVCodecIDHevc, "4E 01 90 04 03 E8 01 90 C7 01 AA 80", {}},
         // The player's library reads the first message only.
         {"second of H.265",
          QVCodecIDHevc,
@@ -270,18 +270,18 @@ TEST(StreamDetails, truncatedMessages) {
           "bytes are present"}},
         {"third of H.265",
          QVCodecIDHevc,
-         "4E 01 90 04 03 E8 01 90 C8 00 05 03 80",
+         "4E 01 90 04 03 E8 01 90 C7 00 05 03 80",
          {"error at 14: SEI message 3 of the unit is truncated: payloadType 5, payloadSize 3, of which 1 "
           "bytes are present"}},
         {"after emulation prevention",
          QVCodecIDHevc,
-         "4E 01 C8 03 00 00 03 01 05 10 80",
+         "4E 01 C7 03 00 00 03 01 05 10 80",
          {"error at 12: SEI message 2 of the unit is truncated: payloadType 5, payloadSize 16, of which 1 "
           "bytes are present"}},
         // The walk of the player's library does not treat fewer than three bytes as a message.
         {"last of H.264",
          QVCodecIDAvc,
-         "06 C8 01 AA 05 10",
+         "06 C7 01 AA 05 10",
          {"error at 8: SEI message 2 of the unit is truncated: payloadType 5, payloadSize 16, of which 0 "
           "bytes are present"}},
         {"first of H.265",
@@ -306,7 +306,7 @@ TEST(StreamDetails, truncatedMessages) {
          {"error at 6: SEI message 1 of the unit: no rbsp_trailing_bits() after the last message"}},
         {"a payload that is shorter than its syntax",
          QVCodecIDHevc,
-         "4E 01 90 02 03 E8 C8 00 80",
+         "4E 01 90 02 03 E8 C7 00 80",
          {"error at 8: SEI 144 content_light_level_info: max_pic_average_light_level in "
           "content_light_level_info() (D.2.35) at bit 48: the data ends"}},
     };

@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include <cmath>
 #include <limits>
 
@@ -364,19 +366,43 @@ StreamTotals totalsOf(const Messages& messages) {
 
 TEST(StreamTotals, hdrClasses) {
     const Bytes light = hex("03 E8 01 90");
+    const Bytes display = hex("33 C2 86 C4 1D 4C 0B B8 84 D0 3E 80 3D 13 40 42 00 98 96 80 00 00 00 32");
+    const Bytes vivid = hex("26 00 04 00 05 01 00 00 00 00 00 00 00");
     const std::pair<Messages, std::vector<std::string>> cases[] = {
         {{}, {"SDR"}},
-        {{{144, light}}, {"HDR10"}},
-        {{{147, hex("10")}}, {"HDR10"}},
+        // Metadata alone does not say which transfer function it is for.
+        {{{144, light}}, {"unknown"}},
+        {{{137, display}}, {"unknown"}},
+        {{{147, hex("10")}}, {"PQ"}},
+        {{{147, hex("10")}, {144, light}}, {"PQ"}},
+        {{{147, hex("10")}, {137, display}}, {"HDR10"}},
+        {{{147, hex("10")}, {137, display}, {4, vivid}}, {"HDR10", "HDR Vivid"}},
         {{{147, hex("12")}}, {"HLG"}},
         {{{147, hex("01")}}, {"SDR"}},
         // HLG with the values of a mastering display is HLG only.
         {{{144, light}, {147, hex("12")}}, {"HLG"}},
-        {{{137, Bytes(24)}, {144, light}, {147, hex("12")}}, {"HLG"}},
-        {{{137, Bytes(24)}}, {"HDR10"}},
+        {{{137, display}, {144, light}, {147, hex("12")}}, {"HLG"}},
     };
     for (const auto& [messages, classes] : cases) {
         EXPECT_EQ(totalsOf(messages).signals.hdrClasses(), classes);
+    }
+}
+
+// cc_data() with one construct, A/53 Part 4 6.2.3.1.
+TEST(StreamTotals, captionsAreConstructsThatAreValid) {
+    const std::tuple<const char*, uint64_t, std::vector<std::string>> cases[] = {
+        {"B5 00 31 47 41 39 34 03 C1 FF FC 94 2C FF", 1, {"CEA-608 field 1"}},
+        {"B5 00 31 47 41 39 34 03 C1 FF FD 94 2C FF", 1, {"CEA-608 field 2"}},
+        {"B5 00 31 47 41 39 34 03 C1 FF FF 94 2C FF", 1, {"CEA-708"}},
+        {"B5 00 31 47 41 39 34 03 C1 FF F8 94 2C FF", 0, {}},  // cc_valid 0
+        {"B5 00 31 47 41 39 34 03 81 FF FC 94 2C FF", 0, {}},  // process_cc_data_flag 0
+        {"B5 00 31 47 41 39 34 03 C0 FF FF", 0, {}},           // cc_count 0
+        {"B5 00 31 47 41 39 34 06 30 C0 01 C0 02", 0, {}},     // bar data
+    };
+    for (const auto& [payload, messages, types] : cases) {
+        const qvinspect::Signals signals = totalsOf({{4, hex(payload)}}).signals;
+        EXPECT_EQ(signals.captionMessages, messages) << payload;
+        EXPECT_EQ(captionTypeNames(signals), types) << payload;
     }
 }
 
@@ -392,7 +418,7 @@ TEST(StreamTotals, hdrVividThatCannotBeReadIsCountedAllTheSame) {
     const StreamTotals totals = totalsOf({{4, hex("26 00 04 00 05 01 00")}});
     EXPECT_EQ(totals.signals.hdrVivid.messages, 1U);
     EXPECT_EQ(totals.signals.hdrVivid.read, 0U);
-    EXPECT_EQ(totals.signals.hdrClasses(), std::vector<std::string>{"HDR Vivid"});
+    EXPECT_EQ(totals.signals.hdrClasses(), std::vector<std::string>{"unknown"});
 }
 
 }  // namespace

@@ -189,7 +189,7 @@ TEST(StreamWriter, seiOfTheRecordIsLeftOut) {
         write(Framing::AnnexB, info, {hex("0A 4E 01 90 02 11 22 04 01 B5 80 03 26 01 AF")}, {}, lightLevel)
             .bytes,
         left + picture);
-    const SeiRemoval owner = {{}, {}, {{0xB5, std::nullopt}}};
+    const SeiRemoval owner = {{}, {}, {{0xB5, 0, std::nullopt}}};
     EXPECT_EQ(write(Framing::Lengths4, info, {hex("03 26 01 AF")}, {}, owner).bytes,
               hex("00 00 00 07 4E 01 90 02 11 22 80 00 00 00 03 26 01 AF"));
 }

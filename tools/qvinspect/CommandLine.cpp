@@ -112,29 +112,25 @@ struct Words {
     bool showSchema = false;
 };
 
-uint32_t hexNumber(const char* option, const std::string& text, uint32_t most, const std::string& whole) {
-    const bool hasPrefix = text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
-    const char* const begin = text.data() + (hasPrefix ? 2 : 0);
-    const char* const end = text.data() + text.size();
-    uint32_t number = 0;
-    const auto [stop, error] = std::from_chars(begin, end, number, 16);
-    if (begin == end || error != std::errc() || stop != end || number > most) {
+// Without the 0x that may be before each of the numbers.
+std::string withoutPrefixes(std::string text) {
+    for (const size_t begin : {text.find(':') + 1, size_t{0}}) {
+        if (text.compare(begin, 2, "0x") == 0 || text.compare(begin, 2, "0X") == 0) {
+            text.erase(begin, 2);
+        }
+    }
+    return text;
+}
+
+qv::sei::T35Code parseT35(const char* option, const std::string& text) {
+    const auto code = qv::sei::t35CodeOf(withoutPrefixes(text));
+    if (!code) {
         throw std::invalid_argument(
             fmt::format("{}: \"{}\" is not a code; write the country in hexadecimal, as b5, or with the "
                         "provider, as b5:0031",
-                        option, printableName(whole)));
+                        option, printableName(text)));
     }
-    return number;
-}
-
-T35Codes parseT35(const char* option, const std::string& text) {
-    const size_t colon = text.find(':');
-    T35Codes codes{static_cast<uint8_t>(hexNumber(option, text.substr(0, colon), 0xFF, text)), std::nullopt};
-    if (colon != std::string::npos) {
-        codes.itu_t_t35_provider_code =
-            static_cast<uint16_t>(hexNumber(option, text.substr(colon + 1), 0xFFFF, text));
-    }
-    return codes;
+    return *code;
 }
 
 // The words between commas.

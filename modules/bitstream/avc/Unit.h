@@ -28,7 +28,8 @@ UnitTrace traceUnit(Bytes unit, const ParameterSets& sets, TraceVisitor& visitor
 
 /// Reads a unit of one of the types that traceUnit() covers whole into its record, and appends what is
 /// written from the record to \p out. When the unit is of another type, has a fault, or would have other
-/// bytes, nothing is appended.
+/// bytes, nothing is appended. Of SEI, each message is written from its record, and one whose payload has a
+/// fault from its bytes.
 ///
 /// \param unit  one NAL unit from its header on; must not be part of \p out
 /// \param sets  the sets in force before the unit

@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "bitstream/sei/A53Syntax.h"
-#include "bitstream/sei/PayloadTemplates.h"
+#include "bitstream/sei/T35BodyTemplates.h"
 
 namespace qv::sei {
 
@@ -67,9 +67,9 @@ A53Kind a53KindOf(const SeiMessage& message) noexcept {
     }
 }
 
-QV_SEI_PAYLOAD(AtscCaptions, a53_user_data);
-QV_SEI_PAYLOAD(SatelliteCaptions, a53_user_data);
-QV_SEI_PAYLOAD(AtscBarData, a53_user_data);
-QV_SEI_PAYLOAD(ActiveFormatDescription, a53_user_data);
+QV_T35_BODY(AtscCaptions);
+QV_T35_BODY(SatelliteCaptions);
+QV_T35_BODY(AtscBarData);
+QV_T35_BODY(ActiveFormatDescription);
 
 }  // namespace qv::sei

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "bitstream/sei/SeiPayload.h"
+#include "bitstream/sei/T35.h"
 #include "bitstream/syntax/CodedBits.h"
 
 namespace qv::sei {
@@ -60,17 +61,19 @@ bool hasMarkerBits(const CcData& cc_data) noexcept;
 
 /// Captions of ATSC: user_data_registered_itu_t_t35() with user_identifier "GA94" and user_data_type_code 3.
 struct AtscCaptions {
-    static constexpr PayloadTypes kPayloadTypes = {4, 4};  ///< payloadType
-    CcData cc_data;                                        ///< the constructs
+    static constexpr PayloadTypes kPayloadTypes = {4, 4};       ///< payloadType
+    static constexpr T35Owner kOwner = T35Owner::AtscUserData;  ///< the sender
+    CcData cc_data;                                             ///< the constructs
     CodedBits ATSC_reserved_user_data;  ///< u(8) each, borrowed; with additional_data_flag there is none
 };
 
 /// Captions of provider 0x002F: user_data_registered_itu_t_t35() with a length in place of user_identifier,
 /// as SCTE 128-1 describes it.
 struct SatelliteCaptions {
-    static constexpr PayloadTypes kPayloadTypes = {4, 4};  ///< payloadType
-    uint8_t user_data_length;                              ///< u(8), bytes of cc_data(); not checked
-    CcData cc_data;                                        ///< the constructs
+    static constexpr PayloadTypes kPayloadTypes = {4, 4};            ///< payloadType
+    static constexpr T35Owner kOwner = T35Owner::SatelliteUserData;  ///< the sender
+    uint8_t user_data_length;           ///< u(8), bytes of cc_data(); not checked
+    CcData cc_data;                     ///< the constructs
     CodedBits ATSC_reserved_user_data;  ///< u(8) each, borrowed; with additional_data_flag there is none
 };
 
@@ -78,7 +81,8 @@ struct SatelliteCaptions {
 /// bar_data(), A/53 Part 4 6.2.3.2. Bars come in pairs, top and bottom or left and right. A number that is
 /// not present is 0.
 struct AtscBarData {
-    static constexpr PayloadTypes kPayloadTypes = {4, 4};  ///< payloadType
+    static constexpr PayloadTypes kPayloadTypes = {4, 4};       ///< payloadType
+    static constexpr T35Owner kOwner = T35Owner::AtscUserData;  ///< the sender
 
     bool top_bar_flag;     ///< u(1)
     bool bottom_bar_flag;  ///< u(1), equal to top_bar_flag
@@ -97,7 +101,8 @@ struct AtscBarData {
 /// The active format description: user_data_registered_itu_t_t35() with user_identifier "DTG1"; afd_data(),
 /// ETSI TS 101 154 Annex B, A/53 Part 4 6.2.4. See names/ActiveFormat.h for the values.
 struct ActiveFormatDescription {
-    static constexpr PayloadTypes kPayloadTypes = {4, 4};  ///< payloadType
+    static constexpr PayloadTypes kPayloadTypes = {4, 4};       ///< payloadType
+    static constexpr T35Owner kOwner = T35Owner::ActiveFormat;  ///< the sender
 
     bool active_format_flag;     ///< u(1); active_format is present
     uint8_t reserved;            ///< u(6), 1; other values are kept

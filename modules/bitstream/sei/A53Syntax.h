@@ -3,11 +3,9 @@
 #define QV_BITSTREAM_SEI_A53SYNTAX_H
 
 #include "bitstream/sei/A53.h"
-#include "bitstream/sei/PayloadSyntax.h"
+#include "bitstream/sei/T35BodySyntax.h"
 
 namespace qv::sei {
-
-// --- The bytes after itu_t_t35_country_code and itu_t_t35_provider_code ---
 
 // A caption construct of cc_data()
 template <class Syntax>
@@ -50,6 +48,7 @@ void reserved_after_captions(Syntax& s, const CcData& data, CodedBits& reserved)
 template <class Syntax>
 void t35_body(Syntax& s, AtscCaptions& payload) {
     static constexpr Structure kStructure = {"ATSC1_data()", "A/53 Part 4 6.2.3"};
+    t35_provider(s, T35Owner::AtscUserData);
     s.f(32, "user_identifier", kAtscIdentifier);
     const Within<Syntax> within(s, kStructure);
     s.f(8, "user_data_type_code", kUserDataTypeCaptions);
@@ -60,6 +59,7 @@ void t35_body(Syntax& s, AtscCaptions& payload) {
 // The form of provider 0x002F, SCTE 128-1
 template <class Syntax>
 void t35_body(Syntax& s, SatelliteCaptions& payload) {
+    t35_provider(s, T35Owner::SatelliteUserData);
     s.f(8, "user_data_type_code", kUserDataTypeCaptions);
     s.u(8, "user_data_length", payload.user_data_length);
     cc_data(s, payload.cc_data);
@@ -102,6 +102,7 @@ void bar_data(Syntax& s, AtscBarData& payload) {
 template <class Syntax>
 void t35_body(Syntax& s, AtscBarData& payload) {
     static constexpr Structure kStructure = {"ATSC1_data()", "A/53 Part 4 6.2.3"};
+    t35_provider(s, T35Owner::AtscUserData);
     s.f(32, "user_identifier", kAtscIdentifier);
     const Within<Syntax> within(s, kStructure);
     s.f(8, "user_data_type_code", kUserDataTypeBarData);
@@ -112,6 +113,7 @@ void t35_body(Syntax& s, AtscBarData& payload) {
 template <class Syntax>
 void t35_body(Syntax& s, ActiveFormatDescription& payload) {
     static constexpr Structure kStructure = {"afd_data()", "TS 101 154 Annex B"};
+    t35_provider(s, T35Owner::ActiveFormat);
     s.f(32, "user_identifier", kAfdIdentifier);
     const Within<Syntax> within(s, kStructure);
     s.f(1, "zero", 0);
@@ -121,25 +123,6 @@ void t35_body(Syntax& s, ActiveFormatDescription& payload) {
         s.u(4, "reserved", payload.reserved_of_format);
         s.u(4, "active_format", payload.active_format);
     }
-}
-
-// --- The whole payload ---
-
-// itu_t_t35_provider_code of a record.
-template <class Payload>
-inline constexpr uint32_t kProviderOf = kT35ProviderAtsc;
-template <>
-inline constexpr uint32_t kProviderOf<SatelliteCaptions> = kT35ProviderSatellite;
-
-// user_data_registered_itu_t_t35(), H.264 D.1.6, H.265 D.2.6, of one of the records
-template <class Syntax, class Payload>
-void a53_user_data(Syntax& s, const Context& context, Payload& payload) {
-    static constexpr SharedStructure kStructure =
-        sharedStructure("user_data_registered_itu_t_t35()", "D.1.6", "D.2.6");
-    const Within<Syntax> within(s, kStructure.of(context));
-    s.f(8, "itu_t_t35_country_code", kT35CountryUnitedStates);
-    s.f(16, "itu_t_t35_provider_code", kProviderOf<Payload>);
-    t35_body(s, payload);
 }
 
 }  // namespace qv::sei

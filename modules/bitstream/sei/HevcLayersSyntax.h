@@ -35,7 +35,9 @@ void scalable_nesting(Syntax& s, const Context& context, HevcScalableNesting& pa
     while (!s.failed() && !s.byte_aligned()) {
         s.f(1, "nesting_zero_bit", 0);
     }
-    nested_messages(s, context, payload.messages);
+    Context nested = context;
+    nested.numViewsMinus1 = payload.nesting_num_layers_minus1;
+    nested_messages(s, nested, payload.messages);
 }
 
 // layers_not_present(), F.14.2.3. The message names the active VPS itself.

@@ -238,24 +238,13 @@ NewMessage NestedEdit::message() const {
     return {payloadType_, {payload_.data(), payload_.size()}};
 }
 
-bool isOwnedBy(const SeiMessage& message, const T35Owner& owner) noexcept {
+bool isOwnedBy(const SeiMessage& message, const T35Code& code) noexcept {
     if (message.payloadType != UserDataRegistered::kPayloadTypes.avc) {
         return false;
     }
-    Reader reader = message.reader();
-    uint32_t country = 0;
-    reader.u(8, "itu_t_t35_country_code", country);
-    bool isSame = country == owner.itu_t_t35_country_code;
-    if (owner.itu_t_t35_provider_code) {
-        uint32_t extension = 0;
-        uint32_t provider = 0;
-        if (country == 0xFF) {
-            reader.u(8, "itu_t_t35_country_code_extension_byte", extension);
-        }
-        reader.u(16, "itu_t_t35_provider_code", provider);
-        isSame = isSame && provider == *owner.itu_t_t35_provider_code;
-    }
-    return isSame && !reader.failed();
+    // The type and the syntax are those of both codecs.
+    const auto read = readPayload<UserDataRegistered>(message, Context(Codec::Avc));
+    return message.rbspPayloadSize > 0 && code.covers(t35Of(read.record).code);
 }
 
 Removed removeMessagesOfType(Bytes unit, Codec codec, uint64_t payloadType, std::vector<uint8_t>& out) {
@@ -264,9 +253,9 @@ Removed removeMessagesOfType(Bytes unit, Codec codec, uint64_t payloadType, std:
     });
 }
 
-Removed removeMessagesOf(Bytes unit, Codec codec, const T35Owner& owner, std::vector<uint8_t>& out) {
+Removed removeMessagesOf(Bytes unit, Codec codec, const T35Code& code, std::vector<uint8_t>& out) {
     return removeMessages(unit, codec, out,
-                          [&owner](const SeiMessage& message) { return isOwnedBy(message, owner); });
+                          [&code](const SeiMessage& message) { return isOwnedBy(message, code); });
 }
 
 namespace {

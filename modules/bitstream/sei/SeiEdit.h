@@ -32,13 +32,13 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <vector>
 
 #include "bitstream/Bytes.h"
 #include "bitstream/Codec.h"
 #include "bitstream/sei/SeiMessages.h"
 #include "bitstream/sei/SeiPayload.h"
+#include "bitstream/sei/T35.h"
 #include "bitstream/units/NalUnits.h"
 
 namespace qv::sei {
@@ -288,26 +288,16 @@ Removed removeMessages(Bytes unit, Codec codec, std::vector<uint8_t>& out, const
     return removed;
 }
 
-/// Who an ITU-T T.35 message is from (H.264 D.1.6, H.265 D.2.6): its country and, in the 16 bits that
-/// follow, the terminal provider.
-struct T35Owner {
-    /// The country.
-    uint8_t itu_t_t35_country_code = 0;
-
-    /// The terminal provider; any when it is not set. With the country code 0xFF it follows
-    /// itu_t_t35_country_code_extension_byte, whose value is not looked at.
-    std::optional<uint16_t> itu_t_t35_provider_code;
-};
-
-/// True for a message user_data_registered_itu_t_t35 of this owner. False when the payload ends before the
-/// codes.
-bool isOwnedBy(const SeiMessage& message, const T35Owner& owner) noexcept;
+/// True for a message user_data_registered_itu_t_t35 (H.264 D.1.6, H.265 D.2.6) whose country and provider
+/// \p code covers. False when the payload ends before them.
+bool isOwnedBy(const SeiMessage& message, const T35Code& code) noexcept;
 
 /// As removeMessages(), for all messages of a payloadType.
 Removed removeMessagesOfType(Bytes unit, Codec codec, uint64_t payloadType, std::vector<uint8_t>& out);
 
-/// As removeMessages(), for all messages user_data_registered_itu_t_t35 of an owner.
-Removed removeMessagesOf(Bytes unit, Codec codec, const T35Owner& owner, std::vector<uint8_t>& out);
+/// As removeMessages(), for all messages user_data_registered_itu_t_t35 whose country and provider \p code
+/// covers.
+Removed removeMessagesOf(Bytes unit, Codec codec, const T35Code& code, std::vector<uint8_t>& out);
 
 /// Inserts a message before the one at \p position, or after the last one when that is their number, and
 /// appends the unit.

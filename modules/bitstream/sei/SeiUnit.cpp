@@ -205,6 +205,22 @@ void traceSeiRbsp(Bytes unit, Context context, TraceVisitor& visitor, UnitTrace&
     visitor.end();
 }
 
+namespace {
+
+// A payload with a fault is written as bytes: the messages around it are in the unit all the same. That does
+// not help one that the unit cuts.
+Fault rewriteMessage(Writer& writer, const SeiMessage& message, const Context& context) {
+    writeNumber(writer, message.payloadType);
+    writeNumber(writer, message.payloadSize);
+    Fault fault;
+    withPayload(context.codec, message.payloadType,
+                [&](auto uses) { fault = decltype(uses)::rewrite(writer, message, context); });
+    return fault && !message.faults ? PayloadUses<ReservedSeiMessage>::rewrite(writer, message, context)
+                                    : fault;
+}
+
+}  // namespace
+
 UnitRewritten rewriteSeiUnit(Bytes unit, Context context, std::vector<uint8_t>& out) {
     UnitRewritten rewritten;
     const size_t before = out.size();
@@ -215,11 +231,7 @@ UnitRewritten rewriteSeiUnit(Bytes unit, Context context, std::vector<uint8_t>& 
         rewritten.fault = message.faults.has(SeiFault::HeaderCut) ? faultOfHeader(message, context)
                                                                   : faultAfter(message, context);
         if (!rewritten.fault) {
-            writeNumber(writer, message.payloadType);
-            writeNumber(writer, message.payloadSize);
-            withPayload(context.codec, message.payloadType, [&](auto uses) {
-                rewritten.fault = decltype(uses)::rewrite(writer, message, context);
-            });
+            rewritten.fault = rewriteMessage(writer, message, context);
         }
         if (rewritten.fault) {
             out.resize(before);

@@ -16,7 +16,8 @@ namespace qv::sei {
 // does not keep the ones after it from being traced.
 void traceSeiRbsp(Bytes unit, Context context, TraceVisitor& visitor, UnitTrace& trace);
 
-// Appends a unit that is written from the records of its messages, when it has the bytes of the unit.
+// Appends a unit that is written from the records of its messages, when it has the bytes of the unit. A
+// payload with a fault is written as bytes.
 UnitRewritten rewriteSeiUnit(Bytes unit, Context context, std::vector<uint8_t>& out);
 
 }  // namespace qv::sei

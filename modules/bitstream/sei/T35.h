@@ -35,16 +35,19 @@ enum class T35Owner : uint8_t {
 struct T35Code {
     static constexpr uint32_t kExtendedCountry = 0xFF;  ///< a country code that an extension byte follows
 
-    uint32_t itu_t_t35_country_code = 0;                 ///< 8 bits
-    uint32_t itu_t_t35_country_code_extension_byte = 0;  ///< 8 bits, with a country code of 0xFF, otherwise 0
+    uint32_t itu_t_t35_country_code = 0;  ///< 8 bits
+
+    /// 8 bits, with a country code of 0xFF, otherwise 0. 0 in a code that covers every extension.
+    uint32_t itu_t_t35_country_code_extension_byte = 0;
 
     /// 16 bits; none in a message that ends before it, and in a code that covers every provider of a country.
     std::optional<uint32_t> itu_t_t35_terminal_provider_code;
 
-    /// True for a code of the same country, and of the same provider unless this one has none.
+    /// True for a code of the same country, with the same extension and provider unless this one has none.
     constexpr bool covers(const T35Code& code) const {
         return itu_t_t35_country_code == code.itu_t_t35_country_code &&
-               itu_t_t35_country_code_extension_byte == code.itu_t_t35_country_code_extension_byte &&
+               (itu_t_t35_country_code_extension_byte == 0 ||
+                itu_t_t35_country_code_extension_byte == code.itu_t_t35_country_code_extension_byte) &&
                (!itu_t_t35_terminal_provider_code ||
                 itu_t_t35_terminal_provider_code == code.itu_t_t35_terminal_provider_code);
     }

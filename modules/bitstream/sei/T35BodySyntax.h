@@ -48,11 +48,18 @@ void t35_message(Syntax& s, const Context& context, Body& body) {
     t35_body(s, body);
 }
 
+// The provider code that a body begins with.
+template <class Syntax>
+void t35_provider(Syntax& s, T35Owner owner) {
+    const T35Code& code = t35OwnerNameOf(owner)->code;
+    s.f(16, "itu_t_t35_terminal_provider_code", code.itu_t_t35_terminal_provider_code.value_or(0));
+}
+
 // The codes and the identifier that a body begins with, each of one value.
 template <class Syntax>
 void t35_codes(Syntax& s, T35Owner owner) {
     const T35OwnerName& row = *t35OwnerNameOf(owner);
-    s.f(16, "itu_t_t35_terminal_provider_code", row.code.itu_t_t35_terminal_provider_code.value_or(0));
+    t35_provider(s, owner);
     s.f(row.identifierBits, "itu_t_t35_terminal_provider_oriented_code", row.identifier);
 }
 

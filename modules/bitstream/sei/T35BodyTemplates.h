@@ -14,7 +14,7 @@ bool T35BodyUses<Body>::trace(Tracer& tracer) {
     detail::clear(body);
     Reader ahead = tracer.reader();
     t35_body(ahead, body);
-    if (ahead.failed()) {
+    if (ahead.failed() || ahead.more_rbsp_data()) {
         return false;
     }
     t35_body(tracer, body);

@@ -2,6 +2,7 @@
 #ifndef QV_BITSTREAM_SEI_T35BODYUSES_H
 #define QV_BITSTREAM_SEI_T35BODYUSES_H
 
+#include "bitstream/sei/A53.h"
 #include "bitstream/sei/Hdr10Plus.h"
 #include "bitstream/sei/HdrVivid.h"
 #include "bitstream/sei/T35.h"
@@ -14,7 +15,8 @@ namespace sei {
 
 template <class Body>
 struct T35BodyUses {
-    // Traces a body from its provider code on and returns true; nothing when it has a fault.
+    // Traces a body from its provider code on and returns true; nothing when it has a fault or ends
+    // before the message.
     static bool trace(Tracer& tracer);
 };
 
@@ -27,7 +29,8 @@ struct T35BodyList {
 };
 
 // An owner may have several records: the first one that is read without a fault applies.
-using T35Bodies = T35BodyList<Hdr10Plus, HdrVivid>;
+using T35Bodies =
+    T35BodyList<Hdr10Plus, HdrVivid, AtscCaptions, AtscBarData, SatelliteCaptions, ActiveFormatDescription>;
 
 }  // namespace sei
 

@@ -90,7 +90,7 @@ struct Counts {
     size_t files = 0;
     size_t units = 0;
     size_t elements = 0;   // that agree in name, position, width and value
-    size_t damaged = 0;    // units with a fault that both find, at the same element or later
+    size_t damaged = 0;    // units with a fault that both find, or in a payload that the filter does not read
     size_t known = 0;      // units in kKnownDifferences, which agree up to the difference
     size_t notTraced = 0;  // units that the filter passes by
 };
@@ -131,8 +131,10 @@ bool isPayloadByte(const WitnessElement& element) {
 
 // The filter's bytes of a payload as the elements that are read in them here: each gets the bits of the bytes
 // that it is in.
+//
+// endsAtFault: true when elements of a payload end before its bytes do, which a fault may explain.
 std::vector<WitnessElement> asElements(const std::vector<WitnessElement>& theirs,
-                                       const std::vector<WitnessElement>& ours) {
+                                       const std::vector<WitnessElement>& ours, bool& endsAtFault) {
     std::vector<WitnessElement> elements;
     size_t next = 0;
     for (size_t i = 0; i < theirs.size();) {
@@ -163,7 +165,10 @@ std::vector<WitnessElement> asElements(const std::vector<WitnessElement>& theirs
             elements.push_back(element);
             at += element.width;
         }
-        if (at != first + bits.size()) {
+        const uint64_t payloadEnd = first + bits.size();
+        if (at != payloadEnd && at != first && (next == ours.size() || ours[next].firstBit >= payloadEnd)) {
+            endsAtFault = true;
+        } else if (at != payloadEnd) {
             elements.resize(before);
             elements.insert(elements.end(), theirs.begin() + static_cast<std::ptrdiff_t>(i),
                             theirs.begin() + static_cast<std::ptrdiff_t>(end));
@@ -251,7 +256,8 @@ private:
             EXPECT_TRUE(isPassedBy(in_.codec, unit)) << where(trace) << theirs.complaint;
             return;
         }
-        theirs.elements = asElements(joined(theirs.elements), ours);
+        bool endsAtFault = false;
+        theirs.elements = asElements(joined(theirs.elements), ours, endsAtFault);
         const size_t same = agreeing(ours, theirs.elements);
         ++counts_.units;
         counts_.elements += same;
@@ -262,7 +268,7 @@ private:
         if (isWhole && trace.ok()) {
             return;
         }
-        if (bothStop) {
+        if (bothStop || (isWhole && endsAtFault && trace.fault)) {
             ++counts_.damaged;
         } else if (isKnown(trace, theirs, same)) {
             ++counts_.known;

@@ -1,4 +1,4 @@
-// Parameter sets of real streams, read into their records and written from them.
+// Parameter sets and SEI units of real streams, read into their records and written from them.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "FileUnits.h"
+#include "SeiUnits.h"
 #include "StreamFolder.h"
 #include "bitstream/avc/NalUnitType.h"
 #include "bitstream/avc/Unit.h"
@@ -21,6 +22,8 @@ namespace {
 struct Counts {
     size_t sets = 0;
     size_t setsRewritten = 0;
+    size_t sei = 0;
+    size_t seiRewritten = 0;
     size_t units = 0;
     size_t unitsRewritten = 0;
 };
@@ -48,13 +51,19 @@ void rewriteUnits(const FileUnits& in, const Rewrite& rewriteUnit, Counts& count
         if (isParameterSet(in.codec, nal_unit_type)) {
             ++counts.sets;
             counts.setsRewritten += one;
+        } else if (isSei(in.codec, unit)) {
+            ++counts.sei;
+            counts.seiRewritten += one;
+            if (!rewritten.isRewritten) {
+                std::cout << "  not rewritten: " << qv::textOf(rewritten.fault) << "\n";
+            }
         }
     }
 }
 
 class Rewriting : public StreamFolderTest<::testing::Test> {};
 
-TEST_P(Rewriting, ParameterSetsAreWrittenFromTheirRecords) {
+TEST_P(Rewriting, ParameterSetsAndSeiAreWrittenFromTheirRecords) {
     Counts counts;
     for (const Stream& stream : streamsIn(GetParam().path)) {
         SCOPED_TRACE(stream.name);
@@ -65,10 +74,13 @@ TEST_P(Rewriting, ParameterSetsAreWrittenFromTheirRecords) {
             rewriteUnits<qv::hevc::ParameterSets>(in, qv::hevc::rewriteUnit, counts);
         }
     }
-    std::cout << counts.setsRewritten << " of " << counts.sets << " parameter sets and "
-              << counts.unitsRewritten << " of " << counts.units << " units are written from their records\n";
+    std::cout << counts.setsRewritten << " of " << counts.sets << " parameter sets, " << counts.seiRewritten
+              << " of " << counts.sei << " SEI units and " << counts.unitsRewritten << " of " << counts.units
+              << " units are written from their records\n";
     EXPECT_GT(counts.sets, 0U);
     EXPECT_GE(100 * counts.setsRewritten, 99 * counts.sets);
+    EXPECT_GT(counts.sei, 0U);
+    EXPECT_GE(100 * counts.seiRewritten, 99 * counts.sei);
 }
 
 INSTANTIATE_TEST_SUITE_P(Streams, Rewriting, everyStreamFolder(),

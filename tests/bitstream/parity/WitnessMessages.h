@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "SeiUnits.h"
 #include "TraceHeaders.h"
 #include "bitstream/avc/NalUnitType.h"
 #include "bitstream/hevc/NalUnitType.h"
@@ -65,12 +66,6 @@ inline std::vector<WitnessMessage> messagesOf(const WitnessTrace& trace) {
         }
     }
     return messages;
-}
-
-inline bool isSei(qv::Codec codec, qv::Bytes unit) {
-    const uint32_t type = qv::nalUnitOf(unit, codec).nal_unit_type;
-    return codec == qv::Codec::Avc ? type == qv::avc::kNalSei
-                                   : type == qv::hevc::kNalPrefixSei || type == qv::hevc::kNalSuffixSei;
 }
 
 }  // namespace qv_test

@@ -20,7 +20,7 @@ constexpr Codec kCodecs[] = {Codec::Avc, Codec::Hevc};
 template <class Payload>
 StructureUnderTest<Payload> userData(Codec codec) {
     auto structure = payloadUnderTest<Payload>(
-        Context(codec), [](auto& s, const auto& c, auto& payload) { a53_user_data(s, c, payload); });
+        Context(codec), [](auto& s, const auto& c, auto& payload) { t35_message(s, c, payload); });
     structure.optional = {"additional_cc_data", "ATSC_reserved_user_data", "additional_bar_data"};
     structure.violable = 12;
     structure.steer = [](RandomUnit& unit, Random& random) {
@@ -64,23 +64,24 @@ std::set<std::string> namesOfRanges(size_t violable) {
 
 TEST(SeiA53, rangesOfCaptions) {
     EXPECT_THAT(namesOfRanges<AtscCaptions>(4),
-                IsSupersetOf({"itu_t_t35_country_code", "itu_t_t35_provider_code", "user_identifier",
+                IsSupersetOf({"itu_t_t35_country_code", "itu_t_t35_terminal_provider_code", "user_identifier",
                               "user_data_type_code"}));
-    EXPECT_THAT(namesOfRanges<SatelliteCaptions>(3),
-                IsSupersetOf({"itu_t_t35_country_code", "itu_t_t35_provider_code", "user_data_type_code"}));
+    EXPECT_THAT(
+        namesOfRanges<SatelliteCaptions>(3),
+        IsSupersetOf({"itu_t_t35_country_code", "itu_t_t35_terminal_provider_code", "user_data_type_code"}));
 }
 
 TEST(SeiA53, rangesOfBarData) {
     EXPECT_THAT(namesOfRanges<AtscBarData>(8),
-                IsSupersetOf({"itu_t_t35_country_code", "itu_t_t35_provider_code", "user_identifier",
+                IsSupersetOf({"itu_t_t35_country_code", "itu_t_t35_terminal_provider_code", "user_identifier",
                               "user_data_type_code", "bottom_bar_flag", "left_bar_flag", "right_bar_flag",
                               "marker_bits"}));
 }
 
 TEST(SeiA53, rangesOfActiveFormat) {
-    EXPECT_THAT(
-        namesOfRanges<ActiveFormatDescription>(4),
-        IsSupersetOf({"itu_t_t35_country_code", "itu_t_t35_provider_code", "user_identifier", "zero"}));
+    EXPECT_THAT(namesOfRanges<ActiveFormatDescription>(4),
+                IsSupersetOf({"itu_t_t35_country_code", "itu_t_t35_terminal_provider_code", "user_identifier",
+                              "zero"}));
 }
 
 // --- Payloads made by hand ---

@@ -15,7 +15,7 @@
 #include "StructureChecks.h"
 #include "bitstream/avc/NalUnitType.h"
 #include "bitstream/hevc/NalUnitType.h"
-#include "bitstream/sei/LightLevel.h"
+#include "bitstream/sei/ColourVolume.h"
 #include "bitstream/sei/PayloadSyntax.h"
 
 namespace {
@@ -180,31 +180,34 @@ TEST(SeiEdit, nestedMessages) {
 
 struct Owned {
     const char* unit;
-    T35Owner owner;
+    T35Code owner;
     bool isOwned;
 };
 
 TEST(SeiEdit, owners) {
     const Owned kCases[] = {
-        {"06 04 03 26 00 04 80", {0x26, 0x0004}, true},
-        {"06 04 03 26 00 04 80", {0x26, std::nullopt}, true},
-        {"06 04 03 26 00 04 80", {0x26, 0x0005}, false},
-        {"06 04 03 26 00 04 80", {0xB5, 0x0004}, false},
-        {"06 04 03 B5 00 31 80", {0xB5, 0x0031}, true},
-        {"06 04 05 26 00 00 03 00 04 80", {0x26, 0x0000}, true},
+        {"06 04 03 26 00 04 80", {0x26, 0, 0x0004}, true},
+        {"06 04 03 26 00 04 80", {0x26, 0, std::nullopt}, true},
+        {"06 04 03 26 00 04 80", {0x26, 0, 0x0005}, false},
+        {"06 04 03 26 00 04 80", {0xB5, 0, 0x0004}, false},
+        {"06 04 03 B5 00 31 80", {0xB5, 0, 0x0031}, true},
+        {"06 04 05 26 00 00 03 00 04 80", {0x26, 0, 0x0000}, true},
         // The provider follows the extension byte
-        {"06 04 04 FF 07 00 31 80", {0xFF, 0x0031}, true},
-        {"06 04 04 FF 07 00 31 80", {0xFF, 0x0700}, false},
-        {"06 04 01 FF 80", {0xFF, std::nullopt}, true},
+        {"06 04 04 FF 07 00 31 80", {0xFF, 0, 0x0031}, true},
+        {"06 04 04 FF 07 00 31 80", {0xFF, 0, 0x0700}, false},
+        {"06 04 04 FF 07 00 31 80", {0xFF, 7, 0x0031}, true},
+        {"06 04 04 FF 07 00 31 80", {0xFF, 8, 0x0031}, false},
+        {"06 04 04 FF 07 00 31 80", {0xFF, 0, std::nullopt}, true},
+        {"06 04 01 FF 80", {0xFF, 0, std::nullopt}, true},
         // Not long enough
-        {"06 04 02 26 00 80", {0x26, 0x0000}, false},
-        {"06 04 03 FF 00 04 80", {0xFF, 0x0004}, false},
-        {"06 04 00 80", {0x00, std::nullopt}, false},
+        {"06 04 02 26 00 80", {0x26, 0, 0x0000}, false},
+        {"06 04 03 FF 00 04 80", {0xFF, 0, 0x0004}, false},
+        {"06 04 00 80", {0x00, 0, std::nullopt}, false},
         // Cut after the codes, and before their end
-        {"06 04 09 26 00 04", {0x26, 0x0004}, true},
-        {"06 04 09 26 00", {0x26, 0x0004}, false},
+        {"06 04 09 26 00 04", {0x26, 0, 0x0004}, true},
+        {"06 04 09 26 00", {0x26, 0, 0x0004}, false},
         // Other types
-        {"06 05 03 26 00 04 80", {0x26, 0x0004}, false},
+        {"06 05 03 26 00 04 80", {0x26, 0, 0x0004}, false},
     };
     for (const Owned& row : kCases) {
         const Bytes unit = hex(row.unit);
@@ -734,7 +737,7 @@ TEST(SeiEdit, onlyTheListAllocates) {
     size_t removed = 0;
     for (const Bytes& unit : units) {
         removed += removeMessagesOfType(borrowed(unit), Codec::Hevc, 5, out).messages;
-        removed += removeMessagesOf(borrowed(unit), Codec::Hevc, {0x00, 0x0000}, out).messages;
+        removed += removeMessagesOf(borrowed(unit), Codec::Hevc, {0x00, 0, 0x0000}, out).messages;
         insertMessage(borrowed(unit), Codec::Hevc, placeOfMessage(borrowed(unit), Codec::Hevc, 0),
                       {0, borrowed(payload)}, out);
     }

@@ -9,6 +9,7 @@
 #include <stdexcept>
 
 #include "analysis/NalUnitNames.h"
+#include "analysis/SeiNames.h"
 
 namespace qvinspect {
 
@@ -91,10 +92,12 @@ CheckResult parameterSets(const Check& check, const StreamTotals& totals) {
 
 CheckResult hdr10(const Check& check, const StreamTotals& totals) {
     const Signals& signals = totals.signals;
-    return {check.text, (signals.masteringDisplay || signals.contentLight) && !signals.isHlg(),
-            fmt::format("mastering display: {}, content light level: {}{}",
-                        signals.masteringDisplay ? "yes" : "no", signals.contentLight ? "yes" : "no",
-                        signals.isHlg() ? ", but the transfer is HLG" : "")};
+    const qv::sei::HdrClass hdr = signals.hdrClass();
+    const char* const transfer =
+        hdr.transferSource ? transferName(hdr.transfer_characteristics) : "not signalled";
+    return {check.text, hdr.base == qv::sei::HdrBase::Hdr10,
+            fmt::format("transfer: {}, mastering display: {}, content light level: {}", transfer,
+                        signals.masteringDisplay ? "yes" : "no", signals.contentLight ? "yes" : "no")};
 }
 
 CheckResult presence(const Check& check, uint64_t messages) {

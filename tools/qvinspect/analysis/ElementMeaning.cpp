@@ -4,15 +4,21 @@
 
 #include <string_view>
 
+#include "bitstream/names/ActiveFormat.h"
 #include "bitstream/names/AvcNalUnitTypes.h"
 #include "bitstream/names/AvcProfiles.h"
 #include "bitstream/names/ChromaFormat.h"
 #include "bitstream/names/Colour.h"
+#include "bitstream/names/FilmGrain.h"
+#include "bitstream/names/FramePacking.h"
 #include "bitstream/names/HevcLevels.h"
 #include "bitstream/names/HevcNalUnitTypes.h"
 #include "bitstream/names/HevcProfiles.h"
 #include "bitstream/names/Name.h"
+#include "bitstream/names/PictureTiming.h"
 #include "bitstream/names/SampleAspectRatio.h"
+#include "bitstream/names/SceneTransitions.h"
+#include "bitstream/names/ToneMapping.h"
 
 namespace qvinspect {
 
@@ -72,6 +78,27 @@ std::string sampleAspectRatio(QVCodecID, uint32_t value) {
     return ratio.numerator != 0 ? fmt::format("{}:{}", ratio.numerator, ratio.denominator) : "";
 }
 
+std::string picStruct(QVCodecID codec, uint32_t value) {
+    return codec == QVCodecIDAvc ? qv::avc::picStructName(value).name : qv::hevc::picStructName(value).name;
+}
+
+// ITU-T T.35 Annex A, the countries that send metadata.
+std::string country(QVCodecID, uint32_t value) {
+    static constexpr qv::Name kCountries[] = {
+        {0x26, "China", "ITU-T T.35"},
+        {0xB4, "United Kingdom", "ITU-T T.35"},
+        {0xB5, "United States", "ITU-T T.35"},
+        {0xFF, "extended", "ITU-T T.35"},
+    };
+    return qv::nameOf(kCountries, value, "").name;
+}
+
+// A row of kMeanings for one of the library's tables.
+template <qv::Name (*nameOf)(uint32_t)>
+std::string named(QVCodecID, uint32_t value) {
+    return nameOf(value).name;
+}
+
 struct Meaning {
     std::string_view name;
     std::string (*text)(QVCodecID codec, uint32_t value);
@@ -99,6 +126,21 @@ constexpr Meaning kMeanings[] = {
     {"primary_pic_type",
      [](QVCodecID, uint32_t v) { return std::string(qv::avc::primaryPicTypeName(v).name); }},
     {"pic_type", [](QVCodecID, uint32_t v) { return std::string(qv::hevc::picTypeName(v).name); }},
+    {"pic_struct", picStruct},
+    {"ffinfo_pic_struct", picStruct},
+    {"ct_type", named<qv::avc::ctTypeName>},
+    {"counting_type", named<qv::countingTypeName>},
+    {"source_scan_type", named<qv::hevc::sourceScanTypeName>},
+    {"ffinfo_source_scan_type", named<qv::hevc::sourceScanTypeName>},
+    {"hash_type", named<qv::hevc::hashTypeName>},
+    {"preferred_transfer_characteristics", named<qv::transferCharacteristicsName>},
+    {"active_format", named<qv::nameOfActiveFormat>},
+    {"film_grain_model_id", named<qv::filmGrainModelName>},
+    {"frame_packing_arrangement_type", named<qv::framePackingArrangementTypeName>},
+    {"content_interpretation_type", named<qv::contentInterpretationTypeName>},
+    {"scene_transition_type", named<qv::sceneTransitionTypeName>},
+    {"tone_map_model_id", named<qv::toneMapModelName>},
+    {"itu_t_t35_country_code", country},
 };
 
 // "bit_depth_luma_minus8" codes a value that is 8 less.

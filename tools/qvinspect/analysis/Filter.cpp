@@ -12,18 +12,19 @@ bool isAmong(const std::vector<uint32_t>& values, uint32_t value) {
     return std::find(values.begin(), values.end(), value) != values.end();
 }
 
-// ITU-T T.35: a country code of 0xFF is followed by one more byte of it.
-bool hasCodes(const std::vector<uint8_t>& payload, const T35Codes& codes) {
-    constexpr uint8_t kExtended = 0xFF;
-    if (payload.empty() || payload[0] != codes.itu_t_t35_country_code) {
-        return false;
+// payload: without emulation prevention bytes. A country code of 0xFF is followed by one more byte of it.
+bool hasCodes(const std::vector<uint8_t>& payload, const qv::sei::T35Code& wanted) {
+    qv::sei::T35Code code;
+    size_t next = 0;
+    const auto take = [&] { return next < payload.size() ? payload[next++] : uint8_t{0}; };
+    code.itu_t_t35_country_code = take();
+    if (code.itu_t_t35_country_code == qv::sei::T35Code::kExtendedCountry) {
+        code.itu_t_t35_country_code_extension_byte = take();
     }
-    if (!codes.itu_t_t35_provider_code) {
-        return true;
+    if (payload.size() >= next + 2) {
+        code.itu_t_t35_terminal_provider_code = static_cast<uint32_t>(payload[next] << 8 | payload[next + 1]);
     }
-    const size_t provider = payload[0] == kExtended ? 2 : 1;
-    return payload.size() >= provider + 2 &&
-           (payload[provider] << 8 | payload[provider + 1]) == *codes.itu_t_t35_provider_code;
+    return !payload.empty() && wanted.covers(code);
 }
 
 template <typename Value, typename Condition>
@@ -45,7 +46,7 @@ void Filter::apply(AccessUnitView& view) const {
     const auto isPayloadShown = [this](uint32_t payloadType, const std::vector<uint8_t>& payload) {
         return (seiTypes.empty() || isAmong(seiTypes, payloadType)) &&
                (t35.empty() || (payloadType == kUserDataRegistered &&
-                                std::any_of(t35.begin(), t35.end(), [&](const T35Codes& codes) {
+                                std::any_of(t35.begin(), t35.end(), [&](const qv::sei::T35Code& codes) {
                                     return hasCodes(payload, codes);
                                 })));
     };

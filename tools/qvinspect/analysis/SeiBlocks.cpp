@@ -12,19 +12,53 @@
 #include "analysis/ElementMeaning.h"
 #include "analysis/SeiTypes.h"
 #include "bitstream/sei/SeiPayload.h"
+#include "bitstream/sei/T35.h"
 #include "bitstream/sei/UserData.h"
+#include "bitstream/sei/UserDataText.h"
 #include "input/Budgets.h"
 
 namespace qvinspect {
 
 namespace {
 
-// Elements that are the bytes of something without a syntax of its own, shown as bytes elsewhere.
-constexpr std::string_view kLeftOut[] = {"itu_t_t35_payload_byte", "user_data_payload_byte",
-                                         "reserved_sei_message_payload_byte", "ff_byte"};
+// Elements that are the bytes of something without a syntax of its own, shown as bytes elsewhere, and the
+// bits that fill up the last byte of a payload.
+constexpr std::string_view kLeftOut[] = {"itu_t_t35_payload_byte",
+                                         "user_data_payload_byte",
+                                         "reserved_sei_message_payload_byte",
+                                         "ff_byte",
+                                         "bit_equal_to_one",
+                                         "bit_equal_to_zero",
+                                         "payload_bit_equal_to_one",
+                                         "payload_bit_equal_to_zero"};
 
 // Elements that are the bytes of one value.
 constexpr std::string_view kBytes[] = {"uuid_iso_iec_11578", "picture_md5"};
+
+// Elements that are written in hexadecimal.
+struct Hexadecimal {
+    std::string_view name;
+    int digits;
+};
+
+constexpr Hexadecimal kHexadecimal[] = {
+    {"itu_t_t35_country_code", 2},
+    {"itu_t_t35_country_code_extension_byte", 2},
+    {"itu_t_t35_terminal_provider_code", 4},
+    {"user_identifier", 8},
+};
+
+int hexDigitsOf(std::string_view name) {
+    const auto* const entry = std::find_if(std::begin(kHexadecimal), std::end(kHexadecimal),
+                                           [&](const Hexadecimal& row) { return row.name == name; });
+    return entry != std::end(kHexadecimal) ? entry->digits : 0;
+}
+
+// RFC 4122: a UUID has a hyphen before these bytes.
+bool hasHyphen(const qv::Element& element) {
+    const uint32_t byte = element.subscripts[0];
+    return std::string_view(element.name) == "uuid_iso_iec_11578" && byte % 2 == 0 && byte >= 4 && byte <= 10;
+}
 
 template <size_t N>
 bool isOneOf(std::string_view name, const std::string_view (&names)[N]) {
@@ -109,14 +143,16 @@ private:
                 .derive({value}, scale->unit);
             return;
         }
-        block_.add(qv::textOf(traced.element), traced.value, elementMeaning(codec_, traced));
+        block_.add(qv::textOf(traced.element), traced.value, elementMeaning(codec_, traced)).hexDigits =
+            hexDigitsOf(name);
     }
 
     // The subscripts but the last one, which counts the bytes, are in the name.
     void addByte(const qv::TracedElement& traced) {
         qv::Element value = traced.element;
         --value.subscriptCount;
-        const std::string digits = fmt::format("{:02x}", traced.value);
+        const std::string digits =
+            fmt::format("{}{:02x}", hasHyphen(traced.element) ? "-" : "", traced.value);
         const std::string name = qv::textOf(value);
         if (!block_.fields.empty() && block_.fields.back().name == name) {
             std::get<std::string>(block_.fields.back().value) += digits;
@@ -132,21 +168,40 @@ private:
 
 // --- User data ---
 
-std::string textOf(const qv::CodedBits& bits) {
+std::string printable(const std::vector<uint8_t>& bytes) {
     std::string text;
-    qv::Reader reader(bits);
-    for (uint64_t left = bits.count / 8; left > 0; --left) {
-        uint8_t byte = 0;
-        reader.u(8, "byte", byte);
+    for (const uint8_t byte : bytes) {
         const bool isPrintable = byte >= 0x20 && byte < 0x7F;
         text += isPrintable ? static_cast<char>(byte) : '.';
     }
     return text;
 }
 
+void describeRegistered(const qv::SeiMessage& message, const qv::sei::Context& context, Block& block) {
+    const auto read = qv::sei::readPayload<qv::sei::UserDataRegistered>(message, context);
+    const qv::sei::T35 sender = qv::sei::t35Of(read.record);
+    if (const qv::sei::T35OwnerName* const owner = qv::sei::t35OwnerNameOf(sender.owner)) {
+        block.add("kind", owner->name, owner->source);
+    } else {
+        block.add("kind", "unknown", qv::sei::textOf(sender.code));
+    }
+}
+
 void describeUnregistered(const qv::SeiMessage& message, const qv::sei::Context& context, Block& block) {
     const auto read = qv::sei::readPayload<qv::sei::UserDataUnregistered>(message, context);
-    const std::string text = textOf(read.record.user_data_payload_byte);
+    if (!read.ok()) {
+        return;
+    }
+    const qv::sei::UserDataOwnerName* const owner = qv::sei::userDataOwnerOf(read.record);
+    if (owner != nullptr) {
+        block.add("kind", owner->name);
+    }
+    if (const auto stamp = qv::sei::mispTimeStampOf(read.record)) {
+        block.add("time stamp", static_cast<int64_t>(stamp->time),
+                  stamp->isNanoseconds ? "ns since 1970-01-01 UTC" : "us since 1970-01-01 UTC");
+        return;
+    }
+    const std::string text = printable(qv::sei::bytesOf(read.record.user_data_payload_byte));
     if (!text.empty()) {
         block.add("user_data_payload", text);
     }
@@ -159,7 +214,9 @@ qv::Fault describeSei(const qv::SeiMessage& message, const qv::sei::Context& con
     const QVCodecID codec = context.codec == qv::Codec::Avc ? QVCodecIDAvc : QVCodecIDHevc;
     Fields visitor(codec, fields, block);
     const qv::Fault fault = qv::sei::traceAnyPayload(message, context, visitor);
-    if (message.payloadType == kUserDataUnregistered) {
+    if (message.payloadType == kUserDataRegistered) {
+        describeRegistered(message, context, block);
+    } else if (message.payloadType == kUserDataUnregistered) {
         describeUnregistered(message, context, block);
     }
     return fault;

@@ -114,6 +114,7 @@ void SeiReader::addMessage(const qv::SeiMessage& message, const qv::sei::Context
     added.payload = bytesOf(message);
     added.offset = sei.offset + message.payloadOffset;
     added.codedSize = static_cast<uint32_t>(message.payload.size);
+    added.facts = factsOf(message, context);
     const qv::Fault fault = describeSei(message, context, fields_, added.block);
     if (fault && !message.faults.has(qv::SeiFault::PayloadCut)) {
         sei.findings.push_back({Severity::Error, added.offset,

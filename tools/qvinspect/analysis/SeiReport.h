@@ -11,6 +11,7 @@
 
 #include "QVNaluParser.h"
 #include "analysis/Block.h"
+#include "analysis/SeiFacts.h"
 #include "analysis/SequenceParameterSet.h"
 #include "bitstream/sei/SeiContext.h"
 #include "bitstream/sei/SeiMessages.h"
@@ -32,6 +33,7 @@ struct SeiMessage {
     std::vector<uint8_t> payload;  // without emulation prevention bytes
     Delivery delivery = Delivery::NotKept;
     Block block;
+    SeiFacts facts{};
 
     // Where the payload begins, in the same count as the offset of its NAL unit, and its size there: more
     // than payloadSize if it contains emulation prevention bytes.

@@ -6,12 +6,10 @@
 #include <cmath>
 #include <utility>
 
-#include "analysis/HdrValues.h"
 #include "analysis/NalUnitNames.h"
-#include "analysis/SeiNames.h"
-#include "analysis/SeiTypes.h"
 #include "bitstream/avc/NalUnitType.h"
 #include "bitstream/hevc/NalUnitType.h"
+#include "bitstream/sei/A53.h"
 
 namespace qvinspect {
 
@@ -20,10 +18,6 @@ namespace {
 constexpr size_t kMostNotes = 16;
 constexpr size_t kMostErrorKinds = 8;
 constexpr int64_t kMillisecondsPerSecond = 1000;
-
-// H.273 table 3.
-constexpr uint32_t kPq = 16;
-constexpr uint32_t kHlg = 18;
 
 // accessUnit: its number, or 0 after the last one and before the first one.
 std::string placed(const Finding& finding, uint64_t accessUnit) {
@@ -44,39 +38,79 @@ std::optional<double> finite(std::optional<double> seconds) {
 
 }  // namespace
 
-bool Signals::isHdr10() const {
-    const bool isPq = preferredTransfer == kPq || transfer_characteristics == kPq;
-    return isPq || ((masteringDisplay || contentLight) && !isHlg());
-}
-
-bool Signals::isHlg() const {
-    return preferredTransfer == kHlg || transfer_characteristics == kHlg;
+qv::sei::HdrClass Signals::hdrClass() const {
+    using qv::sei::HdrSource;
+    qv::sei::HdrFacts facts;
+    const auto take = [](qv::sei::ColourDescription& colour, const std::optional<uint32_t>& transfer) {
+        colour.isPresent = transfer.has_value();
+        colour.transfer_characteristics = transfer.value_or(colour.transfer_characteristics);
+    };
+    take(facts.vui, transfer_characteristics);
+    take(facts.container, containerTransfer);
+    facts.hasPreferredTransfer = preferredTransfer.has_value();
+    facts.preferred_transfer_characteristics =
+        preferredTransfer.value_or(facts.preferred_transfer_characteristics);
+    if (masteringDisplay) {
+        facts.masteringDisplay.add(HdrSource::Sei);
+    }
+    if (contentLight) {
+        facts.contentLightLevel.add(HdrSource::Sei);
+    }
+    facts.hasHdr10Plus = hdr10PlusMessages > 0;
+    facts.hasHdrVivid = hdrVivid.messages > 0;
+    facts.hasSlHdr = slHdrMessages > 0;
+    facts.dolbyVision = dolbyVision;
+    facts.hasDolbyVisionRpu = hasDolbyVisionRpu;
+    facts.hasDolbyVisionEnhancementLayer = hasDolbyVisionEnhancementLayer;
+    return qv::sei::hdrClassOf(facts);
 }
 
 std::vector<std::string> Signals::hdrClasses() const {
+    const qv::sei::HdrClass hdr = hdrClass();
+    const bool hasMetadata = masteringDisplay || contentLight || hdrVivid.messages > 0 ||
+                             hdr10PlusMessages > 0 || slHdrMessages > 0;
     std::vector<std::string> classes;
-    if (isHdr10()) {
-        classes.emplace_back("HDR10");
-    }
-    if (isHlg()) {
-        classes.emplace_back("HLG");
-    }
-    if (hdrVivid.messages > 0) {
-        classes.emplace_back("HDR Vivid");
-    }
-    if (hdr10PlusMessages > 0) {
-        classes.emplace_back("HDR10+");
-    }
-    if (classes.empty()) {
-        classes.emplace_back("SDR");
-    }
+    const auto addIf = [&](bool applies, std::string name) {
+        if (applies) {
+            classes.push_back(std::move(name));
+        }
+    };
+    addIf(hdr.base == qv::sei::HdrBase::Sdr, "SDR");
+    addIf(hdr.base == qv::sei::HdrBase::Pq, "PQ");
+    addIf(hdr.base == qv::sei::HdrBase::Hdr10, "HDR10");
+    addIf(hdr.base == qv::sei::HdrBase::Hlg, "HLG");
+    addIf(hdr.isHdr10Plus, "HDR10+");
+    addIf(hdr.isHdrVivid, "HDR Vivid");
+    addIf(hdr.isSlHdr, "SL-HDR");
+    addIf(hdr.isDolbyVision,
+          hdr.dolbyVisionProfile.empty() ? "Dolby Vision" : "Dolby Vision " + hdr.dolbyVisionProfile);
+    addIf(classes.empty(), hasMetadata ? "unknown" : "SDR");
     return classes;
+}
+
+std::vector<std::string> captionTypeNames(const Signals& signals) {
+    using qv::sei::CcType;
+    const auto has = [&](CcType type) {
+        return (signals.captionTypes >> static_cast<uint32_t>(type) & 1U) != 0;
+    };
+    std::vector<std::string> names;
+    if (has(CcType::Field1)) {
+        names.emplace_back("CEA-608 field 1");
+    }
+    if (has(CcType::Field2)) {
+        names.emplace_back("CEA-608 field 2");
+    }
+    if (has(CcType::DtvccData) || has(CcType::DtvccStart)) {
+        names.emplace_back("CEA-708");
+    }
+    return names;
 }
 
 StreamCounter::StreamCounter(const StreamInfo& info) {
     totals_.codec = info.parameters.codecId;
     hasVps_ = totals_.codec == QVCodecIDAvc;
-    totals_.signals.transfer_characteristics = info.transfer_characteristics;
+    totals_.signals.containerTransfer = info.transfer_characteristics;
+    totals_.signals.dolbyVision = info.dolbyVision;
 }
 
 void StreamCounter::addConfiguration(const ConfigurationDetails& configuration) {
@@ -166,6 +200,12 @@ void StreamCounter::addUnit(const UnitReport& unit, const AccessUnitView& view) 
         ++totals_.untypedUnits;
         return;
     }
+    const qv::Bytes bytes = {view.accessUnit.data + (unit.offset - view.accessUnit.fileOffset.value_or(0)),
+                             unit.length};
+    if (totals_.codec == QVCodecIDHevc) {
+        totals_.signals.hasDolbyVisionRpu |= qv::sei::isDolbyVisionRpu(bytes);
+        totals_.signals.hasDolbyVisionEnhancementLayer |= qv::sei::isDolbyVisionEnhancementLayer(bytes);
+    }
     ++totals_.unitsByType[unit.type];
     totals_.unitBytesByType[unit.type] += unit.length;
 }
@@ -239,63 +279,45 @@ void StreamCounter::addMessages(const SeiUnit& sei) {
 
 void StreamCounter::addMessage(const SeiMessage& message) {
     ++totals_.messagesByType[message.payloadType];
+    const SeiFacts& facts = message.facts;
     Signals& signals = totals_.signals;
-    switch (message.payloadType) {
-        case kMasteringDisplay:
-            if (!signals.masteringDisplay) {
-                signals.masteringDisplay = readMasteringDisplay(message.payload);
-            }
-            break;
-        case kContentLight:
-            if (!signals.contentLight) {
-                signals.contentLight = readContentLight(message.payload);
-            }
-            break;
-        case kAlternativeTransfer:
-            signals.preferredTransfer =
-                readAlternativeTransfer(message.payload).preferred_transfer_characteristics;
-            break;
-        case kUserDataRegistered:
-            addRegistered(message.payload);
-            break;
-        default:
-            break;
+    if (!signals.masteringDisplay) {
+        signals.masteringDisplay = facts.masteringDisplay;
+    }
+    if (!signals.contentLight) {
+        signals.contentLight = facts.contentLight;
+    }
+    if (facts.preferred_transfer_characteristics) {
+        signals.preferredTransfer = facts.preferred_transfer_characteristics;
+    }
+    if (facts.owner) {
+        addRegistered(facts);
     }
 }
 
-void StreamCounter::addRegistered(const std::vector<uint8_t>& payload) {
+void StreamCounter::addRegistered(const SeiFacts& facts) {
     Signals& signals = totals_.signals;
-    switch (t35Kind(payload)) {
-        case T35Kind::A53Captions:
-            ++signals.captionMessages;
-            break;
-        case T35Kind::Afd:
-            ++signals.activeFormatMessages;
-            break;
-        case T35Kind::Hdr10Plus:
-            ++signals.hdr10PlusMessages;
-            break;
-        case T35Kind::HdrVivid:
-            addHdrVivid(payload);
-            break;
-        case T35Kind::Unknown:
-            break;
+    signals.hdr10PlusMessages += facts.owner == qv::sei::T35Owner::Hdr10Plus ? 1U : 0U;
+    signals.slHdrMessages += facts.owner == qv::sei::T35Owner::SlHdr ? 1U : 0U;
+    signals.activeFormatMessages += facts.hasActiveFormat ? 1U : 0U;
+    signals.captionMessages += facts.captionTypes != 0 ? 1U : 0U;
+    signals.captionTypes |= facts.captionTypes;
+    if (facts.owner == qv::sei::T35Owner::HdrVivid) {
+        addHdrVivid(facts);
     }
 }
 
-void StreamCounter::addHdrVivid(const std::vector<uint8_t>& payload) {
+void StreamCounter::addHdrVivid(const SeiFacts& facts) {
     HdrVividTotals& vivid = totals_.signals.hdrVivid;
     ++vivid.messages;
-    const HdrVividResult result = readHdrVivid(payload);
-    if (result.status != QVHDRVividOk) {
+    if (!facts.hdrVivid) {
         return;
     }
-    const QVHDRVividDynamicMetadata& metadata = result.metadata;
-    vivid.minimum_maxrgb_pq = vivid.read == 0
-                                  ? metadata.minimum_maxrgb_pq
-                                  : std::min<uint32_t>(vivid.minimum_maxrgb_pq, metadata.minimum_maxrgb_pq);
-    vivid.maximum_maxrgb_pq = std::max<uint32_t>(vivid.maximum_maxrgb_pq, metadata.maximum_maxrgb_pq);
-    vivid.average_maxrgb_pq_sum += metadata.average_maxrgb_pq;
+    const VividLevels& levels = *facts.hdrVivid;
+    vivid.minimum_maxrgb_pq = vivid.read == 0 ? levels.minimum_maxrgb_pq
+                                              : std::min(vivid.minimum_maxrgb_pq, levels.minimum_maxrgb_pq);
+    vivid.maximum_maxrgb_pq = std::max(vivid.maximum_maxrgb_pq, levels.maximum_maxrgb_pq);
+    vivid.average_maxrgb_pq_sum += levels.average_maxrgb_pq;
     ++vivid.read;
 }
 

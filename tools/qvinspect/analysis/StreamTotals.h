@@ -13,6 +13,9 @@
 #include "QVNaluParser.h"
 #include "analysis/AccessUnitView.h"
 #include "analysis/SequenceParameterSet.h"
+#include "bitstream/sei/ColourVolume.h"
+#include "bitstream/sei/HdrClass.h"
+#include "bitstream/units/DolbyVisionConfiguration.h"
 #include "input/AccessUnitReader.h"
 
 namespace qvinspect {
@@ -58,21 +61,30 @@ struct HdrVividTotals {
 
 // HDR, captions and similar properties that the stream signals.
 struct Signals {
-    std::optional<QVHDR10StaticMetadata> masteringDisplay;  // the first
-    std::optional<QVHevcSeiContentLight> contentLight;      // the first
+    std::optional<qv::sei::MasteringDisplayColourVolume> masteringDisplay;  // the first
+    std::optional<qv::sei::ContentLightLevelInfo> contentLight;             // the first
     std::optional<uint32_t> preferredTransfer;         // of alternative_transfer_characteristics, the last
-    std::optional<uint32_t> transfer_characteristics;  // of the VUI, or else of the container
+    std::optional<uint32_t> transfer_characteristics;  // of the VUI of the active parameter set
+    std::optional<uint32_t> containerTransfer;         // of the container
+    std::optional<qv::DolbyVisionConfiguration> dolbyVision;  // of the container
+    bool hasDolbyVisionRpu = false;                           // by NAL units
+    bool hasDolbyVisionEnhancementLayer = false;              // by NAL units
     HdrVividTotals hdrVivid;
     uint64_t hdr10PlusMessages = 0;
-    uint64_t captionMessages = 0;
-    uint64_t activeFormatMessages = 0;
+    uint64_t slHdrMessages = 0;
+    uint64_t captionMessages = 0;       // with constructs that have cc_valid
+    uint32_t captionTypes = 0;          // of these: bit n is set for cc_type n
+    uint64_t activeFormatMessages = 0;  // with an active_format
 
-    bool isHdr10() const;
-    bool isHlg() const;
+    qv::sei::HdrClass hdrClass() const;
 
-    // Every class that is signalled, e.g. {"HDR10", "HDR Vivid"}; {"SDR"} if none is.
+    // Every class that applies, e.g. {"HDR10", "HDR Vivid"}. {"SDR"} if nothing is signalled; {"unknown"} if
+    // there is metadata, but nothing says which transfer function it is for.
     std::vector<std::string> hdrClasses() const;
 };
+
+// What the caption constructs with cc_valid are: "CEA-608 field 1", "CEA-608 field 2", "CEA-708".
+std::vector<std::string> captionTypeNames(const Signals& signals);
 
 struct StreamTotals {
     QVCodecID codec = QVCodecIDAvc;
@@ -153,8 +165,8 @@ private:
     void addRecordSei(const AccessUnitDetails& details);
     void addMessages(const SeiUnit& sei);
     void addMessage(const SeiMessage& message);
-    void addRegistered(const std::vector<uint8_t>& payload);
-    void addHdrVivid(const std::vector<uint8_t>& payload);
+    void addRegistered(const SeiFacts& facts);
+    void addHdrVivid(const SeiFacts& facts);
     void addFindings(const std::vector<Finding>& findings, uint64_t accessUnit);
     void addError(const Finding& finding, uint64_t accessUnit);
     void addUnitErrors(const UnitReport& unit, const UnitDetails& details, uint64_t accessUnit);

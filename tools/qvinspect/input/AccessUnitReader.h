@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "bitstream/units/DolbyVisionConfiguration.h"
 #include "input/AccessUnit.h"
 
 namespace qvinspect {
@@ -16,7 +17,8 @@ struct StreamInfo {
     std::string format;  // the container's name, or that of a raw stream
     QVCodecParameters parameters{};
     std::vector<uint8_t> configuration;  // the container's decoder configuration record; empty if it has none
-    std::optional<uint32_t> transfer_characteristics;  // if the container has them
+    std::optional<uint32_t> transfer_characteristics;         // if the container has them
+    std::optional<qv::DolbyVisionConfiguration> dolbyVision;  // if the container has its record
 };
 
 // How much was read.

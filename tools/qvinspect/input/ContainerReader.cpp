@@ -2,6 +2,7 @@
 // analysis.
 extern "C" {
 #include <libavutil/avstring.h>
+#include <libavutil/dovi_meta.h>
 }
 
 #include <fmt/format.h>
@@ -55,6 +56,27 @@ std::optional<uint32_t> transferOf(const AVCodecParameters& parameters) {
     return transfer_characteristics;
 }
 
+// The Dolby Vision decoder configuration record, from libavformat's reading of it.
+std::optional<qv::DolbyVisionConfiguration> dolbyVisionOf(const AVStream& stream) {
+    size_t size = 0;
+    const uint8_t* const data = av_stream_get_side_data(&stream, AV_PKT_DATA_DOVI_CONF, &size);
+    AVDOVIDecoderConfigurationRecord record{};
+    if (data == nullptr || size < sizeof record) {
+        return std::nullopt;
+    }
+    std::memcpy(&record, data, sizeof record);
+    qv::DolbyVisionConfiguration configuration{};
+    configuration.dv_version_major = record.dv_version_major;
+    configuration.dv_version_minor = record.dv_version_minor;
+    configuration.dv_profile = record.dv_profile;
+    configuration.dv_level = record.dv_level;
+    configuration.rpu_present_flag = record.rpu_present_flag != 0;
+    configuration.el_present_flag = record.el_present_flag != 0;
+    configuration.bl_present_flag = record.bl_present_flag != 0;
+    configuration.dv_bl_signal_compatibility_id = record.dv_bl_signal_compatibility_id;
+    return configuration;
+}
+
 // Limits the samples in proportion to the size of the file.
 class SampleBudget {
 public:
@@ -85,6 +107,7 @@ public:
         : source_(std::move(source)), file_(std::move(file)), video_(video), packet_(makePacket()) {
         info_.format = file_->context().iformat->long_name;
         info_.transfer_characteristics = transferOf(*video.codecpar);
+        info_.dolbyVision = dolbyVisionOf(video);
         const uint8_t* const record = video.codecpar->extradata;
         if (record != nullptr) {
             info_.configuration.assign(record, record + video.codecpar->extradata_size);

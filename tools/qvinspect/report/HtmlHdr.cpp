@@ -117,7 +117,7 @@ void writeValues(Output& out, const Signals& signals, const std::vector<Range>& 
         writeRow(out, range.name, range.text);
     }
     if (signals.masteringDisplay) {
-        const QVHDR10StaticMetadata& display = *signals.masteringDisplay;
+        const qv::sei::MasteringDisplayColourVolume& display = *signals.masteringDisplay;
         const auto point = [](uint32_t x, uint32_t y) {
             return fmt::format("x {:.5f}, y {:.5f}", x * kChromaticityUnit, y * kChromaticityUnit);
         };

@@ -159,18 +159,13 @@ void HtmlSection::addUnits(const AccessUnitView& view, AccessUnitBin& bin) {
 }
 
 void HtmlSection::addMessage(const SeiMessage& message, AccessUnitBin& bin) {
-    const T35Kind kind =
-        message.payloadType == kUserDataRegistered ? t35Kind(message.payload) : T35Kind::Unknown;
-    const size_t lane = laneOf({message.payloadType, kind});
+    const size_t lane = laneOf({message.payloadType, message.facts.owner});
     ++lanes_[lane].messages;
     bin.addMessage(lane);
-    if (kind == T35Kind::HdrVivid) {
-        const HdrVividResult result = readHdrVivid(message.payload);
-        if (result.status == QVHDRVividOk) {
-            const QVHDRVividDynamicMetadata& metadata = result.metadata;
-            bin.vivid.merge({1, metadata.minimum_maxrgb_pq, metadata.maximum_maxrgb_pq,
-                             uint64_t{metadata.average_maxrgb_pq}});
-        }
+    if (message.facts.hdrVivid) {
+        const VividLevels& levels = *message.facts.hdrVivid;
+        bin.vivid.merge(
+            {1, levels.minimum_maxrgb_pq, levels.maximum_maxrgb_pq, uint64_t{levels.average_maxrgb_pq}});
     }
 }
 
@@ -190,9 +185,10 @@ size_t HtmlSection::laneOf(const LaneKey& key) {
 }
 
 std::string HtmlSection::laneName(const LaneKey& key) const {
-    const auto [type, kind] = key;
+    const auto& [type, owner] = key;
     const std::string name = fmt::format("{} {}", type, seiName(codec_, type));
-    return kind == T35Kind::Unknown ? name : fmt::format("{}: {}", name, t35KindName(kind));
+    const qv::sei::T35OwnerName* const sender = owner ? qv::sei::t35OwnerNameOf(*owner) : nullptr;
+    return sender == nullptr ? name : fmt::format("{}: {}", name, sender->name);
 }
 
 std::vector<size_t> HtmlSection::lanesInOrder() const {
@@ -341,7 +337,8 @@ void HtmlSection::writeCard(Output& out, const StreamEnd& end) const {
     card.add("SEI messages", groupedDigits(messagesIn(totals)));
     card.add("HDR", fmt::format("{}", fmt::join(totals.signals.hdrClasses(), ", ")));
     card.add("Captions", totals.signals.captionMessages > 0
-                             ? fmt::format("A/53, {}", counted(totals.signals.captionMessages, "message"))
+                             ? fmt::format("{}, {}", fmt::join(captionTypeNames(totals.signals), ", "),
+                                           counted(totals.signals.captionMessages, "message"))
                              : "none");
     card.add("Active format", totals.signals.activeFormatMessages > 0
                                   ? counted(totals.signals.activeFormatMessages, "message")

@@ -38,7 +38,8 @@ private:
         uint64_t units = 0;
         uint64_t bytes = 0;
     };
-    using LaneKey = std::pair<uint32_t, T35Kind>;  // payloadType, kind of ITU-T T.35 message
+    // payloadType, sender of an ITU-T T.35 message
+    using LaneKey = std::pair<uint32_t, std::optional<qv::sei::T35Owner>>;
     struct Lane {
         std::string name;
         uint64_t messages = 0;

@@ -42,12 +42,12 @@ Json lines(const std::vector<std::string>& log) {
     return array;
 }
 
-// ITU-T T.35 messages by their kind, if known.
+// ITU-T T.35 messages by their sender, if known.
 std::string messageName(QVCodecID codec, const SeiMessage& message) {
-    const T35Kind kind =
-        message.payloadType == kUserDataRegistered ? t35Kind(message.payload) : T35Kind::Unknown;
+    const qv::sei::T35OwnerName* const sender =
+        message.facts.owner ? qv::sei::t35OwnerNameOf(*message.facts.owner) : nullptr;
     return fmt::format("{} {}", message.payloadType,
-                       kind == T35Kind::Unknown ? seiName(codec, message.payloadType) : t35KindName(kind));
+                       sender == nullptr ? seiName(codec, message.payloadType) : sender->name);
 }
 
 const char* deliveryText(Delivery delivery) {

@@ -44,7 +44,7 @@ Json jsonKeyIntervals(const KeyIntervals& intervals) {
 }
 
 // H.265 D.3.28: chromaticities in steps of 0.00002, luminances in steps of 0.0001 cd/m2.
-Json jsonChromaticity(uint16_t x, uint16_t y) {
+Json jsonChromaticity(uint32_t x, uint32_t y) {
     constexpr double kSteps = 50000;
     return {{"x", x}, {"y", y}, {"chromaticity_x", x / kSteps}, {"chromaticity_y", y / kSteps}};
 }
@@ -53,7 +53,7 @@ Json jsonLuminance(uint32_t code) {
     return {{"code", code}, {"cd_m2", code / 10000.0}};
 }
 
-Json jsonMasteringDisplay(const QVHDR10StaticMetadata& display) {
+Json jsonMasteringDisplay(const qv::sei::MasteringDisplayColourVolume& display) {
     Json primaries = Json::array();
     for (int c = 0; c < 3; ++c) {
         primaries.push_back(jsonChromaticity(display.display_primaries_x[c], display.display_primaries_y[c]));
@@ -64,7 +64,7 @@ Json jsonMasteringDisplay(const QVHDR10StaticMetadata& display) {
             {"min_display_mastering_luminance", jsonLuminance(display.min_display_mastering_luminance)}};
 }
 
-Json jsonContentLight(const QVHevcSeiContentLight& light) {
+Json jsonContentLight(const qv::sei::ContentLightLevelInfo& light) {
     return {{"max_content_light_level", light.max_content_light_level},
             {"max_pic_average_light_level", light.max_pic_average_light_level}};
 }
@@ -95,14 +95,28 @@ Json jsonHdrVivid(const HdrVividTotals& vivid) {
             {"maximum_maxrgb_pq", isRead ? jsonPq(vivid.maximum_maxrgb_pq) : Json()}};
 }
 
+Json jsonDolbyVision(const qv::sei::HdrClass& hdr) {
+    if (!hdr.isDolbyVision) {
+        return Json();
+    }
+    return {{"profile", hdr.dolbyVisionProfile.empty() ? Json() : Json(hdr.dolbyVisionProfile)},
+            {"enhancement_layer", hdr.hasDolbyVisionEnhancement},
+            {"source", qv::sei::textOf(hdr.dolbyVisionSource)}};
+}
+
 Json jsonHdr(const Signals& signals) {
     const auto& display = signals.masteringDisplay;
     const auto& light = signals.contentLight;
+    const qv::sei::HdrClass hdr = signals.hdrClass();
     return {{"classes", signals.hdrClasses()},
             {"mastering_display", display ? jsonMasteringDisplay(*display) : Json()},
             {"content_light", light ? jsonContentLight(*light) : Json()},
             {"preferred_transfer", jsonTransfer(signals.preferredTransfer)},
-            {"transfer_characteristics", jsonTransfer(signals.transfer_characteristics)},
+            {"transfer_characteristics",
+             jsonTransfer(signals.transfer_characteristics ? signals.transfer_characteristics
+                                                           : signals.containerTransfer)},
+            {"transfer_source", hdr.transferSource ? Json(qv::sei::textOf(hdr.transferSource)) : Json()},
+            {"dolby_vision", jsonDolbyVision(hdr)},
             {"hdr_vivid", jsonHdrVivid(signals.hdrVivid)},
             {"hdr10_plus_messages", signals.hdr10PlusMessages}};
 }
@@ -142,6 +156,7 @@ void addSei(Json& json, const StreamTotals& totals) {
     json["sei_by_type"] = jsonCounts(totals.messagesByType, totals.codec, seiName);
     json["hdr"] = jsonHdr(totals.signals);
     json["caption_messages"] = totals.signals.captionMessages;
+    json["caption_types"] = captionTypeNames(totals.signals);
     json["active_format_messages"] = totals.signals.activeFormatMessages;
     json["sei_items"] = totals.seiItems;
     json["side_data_size"] = totals.sideDataBytes;

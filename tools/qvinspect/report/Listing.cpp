@@ -353,13 +353,21 @@ void Listing::addMessage(const UnitView& unit, const SeiMessage& message) {
     }
 }
 
+// The text of an encoder's settings fills a screen; JSON has all of it.
+std::string Listing::shortened(const std::string& text) {
+    constexpr size_t kMostText = 240;
+    return text.size() <= kMostText
+               ? text
+               : fmt::format("{}... ({} characters)", text.substr(0, kMostText), text.size());
+}
+
 void Listing::addBlock(const Block& block) {
     size_t width = 0;
     for (const Field& field : block.fields) {
         width = std::max(width, field.name.size());
     }
     for (const Field& field : block.fields) {
-        page_.add("{}{:<{}}  {}", kFieldIndent, field.name, width, valueText(field));
+        page_.add("{}{:<{}}  {}", kFieldIndent, field.name, width, shortened(valueText(field)));
         if (!field.note.empty()) {
             page_.add("  ({})", field.note);
         }

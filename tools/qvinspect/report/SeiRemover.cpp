@@ -27,9 +27,8 @@ bool isLeftOut(const SeiRemoval& removal, const qv::SeiMessage& message) {
         (!removal.keptTypes.empty() && !has(removal.keptTypes, message.payloadType))) {
         return true;
     }
-    return std::any_of(removal.droppedT35.begin(), removal.droppedT35.end(), [&](const T35Codes& codes) {
-        return qv::sei::isOwnedBy(message, {codes.itu_t_t35_country_code, codes.itu_t_t35_provider_code});
-    });
+    return std::any_of(removal.droppedT35.begin(), removal.droppedT35.end(),
+                       [&](const qv::sei::T35Code& code) { return qv::sei::isOwnedBy(message, code); });
 }
 
 std::string counted(uint64_t count, const char* what) {

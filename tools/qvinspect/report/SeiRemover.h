@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "QVCodecParameters.h"
-#include "analysis/Filter.h"
 #include "bitstream/Bytes.h"
+#include "bitstream/sei/T35.h"
 
 namespace qvinspect {
 
@@ -16,7 +16,7 @@ namespace qvinspect {
 struct SeiRemoval {
     std::vector<uint32_t> droppedTypes;
     std::vector<uint32_t> keptTypes;  // if there are any, all other types are left out
-    std::vector<T35Codes> droppedT35;
+    std::vector<qv::sei::T35Code> droppedT35;
 
     bool empty() const { return droppedTypes.empty() && keptTypes.empty() && droppedT35.empty(); }
 };

@@ -293,7 +293,7 @@ void addMessages(Screen& screen, const StreamTotals& totals) {
 
 // --- What it signals ---
 
-void addMasteringDisplay(Screen& screen, const QVHDR10StaticMetadata& display) {
+void addMasteringDisplay(Screen& screen, const qv::sei::MasteringDisplayColourVolume& display) {
     constexpr double kStep = 0.00002;          // of chromaticity, H.265 D.3.28
     constexpr double kLuminanceStep = 0.0001;  // cd/m2
     // Encoders send the primaries in the order green, blue, red.
@@ -345,7 +345,7 @@ std::string transfer(uint32_t transfer_characteristics) {
 std::string hdrClass(const StreamTotals& totals) {
     const Signals& signals = totals.signals;
     const std::string text = fmt::format("{}", fmt::join(signals.hdrClasses(), ", "));
-    const bool isGuess = text == "SDR" && !signals.transfer_characteristics && !signals.preferredTransfer;
+    const bool isGuess = signals.hdrClass().base == qv::sei::HdrBase::Unknown;
     return isGuess ? text + ", as no transfer function is signalled" : text;
 }
 
@@ -364,8 +364,9 @@ void addHdr(Screen& screen, const StreamTotals& totals) {
     if (signals.hdr10PlusMessages > 0) {
         screen.part("HDR10+", counted(signals.hdr10PlusMessages, "message"));
     }
-    if (signals.transfer_characteristics) {
-        screen.part("transfer", transfer(*signals.transfer_characteristics));
+    if (signals.transfer_characteristics || signals.containerTransfer) {
+        screen.part("transfer", transfer(signals.transfer_characteristics ? *signals.transfer_characteristics
+                                                                          : *signals.containerTransfer));
     }
     if (signals.preferredTransfer) {
         screen.part("preferred", transfer(*signals.preferredTransfer));
@@ -374,11 +375,12 @@ void addHdr(Screen& screen, const StreamTotals& totals) {
 
 void addCompanions(Screen& screen, const StreamTotals& totals) {
     const Signals& signals = totals.signals;
-    const auto presence = [](uint64_t messages, const char* what) {
+    const auto presence = [](uint64_t messages, const std::string& what) {
         return messages == 0 ? std::string("none")
                              : fmt::format("{}, {}", what, counted(messages, "message"));
     };
-    screen.value("captions", presence(signals.captionMessages, "A/53"));
+    screen.value("captions", presence(signals.captionMessages,
+                                      fmt::format("{}", fmt::join(captionTypeNames(signals), ", "))));
     screen.value("active format", presence(signals.activeFormatMessages, "signalled (AFD)"));
     screen.value("side data", totals.seiItems == 0 ? "none"
                                                    : fmt::format("{} bytes of {}", totals.sideDataBytes,
