@@ -24,6 +24,7 @@ std::vector<Group> seiGroups();
 std::vector<Group> readerGroups();
 std::vector<Group> allocationGroups();
 std::vector<Group> wholeParameterSetGroups();
+std::vector<Group> messageGroups();
 
 // The rows on encoded streams: x264.h264 and x265.h265 in the folder at path.
 std::vector<Group> streamGroups(const std::string& path);

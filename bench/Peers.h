@@ -36,6 +36,10 @@ std::function<int()> gstreamerHevcPps(const Bytes& unit, const Bytes& sps);  // 
 // Parses one SEI unit, header included, and returns the number of its messages.
 std::function<int()> gstreamerAvcSei(const Bytes& unit);
 
+// The same with the sequence parameter set in force.
+std::function<int()> gstreamerAvcSei(const Bytes& unit, const Bytes& sps);
+std::function<int()> gstreamerHevcSei(const Bytes& unit, const Bytes& sps);
+
 // --- libavcodec ---
 
 // Parses one access unit with the codec's parser and returns whether it found a key picture.

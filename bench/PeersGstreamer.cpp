@@ -89,6 +89,44 @@ struct HevcUnit {
     GstH265NalUnit nalu = {};
 };
 
+// A unit that refers to a sequence parameter set.
+std::shared_ptr<AvcUnit> avcUnitWithSps(const Bytes& unit, const Bytes& sps) {
+    AvcUnit spsState(sps);
+    auto state = std::make_shared<AvcUnit>(unit);
+    state->parser = spsState.parser;
+    GstH264SPS parsed;
+    require(gst_h264_parser_parse_sps(state->parser.get(), &spsState.nalu, &parsed) == GST_H264_PARSER_OK,
+            "an SPS for GStreamer");
+    gst_h264_sps_clear(&parsed);
+    return state;
+}
+
+std::shared_ptr<HevcUnit> hevcUnitWithSps(const Bytes& unit, const Bytes& sps) {
+    HevcUnit spsState(sps);
+    auto state = std::make_shared<HevcUnit>(unit);
+    state->parser = spsState.parser;
+    GstH265SPS parsed;
+    require(gst_h265_parser_parse_sps(state->parser.get(), &spsState.nalu, &parsed, 1) == GST_H265_PARSER_OK,
+            "an SPS for GStreamer");
+    return state;
+}
+
+int messagesOf(AvcUnit& unit) {
+    GArray* messages = nullptr;
+    const GstH264ParserResult result = gst_h264_parser_parse_sei(unit.parser.get(), &unit.nalu, &messages);
+    const int count = result == GST_H264_PARSER_OK ? static_cast<int>(messages->len) : 0;
+    g_array_unref(messages);
+    return count;
+}
+
+int messagesOf(HevcUnit& unit) {
+    GArray* messages = nullptr;
+    const GstH265ParserResult result = gst_h265_parser_parse_sei(unit.parser.get(), &unit.nalu, &messages);
+    const int count = result == GST_H265_PARSER_OK ? static_cast<int>(messages->len) : 0;
+    g_array_unref(messages);
+    return count;
+}
+
 }  // namespace
 
 std::string gstreamerName() {
@@ -142,13 +180,7 @@ std::function<int()> gstreamerAvcWholeSps(const Bytes& unit) {
 }
 
 std::function<int()> gstreamerAvcPps(const Bytes& unit, const Bytes& sps) {
-    AvcUnit spsState(sps);
-    const auto state = std::make_shared<AvcUnit>(unit);
-    state->parser = spsState.parser;
-    GstH264SPS parsed;
-    require(gst_h264_parser_parse_sps(state->parser.get(), &spsState.nalu, &parsed) == GST_H264_PARSER_OK,
-            "an SPS for GStreamer");
-    gst_h264_sps_clear(&parsed);
+    const auto state = avcUnitWithSps(unit, sps);
     return [state, pps = std::make_shared<GstH264PPS>()] {
         const bool isParsed =
             gst_h264_parser_parse_pps(state->parser.get(), &state->nalu, pps.get()) == GST_H264_PARSER_OK;
@@ -176,12 +208,7 @@ std::function<int()> gstreamerHevcWholeSps(const Bytes& unit) {
 }
 
 std::function<int()> gstreamerHevcPps(const Bytes& unit, const Bytes& sps) {
-    HevcUnit spsState(sps);
-    const auto state = std::make_shared<HevcUnit>(unit);
-    state->parser = spsState.parser;
-    GstH265SPS parsed;
-    require(gst_h265_parser_parse_sps(state->parser.get(), &spsState.nalu, &parsed, 1) == GST_H265_PARSER_OK,
-            "an SPS for GStreamer");
+    const auto state = hevcUnitWithSps(unit, sps);
     return [state, pps = std::make_shared<GstH265PPS>()] {
         const bool isParsed =
             gst_h265_parser_parse_pps(state->parser.get(), &state->nalu, pps.get()) == GST_H265_PARSER_OK;
@@ -190,14 +217,15 @@ std::function<int()> gstreamerHevcPps(const Bytes& unit, const Bytes& sps) {
 }
 
 std::function<int()> gstreamerAvcSei(const Bytes& unit) {
-    return [state = std::make_shared<AvcUnit>(unit)] {
-        GArray* messages = nullptr;
-        const GstH264ParserResult result =
-            gst_h264_parser_parse_sei(state->parser.get(), &state->nalu, &messages);
-        const int count = result == GST_H264_PARSER_OK ? static_cast<int>(messages->len) : 0;
-        g_array_unref(messages);
-        return count;
-    };
+    return [state = std::make_shared<AvcUnit>(unit)] { return messagesOf(*state); };
+}
+
+std::function<int()> gstreamerAvcSei(const Bytes& unit, const Bytes& sps) {
+    return [state = avcUnitWithSps(unit, sps)] { return messagesOf(*state); };
+}
+
+std::function<int()> gstreamerHevcSei(const Bytes& unit, const Bytes& sps) {
+    return [state = hevcUnitWithSps(unit, sps)] { return messagesOf(*state); };
 }
 
 }  // namespace qv_bench
@@ -243,6 +271,14 @@ std::function<int()> gstreamerHevcPps(const Bytes& /*unit*/, const Bytes& /*sps*
 }
 
 std::function<int()> gstreamerAvcSei(const Bytes& /*unit*/) {
+    return {};
+}
+
+std::function<int()> gstreamerAvcSei(const Bytes& /*unit*/, const Bytes& /*sps*/) {
+    return {};
+}
+
+std::function<int()> gstreamerHevcSei(const Bytes& /*unit*/, const Bytes& /*sps*/) {
     return {};
 }
 

@@ -20,9 +20,9 @@ constexpr const char* kUsage =
     "usage: qvnalu_bench --streams=FOLDER [--only=GROUP] [--docs=FILE] [--commit=TEXT] [--curves=FOLDER] "
     "[GOOGLE BENCHMARK OPTION...]\n"
     "  --streams=FOLDER  read the encoded streams from FOLDER; scripts/dev/bench makes them\n"
-    "  --only=GROUP      run only scan, lengths, key, reframe, sps, sei, reader, allocations, streams, sets "
-    "or\n"
-    "                    units\n"
+    "  --only=GROUP      run only scan, lengths, key, reframe, sps, sei, reader, allocations, streams, sets, "
+    "messages\n"
+    "                    or units\n"
     "  --docs=FILE       write the table into FILE, between its markers\n"
     "  --commit=TEXT     name the commit in the head of the table\n"
     "  --curves=FOLDER   also measure cost against size and density, and write it to FOLDER for gnuplot\n";
@@ -125,7 +125,7 @@ std::vector<Group> groups(const Options& options) {
     for (const auto& some :
          {scanGroups(), lengthScanGroups(), keyFrameGroups(), reframeGroups(), parameterSetGroups(),
           seiGroups(), readerGroups(), allocationGroups(), streamGroups(options.streams),
-          wholeParameterSetGroups(), unitGroups(options.streams)}) {
+          wholeParameterSetGroups(), messageGroups(), unitGroups(options.streams)}) {
         all.insert(all.end(), some.begin(), some.end());
     }
     return all;

@@ -21,7 +21,8 @@ install(FILES ${qvnalu_public_headers} DESTINATION ${headers} COMPONENT developm
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/modules/bitstream DESTINATION ${headers} COMPONENT development
   FILES_MATCHING PATTERN "*.h"
   PATTERN "*Syntax.h" EXCLUDE
-  REGEX "/sei/(AnnouncedSps|EntryTemplates|Payload(List|Templates|Uses)|SeiUnit|T35Body(Templates|Uses))\\.h$" EXCLUDE
+  REGEX "/sei/(AnnouncedSps|EntryTemplates|FrameNumRange|HrdInForce|Payload(List|Sets|Templates|Uses)|SeiUnit)\\.h$" EXCLUDE
+  REGEX "/sei/(Repetition|T35Body(Templates|Uses))\\.h$" EXCLUDE
   REGEX "/syntax/(EmulationPrevention|Tracer|Uses|Writer)\\.h$" EXCLUDE
   REGEX "/units/(ConfigurationFault|FaultTexts|SpsHead|UnitUsesTemplates)\\.h$" EXCLUDE)
 

@@ -37,7 +37,7 @@ if(NOT folders STREQUAL "qvnalu" OR NOT "QVNaluParser.h" IN_LIST headers OR NOT 
   message(FATAL_ERROR "the installed headers: ${folders}: ${headers}")
 endif()
 foreach(header IN LISTS headers)
-  if(header MATCHES "Layout|StartCode(Search|Kernel)|BitWindow|EmulationPrevention|FaultTexts|Syntax\\.h$|Writer|Tracer|Templates|SpsHead|AnnouncedSps|Payload(List|Uses)|SeiUnit" OR (header MATCHES "/" AND NOT header MATCHES "^bitstream/"))
+  if(header MATCHES "Layout|StartCode(Search|Kernel)|BitWindow|EmulationPrevention|FaultTexts|Syntax\\.h$|Writer|Tracer|Templates|SpsHead|AnnouncedSps|FrameNumRange|HrdInForce|Payload(List|Sets|Uses)|Repetition|SeiUnit|T35BodyUses" OR (header MATCHES "/" AND NOT header MATCHES "^bitstream/"))
     message(FATAL_ERROR "${header} is private and was installed")
   endif()
 endforeach()

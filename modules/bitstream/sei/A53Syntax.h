@@ -48,7 +48,7 @@ void reserved_after_captions(Syntax& s, const CcData& data, CodedBits& reserved)
 template <class Syntax>
 void t35_body(Syntax& s, AtscCaptions& payload) {
     static constexpr Structure kStructure = {"ATSC1_data()", "A/53 Part 4 6.2.3"};
-    t35_provider(s, T35Owner::AtscUserData);
+    t35_provider<T35Owner::AtscUserData>(s);
     s.f(32, "user_identifier", kAtscIdentifier);
     const Within<Syntax> within(s, kStructure);
     s.f(8, "user_data_type_code", kUserDataTypeCaptions);
@@ -59,7 +59,7 @@ void t35_body(Syntax& s, AtscCaptions& payload) {
 // The form of provider 0x002F, SCTE 128-1
 template <class Syntax>
 void t35_body(Syntax& s, SatelliteCaptions& payload) {
-    t35_provider(s, T35Owner::SatelliteUserData);
+    t35_provider<T35Owner::SatelliteUserData>(s);
     s.f(8, "user_data_type_code", kUserDataTypeCaptions);
     s.u(8, "user_data_length", payload.user_data_length);
     cc_data(s, payload.cc_data);
@@ -102,7 +102,7 @@ void bar_data(Syntax& s, AtscBarData& payload) {
 template <class Syntax>
 void t35_body(Syntax& s, AtscBarData& payload) {
     static constexpr Structure kStructure = {"ATSC1_data()", "A/53 Part 4 6.2.3"};
-    t35_provider(s, T35Owner::AtscUserData);
+    t35_provider<T35Owner::AtscUserData>(s);
     s.f(32, "user_identifier", kAtscIdentifier);
     const Within<Syntax> within(s, kStructure);
     s.f(8, "user_data_type_code", kUserDataTypeBarData);
@@ -113,7 +113,7 @@ void t35_body(Syntax& s, AtscBarData& payload) {
 template <class Syntax>
 void t35_body(Syntax& s, ActiveFormatDescription& payload) {
     static constexpr Structure kStructure = {"afd_data()", "TS 101 154 Annex B"};
-    t35_provider(s, T35Owner::ActiveFormat);
+    t35_provider<T35Owner::ActiveFormat>(s);
     s.f(32, "user_identifier", kAfdIdentifier);
     const Within<Syntax> within(s, kStructure);
     s.f(1, "zero", 0);

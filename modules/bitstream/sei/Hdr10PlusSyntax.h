@@ -74,7 +74,7 @@ template <class Syntax>
 void t35_body(Syntax& s, Hdr10Plus& body) {
     static constexpr Structure kStructure = {"hdr10plus_metadata()", "CTA-861.4"};
     const Within<Syntax> within(s, kStructure);
-    t35_codes(s, Hdr10Plus::kOwner);
+    t35_codes<Hdr10Plus::kOwner>(s);
     s.u(8, "application_identifier", body.application_identifier, 4, 4);
     s.u(8, "application_version", body.application_version, 0, 1);
     s.u(2, "num_windows", body.num_windows, 1, Hdr10Plus::kMostWindows);

@@ -10,7 +10,7 @@
 #include "bitstream/syntax/Uses.h"
 
 template <>
-constexpr size_t qv::detail::kClearedBytes<qv::sei::ScalabilityLayer> =
+inline constexpr size_t qv::detail::kClearedBytes<qv::sei::ScalabilityLayer> =
     offsetof(qv::sei::ScalabilityLayer, parameter_sets.seq_parameter_set_id_delta);
 
 namespace qv::sei {

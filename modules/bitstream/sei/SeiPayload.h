@@ -50,8 +50,8 @@ Read<Payload> readPayload(const SeiMessage& message, const Context& context) noe
 template <class Payload>
 Read<Payload> tracePayload(const SeiMessage& message, const Context& context, TraceVisitor& visitor);
 
-/// Reads the payload of a message of any type by the record of its type, hands each element to \p visitor, and
-/// forgets the record. A payload of a type without a record is traced as bytes.
+/// Reads the payload of a message of any type by the record of its type, hands each element to \p visitor,
+/// and forgets the record. A payload of a type without a record is traced as bytes.
 ///
 /// \return the first fault; see readPayload()
 Fault traceAnyPayload(const SeiMessage& message, const Context& context, TraceVisitor& visitor);

@@ -49,18 +49,18 @@ void t35_message(Syntax& s, const Context& context, Body& body) {
 }
 
 // The provider code that a body begins with.
-template <class Syntax>
-void t35_provider(Syntax& s, T35Owner owner) {
-    const T35Code& code = t35OwnerNameOf(owner)->code;
-    s.f(16, "itu_t_t35_terminal_provider_code", code.itu_t_t35_terminal_provider_code.value_or(0));
+template <T35Owner kOwner, class Syntax>
+void t35_provider(Syntax& s) {
+    constexpr uint32_t kProvider = *t35OwnerNameOf(kOwner)->code.itu_t_t35_terminal_provider_code;
+    s.f(16, "itu_t_t35_terminal_provider_code", kProvider);
 }
 
 // The codes and the identifier that a body begins with, each of one value.
-template <class Syntax>
-void t35_codes(Syntax& s, T35Owner owner) {
-    const T35OwnerName& row = *t35OwnerNameOf(owner);
-    t35_provider(s, owner);
-    s.f(row.identifierBits, "itu_t_t35_terminal_provider_oriented_code", row.identifier);
+template <T35Owner kOwner, class Syntax>
+void t35_codes(Syntax& s) {
+    constexpr T35OwnerName kRow = *t35OwnerNameOf(kOwner);
+    t35_provider<kOwner>(s);
+    s.f(kRow.identifierBits, "itu_t_t35_terminal_provider_oriented_code", kRow.identifier);
 }
 
 }  // namespace qv::sei
