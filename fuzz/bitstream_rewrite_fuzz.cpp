@@ -93,7 +93,7 @@ void checkHevc(Bytes unit) {
 template <class Payload, class = void>
 constexpr bool kHoldsMessages = false;
 template <class Payload>
-constexpr bool kHoldsMessages<Payload, std::void_t<decltype(Payload::messages)>> = true;
+constexpr bool kHoldsMessages<Payload, std::void_t<decltype(qv::SeiMessages(Payload::messages))>> = true;
 
 class Ignoring : public qv::TraceVisitor {
 public:

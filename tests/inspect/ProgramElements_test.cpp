@@ -81,10 +81,10 @@ TEST_F(ProgramElements, aFaultNamesTheElement) {
               "seq_parameter_set_id in seq_parameter_set_data() (7.3.2.1.1) at bit 32: the data ends");
 }
 
-TEST_F(ProgramElements, ofSlicesAndMessagesTheHeaderIsShown) {
+TEST_F(ProgramElements, ofSlicesTheHeaderIsShownOfMessagesEverything) {
     const std::vector<json> lines = elements({"odd.h264"});
     EXPECT_EQ(lines[5]["structure"], "sei_rbsp");
-    EXPECT_EQ(lines[5]["elements"].size(), 3U);
+    EXPECT_EQ(lines[5]["elements"].size(), 14U);
     EXPECT_EQ(lines[6]["structure"], "slice_layer_without_partitioning_rbsp");
     EXPECT_EQ(lines[6]["elements"].size(), 3U);
 }
@@ -166,11 +166,11 @@ TEST_F(ProgramElements, rewritingGivesTheSameStream) {
 TEST_F(ProgramElements, rewritingCountsUnits) {
     const Outcome outcome = inspect({"--rewrite", "odd.h264"});
     EXPECT_EQ(outcome.err,
-              "qvinspect: standard output: 3 NAL units are written from their records, 4 are copied\n")
+              "qvinspect: standard output: 4 NAL units are written from their records, 3 are copied\n")
         << "the second set is cut, and the filler data is damaged";
     EXPECT_EQ(outcome.out, inspect({"--to-annexb", "-", "odd.h264"}).out);
     EXPECT_EQ(inspect({"--rewrite", "--limit", "1", sample("hevc_hdr10.h265")}).err,
-              "qvinspect: standard output: 3 NAL units are written from their records, 3 are copied\n");
+              "qvinspect: standard output: 5 NAL units are written from their records, 1 is copied\n");
 }
 
 TEST_F(ProgramElements, eachTakesStandardOutput) {

@@ -149,7 +149,10 @@ TEST_F(ProgramExit, checkLines) {
     size_t failed = 0;
     std::istringstream text(outcome.out);
     for (std::string line; std::getline(text, line);) {
-        met += line == "[OK] hdr10: mastering display: yes, content light level: yes" ? 1U : 0U;
+        met += line == "[OK] hdr10: transfer: SMPTE ST 2084 (PQ), mastering display: yes, content light "
+                       "level: yes"
+                   ? 1U
+                   : 0U;
         failed += line == "[FAIL] captions: no messages" ? 1U : 0U;
     }
     EXPECT_EQ(met, 2U);
@@ -162,7 +165,8 @@ TEST_F(ProgramExit, checkLinesMakeWayForAnotherOutput) {
     EXPECT_EQ(outcome.out.compare(0, 4, std::string("\0\0\0\1", 4)), 0);
     EXPECT_EQ(outcome.out.find("[OK]"), std::string::npos);
     EXPECT_EQ(outcome.err,
-              "good.h265: [OK] hdr10: mastering display: yes, content light level: yes\n"
+              "good.h265: [OK] hdr10: transfer: SMPTE ST 2084 (PQ), mastering display: yes, content light "
+              "level: yes\n"
               "good.h265: [FAIL] captions: no messages\n");
 }
 

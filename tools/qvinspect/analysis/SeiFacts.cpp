@@ -56,7 +56,7 @@ void addRegistered(const qv::SeiMessage& message, const qv::sei::Context& contex
 
 }  // namespace
 
-SeiFacts factsOf(const qv::SeiMessage& message, const qv::sei::Context& context) {
+std::shared_ptr<const SeiFacts> factsOf(const qv::SeiMessage& message, const qv::sei::Context& context) {
     SeiFacts facts;
     switch (message.payloadType) {
         case kUserDataRegistered:
@@ -75,9 +75,9 @@ SeiFacts factsOf(const qv::SeiMessage& message, const qv::sei::Context& context)
             }
             break;
         default:
-            break;
+            return nullptr;
     }
-    return facts;
+    return std::make_shared<const SeiFacts>(facts);
 }
 
 }  // namespace qvinspect

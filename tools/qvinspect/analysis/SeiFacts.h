@@ -3,6 +3,7 @@
 #define QVINSPECT_SEIFACTS_H
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 
 #include "bitstream/sei/ColourVolume.h"
@@ -32,7 +33,8 @@ struct SeiFacts {
     uint32_t captionTypes = 0;  // of constructs with cc_valid: bit n is set for cc_type n
 };
 
-SeiFacts factsOf(const qv::SeiMessage& message, const qv::sei::Context& context);
+// Null for a message of another type, which most are.
+std::shared_ptr<const SeiFacts> factsOf(const qv::SeiMessage& message, const qv::sei::Context& context);
 
 }  // namespace qvinspect
 

@@ -87,6 +87,13 @@ SeiReader::~SeiReader() {
     forgetItems();
 }
 
+// The first ones of an access unit are kept, the others counted.
+void SeiReader::addFinding(SeiUnit& sei, Severity severity, uint64_t offset, const std::string& text) {
+    if (++findings_ <= kMostSeiFindings) {
+        sei.findings.push_back({severity, offset, text});
+    }
+}
+
 // What the player's library keeps of the unit.
 void SeiReader::walk(const unsigned char* data, size_t size, SeiUnit& unit) {
     const LogCapture log;
@@ -101,9 +108,9 @@ void SeiReader::walk(const unsigned char* data, size_t size, SeiUnit& unit) {
         }
     }
     if (unit.result != QVResultOk) {
-        unit.findings.push_back({Severity::Note, unit.offset,
-                                 fmt::format("the player's library ends its walk of the SEI unit with {}{}",
-                                             unit.result, unit.log.empty() ? "" : ": " + unit.log.front())});
+        addFinding(unit, Severity::Note, unit.offset,
+                   fmt::format("the player's library ends its walk of the SEI unit with {}{}", unit.result,
+                               unit.log.empty() ? "" : ": " + unit.log.front()));
     }
 }
 
@@ -129,8 +136,7 @@ void SeiReader::readMessages(qv::Bytes unit, qv::sei::Context context, SeiUnit& 
     for (const qv::SeiMessage& message : qv::SeiMessages(unit, context.codec)) {
         ++number;
         if (message.faults) {
-            sei.findings.push_back(
-                {Severity::Error, sei.offset + message.offset, faultText(message, number)});
+            addFinding(sei, Severity::Error, sei.offset + message.offset, faultText(message, number));
         }
         if (message.faults.has(qv::SeiFault::NoMessage) || message.faults.has(qv::SeiFault::HeaderCut)) {
             return;
@@ -167,7 +173,8 @@ SeiUnit SeiReader::add(const unsigned char* data, size_t size, uint32_t nalUnitT
 }
 
 SeiTotals SeiReader::finish() {
-    SeiTotals totals{items_.size(), items_.size() - listedItems_, 0, std::exchange(undescribed_, 0)};
+    SeiTotals totals{items_.size(), items_.size() - listedItems_, 0, std::exchange(undescribed_, 0),
+                     findings_ > kMostSeiFindings ? findings_ - kMostSeiFindings : 0};
     if (!items_.empty()) {
         unsigned char* sideData = nullptr;
         QVNaluParser::assembleSeiSideDataBuffer(items_, &sideData, totals.sideDataSize);
@@ -176,6 +183,7 @@ SeiTotals SeiReader::finish() {
     forgetItems();
     described_ = 0;
     fields_ = 0;
+    findings_ = 0;
     listedItems_ = 0;
     return totals;
 }

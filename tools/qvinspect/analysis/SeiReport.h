@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <deque>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -33,7 +34,7 @@ struct SeiMessage {
     std::vector<uint8_t> payload;  // without emulation prevention bytes
     Delivery delivery = Delivery::NotKept;
     Block block;
-    SeiFacts facts{};
+    std::shared_ptr<const SeiFacts> facts{};  // null when there is nothing to take
 
     // Where the payload begins, in the same count as the offset of its NAL unit, and its size there: more
     // than payloadSize if it contains emulation prevention bytes.
@@ -70,6 +71,7 @@ struct SeiTotals {
     size_t unlistedItems = 0;          // counted only
     int sideDataSize = 0;              // of the items when packed; 0 without items
     uint64_t undescribedMessages = 0;  // counted only
+    uint64_t unlistedFindings = 0;     // counted only
 };
 
 // Collects the SEI of access units in sequence.
@@ -92,6 +94,7 @@ public:
     SeiReader& operator=(const SeiReader&) = delete;
 
 private:
+    void addFinding(SeiUnit& sei, Severity severity, uint64_t offset, const std::string& text);
     void walk(const unsigned char* data, size_t size, SeiUnit& unit);
     void readMessages(qv::Bytes unit, qv::sei::Context context, SeiUnit& sei);
     void addMessage(const qv::SeiMessage& message, const qv::sei::Context& context, SeiUnit& sei);
@@ -103,6 +106,7 @@ private:
     std::vector<QVSeiItem> items_;
     size_t described_ = 0;  // messages of the access unit
     size_t fields_ = 0;     // of the messages of the access unit
+    uint64_t findings_ = 0;
     size_t listedItems_ = 0;
     uint64_t undescribed_ = 0;
 };

@@ -225,6 +225,13 @@ void StreamDetails::addFindings(const SeiTotals& sei, size_t leftOutSps, const c
                          "described",
                          place, sei.undescribedMessages + kMostDescribedMessages, kMostDescribedMessages)});
     }
+    if (sei.unlistedFindings > 0) {
+        findings.push_back(
+            {Severity::Error, std::nullopt,
+             fmt::format("the {} has {} faults and notes of SEI messages; those after the first "
+                         "{} are not listed",
+                         place, sei.unlistedFindings + kMostSeiFindings, kMostSeiFindings)});
+    }
     if (sei.unlistedItems > 0) {
         findings.push_back(
             {Severity::Error, std::nullopt,

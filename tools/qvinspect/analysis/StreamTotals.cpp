@@ -279,7 +279,10 @@ void StreamCounter::addMessages(const SeiUnit& sei) {
 
 void StreamCounter::addMessage(const SeiMessage& message) {
     ++totals_.messagesByType[message.payloadType];
-    const SeiFacts& facts = message.facts;
+    if (!message.facts) {
+        return;
+    }
+    const SeiFacts& facts = *message.facts;
     Signals& signals = totals_.signals;
     if (!signals.masteringDisplay) {
         signals.masteringDisplay = facts.masteringDisplay;

@@ -73,6 +73,9 @@ constexpr size_t kMostDescribedMessages = 1024;
 // messages. A payload can hold an element in each bit.
 constexpr size_t kMostSeiFields = 16 * kMostDescribedMessages;
 
+// Faults and notes of the SEI messages of an access unit that are listed. The rest are counted.
+constexpr uint64_t kMostSeiFindings = 64;
+
 // Bytes of the sequence parameter sets that are remembered to recognise repeated ones. An ordinary one takes
 // about 50.
 constexpr size_t kMostKnownSpsBytes = kMiB;

@@ -159,11 +159,11 @@ void HtmlSection::addUnits(const AccessUnitView& view, AccessUnitBin& bin) {
 }
 
 void HtmlSection::addMessage(const SeiMessage& message, AccessUnitBin& bin) {
-    const size_t lane = laneOf({message.payloadType, message.facts.owner});
+    const size_t lane = laneOf({message.payloadType, message.facts ? message.facts->owner : std::nullopt});
     ++lanes_[lane].messages;
     bin.addMessage(lane);
-    if (message.facts.hdrVivid) {
-        const VividLevels& levels = *message.facts.hdrVivid;
+    if (message.facts && message.facts->hdrVivid) {
+        const VividLevels& levels = *message.facts->hdrVivid;
         bin.vivid.merge(
             {1, levels.minimum_maxrgb_pq, levels.maximum_maxrgb_pq, uint64_t{levels.average_maxrgb_pq}});
     }

@@ -45,7 +45,7 @@ Json lines(const std::vector<std::string>& log) {
 // ITU-T T.35 messages by their sender, if known.
 std::string messageName(QVCodecID codec, const SeiMessage& message) {
     const qv::sei::T35OwnerName* const sender =
-        message.facts.owner ? qv::sei::t35OwnerNameOf(*message.facts.owner) : nullptr;
+        message.facts && message.facts->owner ? qv::sei::t35OwnerNameOf(*message.facts->owner) : nullptr;
     return fmt::format("{} {}", message.payloadType,
                        sender == nullptr ? seiName(codec, message.payloadType) : sender->name);
 }
