@@ -71,7 +71,9 @@ Read<Payload> readFrom(In& in, const SeiMessage& message, const Context& context
     Read<Payload> read;
     detail::clear(read.record);
     takePayload(in, message, context, read.record, end);
-    read.fault = in.fault();
+    if (in.failed()) {
+        read.fault = in.fault();
+    }
     read.trailing.bits = end.reserved_payload_extension_data.count;
     return read;
 }

@@ -17,18 +17,17 @@ const avc::SpsData* dataOf(const avc::Sps* sps) noexcept {
 }  // namespace
 
 bool namesSps(const SeiMessage& message, Codec codec, uint32_t& id) noexcept {
-    if (message.isNested || !message.payload.size) {
+    const bool isSets = message.payloadType == kActiveParameterSets && codec == Codec::Hevc;
+    if (message.isNested || message.payload.empty() || (!isSets && message.payloadType != kBufferingPeriod)) {
         return false;
     }
     Reader reader = message.reader();
-    if (message.payloadType == kActiveParameterSets && codec == Codec::Hevc) {
+    if (isSets) {
         uint32_t passed = 0;
         reader.u(4, "active_video_parameter_set_id", passed);
         reader.u(1, "self_contained_cvs_flag", passed);
         reader.u(1, "no_parameter_set_update_flag", passed);
         reader.ue("num_sps_ids_minus1", passed);
-    } else if (message.payloadType != kBufferingPeriod) {
-        return false;
     }
     reader.ue("seq_parameter_set_id", id);
     return !reader.failed();

@@ -3,6 +3,7 @@
 
 #include "bitstream/syntax/EmulationPrevention.h"
 #include "bitstream/units/FaultTexts.h"
+#include "bitstream/units/Rbsp.h"
 
 namespace qv {
 
@@ -25,22 +26,24 @@ SeiMessages::Iterator SeiMessages::begin() const noexcept {
 
 SeiMessages::Iterator::Iterator(const SeiMessages& messages) noexcept
     : unit_(messages.unit_),
-      positions_(messages.unit_, messages.begin_, messages.rbspBegin_),
       dataEnd_(messages.unit_.size),
-      next_(messages.rbspBegin_),
+      next_(messages.begin_),
+      passed_(messages.begin_ - messages.rbspBegin_),
+      emulation_(findEmulationPrevention(unit_, next_, next_)),
       isNested_(messages.isNested_) {
     if (!isNested_) {
-        const uint8_t* const begin = unit_.begin() + messages.begin_;
+        const uint8_t* const begin = unit_.begin() + next_;
         dataEnd_ =
             static_cast<size_t>(detail::endOfStopBit(unit_.begin(), begin, unit_.end()) - unit_.begin());
     }
-    if (positions_.codedByte(next_) >= dataEnd_ || isAtTrailingBits()) {
-        item_.unit = unit_;
+    item_.unit = unit_;
+    item_.isNested = isNested_;
+    passEmulationPrevention();
+    if (next_ >= dataEnd_ || isAtTrailingBits()) {
         item_.offset = item_.payloadOffset = messages.begin_;
-        item_.rbspOffset = item_.rbspPayloadOffset = next_;
+        item_.rbspOffset = item_.rbspPayloadOffset = messages.rbspBegin_;
         item_.payload = {unit_.begin() + messages.begin_, 0};
         item_.faults.add(SeiFault::NoMessage);
-        item_.isNested = isNested_;
         isLast_ = true;
         return;
     }
@@ -52,24 +55,31 @@ SeiMessages::Iterator& SeiMessages::Iterator::operator++() noexcept {
         isAtEnd_ = true;
         return *this;
     }
-    item_ = takeMessage();
+    takeMessage();
     lookAhead();
     return *this;
 }
 
 // True when the next byte is 0x80 and zero bytes alone follow.
-bool SeiMessages::Iterator::isAtTrailingBits() noexcept {
-    const size_t at = positions_.codedByte(next_);
-    return !isNested_ && at + 1 == dataEnd_ && unit_[at] == kTrailingBits;
+bool SeiMessages::Iterator::isAtTrailingBits() const noexcept {
+    return !isNested_ && next_ + 1 == dataEnd_ && unit_[next_] == kTrailingBits;
+}
+
+// No two of these bytes follow each other.
+void SeiMessages::Iterator::passEmulationPrevention() noexcept {
+    if (next_ == emulation_ && next_ < unit_.size) {
+        ++next_;
+        ++passed_;
+        emulation_ = findEmulationPrevention(unit_, next_, next_);
+    }
 }
 
 bool SeiMessages::Iterator::takeByte(uint8_t& byte) noexcept {
-    const size_t at = positions_.codedByte(next_);
-    if (at == unit_.size) {
+    if (next_ >= unit_.size) {
         return false;
     }
-    byte = unit_[at];
-    ++next_;
+    byte = unit_[next_++];
+    passEmulationPrevention();
     return true;
 }
 
@@ -85,42 +95,44 @@ bool SeiMessages::Iterator::takeNumber(uint64_t& number) noexcept {
     return true;
 }
 
-SeiMessage SeiMessages::Iterator::takeMessage() noexcept {
-    SeiMessage message;
-    message.unit = unit_;
-    message.isNested = isNested_;
-    message.rbspOffset = next_;
-    message.offset = positions_.codedByte(next_);
-    if (takeNumber(message.payloadType) && takeNumber(message.payloadSize)) {
-        takePayload(message);
-        return message;
+void SeiMessages::Iterator::takeMessage() noexcept {
+    item_.faults = {};
+    item_.rbspOffset = rbspPosition();
+    item_.offset = next_;
+    if (takeNumber(item_.payloadType) && takeNumber(item_.payloadSize)) {
+        takePayload();
+        return;
     }
-    message.payloadType = 0;
-    message.faults.add(SeiFault::HeaderCut);
-    message.rbspPayloadOffset = next_;
-    message.payloadOffset = unit_.size;
-    message.payload = {unit_.end(), 0};
-    return message;
+    item_.payloadType = 0;
+    item_.payloadSize = 0;
+    item_.faults.add(SeiFault::HeaderCut);
+    item_.rbspPayloadOffset = rbspPosition();
+    item_.rbspPayloadSize = 0;
+    item_.payloadOffset = unit_.size;
+    item_.payload = {unit_.end(), 0};
 }
 
-void SeiMessages::Iterator::takePayload(SeiMessage& message) noexcept {
-    message.rbspPayloadOffset = next_;
-    message.payloadOffset = positions_.codedByte(next_);
-    // The last byte decides whether all are there: an emulation prevention byte may come after it.
-    const uint64_t size = message.payloadSize;
-    size_t end = message.payloadOffset;
-    if (size > unit_.size - message.payloadOffset) {
+// Bytes from one emulation prevention byte to the next. One that follows the last byte is not part of the
+// payload, unless the unit ends with it.
+void SeiMessages::Iterator::takePayload() noexcept {
+    item_.rbspPayloadOffset = rbspPosition();
+    item_.payloadOffset = next_;
+    uint64_t left = item_.payloadSize;
+    size_t end = next_;
+    while (left > 0 && next_ < unit_.size) {
+        const size_t run = emulation_ - next_;
+        const size_t taken = left < run ? static_cast<size_t>(left) : run;
+        next_ += taken;
+        left -= taken;
+        end = next_;
+        passEmulationPrevention();
+    }
+    if (left > 0) {
         end = unit_.size;
-    } else if (size > 0) {
-        const size_t last = positions_.codedByte(next_ + static_cast<size_t>(size) - 1);
-        end = last < unit_.size ? last + 1 : unit_.size;
+        item_.faults.add(SeiFault::PayloadCut);
     }
-    message.payload = {unit_.begin() + message.payloadOffset, end - message.payloadOffset};
-    message.rbspPayloadSize = positions_.unescapedByte(end) - next_;
-    if (message.rbspPayloadSize < size) {
-        message.faults.add(SeiFault::PayloadCut);
-    }
-    next_ += message.rbspPayloadSize;
+    item_.payload = {unit_.begin() + item_.payloadOffset, end - item_.payloadOffset};
+    item_.rbspPayloadSize = static_cast<size_t>(item_.payloadSize - left);
 }
 
 // What follows the message decides whether it is the last one and whether the unit ends as it should.
@@ -130,17 +142,17 @@ void SeiMessages::Iterator::lookAhead() noexcept {
         isLast_ = true;
         return;
     }
-    const size_t at = positions_.codedByte(next_);
-    if (at >= dataEnd_) {
+    if (next_ >= dataEnd_) {
         if (!isNested_) {
             item_.faults.add(SeiFault::NoTrailingBits);
         }
         isLast_ = true;
         return;
     }
-    if (!isNested_ && unit_[at] == kTrailingBits) {
+    if (!isNested_ && unit_[next_] == kTrailingBits) {
         Iterator ahead = *this;
-        if (ahead.takeMessage().faults) {
+        ahead.takeMessage();
+        if (ahead.item_.faults) {
             item_.faults.add(SeiFault::BytesAfterTrailingBits);
             isLast_ = true;
         }

@@ -14,7 +14,6 @@
 #include "bitstream/units/FaultSet.h"
 #include "bitstream/units/ItemIterator.h"
 #include "bitstream/units/NalUnits.h"
-#include "bitstream/units/Rbsp.h"
 
 namespace qv {
 
@@ -130,18 +129,21 @@ private:
 
     explicit Iterator(const SeiMessages& messages) noexcept;
 
-    bool isAtTrailingBits() noexcept;
+    bool isAtTrailingBits() const noexcept;
+    size_t rbspPosition() const noexcept { return next_ - passed_; }
+    void passEmulationPrevention() noexcept;
     bool takeByte(uint8_t& byte) noexcept;
     bool takeNumber(uint64_t& number) noexcept;
-    SeiMessage takeMessage() noexcept;
-    void takePayload(SeiMessage& message) noexcept;
+    void takeMessage() noexcept;
+    void takePayload() noexcept;
     void lookAhead() noexcept;
 
     Bytes unit_;
-    RbspPositions positions_;
-    size_t dataEnd_ = 0;  // after the last byte that is not zero, in the unit as coded
-    size_t next_ = 0;     // the next byte, counted without emulation prevention bytes
-    bool isNested_ = false;
+    size_t dataEnd_;    // after the last byte that is not zero
+    size_t next_;       // the next byte, which is no emulation prevention byte
+    size_t passed_;     // emulation prevention bytes before it
+    size_t emulation_;  // the next emulation prevention byte; the size of the unit without one
+    bool isNested_;
     bool isLast_ = false;
 };
 
