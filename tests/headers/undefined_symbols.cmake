@@ -29,6 +29,10 @@ set(runtime "^(_Z(nw|na|dl|da)|_ZSt|_ZNS[a-zA-Z]*|_ZNKS|_ZTV|_ZTI|__cxa_|__gxx_|
 # Clang calls bcmp where memcmp is asked for equality.
 set(c_library __cpu_model __libc_single_threaded __cpu_indicator_init malloc free bcmp memchr memcmp memcpy memmove memset strcmp strlen snprintf __snprintf_chk abort
   _GLOBAL_OFFSET_TABLE_)
+# The standards' library gives coded numbers with an exponent as double.
+if(NOT PLATFORM)
+  list(APPEND c_library ldexp)
+endif()
 
 set(uses_platform FALSE)
 set(strangers "")
