@@ -209,6 +209,7 @@ bool areWhole(const NestedMessages& nested) {
     if (nested.bits.empty()) {
         return false;
     }
+    // NOLINTNEXTLINE(readability-use-anyofallof): the end has another type than the begin
     for (const SeiMessage& message : SeiMessages(nested)) {
         if (!message.ok()) {
             return false;

@@ -10,6 +10,7 @@
 #include "bitstream/sei/UserData.h"
 #include "bitstream/syntax/Tracer.h"
 #include "bitstream/syntax/Writer.h"
+#include "bitstream/units/Rbsp.h"
 
 namespace qv::sei {
 
