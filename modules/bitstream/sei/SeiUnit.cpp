@@ -62,7 +62,7 @@ uint64_t passNumber(Reader& reader, const char* lastByte) {
 
 // A message from its header to the end of its payload.
 Fault traceMessage(const SeiMessage& message, const Context& context, TraceVisitor& visitor) {
-    const auto end = static_cast<size_t>(message.payload.end() - message.unit.begin());
+    const size_t end = message.payloadOffset + message.payload.size;
     Tracer tracer(message.unit, message.offset, end, uint64_t{8} * message.rbspOffset, visitor);
     const Within<Tracer> within(tracer, kSeiMessage.of(context));
     sei_message_header(tracer);
@@ -177,7 +177,7 @@ void nested_message(Tracer& tracer, const Context& context) {
 }
 
 Fault traceAnyPayload(const SeiMessage& message, const Context& context, TraceVisitor& visitor) {
-    const auto end = static_cast<size_t>(message.payload.end() - message.unit.begin());
+    const size_t end = message.payloadOffset + message.payload.size;
     Tracer tracer(message.unit, message.payloadOffset, end, uint64_t{8} * message.rbspPayloadOffset, visitor);
     withPayload(context.codec, message.payloadType,
                 [&](auto uses) { decltype(uses)::trace(tracer, message, context); });
