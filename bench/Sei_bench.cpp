@@ -231,7 +231,7 @@ Rows hevcMessages(int count) {
     if (count == 6) {
         qv::sei::ContentLightLevelInfo light = {};
         light.max_content_light_level = 1000;
-        unit.add(masteringDisplay()).add(light).add(129, {0x00, 0xF0});
+        unit.add(masteringDisplay()).add(light).add(129, {0x03});
     }
     const Bytes coded = unit.coded();
     const std::string name =
