@@ -55,6 +55,12 @@ TEST(SeiBlocks, aPayloadThatEndsEarlyHasAFault) {
               "max_pic_average_light_level in content_light_level_info() (D.2.35) at bit 16: the data ends");
 }
 
+TEST(SeiBlocks, aPayloadThatIsTooLongHasAFault) {
+    EXPECT_EQ(described(qv::Codec::Avc, 144, hex("03 E8 01 90 00")),
+              "max_content_light_level = 1000 (1000 cd/m2)\nmax_pic_average_light_level = 400 (400 cd/m2)\n"
+              "payloadSize in sei_message() (7.3.2.3.1) at bit 32: more data follows");
+}
+
 TEST(SeiBlocks, bytesWithoutASyntaxAreLeftOut) {
     EXPECT_EQ(described(qv::Codec::Avc, 199, hex("01 02 03")), "");
     EXPECT_EQ(described(qv::Codec::Avc, 3, hex("FF FF")), "");

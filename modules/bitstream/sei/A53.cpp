@@ -1,39 +1,24 @@
-// User data of ATSC A/53.
+// What user data of ATSC A/53 holds.
 #include "bitstream/sei/A53.h"
 
 #include <algorithm>
 
-#include "bitstream/sei/A53Syntax.h"
-#include "bitstream/sei/T35BodyTemplates.h"
+#include "bitstream/sei/UserData.h"
 
 namespace qv::sei {
 
 namespace {
 
-// The next bytes as one number; 0 when the payload ends within them.
-uint64_t numberOf(Reader& reader, uint32_t bytes) noexcept {
-    uint64_t number = 0;
-    reader.u(8 * bytes, "user_data", number);
-    return number;
-}
-
-A53Kind kindOfAtsc1Data(Reader& reader) noexcept {
-    switch (numberOf(reader, 1)) {
+// Of the data after user_identifier "GA94"; none when there is none.
+A53Kind kindOfAtsc1Data(const CodedBits& body) noexcept {
+    uint32_t user_data_type_code = 0;
+    Reader reader(body);
+    reader.u(8, "user_data_type_code", user_data_type_code);
+    switch (user_data_type_code) {
         case kUserDataTypeCaptions:
             return A53Kind::Captions;
         case kUserDataTypeBarData:
             return A53Kind::BarData;
-        default:
-            return A53Kind::None;
-    }
-}
-
-A53Kind kindOfAtsc(Reader& reader) noexcept {
-    switch (numberOf(reader, 4)) {
-        case kAtscIdentifier:
-            return kindOfAtsc1Data(reader);
-        case kAfdIdentifier:
-            return A53Kind::ActiveFormat;
         default:
             return A53Kind::None;
     }
@@ -50,26 +35,21 @@ bool hasMarkerBits(const CcData& cc_data) noexcept {
 }
 
 A53Kind a53KindOf(const SeiMessage& message) noexcept {
-    if (message.payloadType != AtscCaptions::kPayloadTypes.avc) {
+    if (message.payloadType != UserDataRegistered::kPayloadTypes.avc) {
         return A53Kind::None;
     }
-    Reader reader = message.reader();
-    if (numberOf(reader, 1) != kT35CountryUnitedStates) {
-        return A53Kind::None;
-    }
-    switch (numberOf(reader, 2)) {
-        case kT35ProviderAtsc:
-            return kindOfAtsc(reader);
-        case kT35ProviderSatellite:
-            return numberOf(reader, 1) == kUserDataTypeCaptions ? A53Kind::SatelliteCaptions : A53Kind::None;
+    // The type and the syntax are those of both codecs.
+    const T35 sender = t35Of(readPayload<UserDataRegistered>(message, Context(Codec::Avc)).record);
+    switch (sender.owner) {
+        case T35Owner::AtscUserData:
+            return kindOfAtsc1Data(sender.body);
+        case T35Owner::ActiveFormat:
+            return A53Kind::ActiveFormat;
+        case T35Owner::SatelliteUserData:
+            return A53Kind::SatelliteCaptions;
         default:
             return A53Kind::None;
     }
 }
-
-QV_T35_BODY(AtscCaptions);
-QV_T35_BODY(SatelliteCaptions);
-QV_T35_BODY(AtscBarData);
-QV_T35_BODY(ActiveFormatDescription);
 
 }  // namespace qv::sei

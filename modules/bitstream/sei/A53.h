@@ -11,9 +11,6 @@
 
 namespace qv::sei {
 
-constexpr uint32_t kT35CountryUnitedStates = 0xB5;     ///< itu_t_t35_country_code, ITU-T T.35 Annex A
-constexpr uint32_t kT35ProviderAtsc = 0x0031;          ///< itu_t_t35_provider_code of ATSC
-constexpr uint32_t kT35ProviderSatellite = 0x002F;     ///< itu_t_t35_provider_code of the form of SCTE 128-1
 constexpr uint32_t kAtscIdentifier = 0x47413934;       ///< user_identifier "GA94": ATSC1_data()
 constexpr uint32_t kAfdIdentifier = 0x44544731;        ///< user_identifier "DTG1": afd_data()
 constexpr uint32_t kUserDataTypeCaptions = 0x03;       ///< user_data_type_code: cc_data()

@@ -13,9 +13,7 @@ constexpr uint32_t kMostAnnotations = 255;
 // The bits before a text, which begins with a byte.
 template <class Syntax>
 void ar_alignment(Syntax& s) {
-    while (!s.failed() && !s.byte_aligned()) {
-        s.f(1, "ar_bit_equal_to_zero", 0);
-    }
+    byte_alignment(s, "ar_bit_equal_to_zero", 0);
 }
 
 // The first loop body of annotated_regions().

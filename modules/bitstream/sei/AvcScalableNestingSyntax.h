@@ -10,9 +10,7 @@ namespace qv::sei {
 // sei_nesting_zero_bit up to the next byte, and the messages.
 template <class Syntax>
 void messages_after_zero_bits(Syntax& s, const Context& context, NestedMessages& messages) {
-    while (!s.failed() && !s.byte_aligned()) {
-        s.f(1, "sei_nesting_zero_bit", 0);
-    }
+    byte_alignment(s, "sei_nesting_zero_bit", 0);
     nested_messages(s, context, messages);
 }
 

@@ -32,9 +32,7 @@ void scalable_nesting(Syntax& s, const Context& context, HevcScalableNesting& pa
             }
         }
     }
-    while (!s.failed() && !s.byte_aligned()) {
-        s.f(1, "nesting_zero_bit", 0);
-    }
+    byte_alignment(s, "nesting_zero_bit", 0);
     Context nested = context;
     nested.numViewsMinus1 = payload.nesting_num_layers_minus1;
     nested_messages(s, nested, payload.messages);
@@ -115,9 +113,7 @@ void bsp_nesting(Syntax& s, const Context& context, BspNesting& payload) {
     s.ue("sei_partitioning_scheme_idx", payload.sei_partitioning_scheme_idx);
     s.ue("bsp_idx", payload.bsp_idx);
     s.ue("num_seis_in_bsp_minus1", payload.num_seis_in_bsp_minus1);
-    while (!s.failed() && !s.byte_aligned()) {
-        s.f(1, "bsp_nesting_zero_bit", 0);
-    }
+    byte_alignment(s, "bsp_nesting_zero_bit", 0);
     s.payload_bytes("sei_message()", payload.sei_message.bits);
 }
 
@@ -239,9 +235,7 @@ void overlay_info(Syntax& s, const Context& context, OverlayInfo& payload) {
     for (uint32_t i = 0; i <= payload.num_overlays_minus1; ++i) {
         overlay(s, i, payload.overlay_element_label_value_length_minus8 + 8, payload.overlays[i]);
     }
-    while (!s.failed() && !s.byte_aligned()) {
-        s.f(1, "overlay_zero_bit", 0);
-    }
+    byte_alignment(s, "overlay_zero_bit", 0);
     for (uint32_t i = 0; i <= payload.num_overlays_minus1; ++i) {
         overlay_texts(s, i, payload.overlays[i]);
     }

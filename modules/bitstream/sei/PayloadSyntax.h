@@ -27,6 +27,14 @@ constexpr SharedStructure sharedStructure(const char* name, const char* avcClaus
 
 inline constexpr SharedStructure kSeiMessage = sharedStructure("sei_message()", "7.3.2.3.1", "7.3.5");
 
+// Bits of one value up to the next byte boundary.
+template <class Syntax>
+void byte_alignment(Syntax& s, const char* name, uint32_t bit) {
+    while (!s.failed() && !s.byte_aligned()) {
+        s.f(1, name, bit);
+    }
+}
+
 // What follows the syntax of a payload within its payloadSize.
 struct PayloadEnd {
     bool isPresent = false;
@@ -45,9 +53,7 @@ void sei_payload_end(Syntax& s, const Context& context, PayloadEnd& end) {
     }
     if (hasMore || !s.byte_aligned()) {
         s.f(1, isHevc ? "payload_bit_equal_to_one" : "bit_equal_to_one", 1);
-        while (!s.failed() && !s.byte_aligned()) {
-            s.f(1, isHevc ? "payload_bit_equal_to_zero" : "bit_equal_to_zero", 0);
-        }
+        byte_alignment(s, isHevc ? "payload_bit_equal_to_zero" : "bit_equal_to_zero", 0);
     }
 }
 

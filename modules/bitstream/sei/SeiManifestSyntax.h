@@ -38,9 +38,7 @@ void prefix_indication(Syntax& s, uint32_t i, PrefixIndication& indication) {
             in.flag(at("sei_prefix_data_bit", i, j), sei_prefix_data_bit);
         }
     });
-    while (!s.failed() && !s.byte_aligned()) {
-        s.f(1, "byte_alignment_bit_equal_to_one", 1);
-    }
+    byte_alignment(s, "byte_alignment_bit_equal_to_one", 1);
 }
 
 // sei_prefix_indication(), H.264 D.1.37, H.265 D.2.46

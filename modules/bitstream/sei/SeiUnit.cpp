@@ -149,8 +149,7 @@ void nested_messages(Tracer& tracer, const Context& context, NestedMessages& nes
 
 void nested_message(Reader& reader, const Context& context) {
     const Within<Reader> within(reader, kSeiMessage.of(context));
-    const uint64_t payloadType = passNumber(reader, "last_payload_type_byte");
-    static_cast<void>(payloadType);
+    passNumber(reader, "last_payload_type_byte");
     for (uint64_t left = passNumber(reader, "last_payload_size_byte"); left > 0 && !reader.failed(); --left) {
         uint32_t byte = 0;
         reader.u(8, "payloadSize", byte);
@@ -179,6 +178,7 @@ void nested_message(Tracer& tracer, const Context& context) {
 Fault traceAnyPayload(const SeiMessage& message, const Context& context, TraceVisitor& visitor) {
     const size_t end = message.payloadOffset + message.payload.size;
     Tracer tracer(message.unit, message.payloadOffset, end, uint64_t{8} * message.rbspPayloadOffset, visitor);
+    const Within<Tracer> within(tracer, kSeiMessage.of(context));
     withPayload(context.codec, message.payloadType,
                 [&](auto uses) { decltype(uses)::trace(tracer, message, context); });
     return tracer.fault();

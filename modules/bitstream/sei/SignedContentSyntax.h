@@ -46,9 +46,7 @@ void digitally_signed_content_initialization(Syntax& s, const Context& context,
     s.flag("dsci_vss_implicit_association_mode_flag", payload.dsci_vss_implicit_association_mode_flag);
     s.flag("dsci_signed_content_start_flag", payload.dsci_signed_content_start_flag);
     s.flag("dsci_sei_signing_flag", payload.dsci_sei_signing_flag);
-    while (!s.failed() && !s.byte_aligned()) {
-        s.f(1, "dsci_alignment_zero_bit", 0);
-    }
+    byte_alignment(s, "dsci_alignment_zero_bit", 0);
     st(s, "dsci_key_source_uri", UINT32_MAX, payload.dsci_key_source_uri);
 }
 

@@ -26,9 +26,7 @@ inline void t35_padding(Tracer& tracer, CodedBits& padding) {
 template <class Sink>
 void t35_padding(BitOutput<Sink>& output, const CodedBits& padding) {
     output.payload_bytes("padding", padding);
-    while (!output.failed() && !output.byte_aligned()) {
-        output.f(1, "padding", 0);
-    }
+    byte_alignment(output, "padding", 0);
 }
 
 // A message whose owner defines its body. For each record there is

@@ -152,9 +152,7 @@ void mcts_extraction_info_set(Syntax& s, uint32_t PicSizeInCtbsY, uint32_t i, Mc
         s.u(3, at("pps_nuh_temporal_id_plus1", i, j), set.pps_nuh_temporal_id_plus1[j]);
         s.ue(at("pps_rbsp_data_length", i, j), set.pps_rbsp_data_length[j]);
     }
-    while (!s.failed() && !s.byte_aligned()) {
-        s.f(1, "mcts_alignment_bit_equal_to_zero", 0);
-    }
+    byte_alignment(s, "mcts_alignment_bit_equal_to_zero", 0);
     rbsp_data(s, "vps_rbsp_data_byte", i, set.num_vps_in_info_set_minus1, set.vps_rbsp_data_length,
               set.vps_rbsp_data_byte);
     rbsp_data(s, "sps_rbsp_data_byte", i, set.num_sps_in_info_set_minus1, set.sps_rbsp_data_length,
@@ -195,9 +193,7 @@ void mcts_extraction_info_nesting(Syntax& s, const Context& context, MctsExtract
     }
     s.ue("num_sei_messages_in_mcts_extraction_nesting_minus1",
          payload.num_sei_messages_in_mcts_extraction_nesting_minus1);
-    while (!s.failed() && !s.byte_aligned()) {
-        s.f(1, "mcts_nesting_zero_bit", 0);
-    }
+    byte_alignment(s, "mcts_nesting_zero_bit", 0);
     s.keep(payload.messages.bits, [&payload, &context](auto& in) {
         for (uint32_t i = 0; i <= payload.num_sei_messages_in_mcts_extraction_nesting_minus1 && !in.failed();
              ++i) {

@@ -275,4 +275,37 @@ TEST(SeiPayload, theEndIsWrittenWhereThereIsOne) {
     }
 }
 
+// --- A message of any type ---
+
+struct AnyRow {
+    const char* unit;
+    const char* elements;
+    const char* fault;
+};
+
+TEST(SeiPayload, aMessageOfAnyTypeIsTraced) {
+    const AnyRow kRows[] = {
+        {"4E01 90 04 03E8 0190 80", "max_content_light_level=1000 max_pic_average_light_level=400 ", ""},
+        {"4E01 90 03 03E8 01 80", "max_content_light_level=1000 ",
+         "max_pic_average_light_level in content_light_level_info() (D.2.35) at bit 48: the data ends"},
+        {"4E01 90 05 03E8 0190 00 80", "max_content_light_level=1000 max_pic_average_light_level=400 ",
+         "payload_bit_equal_to_one in sei_payload() (D.2.1) at bit 64: 0 instead of 1"},
+        {"4E01 C7 02 0102 80",
+         "reserved_sei_message_payload_byte[0]=1 reserved_sei_message_payload_byte[1]=2 ", ""},
+    };
+    for (const AnyRow& row : kRows) {
+        SCOPED_TRACE(row.unit);
+        const std::vector<uint8_t> unit = hex(row.unit);
+        RecordingVisitor visitor;
+        const qv::Fault fault = traceAnyPayload(firstOf(unit, Codec::Hevc), Context(Codec::Hevc), visitor);
+        std::string elements;
+        for (const qv::TracedElement& traced : visitor.elements) {
+            elements += qv::textOf(traced.element) + "=" + std::to_string(traced.value) + " ";
+        }
+        EXPECT_EQ(elements, row.elements);
+        EXPECT_EQ(qv::textOf(fault), row.fault);
+        EXPECT_EQ(visitor.depth, 0);
+    }
+}
+
 }  // namespace

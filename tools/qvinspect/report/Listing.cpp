@@ -102,6 +102,14 @@ private:
     QVCodecID codec_;
 };
 
+// The text of an encoder's settings fills a screen; JSON has all of it.
+std::string shortened(const std::string& text) {
+    constexpr size_t kMostText = 240;
+    return text.size() <= kMostText
+               ? text
+               : fmt::format("{}... ({} characters)", text.substr(0, kMostText), text.size());
+}
+
 }  // namespace
 
 Listing::Listing(const std::string& path, Level level, PageFormat format)
@@ -351,14 +359,6 @@ void Listing::addMessage(const UnitView& unit, const SeiMessage& message) {
         addBlock(message.block);
         addHex(unit.data + (message.offset - unit.report->offset), message.codedSize, message.offset);
     }
-}
-
-// The text of an encoder's settings fills a screen; JSON has all of it.
-std::string Listing::shortened(const std::string& text) {
-    constexpr size_t kMostText = 240;
-    return text.size() <= kMostText
-               ? text
-               : fmt::format("{}... ({} characters)", text.substr(0, kMostText), text.size());
 }
 
 void Listing::addBlock(const Block& block) {

@@ -41,7 +41,6 @@ private:
     void addSeiLog(const SeiUnit& sei);
     void addMessageLine(const SeiMessage& message);
     void addMessage(const UnitView& unit, const SeiMessage& message);
-    static std::string shortened(const std::string& text);
     void addBlock(const Block& block);
     void addHex(const unsigned char* bytes, size_t size, uint64_t offset);
     void addFindings(const std::vector<Finding>& findings);
