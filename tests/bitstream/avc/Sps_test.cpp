@@ -15,6 +15,7 @@
 #include "bitstream/avc/PictureFormat.h"
 #include "bitstream/avc/ScalingFactors.h"
 #include "bitstream/avc/SpsSyntax.h"
+#include "bitstream/syntax/EmulationPrevention.h"
 
 namespace {
 

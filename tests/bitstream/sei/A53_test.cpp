@@ -18,7 +18,7 @@ using testing::IsSupersetOf;
 constexpr Codec kCodecs[] = {Codec::Avc, Codec::Hevc};
 
 template <class Payload>
-StructureUnderTest<Payload> userData(Codec codec) {
+PayloadUnderTest<Payload> userData(Codec codec) {
     auto structure = payloadUnderTest<Payload>(
         Context(codec), [](auto& s, const auto& c, auto& payload) { t35_message(s, c, payload); });
     structure.optional = {"additional_cc_data", "ATSC_reserved_user_data", "additional_bar_data"};

@@ -45,7 +45,7 @@ const qv::hevc::ParameterSets& sets() {
     return *kSets;
 }
 
-StructureUnderTest<ActiveParameterSets> activeParameterSets() {
+PayloadUnderTest<ActiveParameterSets> activeParameterSets() {
     auto structure = payloadUnderTest<ActiveParameterSets>(
         Context(sets()), [](auto& s, const auto& c, auto& payload) { active_parameter_sets(s, c, payload); });
     structure.violable = 8;

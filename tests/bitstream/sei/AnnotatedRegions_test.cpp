@@ -19,7 +19,7 @@ using qv::FaultKind;
 
 constexpr Codec kCodecs[] = {Codec::Avc, Codec::Hevc};
 
-StructureUnderTest<AnnotatedRegions> regions(Codec codec) {
+PayloadUnderTest<AnnotatedRegions> regions(Codec codec) {
     auto structure = payloadUnderTest<AnnotatedRegions>(
         Context(codec), [](auto& s, const auto& c, auto& payload) { annotated_regions(s, c, payload); });
     structure.steer = [](RandomUnit& unit, Random& random) {

@@ -17,7 +17,7 @@ using testing::IsSupersetOf;
 
 const Context kContext(Codec::Avc);
 
-StructureUnderTest<AvcScalableNesting> scalableNesting() {
+PayloadUnderTest<AvcScalableNesting> scalableNesting() {
     auto structure = payloadUnderTest<AvcScalableNesting>(
         kContext, [](auto& s, const auto& c, auto& payload) { scalable_nesting(s, c, payload); });
     structure.violable = 4;
@@ -28,7 +28,7 @@ StructureUnderTest<AvcScalableNesting> scalableNesting() {
     return structure;
 }
 
-StructureUnderTest<MvcScalableNesting> mvcScalableNesting() {
+PayloadUnderTest<MvcScalableNesting> mvcScalableNesting() {
     auto structure = payloadUnderTest<MvcScalableNesting>(
         kContext, [](auto& s, const auto& c, auto& payload) { mvc_scalable_nesting(s, c, payload); });
     structure.violable = 4;
@@ -42,7 +42,7 @@ StructureUnderTest<MvcScalableNesting> mvcScalableNesting() {
     return structure;
 }
 
-StructureUnderTest<MvcdScalableNesting> mvcdScalableNesting() {
+PayloadUnderTest<MvcdScalableNesting> mvcdScalableNesting() {
     auto structure = payloadUnderTest<MvcdScalableNesting>(
         kContext, [](auto& s, const auto& c, auto& payload) { mvcd_scalable_nesting(s, c, payload); });
     structure.violable = 4;
@@ -51,7 +51,7 @@ StructureUnderTest<MvcdScalableNesting> mvcdScalableNesting() {
     return structure;
 }
 
-StructureUnderTest<BaseLayerTemporalHrd> baseLayerTemporalHrd() {
+PayloadUnderTest<BaseLayerTemporalHrd> baseLayerTemporalHrd() {
     auto structure = payloadUnderTest<BaseLayerTemporalHrd>(
         kContext, [](auto& s, const auto& c, auto& payload) { base_layer_temporal_hrd(s, c, payload); });
     structure.violable = 6;
@@ -63,7 +63,7 @@ StructureUnderTest<BaseLayerTemporalHrd> baseLayerTemporalHrd() {
     return structure;
 }
 
-StructureUnderTest<BaseViewTemporalHrd> baseViewTemporalHrd() {
+PayloadUnderTest<BaseViewTemporalHrd> baseViewTemporalHrd() {
     auto structure = payloadUnderTest<BaseViewTemporalHrd>(
         kContext, [](auto& s, const auto& c, auto& payload) { base_view_temporal_hrd(s, c, payload); });
     structure.violable = 6;

@@ -16,7 +16,7 @@ using testing::IsSupersetOf;
 
 constexpr Codec kCodecs[] = {Codec::Avc, Codec::Hevc};
 
-StructureUnderTest<KneeFunctionInfo> kneeFunction() {
+PayloadUnderTest<KneeFunctionInfo> kneeFunction() {
     auto structure = payloadUnderTest<KneeFunctionInfo>(
         Context(Codec::Hevc),
         [](auto& s, const auto& c, auto& payload) { knee_function_info(s, c, payload); });
@@ -27,7 +27,7 @@ StructureUnderTest<KneeFunctionInfo> kneeFunction() {
     return structure;
 }
 
-StructureUnderTest<ColourRemappingInfo> remapping(Codec codec) {
+PayloadUnderTest<ColourRemappingInfo> remapping(Codec codec) {
     auto structure = payloadUnderTest<ColourRemappingInfo>(
         Context(codec), [](auto& s, const auto& c, auto& payload) { colour_remapping_info(s, c, payload); });
     structure.steer = [](RandomUnit& unit, Random& random) {

@@ -19,25 +19,25 @@ using testing::IsSupersetOf;
 
 constexpr Codec kCodecs[] = {Codec::Avc, Codec::Hevc};
 
-StructureUnderTest<MasteringDisplayColourVolume> masteringDisplay(Codec codec) {
+PayloadUnderTest<MasteringDisplayColourVolume> masteringDisplay(Codec codec) {
     return payloadUnderTest<MasteringDisplayColourVolume>(
         Context(codec),
         [](auto& s, const auto& c, auto& payload) { mastering_display_colour_volume(s, c, payload); });
 }
 
-StructureUnderTest<ContentLightLevelInfo> lightLevel(Codec codec) {
+PayloadUnderTest<ContentLightLevelInfo> lightLevel(Codec codec) {
     return payloadUnderTest<ContentLightLevelInfo>(Context(codec), [](auto& s, const auto& c, auto& payload) {
         content_light_level_info(s, c, payload);
     });
 }
 
-StructureUnderTest<AlternativeTransferCharacteristics> transfer(Codec codec) {
+PayloadUnderTest<AlternativeTransferCharacteristics> transfer(Codec codec) {
     return payloadUnderTest<AlternativeTransferCharacteristics>(
         Context(codec),
         [](auto& s, const auto& c, auto& payload) { alternative_transfer_characteristics(s, c, payload); });
 }
 
-StructureUnderTest<AmbientViewingEnvironment> ambient(Codec codec) {
+PayloadUnderTest<AmbientViewingEnvironment> ambient(Codec codec) {
     auto structure = payloadUnderTest<AmbientViewingEnvironment>(
         Context(codec),
         [](auto& s, const auto& c, auto& payload) { ambient_viewing_environment(s, c, payload); });
@@ -45,7 +45,7 @@ StructureUnderTest<AmbientViewingEnvironment> ambient(Codec codec) {
     return structure;
 }
 
-StructureUnderTest<ContentColourVolume> contentVolume(Codec codec) {
+PayloadUnderTest<ContentColourVolume> contentVolume(Codec codec) {
     auto structure = payloadUnderTest<ContentColourVolume>(
         Context(codec), [](auto& s, const auto& c, auto& payload) { content_colour_volume(s, c, payload); });
     structure.steer = [](RandomUnit& unit, Random& random) {

@@ -26,7 +26,7 @@ using testing::IsSupersetOf;
 
 constexpr Codec kCodecs[] = {Codec::Avc, Codec::Hevc};
 
-StructureUnderTest<DepthRepresentationInfo> depthRepresentation(Codec codec) {
+PayloadUnderTest<DepthRepresentationInfo> depthRepresentation(Codec codec) {
     auto structure = payloadUnderTest<DepthRepresentationInfo>(
         Context(codec),
         [](auto& s, const auto& c, auto& payload) { depth_representation_info(s, c, payload); });
@@ -39,12 +39,12 @@ StructureUnderTest<DepthRepresentationInfo> depthRepresentation(Codec codec) {
     return structure;
 }
 
-StructureUnderTest<DepthTiming> depthTiming() {
+PayloadUnderTest<DepthTiming> depthTiming() {
     return payloadUnderTest<DepthTiming>(
         Context(Codec::Avc), [](auto& s, const auto& c, auto& payload) { depth_timing(s, c, payload); });
 }
 
-StructureUnderTest<DepthSamplingInfo> depthSampling() {
+PayloadUnderTest<DepthSamplingInfo> depthSampling() {
     auto structure = payloadUnderTest<DepthSamplingInfo>(
         Context(Codec::Avc),
         [](auto& s, const auto& c, auto& payload) { depth_sampling_info(s, c, payload); });
@@ -55,7 +55,7 @@ StructureUnderTest<DepthSamplingInfo> depthSampling() {
     return structure;
 }
 
-StructureUnderTest<ConstrainedDepthParameterSetIdentifier> depthParameterSets() {
+PayloadUnderTest<ConstrainedDepthParameterSetIdentifier> depthParameterSets() {
     return payloadUnderTest<ConstrainedDepthParameterSetIdentifier>(
         Context(Codec::Avc), [](auto& s, const auto& c, auto& payload) {
             constrained_depth_parameter_set_identifier(s, c, payload);
@@ -63,7 +63,7 @@ StructureUnderTest<ConstrainedDepthParameterSetIdentifier> depthParameterSets() 
 }
 
 // What H.264 reserves is in a test of its own.
-StructureUnderTest<AlternativeDepthInfo> alternativeDepth(Codec codec) {
+PayloadUnderTest<AlternativeDepthInfo> alternativeDepth(Codec codec) {
     auto structure = payloadUnderTest<AlternativeDepthInfo>(
         Context(codec), [](auto& s, const auto& c, auto& payload) { alternative_depth_info(s, c, payload); });
     structure.violable = codec == Codec::Avc ? 3 : 1;

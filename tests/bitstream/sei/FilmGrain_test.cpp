@@ -42,7 +42,7 @@ Context contextOf(Codec codec, bool withSps = true) {
     return context;
 }
 
-StructureUnderTest<FilmGrainCharacteristics> filmGrain(Codec codec, bool withSps = true) {
+PayloadUnderTest<FilmGrainCharacteristics> filmGrain(Codec codec, bool withSps = true) {
     auto structure = payloadUnderTest<FilmGrainCharacteristics>(
         contextOf(codec, withSps),
         [](auto& s, const auto& c, auto& payload) { film_grain_characteristics(s, c, payload); });
@@ -85,18 +85,17 @@ TEST(SeiFilmGrain, everyRange) {
 
 TEST(SeiFilmGrain, noAllocationAndNoByteOutside) {
     for (const Codec codec : {Codec::Avc, Codec::Hevc}) {
-        checkMemory<FilmGrainCharacteristics>(
-            filmGrain(codec), unitRounds(25),
-            {{"intervals", [](const FilmGrainCharacteristics& payload) {
-                  uint64_t sum = 0;
-                  for (uint32_t c = 0; c < 4; ++c) {
-                      FilmGrainIntervals intervals(payload, c);
-                      for (FilmGrainInterval interval = {}; intervals.next(interval);) {
-                          sum += interval.intensity_interval_upper_bound + 1;
-                      }
-                  }
-                  return sum;
-              }}});
+        checkMemory(filmGrain(codec), unitRounds(25),
+                    {{"intervals", [](const FilmGrainCharacteristics& payload) {
+                          uint64_t sum = 0;
+                          for (uint32_t c = 0; c < 4; ++c) {
+                              FilmGrainIntervals intervals(payload, c);
+                              for (FilmGrainInterval interval = {}; intervals.next(interval);) {
+                                  sum += interval.intensity_interval_upper_bound + 1;
+                              }
+                          }
+                          return sum;
+                      }}});
     }
 }
 

@@ -32,7 +32,7 @@ Context contextOf(const qv::hevc::Sps& sps) {
     return context;
 }
 
-StructureUnderTest<PostFilterHint> postFilter(const Context& context) {
+PayloadUnderTest<PostFilterHint> postFilter(const Context& context) {
     auto structure = payloadUnderTest<PostFilterHint>(
         context, [](auto& s, const auto& c, auto& payload) { post_filter_hint(s, c, payload); });
     structure.extensionData = {"extension_data"};
@@ -40,7 +40,7 @@ StructureUnderTest<PostFilterHint> postFilter(const Context& context) {
     return structure;
 }
 
-StructureUnderTest<ChromaResamplingFilterHint> chromaFilter() {
+PayloadUnderTest<ChromaResamplingFilterHint> chromaFilter() {
     auto structure = payloadUnderTest<ChromaResamplingFilterHint>(
         Context(Codec::Hevc),
         [](auto& s, const auto& c, auto& payload) { chroma_resampling_filter_hint(s, c, payload); });
@@ -52,7 +52,7 @@ StructureUnderTest<ChromaResamplingFilterHint> chromaFilter() {
     return structure;
 }
 
-StructureUnderTest<GreenMetadata> green(Codec codec) {
+PayloadUnderTest<GreenMetadata> green(Codec codec) {
     auto structure = payloadUnderTest<GreenMetadata>(
         Context(codec), [](auto& s, const auto& c, auto& payload) { green_metadata(s, c, payload); });
     structure.extensionData = {"extension_data"};

@@ -19,12 +19,12 @@ using testing::IsSupersetOf;
 
 constexpr Codec kCodecs[] = {Codec::Avc, Codec::Hevc};
 
-StructureUnderTest<StereoVideoInfo> stereo() {
+PayloadUnderTest<StereoVideoInfo> stereo() {
     return payloadUnderTest<StereoVideoInfo>(
         Context(Codec::Avc), [](auto& s, const auto& c, auto& payload) { stereo_video_info(s, c, payload); });
 }
 
-StructureUnderTest<FramePackingArrangement> framePacking(Codec codec) {
+PayloadUnderTest<FramePackingArrangement> framePacking(Codec codec) {
     auto structure = payloadUnderTest<FramePackingArrangement>(
         Context(codec),
         [](auto& s, const auto& c, auto& payload) { frame_packing_arrangement(s, c, payload); });
@@ -42,14 +42,14 @@ StructureUnderTest<FramePackingArrangement> framePacking(Codec codec) {
     return structure;
 }
 
-StructureUnderTest<SegmentedRectFramePackingArrangement> segmentedRect() {
+PayloadUnderTest<SegmentedRectFramePackingArrangement> segmentedRect() {
     return payloadUnderTest<SegmentedRectFramePackingArrangement>(
         Context(Codec::Hevc), [](auto& s, const auto& c, auto& payload) {
             segmented_rect_frame_packing_arrangement(s, c, payload);
         });
 }
 
-StructureUnderTest<DeblockingFilterDisplayPreference> deblocking() {
+PayloadUnderTest<DeblockingFilterDisplayPreference> deblocking() {
     auto structure = payloadUnderTest<DeblockingFilterDisplayPreference>(
         Context(Codec::Avc),
         [](auto& s, const auto& c, auto& payload) { deblocking_filter_display_preference(s, c, payload); });
@@ -57,7 +57,7 @@ StructureUnderTest<DeblockingFilterDisplayPreference> deblocking() {
     return structure;
 }
 
-StructureUnderTest<DisplayOrientation> orientation(Codec codec) {
+PayloadUnderTest<DisplayOrientation> orientation(Codec codec) {
     auto structure = payloadUnderTest<DisplayOrientation>(
         Context(codec), [](auto& s, const auto& c, auto& payload) { display_orientation(s, c, payload); });
     structure.extensionData = {"extension_data"};

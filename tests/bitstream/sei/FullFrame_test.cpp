@@ -19,25 +19,25 @@ using testing::IsSupersetOf;
 
 constexpr Codec kCodecs[] = {Codec::Avc, Codec::Hevc};
 
-StructureUnderTest<FullFrameFreeze> freeze() {
+PayloadUnderTest<FullFrameFreeze> freeze() {
     auto structure = payloadUnderTest<FullFrameFreeze>(
         Context(Codec::Avc), [](auto& s, const auto& c, auto& payload) { full_frame_freeze(s, c, payload); });
     structure.violable = 1;
     return structure;
 }
 
-StructureUnderTest<FullFrameFreezeRelease> release() {
+PayloadUnderTest<FullFrameFreezeRelease> release() {
     return payloadUnderTest<FullFrameFreezeRelease>(
         Context(Codec::Avc),
         [](auto& s, const auto& c, auto& payload) { full_frame_freeze_release(s, c, payload); });
 }
 
-StructureUnderTest<PictureSnapshot> snapshot(Codec codec) {
+PayloadUnderTest<PictureSnapshot> snapshot(Codec codec) {
     return payloadUnderTest<PictureSnapshot>(
         Context(codec), [](auto& s, const auto& c, auto& payload) { picture_snapshot(s, c, payload); });
 }
 
-StructureUnderTest<ProgressiveRefinementSegmentStart> segmentStart(Codec codec) {
+PayloadUnderTest<ProgressiveRefinementSegmentStart> segmentStart(Codec codec) {
     auto structure = payloadUnderTest<ProgressiveRefinementSegmentStart>(
         Context(codec),
         [](auto& s, const auto& c, auto& payload) { progressive_refinement_segment_start(s, c, payload); });
@@ -45,13 +45,13 @@ StructureUnderTest<ProgressiveRefinementSegmentStart> segmentStart(Codec codec) 
     return structure;
 }
 
-StructureUnderTest<ProgressiveRefinementSegmentEnd> segmentEnd(Codec codec) {
+PayloadUnderTest<ProgressiveRefinementSegmentEnd> segmentEnd(Codec codec) {
     return payloadUnderTest<ProgressiveRefinementSegmentEnd>(
         Context(codec),
         [](auto& s, const auto& c, auto& payload) { progressive_refinement_segment_end(s, c, payload); });
 }
 
-StructureUnderTest<SceneInfo> scene(Codec codec) {
+PayloadUnderTest<SceneInfo> scene(Codec codec) {
     auto structure = payloadUnderTest<SceneInfo>(
         Context(codec), [](auto& s, const auto& c, auto& payload) { scene_info(s, c, payload); });
     structure.violable = 1;

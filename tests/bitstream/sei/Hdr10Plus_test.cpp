@@ -16,7 +16,7 @@ using qv::Codec;
 using testing::ElementsAre;
 using testing::IsSupersetOf;
 
-StructureUnderTest<Hdr10Plus> hdr10Plus(Codec codec) {
+PayloadUnderTest<Hdr10Plus> hdr10Plus(Codec codec) {
     auto structure = payloadUnderTest<Hdr10Plus>(
         Context(codec), [](auto& s, const auto& c, auto& payload) { t35_message(s, c, payload); });
     structure.optional = {"padding"};

@@ -15,7 +15,7 @@ using namespace qv::sei;
 using qv::Codec;
 using testing::IsSupersetOf;
 
-StructureUnderTest<HdrVivid> hdrVivid(Codec codec) {
+PayloadUnderTest<HdrVivid> hdrVivid(Codec codec) {
     auto structure = payloadUnderTest<HdrVivid>(
         Context(codec), [](auto& s, const auto& c, auto& payload) { t35_message(s, c, payload); });
     structure.optional = {"padding"};

@@ -21,7 +21,7 @@ using testing::IsSupersetOf;
 
 const Context kHevc(Codec::Hevc);
 
-StructureUnderTest<HevcScalableNesting> nesting() {
+PayloadUnderTest<HevcScalableNesting> nesting() {
     auto structure = payloadUnderTest<HevcScalableNesting>(
         kHevc, [](auto& s, const auto& c, auto& payload) { scalable_nesting(s, c, payload); });
     structure.lastCut = "last_payload_type_byte";
@@ -45,7 +45,7 @@ protected:
         sets->take(bytesOf(vpsOf63Layers()));
     }
 
-    StructureUnderTest<LayersNotPresent> layersNotPresent() const {
+    PayloadUnderTest<LayersNotPresent> layersNotPresent() const {
         auto structure = payloadUnderTest<LayersNotPresent>(
             Context(*sets), [](auto& s, const auto& c, auto& payload) { layers_not_present(s, c, payload); });
         structure.steer = [](RandomUnit& unit, Random&) { unit.choose("lnp_sei_active_vps_id", {5}); };
@@ -55,7 +55,7 @@ protected:
     std::unique_ptr<qv::hevc::ParameterSets> sets;
 };
 
-StructureUnderTest<InterLayerConstrainedTileSets> tileSets() {
+PayloadUnderTest<InterLayerConstrainedTileSets> tileSets() {
     auto structure = payloadUnderTest<InterLayerConstrainedTileSets>(
         kHevc,
         [](auto& s, const auto& c, auto& payload) { inter_layer_constrained_tile_sets(s, c, payload); });
@@ -72,7 +72,7 @@ StructureUnderTest<InterLayerConstrainedTileSets> tileSets() {
     return structure;
 }
 
-StructureUnderTest<BspNesting> bspNesting() {
+PayloadUnderTest<BspNesting> bspNesting() {
     auto structure = payloadUnderTest<BspNesting>(
         kHevc, [](auto& s, const auto& c, auto& payload) { bsp_nesting(s, c, payload); });
     structure.optional = {"sei_message()"};
@@ -80,14 +80,14 @@ StructureUnderTest<BspNesting> bspNesting() {
     return structure;
 }
 
-StructureUnderTest<SubBitstreamProperty> subBitstreams() {
+PayloadUnderTest<SubBitstreamProperty> subBitstreams() {
     auto structure = payloadUnderTest<SubBitstreamProperty>(
         kHevc, [](auto& s, const auto& c, auto& payload) { sub_bitstream_property(s, c, payload); });
     structure.violable = 1;
     return structure;
 }
 
-StructureUnderTest<AlphaChannelInfo> alpha() {
+PayloadUnderTest<AlphaChannelInfo> alpha() {
     auto structure = payloadUnderTest<AlphaChannelInfo>(
         kHevc, [](auto& s, const auto& c, auto& payload) { alpha_channel_info(s, c, payload); });
     structure.steer = [](RandomUnit& unit, Random& random) {
@@ -98,7 +98,7 @@ StructureUnderTest<AlphaChannelInfo> alpha() {
     return structure;
 }
 
-StructureUnderTest<OverlayInfo> overlays() {
+PayloadUnderTest<OverlayInfo> overlays() {
     auto structure = payloadUnderTest<OverlayInfo>(
         kHevc, [](auto& s, const auto& c, auto& payload) { overlay_info(s, c, payload); });
     structure.violable = 12;
@@ -112,7 +112,7 @@ StructureUnderTest<OverlayInfo> overlays() {
     return structure;
 }
 
-StructureUnderTest<TemporalMvPredictionConstraints> motionConstraints() {
+PayloadUnderTest<TemporalMvPredictionConstraints> motionConstraints() {
     return payloadUnderTest<TemporalMvPredictionConstraints>(
         kHevc,
         [](auto& s, const auto& c, auto& payload) { temporal_mv_prediction_constraints(s, c, payload); });

@@ -17,7 +17,7 @@ using testing::IsSupersetOf;
 
 constexpr Codec kCodecs[] = {Codec::Avc, Codec::Hevc};
 
-StructureUnderTest<MultiviewSceneInfo> sceneInfo(Codec codec) {
+PayloadUnderTest<MultiviewSceneInfo> sceneInfo(Codec codec) {
     auto structure = payloadUnderTest<MultiviewSceneInfo>(
         Context(codec), [](auto& s, const auto& c, auto& payload) { multiview_scene_info(s, c, payload); });
     structure.violable = codec == Codec::Avc ? 1 : 3;
@@ -43,7 +43,7 @@ void steerNumbers(RandomUnit& unit, Random& random) {
     }
 }
 
-StructureUnderTest<MultiviewAcquisitionInfo> acquisitionInfo(Codec codec) {
+PayloadUnderTest<MultiviewAcquisitionInfo> acquisitionInfo(Codec codec) {
     Context context(codec);
     context.numViewsMinus1 = 2;
     auto structure = payloadUnderTest<MultiviewAcquisitionInfo>(
@@ -53,7 +53,7 @@ StructureUnderTest<MultiviewAcquisitionInfo> acquisitionInfo(Codec codec) {
     return structure;
 }
 
-StructureUnderTest<ThreeDimensionalReferenceDisplaysInfo> referenceDisplays(Codec codec) {
+PayloadUnderTest<ThreeDimensionalReferenceDisplaysInfo> referenceDisplays(Codec codec) {
     auto structure = payloadUnderTest<ThreeDimensionalReferenceDisplaysInfo>(
         Context(codec), [](auto& s, const auto& c, auto& payload) {
             three_dimensional_reference_displays_info(s, c, payload);

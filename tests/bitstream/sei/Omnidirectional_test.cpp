@@ -18,18 +18,18 @@ using testing::IsSupersetOf;
 
 constexpr Codec kCodecs[] = {Codec::Avc, Codec::Hevc};
 
-StructureUnderTest<EquirectangularProjection> equirectangular(Codec codec) {
+PayloadUnderTest<EquirectangularProjection> equirectangular(Codec codec) {
     return payloadUnderTest<EquirectangularProjection>(
         Context(codec),
         [](auto& s, const auto& c, auto& payload) { equirectangular_projection(s, c, payload); });
 }
 
-StructureUnderTest<CubemapProjection> cubemap(Codec codec) {
+PayloadUnderTest<CubemapProjection> cubemap(Codec codec) {
     return payloadUnderTest<CubemapProjection>(
         Context(codec), [](auto& s, const auto& c, auto& payload) { cubemap_projection(s, c, payload); });
 }
 
-StructureUnderTest<FisheyeVideoInfo> fisheye() {
+PayloadUnderTest<FisheyeVideoInfo> fisheye() {
     auto structure = payloadUnderTest<FisheyeVideoInfo>(
         Context(Codec::Hevc),
         [](auto& s, const auto& c, auto& payload) { fisheye_video_info(s, c, payload); });
@@ -37,21 +37,21 @@ StructureUnderTest<FisheyeVideoInfo> fisheye() {
     return structure;
 }
 
-StructureUnderTest<SphereRotation> rotation(Codec codec) {
+PayloadUnderTest<SphereRotation> rotation(Codec codec) {
     auto structure = payloadUnderTest<SphereRotation>(
         Context(codec), [](auto& s, const auto& c, auto& payload) { sphere_rotation(s, c, payload); });
     structure.violable = 6;
     return structure;
 }
 
-StructureUnderTest<RegionwisePacking> packing(Codec codec) {
+PayloadUnderTest<RegionwisePacking> packing(Codec codec) {
     auto structure = payloadUnderTest<RegionwisePacking>(
         Context(codec), [](auto& s, const auto& c, auto& payload) { regionwise_packing(s, c, payload); });
     structure.violable = 1;
     return structure;
 }
 
-StructureUnderTest<OmniViewport> viewport(Codec codec) {
+PayloadUnderTest<OmniViewport> viewport(Codec codec) {
     auto structure = payloadUnderTest<OmniViewport>(
         Context(codec), [](auto& s, const auto& c, auto& payload) { omni_viewport(s, c, payload); });
     structure.violable = 10;

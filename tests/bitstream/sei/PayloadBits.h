@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "../../support/AllocationFault.h"
 #include "../../support/BitWriter.h"
 #include "PayloadChecks.h"
 
@@ -75,7 +76,7 @@ void expectNotWritten(qv::Codec codec, uint8_t firstByte = 0x83) {
 
 // What holds for a payload without elements, on which the other checks have nothing to do.
 template <class Payload>
-void checkEmptyPayload(const StructureUnderTest<Payload>& structure) {
+void checkEmptyPayload(const PayloadUnderTest<Payload>& structure) {
     checkRoundTrips(structure, 1);
     const std::vector<uint8_t> extension = {0x40, 0x80};
     const AllocationFault allocations(Allocator::New, 0);

@@ -18,14 +18,14 @@ using testing::IsSupersetOf;
 
 constexpr Codec kCodecs[] = {Codec::Avc, Codec::Hevc};
 
-StructureUnderTest<PanScanRect> panScanRect(Codec codec) {
+PayloadUnderTest<PanScanRect> panScanRect(Codec codec) {
     auto structure = payloadUnderTest<PanScanRect>(
         Context(codec), [](auto& s, const auto& c, auto& payload) { pan_scan_rect(s, c, payload); });
     structure.violable = codec == Codec::Avc ? 2 : 1;
     return structure;
 }
 
-StructureUnderTest<NoDisplay> noDisplay() {
+PayloadUnderTest<NoDisplay> noDisplay() {
     return payloadUnderTest<NoDisplay>(
         Context(Codec::Hevc), [](auto& s, const auto& c, auto& payload) { no_display(s, c, payload); });
 }

@@ -28,7 +28,7 @@ class SeiPictureHash : public testing::Test {
 protected:
     SeiPictureHash() { monochrome_->chroma_format_idc = 0; }
 
-    StructureUnderTest<DecodedPictureHash> hash(const Context& context) const {
+    PayloadUnderTest<DecodedPictureHash> hash(const Context& context) const {
         auto structure = payloadUnderTest<DecodedPictureHash>(
             context, [](auto& s, const auto& c, auto& payload) { decoded_picture_hash(s, c, payload); });
         structure.violable = 1;

@@ -43,7 +43,7 @@ Context contextOf(const qv::avc::Pps& pps) {
 const qv::avc::SpsData kFrames = spsOf(true, 5, 3);
 const qv::avc::SpsData kFields = spsOf(false, 2, 2);
 
-StructureUnderTest<DecRefPicMarkingRepetition> marking(const qv::avc::SpsData& sps) {
+PayloadUnderTest<DecRefPicMarkingRepetition> marking(const qv::avc::SpsData& sps) {
     auto structure = payloadUnderTest<DecRefPicMarkingRepetition>(
         contextOf(sps),
         [](auto& s, const auto& c, auto& payload) { dec_ref_pic_marking_repetition(s, c, payload); });
@@ -51,7 +51,7 @@ StructureUnderTest<DecRefPicMarkingRepetition> marking(const qv::avc::SpsData& s
     return structure;
 }
 
-StructureUnderTest<SparePic> spare(const qv::avc::SpsData& sps) {
+PayloadUnderTest<SparePic> spare(const qv::avc::SpsData& sps) {
     auto structure = payloadUnderTest<SparePic>(
         contextOf(sps), [](auto& s, const auto& c, auto& payload) { spare_pic(s, c, payload); });
     structure.violable = 12;
@@ -67,7 +67,7 @@ qv::avc::Pps ppsOf(uint32_t sliceGroups) {
 const qv::avc::Pps kOneGroup = ppsOf(1);
 const qv::avc::Pps kFiveGroups = ppsOf(5);
 
-StructureUnderTest<MotionConstrainedSliceGroupSet> groupSet(const qv::avc::Pps& pps) {
+PayloadUnderTest<MotionConstrainedSliceGroupSet> groupSet(const qv::avc::Pps& pps) {
     auto structure = payloadUnderTest<MotionConstrainedSliceGroupSet>(
         contextOf(pps),
         [](auto& s, const auto& c, auto& payload) { motion_constrained_slice_group_set(s, c, payload); });
@@ -118,21 +118,21 @@ uint64_t sumOf(const qv::avc::DecRefPicMarking& marking) {
 }
 
 TEST(SeiPictureMarking, noAllocationAndNoByteOutside) {
-    checkMemory<DecRefPicMarkingRepetition>(marking(kFields), unitRounds(25),
-                                            {{"operations", [](const DecRefPicMarkingRepetition& payload) {
-                                                  return sumOf(payload.dec_ref_pic_marking);
-                                              }}});
-    checkMemory<SparePic>(spare(kFields), unitRounds(25),
-                          {{"spare areas", [](const SparePic& payload) {
-                                uint64_t sum = 0;
-                                for (uint32_t i = 0; i <= payload.num_spare_pics_minus1; ++i) {
-                                    SpareAreas areas(payload, i);
-                                    for (uint32_t value = 0; areas.next(value);) {
-                                        sum += value + 1;
-                                    }
-                                }
-                                return sum;
-                            }}});
+    checkMemory(marking(kFields), unitRounds(25),
+                {{"operations", [](const DecRefPicMarkingRepetition& payload) {
+                      return sumOf(payload.dec_ref_pic_marking);
+                  }}});
+    checkMemory(spare(kFields), unitRounds(25), {{"spare areas", [](const SparePic& payload) {
+                                                      uint64_t sum = 0;
+                                                      for (uint32_t i = 0; i <= payload.num_spare_pics_minus1;
+                                                           ++i) {
+                                                          SpareAreas areas(payload, i);
+                                                          for (uint32_t value = 0; areas.next(value);) {
+                                                              sum += value + 1;
+                                                          }
+                                                      }
+                                                      return sum;
+                                                  }}});
     checkMemory(groupSet(kFiveGroups), unitRounds(25));
 }
 

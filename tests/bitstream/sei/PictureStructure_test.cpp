@@ -21,18 +21,18 @@ using testing::IsSupersetOf;
 
 const Context kContext(Codec::Hevc);
 
-StructureUnderTest<FrameFieldInfo> frameFieldInfo() {
+PayloadUnderTest<FrameFieldInfo> frameFieldInfo() {
     return payloadUnderTest<FrameFieldInfo>(
         kContext, [](auto& s, const auto& c, auto& payload) { frame_field_info(s, c, payload); });
 }
 
-StructureUnderTest<DeinterlacedFieldIdentification> deinterlacedFieldIdentification() {
+PayloadUnderTest<DeinterlacedFieldIdentification> deinterlacedFieldIdentification() {
     return payloadUnderTest<DeinterlacedFieldIdentification>(
         kContext,
         [](auto& s, const auto& c, auto& payload) { deinterlaced_field_identification(s, c, payload); });
 }
 
-StructureUnderTest<StructureOfPicturesInfo> structureOfPicturesInfo() {
+PayloadUnderTest<StructureOfPicturesInfo> structureOfPicturesInfo() {
     auto structure = payloadUnderTest<StructureOfPicturesInfo>(
         kContext, [](auto& s, const auto& c, auto& payload) { structure_of_pictures_info(s, c, payload); });
     structure.violable = 4;
@@ -40,12 +40,12 @@ StructureUnderTest<StructureOfPicturesInfo> structureOfPicturesInfo() {
     return structure;
 }
 
-StructureUnderTest<TemporalSubLayerZeroIdx> temporalSubLayerZeroIdx() {
+PayloadUnderTest<TemporalSubLayerZeroIdx> temporalSubLayerZeroIdx() {
     return payloadUnderTest<TemporalSubLayerZeroIdx>(
         kContext, [](auto& s, const auto& c, auto& payload) { temporal_sub_layer_zero_idx(s, c, payload); });
 }
 
-StructureUnderTest<CodedRegionCompletion> codedRegionCompletion() {
+PayloadUnderTest<CodedRegionCompletion> codedRegionCompletion() {
     return payloadUnderTest<CodedRegionCompletion>(
         kContext, [](auto& s, const auto& c, auto& payload) { coded_region_completion(s, c, payload); });
 }

@@ -15,27 +15,27 @@ using namespace qv::sei;
 using qv::Codec;
 using testing::IsSupersetOf;
 
-StructureUnderTest<AvcRecoveryPoint> avcRecoveryPoint() {
+PayloadUnderTest<AvcRecoveryPoint> avcRecoveryPoint() {
     auto structure = payloadUnderTest<AvcRecoveryPoint>(
         Context(Codec::Avc), [](auto& s, const auto& c, auto& payload) { recovery_point(s, c, payload); });
     structure.violable = 2;
     return structure;
 }
 
-StructureUnderTest<HevcRecoveryPoint> hevcRecoveryPoint() {
+PayloadUnderTest<HevcRecoveryPoint> hevcRecoveryPoint() {
     auto structure = payloadUnderTest<HevcRecoveryPoint>(
         Context(Codec::Hevc), [](auto& s, const auto& c, auto& payload) { recovery_point(s, c, payload); });
     structure.violable = 2;
     return structure;
 }
 
-StructureUnderTest<RegionRefreshInfo> regionRefreshInfo() {
+PayloadUnderTest<RegionRefreshInfo> regionRefreshInfo() {
     return payloadUnderTest<RegionRefreshInfo>(
         Context(Codec::Hevc),
         [](auto& s, const auto& c, auto& payload) { region_refresh_info(s, c, payload); });
 }
 
-StructureUnderTest<DependentRapIndication> dependentRapIndication() {
+PayloadUnderTest<DependentRapIndication> dependentRapIndication() {
     return payloadUnderTest<DependentRapIndication>(
         Context(Codec::Hevc),
         [](auto& s, const auto& c, auto& payload) { dependent_rap_indication(s, c, payload); });

@@ -17,7 +17,7 @@ using namespace qv::sei;
 using qv::Codec;
 using qv::FaultKind;
 
-StructureUnderTest<RegionalNesting> nesting() {
+PayloadUnderTest<RegionalNesting> nesting() {
     return payloadUnderTest<RegionalNesting>(
         Context(Codec::Hevc), [](auto& s, const auto& c, auto& payload) { regional_nesting(s, c, payload); });
 }

@@ -18,7 +18,7 @@ using testing::IsSupersetOf;
 
 const Context kContext(Codec::Avc);
 
-StructureUnderTest<ScalabilityInfo> scalabilityInfo() {
+PayloadUnderTest<ScalabilityInfo> scalabilityInfo() {
     auto structure = payloadUnderTest<ScalabilityInfo>(
         kContext, [](auto& s, const auto& c, auto& payload) { scalability_info(s, c, payload); });
     structure.violable = 12;
@@ -38,26 +38,26 @@ StructureUnderTest<ScalabilityInfo> scalabilityInfo() {
     return structure;
 }
 
-StructureUnderTest<SubPicScalableLayer> subPicScalableLayer() {
+PayloadUnderTest<SubPicScalableLayer> subPicScalableLayer() {
     auto structure = payloadUnderTest<SubPicScalableLayer>(
         kContext, [](auto& s, const auto& c, auto& payload) { sub_pic_scalable_layer(s, c, payload); });
     structure.violable = 1;
     return structure;
 }
 
-StructureUnderTest<NonRequiredLayerRep> nonRequiredLayerRep() {
+PayloadUnderTest<NonRequiredLayerRep> nonRequiredLayerRep() {
     auto structure = payloadUnderTest<NonRequiredLayerRep>(
         kContext, [](auto& s, const auto& c, auto& payload) { non_required_layer_rep(s, c, payload); });
     structure.violable = 4;
     return structure;
 }
 
-StructureUnderTest<PriorityLayerInfo> priorityLayerInfo() {
+PayloadUnderTest<PriorityLayerInfo> priorityLayerInfo() {
     return payloadUnderTest<PriorityLayerInfo>(
         kContext, [](auto& s, const auto& c, auto& payload) { priority_layer_info(s, c, payload); });
 }
 
-StructureUnderTest<AvcLayersNotPresent> layersNotPresent() {
+PayloadUnderTest<AvcLayersNotPresent> layersNotPresent() {
     auto structure = payloadUnderTest<AvcLayersNotPresent>(
         kContext, [](auto& s, const auto& c, auto& payload) { layers_not_present(s, c, payload); });
     structure.violable = 4;
@@ -69,7 +69,7 @@ StructureUnderTest<AvcLayersNotPresent> layersNotPresent() {
     return structure;
 }
 
-StructureUnderTest<LayerDependencyChange> layerDependencyChange() {
+PayloadUnderTest<LayerDependencyChange> layerDependencyChange() {
     auto structure = payloadUnderTest<LayerDependencyChange>(
         kContext, [](auto& s, const auto& c, auto& payload) { layer_dependency_change(s, c, payload); });
     structure.violable = 5;
@@ -80,7 +80,7 @@ StructureUnderTest<LayerDependencyChange> layerDependencyChange() {
     return structure;
 }
 
-StructureUnderTest<QualityLayerIntegrityCheck> qualityLayerIntegrityCheck() {
+PayloadUnderTest<QualityLayerIntegrityCheck> qualityLayerIntegrityCheck() {
     auto structure = payloadUnderTest<QualityLayerIntegrityCheck>(
         kContext,
         [](auto& s, const auto& c, auto& payload) { quality_layer_integrity_check(s, c, payload); });
@@ -88,7 +88,7 @@ StructureUnderTest<QualityLayerIntegrityCheck> qualityLayerIntegrityCheck() {
     return structure;
 }
 
-StructureUnderTest<RedundantPicProperty> redundantPicProperty() {
+PayloadUnderTest<RedundantPicProperty> redundantPicProperty() {
     auto structure = payloadUnderTest<RedundantPicProperty>(
         kContext, [](auto& s, const auto& c, auto& payload) { redundant_pic_property(s, c, payload); });
     structure.violable = 8;
@@ -100,12 +100,12 @@ StructureUnderTest<RedundantPicProperty> redundantPicProperty() {
     return structure;
 }
 
-StructureUnderTest<Tl0DepRepIndex> tl0DepRepIndex() {
+PayloadUnderTest<Tl0DepRepIndex> tl0DepRepIndex() {
     return payloadUnderTest<Tl0DepRepIndex>(
         kContext, [](auto& s, const auto& c, auto& payload) { tl0_dep_rep_index(s, c, payload); });
 }
 
-StructureUnderTest<TlSwitchingPoint> tlSwitchingPoint() {
+PayloadUnderTest<TlSwitchingPoint> tlSwitchingPoint() {
     return payloadUnderTest<TlSwitchingPoint>(
         kContext, [](auto& s, const auto& c, auto& payload) { tl_switching_point(s, c, payload); });
 }

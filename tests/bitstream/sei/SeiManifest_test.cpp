@@ -17,7 +17,7 @@ using qv::Codec;
 
 constexpr Codec kCodecs[] = {Codec::Avc, Codec::Hevc};
 
-StructureUnderTest<SeiManifest> manifest(Codec codec) {
+PayloadUnderTest<SeiManifest> manifest(Codec codec) {
     auto structure = payloadUnderTest<SeiManifest>(
         Context(codec), [](auto& s, const auto& c, auto& payload) { sei_manifest(s, c, payload); });
     structure.steer = [](RandomUnit& unit, Random&) {
@@ -26,7 +26,7 @@ StructureUnderTest<SeiManifest> manifest(Codec codec) {
     return structure;
 }
 
-StructureUnderTest<SeiPrefixIndication> indication(Codec codec) {
+PayloadUnderTest<SeiPrefixIndication> indication(Codec codec) {
     auto structure = payloadUnderTest<SeiPrefixIndication>(
         Context(codec), [](auto& s, const auto& c, auto& payload) { sei_prefix_indication(s, c, payload); });
     structure.steer = [](RandomUnit& unit, Random&) {

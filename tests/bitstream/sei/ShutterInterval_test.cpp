@@ -17,7 +17,7 @@ using testing::IsSupersetOf;
 
 constexpr Codec kCodecs[] = {Codec::Avc, Codec::Hevc};
 
-StructureUnderTest<ShutterIntervalInfo> shutterIntervalInfo(Codec codec) {
+PayloadUnderTest<ShutterIntervalInfo> shutterIntervalInfo(Codec codec) {
     auto structure = payloadUnderTest<ShutterIntervalInfo>(
         Context(codec), [](auto& s, const auto& c, auto& payload) { shutter_interval_info(s, c, payload); });
     structure.violable = codec == Codec::Avc ? 2 : 1;

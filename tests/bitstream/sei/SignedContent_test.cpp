@@ -17,7 +17,7 @@ using qv::Codec;
 
 constexpr Codec kCodecs[] = {Codec::Avc, Codec::Hevc};
 
-StructureUnderTest<DigitallySignedContentInitialization> initialization(Codec codec) {
+PayloadUnderTest<DigitallySignedContentInitialization> initialization(Codec codec) {
     auto structure = payloadUnderTest<DigitallySignedContentInitialization>(
         Context(codec), [](auto& s, const auto& c, auto& payload) {
             digitally_signed_content_initialization(s, c, payload);
@@ -30,13 +30,13 @@ StructureUnderTest<DigitallySignedContentInitialization> initialization(Codec co
     return structure;
 }
 
-StructureUnderTest<DigitallySignedContentSelection> selection(Codec codec) {
+PayloadUnderTest<DigitallySignedContentSelection> selection(Codec codec) {
     return payloadUnderTest<DigitallySignedContentSelection>(
         Context(codec),
         [](auto& s, const auto& c, auto& payload) { digitally_signed_content_selection(s, c, payload); });
 }
 
-StructureUnderTest<DigitallySignedContentVerification> verification(Codec codec) {
+PayloadUnderTest<DigitallySignedContentVerification> verification(Codec codec) {
     auto structure = payloadUnderTest<DigitallySignedContentVerification>(
         Context(codec),
         [](auto& s, const auto& c, auto& payload) { digitally_signed_content_verification(s, c, payload); });

@@ -15,14 +15,14 @@ using qv::Codec;
 using qv::FaultKind;
 using testing::IsSupersetOf;
 
-StructureUnderTest<SubSeqInfo> info() {
+PayloadUnderTest<SubSeqInfo> info() {
     auto structure = payloadUnderTest<SubSeqInfo>(
         Context(Codec::Avc), [](auto& s, const auto& c, auto& payload) { sub_seq_info(s, c, payload); });
     structure.violable = 3;
     return structure;
 }
 
-StructureUnderTest<SubSeqLayerCharacteristics> layers() {
+PayloadUnderTest<SubSeqLayerCharacteristics> layers() {
     auto structure = payloadUnderTest<SubSeqLayerCharacteristics>(
         Context(Codec::Avc),
         [](auto& s, const auto& c, auto& payload) { sub_seq_layer_characteristics(s, c, payload); });
@@ -30,7 +30,7 @@ StructureUnderTest<SubSeqLayerCharacteristics> layers() {
     return structure;
 }
 
-StructureUnderTest<SubSeqCharacteristics> characteristics() {
+PayloadUnderTest<SubSeqCharacteristics> characteristics() {
     auto structure = payloadUnderTest<SubSeqCharacteristics>(
         Context(Codec::Avc),
         [](auto& s, const auto& c, auto& payload) { sub_seq_characteristics(s, c, payload); });

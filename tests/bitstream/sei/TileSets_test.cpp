@@ -35,7 +35,7 @@ const Context& contextWithSps() {
     return context;
 }
 
-StructureUnderTest<TemporalMotionConstrainedTileSets> tileSets() {
+PayloadUnderTest<TemporalMotionConstrainedTileSets> tileSets() {
     auto structure = payloadUnderTest<TemporalMotionConstrainedTileSets>(
         Context(Codec::Hevc),
         [](auto& s, const auto& c, auto& payload) { temporal_motion_constrained_tile_sets(s, c, payload); });
@@ -46,7 +46,7 @@ StructureUnderTest<TemporalMotionConstrainedTileSets> tileSets() {
     return structure;
 }
 
-StructureUnderTest<MctsExtractionInfoSets> infoSets(const Context& context) {
+PayloadUnderTest<MctsExtractionInfoSets> infoSets(const Context& context) {
     auto structure = payloadUnderTest<MctsExtractionInfoSets>(
         context, [](auto& s, const auto& c, auto& payload) { mcts_extraction_info_sets(s, c, payload); });
     structure.steer = [](RandomUnit& unit, Random&) {
@@ -58,7 +58,7 @@ StructureUnderTest<MctsExtractionInfoSets> infoSets(const Context& context) {
     return structure;
 }
 
-StructureUnderTest<MctsExtractionInfoNesting> infoNesting() {
+PayloadUnderTest<MctsExtractionInfoNesting> infoNesting() {
     auto structure = payloadUnderTest<MctsExtractionInfoNesting>(
         Context(Codec::Hevc),
         [](auto& s, const auto& c, auto& payload) { mcts_extraction_info_nesting(s, c, payload); });

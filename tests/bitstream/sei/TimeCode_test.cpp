@@ -15,7 +15,7 @@ using namespace qv::sei;
 using qv::Codec;
 using testing::IsSupersetOf;
 
-StructureUnderTest<TimeCode> timeCode() {
+PayloadUnderTest<TimeCode> timeCode() {
     auto structure = payloadUnderTest<TimeCode>(
         Context(Codec::Hevc), [](auto& s, const auto& c, auto& payload) { time_code(s, c, payload); });
     structure.violable = 4;

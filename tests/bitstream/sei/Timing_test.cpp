@@ -74,7 +74,7 @@ Context avcContext(uint32_t seq_parameter_set_id) {
     return context;
 }
 
-StructureUnderTest<AvcBufferingPeriod> avcBufferingPeriod() {
+PayloadUnderTest<AvcBufferingPeriod> avcBufferingPeriod() {
     auto structure = payloadUnderTest<AvcBufferingPeriod>(
         avcContext(0), [](auto& s, const auto& c, auto& payload) { buffering_period(s, c, payload); });
     structure.violable = 4;
@@ -84,7 +84,7 @@ StructureUnderTest<AvcBufferingPeriod> avcBufferingPeriod() {
     return structure;
 }
 
-StructureUnderTest<AvcPicTiming> avcPicTiming(uint32_t spsId) {
+PayloadUnderTest<AvcPicTiming> avcPicTiming(uint32_t spsId) {
     auto structure = payloadUnderTest<AvcPicTiming>(
         avcContext(spsId), [](auto& s, const auto& c, auto& payload) { pic_timing(s, c, payload); });
     structure.violable = 4;
@@ -192,7 +192,7 @@ Context hevcContext(uint32_t sps_seq_parameter_set_id) {
     return context;
 }
 
-StructureUnderTest<HevcBufferingPeriod> hevcBufferingPeriod() {
+PayloadUnderTest<HevcBufferingPeriod> hevcBufferingPeriod() {
     auto structure = payloadUnderTest<HevcBufferingPeriod>(
         hevcContext(0), [](auto& s, const auto& c, auto& payload) { buffering_period(s, c, payload); });
     structure.optional = {"use_alt_cpb_params_flag"};
@@ -203,14 +203,14 @@ StructureUnderTest<HevcBufferingPeriod> hevcBufferingPeriod() {
     return structure;
 }
 
-StructureUnderTest<HevcPicTiming> hevcPicTiming(uint32_t spsId) {
+PayloadUnderTest<HevcPicTiming> hevcPicTiming(uint32_t spsId) {
     auto structure = payloadUnderTest<HevcPicTiming>(
         hevcContext(spsId), [](auto& s, const auto& c, auto& payload) { pic_timing(s, c, payload); });
     structure.violable = 1;
     return structure;
 }
 
-StructureUnderTest<DecodingUnitInfo> decodingUnitInfo(uint32_t spsId) {
+PayloadUnderTest<DecodingUnitInfo> decodingUnitInfo(uint32_t spsId) {
     auto structure = payloadUnderTest<DecodingUnitInfo>(
         hevcContext(spsId), [](auto& s, const auto& c, auto& payload) { decoding_unit_info(s, c, payload); });
     structure.violable = 1;

@@ -15,7 +15,7 @@ using qv::Codec;
 using qv::FaultKind;
 using testing::IsSupersetOf;
 
-StructureUnderTest<ToneMappingInfo> toneMapping(Codec codec) {
+PayloadUnderTest<ToneMappingInfo> toneMapping(Codec codec) {
     auto structure = payloadUnderTest<ToneMappingInfo>(
         Context(codec), [](auto& s, const auto& c, auto& payload) { tone_mapping_info(s, c, payload); });
     structure.extensionData = {"extension_data"};
@@ -53,24 +53,24 @@ TEST(SeiToneMapping, everyRange) {
 
 TEST(SeiToneMapping, noAllocationAndNoByteOutside) {
     for (const Codec codec : {Codec::Avc, Codec::Hevc}) {
-        checkMemory<ToneMappingInfo>(toneMapping(codec), unitRounds(25),
-                                     {{"intervals",
-                                       [](const ToneMappingInfo& payload) {
-                                           uint64_t sum = 0;
-                                           ToneMapIntervals intervals(payload);
-                                           for (uint32_t start = 0; intervals.next(start);) {
-                                               sum += start + 1;
-                                           }
-                                           return sum;
-                                       }},
-                                      {"pivots", [](const ToneMappingInfo& payload) {
-                                           uint64_t sum = 0;
-                                           ToneMapPivots pivots(payload);
-                                           for (ToneMapPivot pivot = {}; pivots.next(pivot);) {
-                                               sum += pivot.coded_pivot_value + pivot.target_pivot_value + 1;
-                                           }
-                                           return sum;
-                                       }}});
+        checkMemory(toneMapping(codec), unitRounds(25),
+                    {{"intervals",
+                      [](const ToneMappingInfo& payload) {
+                          uint64_t sum = 0;
+                          ToneMapIntervals intervals(payload);
+                          for (uint32_t start = 0; intervals.next(start);) {
+                              sum += start + 1;
+                          }
+                          return sum;
+                      }},
+                     {"pivots", [](const ToneMappingInfo& payload) {
+                          uint64_t sum = 0;
+                          ToneMapPivots pivots(payload);
+                          for (ToneMapPivot pivot = {}; pivots.next(pivot);) {
+                              sum += pivot.coded_pivot_value + pivot.target_pivot_value + 1;
+                          }
+                          return sum;
+                      }}});
     }
 }
 

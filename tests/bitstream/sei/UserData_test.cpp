@@ -15,14 +15,14 @@ using qv::Codec;
 
 constexpr Codec kCodecs[] = {Codec::Avc, Codec::Hevc};
 
-StructureUnderTest<FillerPayload> filler(Codec codec) {
+PayloadUnderTest<FillerPayload> filler(Codec codec) {
     auto structure = payloadUnderTest<FillerPayload>(
         Context(codec), [](auto& s, const auto& c, auto& payload) { filler_payload(s, c, payload); });
     structure.optional = {"ff_byte"};
     return structure;
 }
 
-StructureUnderTest<UserDataRegistered> registered(Codec codec) {
+PayloadUnderTest<UserDataRegistered> registered(Codec codec) {
     auto structure = payloadUnderTest<UserDataRegistered>(
         Context(codec),
         [](auto& s, const auto& c, auto& payload) { user_data_registered_itu_t_t35(s, c, payload); });
@@ -35,14 +35,14 @@ StructureUnderTest<UserDataRegistered> registered(Codec codec) {
     return structure;
 }
 
-StructureUnderTest<UserDataUnregistered> unregistered(Codec codec) {
+PayloadUnderTest<UserDataUnregistered> unregistered(Codec codec) {
     auto structure = payloadUnderTest<UserDataUnregistered>(
         Context(codec), [](auto& s, const auto& c, auto& payload) { user_data_unregistered(s, c, payload); });
     structure.optional = {"user_data_payload_byte"};
     return structure;
 }
 
-StructureUnderTest<ReservedSeiMessage> reserved(Codec codec) {
+PayloadUnderTest<ReservedSeiMessage> reserved(Codec codec) {
     auto structure = payloadUnderTest<ReservedSeiMessage>(
         Context(codec), [](auto& s, const auto& c, auto& payload) { reserved_sei_message(s, c, payload); });
     structure.optional = {"reserved_sei_message_payload_byte"};

@@ -30,7 +30,7 @@ void steerOperationPoints(RandomUnit& unit, Random& random) {
     unit.choose("num_pic_parameter_set_minus1", {0, 1});
 }
 
-StructureUnderTest<ViewScalabilityInfo> viewScalabilityInfo() {
+PayloadUnderTest<ViewScalabilityInfo> viewScalabilityInfo() {
     auto structure = payloadUnderTest<ViewScalabilityInfo>(
         kContext, [](auto& s, const auto& c, auto& payload) { view_scalability_info(s, c, payload); });
     structure.violable = 10;
@@ -38,7 +38,7 @@ StructureUnderTest<ViewScalabilityInfo> viewScalabilityInfo() {
     return structure;
 }
 
-StructureUnderTest<MvcdViewScalabilityInfo> mvcdViewScalabilityInfo() {
+PayloadUnderTest<MvcdViewScalabilityInfo> mvcdViewScalabilityInfo() {
     auto structure = payloadUnderTest<MvcdViewScalabilityInfo>(
         kContext, [](auto& s, const auto& c, auto& payload) { mvcd_view_scalability_info(s, c, payload); });
     structure.violable = 10;
@@ -46,7 +46,7 @@ StructureUnderTest<MvcdViewScalabilityInfo> mvcdViewScalabilityInfo() {
     return structure;
 }
 
-StructureUnderTest<NonRequiredViewComponent> nonRequiredViewComponent() {
+PayloadUnderTest<NonRequiredViewComponent> nonRequiredViewComponent() {
     auto structure = payloadUnderTest<NonRequiredViewComponent>(
         kContext, [](auto& s, const auto& c, auto& payload) { non_required_view_component(s, c, payload); });
     structure.violable = 4;
@@ -56,7 +56,7 @@ StructureUnderTest<NonRequiredViewComponent> nonRequiredViewComponent() {
     return structure;
 }
 
-StructureUnderTest<OperationPointNotPresent> operationPointNotPresent() {
+PayloadUnderTest<OperationPointNotPresent> operationPointNotPresent() {
     auto structure = payloadUnderTest<OperationPointNotPresent>(
         kContext, [](auto& s, const auto& c, auto& payload) { operation_point_not_present(s, c, payload); });
     structure.violable = 1;
@@ -69,7 +69,7 @@ StructureUnderTest<OperationPointNotPresent> operationPointNotPresent() {
 }
 
 // An extension of H.264 is in a test of its own.
-StructureUnderTest<MultiviewViewPosition> multiviewViewPosition(Codec codec) {
+PayloadUnderTest<MultiviewViewPosition> multiviewViewPosition(Codec codec) {
     auto structure = payloadUnderTest<MultiviewViewPosition>(
         Context(codec),
         [](auto& s, const auto& c, auto& payload) { multiview_view_position(s, c, payload); });

@@ -2,14 +2,11 @@
 #ifndef QV_TESTS_BITSTREAM_MEMORYCHECKS_H
 #define QV_TESTS_BITSTREAM_MEMORYCHECKS_H
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "AllocationFault.h"
 #include "GuardedBuffer.h"
 #include "StructureChecks.h"
 
@@ -32,59 +29,20 @@ struct UnitUse {
     std::function<bool(qv::Bytes)> apply;
 };
 
+// Checks uses of units in memory between inaccessible pages, with every allocation counted.
 class MemoryCheck {
 public:
     explicit MemoryCheck(std::vector<UnitUse> uses) : uses_(std::move(uses)), successes_(uses_.size()) {}
 
     // The unit, cut, changed and with random bytes after its header: right before an inaccessible page, and
     // right after one.
-    void checkVariants(const std::vector<uint8_t>& unit, Random& random) {
-        GuardedBuffer guarded(unit.size());
-        check(guarded, unit);
-        for (size_t cut = 0; cut < std::min<size_t>(unit.size(), 48); ++cut) {
-            const size_t size = unit.size() <= 48 ? cut : random() % unit.size();
-            check(guarded, {unit.begin(), unit.begin() + static_cast<std::ptrdiff_t>(size)});
-        }
-        for (int round = 0; round < 24 && !unit.empty(); ++round) {
-            std::vector<uint8_t> changed = unit;
-            for (uint64_t bits = 1 + random() % 6; bits > 0; --bits) {
-                const uint64_t bit = random() % (8 * changed.size());
-                changed[bit / 8] = static_cast<uint8_t>(changed[bit / 8] ^ 1U << bit % 8);
-            }
-            check(guarded, changed);
-        }
-        for (int round = 0; round < 8; ++round) {
-            std::vector<uint8_t> noise = unit;
-            // Few bits are set in every other one: codes are long, and lists.
-            const uint64_t mask = round % 2 == 0 ? 0xFF : 0x11;
-            for (size_t i = 2; i < noise.size(); ++i) {
-                noise[i] = static_cast<uint8_t>(random() & mask);
-            }
-            check(guarded, noise);
-        }
-    }
+    void checkVariants(const std::vector<uint8_t>& unit, Random& random);
 
-    void expectEverythingWasUsed() const {
-        for (size_t i = 0; i < uses_.size(); ++i) {
-            EXPECT_GT(successes_[i], 0) << uses_[i].name;
-        }
-    }
+    void expectEverythingWasUsed() const;
 
 private:
-    void check(GuardedBuffer& guarded, const std::vector<uint8_t>& unit) {
-        checkAt({guarded.placeAtEnd(unit), unit.size()});
-        checkAt({guarded.placeAtBegin(unit), unit.size()});
-    }
-
-    void checkAt(qv::Bytes unit) {
-        for (size_t i = 0; i < uses_.size(); ++i) {
-            const AllocationFault allocations(Allocator::New, 0);
-            const AllocationFault arrays(Allocator::NothrowNewArray, 0);
-            const AllocationFault blocks(Allocator::Malloc, 0);
-            successes_[i] += uses_[i].apply(unit) ? 1 : 0;
-            ASSERT_EQ(allocations.seen() + arrays.seen() + blocks.seen(), 0) << uses_[i].name;
-        }
-    }
+    void check(GuardedBuffer& guarded, const std::vector<uint8_t>& unit);
+    void checkAt(qv::Bytes unit);
 
     std::vector<UnitUse> uses_;
     std::vector<int> successes_;
@@ -97,38 +55,20 @@ struct Derivation {
     std::function<uint64_t(const Record&)> derive;
 };
 
+void checkUntypedMemory(const UntypedStructure& structure, int rounds, const std::vector<UnitUse>& others);
+
 // The reader, the tracer, the sizer and what is derived from the record, on random units of a structure and
 // on what is left of them when they are damaged.
-template <class Record>
-void checkMemory(const StructureUnderTest<Record>& structure, int rounds,
-                 const std::vector<Derivation<Record>>& derivations = {}) {
-    std::vector<UnitUse> uses = {
-        {"read", [&](qv::Bytes unit) { return structure.read(unit).ok(); }},
-        {"trace",
-         [&](qv::Bytes unit) {
-             SummingVisitor visitor;
-             return structure.trace(unit, visitor).ok() && visitor.sum != 0;
-         }},
-        {"size", [&](qv::Bytes unit) { return structure.size(structure.read(unit).record).bits != 0; }},
-    };
-    for (const Derivation<Record>& derivation : derivations) {
-        uses.push_back({derivation.name, [&derivation, &structure](qv::Bytes unit) {
-                            return derivation.derive(structure.read(unit).record) != 0;
-                        }});
+template <class Structure>
+void checkMemory(const Structure& structure, int rounds,
+                 const std::vector<Derivation<typename Structure::Record>>& derivations = {}) {
+    std::vector<UnitUse> others;
+    for (const auto& derivation : derivations) {
+        others.push_back({derivation.name, [&derivation, &structure](qv::Bytes unit) {
+                              return derivation.derive(structure.read(unit).record) != 0;
+                          }});
     }
-    MemoryCheck check(std::move(uses));
-    Random random(6);
-    for (int round = 0; round < rounds && !testing::Test::HasFailure(); ++round) {
-        SCOPED_TRACE("round " + std::to_string(round));
-        RandomUnit generator(random);
-        structure.steer(generator, random);
-        Record generated = {};
-        structure.generate(generator, generated);
-        if (generator.isLegal()) {
-            check.checkVariants(generator.finish(), random);
-        }
-    }
-    check.expectEverythingWasUsed();
+    checkUntypedMemory(Untyped<Structure>(structure), rounds, others);
 }
 
 }  // namespace qv_test

@@ -90,30 +90,43 @@ uint64_t sumOf(const qv::sei::CodedEntries<Record, Entry>& entries, NumberOf num
 // A payload: its functions, and its syntax function as a generator.
 //
 //     payloadUnderTest<PanScanRect>(context, [](auto& s, const auto& c, auto& p) { pan_scan_rect(s, c, p); })
-template <class Payload, class Table>
-StructureUnderTest<Payload> payloadUnderTest(const qv::sei::Context& context, Table table) {
-    StructureUnderTest<Payload> structure;
-    structure.generate = [=](RandomUnit& s, Payload& record) {
-        table(s, context, record);
-        s.endPayload(context.codec);
-    };
-    structure.read = [=](qv::Bytes unit) {
-        return qv::sei::readPayload<Payload>(messageOf<Payload>(unit, context.codec), context);
-    };
-    structure.trace = [=](qv::Bytes unit, qv::TraceVisitor& visitor) {
-        return qv::sei::tracePayload<Payload>(messageOf<Payload>(unit, context.codec), context, visitor);
-    };
-    structure.write = [=](const Payload& record, std::vector<uint8_t>& out) {
+template <class Payload>
+class PayloadUnderTest : public StructureNotes {
+public:
+    using Record = Payload;
+    using Table = void (*)(RandomUnit&, const qv::sei::Context&, Payload&);
+
+    PayloadUnderTest(const qv::sei::Context& context, Table table) : context_(context), table_(table) {
+        isPayload = true;
+    }
+
+    void generate(RandomUnit& generator, Payload& record) const {
+        table_(generator, context_, record);
+        generator.endPayload(context_.codec);
+    }
+    qv::Read<Payload> read(qv::Bytes unit) const {
+        return qv::sei::readPayload<Payload>(messageOf<Payload>(unit, context_.codec), context_);
+    }
+    qv::Read<Payload> trace(qv::Bytes unit, qv::TraceVisitor& visitor) const {
+        return qv::sei::tracePayload<Payload>(messageOf<Payload>(unit, context_.codec), context_, visitor);
+    }
+    qv::Written write(const Payload& record, std::vector<uint8_t>& out) const {
         std::vector<uint8_t> rbsp;
-        const qv::Written written = qv::sei::writePayload(record, context, rbsp);
-        rbsp.push_back(0x80);
-        out.resize(qv::mostEscapedSize(rbsp.size()));
-        out.resize(qv::escape(bytesOf(rbsp), 0, out.data(), out.size()));
-        return qv::Written{written.fault ? 0 : out.size(), written.fault};
-    };
-    structure.size = [=](const Payload& record) { return qv::sei::sizeOfPayload(record, context); };
-    structure.isPayload = true;
-    return structure;
+        const qv::Written written = qv::sei::writePayload(record, context_, rbsp);
+        out = unitOfPayload(rbsp);
+        return {written.fault ? 0 : out.size(), written.fault};
+    }
+    qv::Sized size(const Payload& record) const { return qv::sei::sizeOfPayload(record, context_); }
+
+private:
+    qv::sei::Context context_;
+    Table table_;
+};
+
+template <class Payload>
+PayloadUnderTest<Payload> payloadUnderTest(const qv::sei::Context& context,
+                                           typename PayloadUnderTest<Payload>::Table table) {
+    return {context, table};
 }
 
 }  // namespace qv_test

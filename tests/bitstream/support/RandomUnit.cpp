@@ -35,6 +35,105 @@ std::vector<uint8_t> RandomUnit::cutAt(uint64_t bits) const {
     return unit;
 }
 
+// --- Elements: a value of the range, or outside of it, is noted and written; what a reader would keep ---
+
+uint64_t RandomUnit::putU(uint32_t n, const qv::Element& element, uint64_t least, uint64_t most) {
+    const uint64_t greatest = n == 0 ? 0 : ~uint64_t{0} >> (64 - n);
+    auto value = static_cast<uint64_t>(valueOf(element, static_cast<int64_t>(least), most - least));
+    if (most < greatest && isToBeViolated()) {
+        value = most + 1;
+    } else if (least > 0 && isToBeViolated()) {
+        value = least - 1;
+    }
+    note(element, qv::Descriptor::u, n, static_cast<int64_t>(value), value);
+    writer_.u(n, element.name, value);
+    return value >= least && value <= most ? value : 0;
+}
+
+uint64_t RandomUnit::putFlags(uint32_t n, const ElementName& name) {
+    uint64_t mask = 0;
+    for (uint32_t j = 0; j < n; ++j) {
+        bool one = false;
+        flag(name.at(j), one);
+        mask |= uint64_t{one} << j;
+    }
+    return mask;
+}
+
+int64_t RandomUnit::putI(uint32_t n, const qv::Element& element, int64_t least, int64_t most) {
+    const int64_t greatest = (int64_t{1} << (n - 1)) - 1;
+    int64_t value = valueOf(element, least, static_cast<uint64_t>(most - least));
+    if (most < greatest && isToBeViolated()) {
+        value = most + 1;
+    } else if (least > -greatest - 1 && isToBeViolated()) {
+        value = least - 1;
+    }
+    note(element, qv::Descriptor::i, n, value, static_cast<uint64_t>(value) & ((uint64_t{1} << n) - 1));
+    writer_.i(n, element.name, value);
+    return value >= least && value <= most ? value : 0;
+}
+
+void RandomUnit::f(uint32_t n, const ElementName& name, uint64_t pattern) {
+    uint64_t value = isToBeViolated() ? pattern ^ 1 : pattern;
+    note(name.element, qv::Descriptor::f, n, static_cast<int64_t>(value), value);
+    writer_.u(n, name.element.name, value);
+}
+
+uint32_t RandomUnit::putUe(const qv::Element& element, uint32_t least, uint32_t limit) {
+    auto value = static_cast<uint32_t>(valueOf(element, least, limit - least));
+    if (limit < qv::kMostUe && isToBeViolated()) {
+        value = limit + 1;
+    } else if (least > 0 && isToBeViolated()) {
+        value = least - 1;
+    }
+    noteCode(element, qv::Descriptor::ue, value, uint64_t{value} + 1);
+    writer_.ue(element.name, value);
+    return value >= least && value <= limit ? value : 0;
+}
+
+int32_t RandomUnit::putSe(const qv::Element& element, int32_t least, int32_t most) {
+    auto value =
+        static_cast<int32_t>(valueOf(element, least, static_cast<uint64_t>(int64_t{most} - int64_t{least})));
+    if (most < qv::kMostSe && isToBeViolated()) {
+        value = most + 1;
+    } else if (least > -qv::kMostSe && isToBeViolated()) {
+        value = least - 1;
+    }
+    const auto codeNum = static_cast<uint64_t>(value > 0 ? 2 * int64_t{value} - 1 : -2 * int64_t{value});
+    noteCode(element, qv::Descriptor::se, value, codeNum + 1);
+    writer_.se(element.name, value);
+    return value >= least && value <= most ? value : 0;
+}
+
+void RandomUnit::payload_bytes(const ElementName& name, qv::CodedBits& bits) {
+    bits = {};
+    const auto n = static_cast<uint32_t>(pick(40));
+    for (uint32_t i = 0; i < n; ++i) {
+        uint32_t byte = 0;
+        u(8, name.at(i), byte);
+    }
+    // They begin after any bit and end with a byte of the payload.
+    if (!byte_aligned()) {
+        uint32_t rest = 0;
+        u(static_cast<uint32_t>(8 - writer_.position() % 8), name.at(n), rest);
+    }
+}
+
+void RandomUnit::bytes(uint64_t n, const ElementName& name, qv::Bytes& field) {
+    field = randomBytes(n);
+    note(name.element, qv::Descriptor::bytes, static_cast<uint32_t>(8 * n), static_cast<int64_t>(n), 0);
+    headerBytes_ += static_cast<uint32_t>(n);
+    writer_.bytes(n, name.element.name, field);
+}
+
+void RandomUnit::restOfBytes(const ElementName& name, qv::Bytes& field) {
+    const uint64_t n = pick(4);
+    field = qv::Bytes();
+    if (n > 0) {
+        bytes(n, name, field);
+    }
+}
+
 void RandomUnit::rbsp_trailing_bits() {
     rbspBits_ = writer_.position();
     note(qv::detail::elementOf("rbsp_stop_one_bit"), qv::Descriptor::f, 1, 1, 1);

@@ -21,6 +21,25 @@ namespace qv_test {
 
 using Random = std::mt19937_64;
 
+// A name with or without subscripts. One type for all: a function template for each length of a literal would
+// be most of what a compiler does with a table.
+struct ElementName {
+    // NOLINTBEGIN(google-explicit-constructor): names are written as the tables write them
+    ElementName(const char* name) : element(qv::detail::elementOf(name)) {}
+    template <size_t N>
+    ElementName(const qv::detail::Subscripted<N>& name) : element(qv::detail::elementOf(name)) {}
+    // NOLINTEND(google-explicit-constructor)
+
+    // With one subscript more.
+    ElementName at(uint32_t subscript) const {
+        ElementName name = *this;
+        name.element.subscripts[name.element.subscriptCount++] = subscript;
+        return name;
+    }
+
+    qv::Element element;
+};
+
 class RandomUnit {
 public:
     explicit RandomUnit(Random& random) : random_(random), writer_(unit_) {}
@@ -62,110 +81,52 @@ public:
     bool hasNoRbsp() { return pick(2) == 0; }
     bool hasNoRbsp(bool& absent) { return absent = hasNoRbsp(); }
 
-    template <class Name, class Field>
-    void u(uint32_t n, const Name& name, Field& field) {
+    template <class Field>
+    void u(uint32_t n, const ElementName& name, Field& field) {
         u(n, name, field, 0, n == 0 ? 0 : ~uint64_t{0} >> (64 - n));
     }
 
-    template <class Name, class Field>
-    void u(uint32_t n, const Name& name, Field& field, uint64_t least, uint64_t most) {
-        const qv::Element element = qv::detail::elementOf(name);
-        const uint64_t greatest = n == 0 ? 0 : ~uint64_t{0} >> (64 - n);
-        uint64_t value = static_cast<uint64_t>(valueOf(element, static_cast<int64_t>(least), most - least));
-        if (most < greatest && isToBeViolated()) {
-            value = most + 1;
-        } else if (least > 0 && isToBeViolated()) {
-            value = least - 1;
-        }
-        note(element, qv::Descriptor::u, n, static_cast<int64_t>(value), value);
-        writer_.u(n, name, value);
-        field = static_cast<Field>(value >= least && value <= most ? value : 0);
+    template <class Field>
+    void u(uint32_t n, const ElementName& name, Field& field, uint64_t least, uint64_t most) {
+        field = static_cast<Field>(putU(n, name.element, least, most));
     }
 
-    template <class Name>
-    void u_long(uint32_t n, const Name& name, uint64_t& field) {
-        u(n, name, field);
-    }
+    void u_long(uint32_t n, const ElementName& name, uint64_t& field) { u(n, name, field); }
 
-    template <class Name>
-    void flag(const Name& name, bool& field) {
-        u(1, name, field);
-    }
+    void flag(const ElementName& name, bool& field) { u(1, name, field); }
 
-    template <class Name>
-    void flag(const Name& name, bool& field, bool allowed) {
+    void flag(const ElementName& name, bool& field, bool allowed) {
         u(1, name, field, allowed ? 1 : 0, allowed ? 1 : 0);
     }
 
-    template <class Name, class Field>
-    void flags(uint32_t n, const Name& name, Field& field) {
-        uint64_t mask = 0;
-        for (uint32_t j = 0; j < n; ++j) {
-            bool one = false;
-            flag(qv::detail::subscripted(name, j), one);
-            mask |= uint64_t{one} << j;
-        }
-        field = static_cast<Field>(mask);
+    template <class Field>
+    void flags(uint32_t n, const ElementName& name, Field& field) {
+        field = static_cast<Field>(putFlags(n, name));
     }
 
-    template <class Name, class Field>
-    void i(uint32_t n, const Name& name, Field& field) {
+    template <class Field>
+    void i(uint32_t n, const ElementName& name, Field& field) {
         const int64_t most = (int64_t{1} << (n - 1)) - 1;
         i(n, name, field, -most - 1, most);
     }
 
-    template <class Name, class Field>
-    void i(uint32_t n, const Name& name, Field& field, int64_t least, int64_t most) {
-        const int64_t greatest = (int64_t{1} << (n - 1)) - 1;
-        const qv::Element element = qv::detail::elementOf(name);
-        int64_t value = valueOf(element, least, static_cast<uint64_t>(most - least));
-        if (most < greatest && isToBeViolated()) {
-            value = most + 1;
-        } else if (least > -greatest - 1 && isToBeViolated()) {
-            value = least - 1;
-        }
-        note(element, qv::Descriptor::i, n, value, static_cast<uint64_t>(value) & ((uint64_t{1} << n) - 1));
-        writer_.i(n, name, value);
-        field = static_cast<Field>(value >= least && value <= most ? value : 0);
+    template <class Field>
+    void i(uint32_t n, const ElementName& name, Field& field, int64_t least, int64_t most) {
+        field = static_cast<Field>(putI(n, name.element, least, most));
     }
 
-    template <class Name>
-    void f(uint32_t n, const Name& name, uint64_t pattern) {
-        uint64_t value = isToBeViolated() ? pattern ^ 1 : pattern;
-        note(qv::detail::elementOf(name), qv::Descriptor::f, n, static_cast<int64_t>(value), value);
-        writer_.u(n, name, value);
-    }
+    void f(uint32_t n, const ElementName& name, uint64_t pattern);
 
-    template <class Name, class Field>
-    void ue(const Name& name, Field& field, uint32_t least = 0, uint32_t most = qv::kMostUe) {
+    template <class Field>
+    void ue(const ElementName& name, Field& field, uint32_t least = 0, uint32_t most = qv::kMostUe) {
         constexpr auto kMostOfField = static_cast<uint64_t>(std::numeric_limits<Field>::max());
-        const auto limit = static_cast<uint32_t>(most < kMostOfField ? most : kMostOfField);
-        const qv::Element element = qv::detail::elementOf(name);
-        auto value = static_cast<uint32_t>(valueOf(element, least, limit - least));
-        if (limit < qv::kMostUe && isToBeViolated()) {
-            value = limit + 1;
-        } else if (least > 0 && isToBeViolated()) {
-            value = least - 1;
-        }
-        noteCode(element, qv::Descriptor::ue, value, uint64_t{value} + 1);
-        writer_.ue(name, value);
-        field = static_cast<Field>(value >= least && value <= limit ? value : 0);
+        field = static_cast<Field>(
+            putUe(name.element, least, static_cast<uint32_t>(most < kMostOfField ? most : kMostOfField)));
     }
 
-    template <class Name, class Field>
-    void se(const Name& name, Field& field, int32_t least = -qv::kMostSe, int32_t most = qv::kMostSe) {
-        const qv::Element element = qv::detail::elementOf(name);
-        auto value = static_cast<int32_t>(
-            valueOf(element, least, static_cast<uint64_t>(int64_t{most} - int64_t{least})));
-        if (most < qv::kMostSe && isToBeViolated()) {
-            value = most + 1;
-        } else if (least > -qv::kMostSe && isToBeViolated()) {
-            value = least - 1;
-        }
-        const auto codeNum = static_cast<uint64_t>(value > 0 ? 2 * int64_t{value} - 1 : -2 * int64_t{value});
-        noteCode(element, qv::Descriptor::se, value, codeNum + 1);
-        writer_.se(name, value);
-        field = static_cast<Field>(value >= least && value <= most ? value : 0);
+    template <class Field>
+    void se(const ElementName& name, Field& field, int32_t least = -qv::kMostSe, int32_t most = qv::kMostSe) {
+        field = static_cast<Field>(putSe(name.element, least, most));
     }
 
     template <class Field, class Value>
@@ -186,20 +147,7 @@ public:
 
     void extension_data(const char* name, qv::CodedBits& bits);
 
-    template <class Name>
-    void payload_bytes(const Name& name, qv::CodedBits& bits) {
-        bits = {};
-        const auto n = static_cast<uint32_t>(pick(40));
-        for (uint32_t i = 0; i < n; ++i) {
-            uint32_t byte = 0;
-            u(8, qv::detail::subscripted(name, i), byte);
-        }
-        // They begin after any bit and end with a byte of the payload.
-        if (!byte_aligned()) {
-            uint32_t rest = 0;
-            u(static_cast<uint32_t>(8 - writer_.position() % 8), qv::detail::subscripted(name, n), rest);
-        }
-    }
+    void payload_bytes(const ElementName& name, qv::CodedBits& bits);
 
     bool payload_extension_present(bool& present) {
         extensionPresent_ = pick(2) == 0;
@@ -216,24 +164,10 @@ public:
     // elements.
     void endPayload(qv::Codec codec);
 
-    template <class Name>
-    void bytes(uint64_t n, const Name& name, qv::Bytes& field) {
-        field = randomBytes(n);
-        note(qv::detail::elementOf(name), qv::Descriptor::bytes, static_cast<uint32_t>(8 * n),
-             static_cast<int64_t>(n), 0);
-        headerBytes_ += static_cast<uint32_t>(n);
-        writer_.bytes(n, name, field);
-    }
+    void bytes(uint64_t n, const ElementName& name, qv::Bytes& field);
 
     // Always fewer bytes than hasBytes() asks for, so that a reader does not find what the record lacks.
-    template <class Name>
-    void restOfBytes(const Name& name, qv::Bytes& field) {
-        const uint64_t n = pick(4);
-        field = qv::Bytes();
-        if (n > 0) {
-            bytes(n, name, field);
-        }
-    }
+    void restOfBytes(const ElementName& name, qv::Bytes& field);
 
     bool hasBytes(uint64_t n, bool& present) {
         static_cast<void>(n);
@@ -254,6 +188,11 @@ public:
 
 private:
     uint64_t pick(uint64_t bound) { return random_() % bound; }
+    uint64_t putU(uint32_t n, const qv::Element& element, uint64_t least, uint64_t most);
+    uint64_t putFlags(uint32_t n, const ElementName& name);
+    int64_t putI(uint32_t n, const qv::Element& element, int64_t least, int64_t most);
+    uint32_t putUe(const qv::Element& element, uint32_t least, uint32_t limit);
+    int32_t putSe(const qv::Element& element, int32_t least, int32_t most);
     void put(uint32_t n, const qv::Element& element, qv::Descriptor descriptor, uint64_t value);
     qv::Bytes randomBytes(uint64_t n);
     int64_t valueOf(const qv::Element& element, int64_t least, uint64_t range);

@@ -2,9 +2,6 @@
 #ifndef QV_TESTS_BITSTREAM_STRUCTURECHECKS_H
 #define QV_TESTS_BITSTREAM_STRUCTURECHECKS_H
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <functional>
 #include <set>
@@ -14,7 +11,6 @@
 #include "Hex.h"
 #include "RandomUnit.h"
 #include "bitstream/Read.h"
-#include "bitstream/syntax/EmulationPrevention.h"
 #include "bitstream/syntax/Trace.h"
 
 namespace qv_test {
@@ -38,15 +34,8 @@ public:
     int depth = 0;
 };
 
-// The public functions of a structure, and its table as a generator.
-template <class Record>
-struct StructureUnderTest {
-    std::function<void(RandomUnit&, Record&)> generate;
-    std::function<qv::Read<Record>(qv::Bytes)> read;
-    std::function<qv::Read<Record>(qv::Bytes, qv::TraceVisitor&)> trace;
-    std::function<qv::Written(const Record&, std::vector<uint8_t>&)> write;
-    std::function<qv::Sized(const Record&)> size;
-
+// What the checks know of a structure, whatever its record is.
+struct StructureNotes {
     // Elements that are read only while there is more data.
     std::set<std::string> optional = {};
 
@@ -66,158 +55,103 @@ struct StructureUnderTest {
     std::function<void(RandomUnit&, Random&)> steer = [](RandomUnit&, Random&) {};
 };
 
-inline std::string textOf(const qv::TracedElement& element) {
-    return std::to_string(element.firstBit) + " " + std::to_string(element.width) + " " +
-           qv::textOf(element.element) + " " + std::to_string(element.value);
-}
+// The public functions of a structure, and its table as a generator.
+template <class Type>
+struct StructureUnderTest : StructureNotes {
+    using Record = Type;
+
+    std::function<void(RandomUnit&, Record&)> generate;
+    std::function<qv::Read<Record>(qv::Bytes)> read;
+    std::function<qv::Read<Record>(qv::Bytes, qv::TraceVisitor&)> trace;
+    std::function<qv::Written(const Record&, std::vector<uint8_t>&)> write;
+    std::function<qv::Sized(const Record&)> size;
+};
+
+// What a read finds, without the record.
+struct ReadResult {
+    qv::Fault fault;
+    qv::Trailing trailing;
+};
+
+// The functions of a structure without its record, so that the checks are compiled once.
+class UntypedStructure {
+public:
+    explicit UntypedStructure(const StructureNotes& structureNotes) : notes(structureNotes) {}
+    virtual ~UntypedStructure() = default;
+    UntypedStructure(const UntypedStructure&) = delete;
+    UntypedStructure& operator=(const UntypedStructure&) = delete;
+
+    virtual void generate(RandomUnit& generator) const = 0;
+    virtual ReadResult read(qv::Bytes unit) const = 0;
+    virtual ReadResult trace(qv::Bytes unit, qv::TraceVisitor& visitor) const = 0;
+
+    // Writes what is read or traced.
+    virtual qv::Written rewrite(qv::Bytes unit, std::vector<uint8_t>& out) const = 0;
+    virtual qv::Written rewriteTraced(qv::Bytes unit, std::vector<uint8_t>& out) const = 0;
+
+    virtual qv::Sized size(qv::Bytes unit) const = 0;
+
+    const StructureNotes& notes;
+};
+
+// Of a structure with a Record and the functions of StructureUnderTest, which it refers to.
+template <class Structure>
+class Untyped final : public UntypedStructure {
+public:
+    explicit Untyped(const Structure& structure) : UntypedStructure(structure), structure_(structure) {}
+
+    void generate(RandomUnit& generator) const override {
+        typename Structure::Record generated = {};
+        structure_.generate(generator, generated);
+    }
+    ReadResult read(qv::Bytes unit) const override { return resultOf(structure_.read(unit)); }
+    ReadResult trace(qv::Bytes unit, qv::TraceVisitor& visitor) const override {
+        return resultOf(structure_.trace(unit, visitor));
+    }
+    qv::Written rewrite(qv::Bytes unit, std::vector<uint8_t>& out) const override {
+        return structure_.write(structure_.read(unit).record, out);
+    }
+    qv::Written rewriteTraced(qv::Bytes unit, std::vector<uint8_t>& out) const override {
+        RecordingVisitor visitor;
+        return structure_.write(structure_.trace(unit, visitor).record, out);
+    }
+    qv::Sized size(qv::Bytes unit) const override { return structure_.size(structure_.read(unit).record); }
+
+private:
+    static ReadResult resultOf(const qv::Read<typename Structure::Record>& read) {
+        return {read.fault, read.trailing};
+    }
+
+    const Structure& structure_;
+};
+
+std::string textOf(const qv::TracedElement& element);
 
 // For each byte of the RBSP the byte of the coded unit, found the slow way. One more for what follows the
 // end.
-inline std::vector<size_t> codedBytesOf(const std::vector<uint8_t>& unit, size_t headerBytes) {
-    std::vector<size_t> coded;
-    for (size_t byte = 0; byte <= unit.size(); ++byte) {
-        if (byte < headerBytes || byte == unit.size() ||
-            !qv::detail::isEmulationPrevention(unit.data(), byte)) {
-            coded.push_back(byte);
-        }
-    }
-    return coded;
-}
+std::vector<size_t> codedBytesOf(const std::vector<uint8_t>& unit, size_t headerBytes);
+
+void checkUntypedRoundTrips(const UntypedStructure& structure, int rounds);
+std::set<std::string> checkUntypedRanges(const UntypedStructure& structure, int rounds);
+void checkUntypedCuts(const UntypedStructure& structure, int rounds);
 
 // Writer -> reader -> writer gives the same bytes; reader, tracer and sizer agree on every element and bit.
-template <class Record>
-void checkRoundTrips(const StructureUnderTest<Record>& structure, int rounds) {
-    Random random(1);
-    int legal = 0;
-    for (int round = 0; round < rounds; ++round) {
-        SCOPED_TRACE("round " + std::to_string(round));
-        RandomUnit generator(random);
-        structure.steer(generator, random);
-        Record generated = {};
-        structure.generate(generator, generated);
-        if (!generator.isLegal()) {
-            continue;
-        }
-        ++legal;
-        const std::vector<uint8_t> unit = generator.finish();
-        const qv::Read<Record> read = structure.read(bytesOf(unit));
-        ASSERT_TRUE(read.ok()) << qv::textOf(read.fault);
-        ASSERT_EQ(read.trailing.bits, 0U);
-        ASSERT_EQ(read.trailing.bytes.size, 0U);
-
-        std::vector<uint8_t> written;
-        const qv::Written result = structure.write(read.record, written);
-        ASSERT_TRUE(result.ok()) << qv::textOf(result.fault);
-        ASSERT_EQ(result.size, written.size());
-        ASSERT_EQ(written, unit);
-
-        RecordingVisitor visitor;
-        const qv::Read<Record> traced = structure.trace(bytesOf(unit), visitor);
-        ASSERT_TRUE(traced.ok());
-        ASSERT_EQ(visitor.depth, 0);
-        ASSERT_EQ(visitor.elements.size(), generator.elements().size());
-        const std::vector<size_t> codedBytes = codedBytesOf(unit, generator.headerBytes());
-        for (size_t i = 0; i < visitor.elements.size(); ++i) {
-            ASSERT_EQ(textOf(visitor.elements[i]), textOf(generator.elements()[i]));
-            ASSERT_EQ(visitor.elements[i].bits, generator.elements()[i].bits);
-            ASSERT_EQ(visitor.elements[i].codedByte, codedBytes.at(visitor.elements[i].firstBit / 8));
-        }
-        uint64_t bits = 0;
-        for (const qv::TracedElement& element : visitor.elements) {
-            ASSERT_EQ(element.firstBit, bits) << qv::textOf(element.element);
-            bits += element.width;
-        }
-        ASSERT_EQ(structure.size(read.record).bits, bits);
-        std::vector<uint8_t> writtenAgain;
-        structure.write(traced.record, writtenAgain);
-        ASSERT_EQ(writtenAgain, unit);
-    }
-    // A table that refuses most of what its own ranges allow would be tested on the rest alone.
-    EXPECT_GT(legal, rounds / 2);
-}
-
-// A unit with one value outside its range.
-template <class Record>
-void checkViolation(const StructureUnderTest<Record>& structure, RandomUnit& generator) {
-    const qv::TracedElement& wrong = *generator.violated();
-    const std::vector<uint8_t> unit = generator.finish();
-    RecordingVisitor visitor;
-    const qv::Read<Record> read = structure.trace(bytesOf(unit), visitor);
-    ASSERT_EQ(read.fault.kind, qv::FaultKind::OutOfRange) << textOf(wrong) << "; " << qv::textOf(read.fault);
-    ASSERT_EQ(qv::textOf(read.fault.element), qv::textOf(wrong.element));
-    ASSERT_EQ(read.fault.firstBit, wrong.firstBit);
-    ASSERT_EQ(read.fault.value, wrong.value);
-    ASSERT_TRUE(read.fault.value < read.fault.least || read.fault.value > read.fault.most);
-    ASSERT_NE(read.fault.structure, nullptr);
-    ASSERT_EQ(visitor.depth, 0);
-    const auto index = static_cast<size_t>(&wrong - generator.elements().data());
-    ASSERT_EQ(visitor.elements.size(), index);
+template <class Structure>
+void checkRoundTrips(const Structure& structure, int rounds) {
+    checkUntypedRoundTrips(Untyped<Structure>(structure), rounds);
 }
 
 // A value outside its range is the fault, and the elements before it are read. The names of the elements that
 // had such a value.
-template <class Record>
-std::set<std::string> checkRanges(const StructureUnderTest<Record>& structure, int rounds) {
-    Random random(2);
-    std::set<std::string> names;
-    int violated = 0;
-    for (int round = 0; round < rounds && !testing::Test::HasFailure(); ++round) {
-        SCOPED_TRACE("round " + std::to_string(round));
-        RandomUnit generator(random);
-        structure.steer(generator, random);
-        generator.violate(random() % structure.violable);
-        Record generated = {};
-        structure.generate(generator, generated);
-        const qv::TracedElement* const wrong = generator.violated();
-        if (!generator.isLegal() || wrong == nullptr) {
-            continue;
-        }
-        ++violated;
-        names.insert(wrong->element.name);
-        checkViolation(structure, generator);
-    }
-    EXPECT_GT(violated, rounds / 4);
-    return names;
+template <class Structure>
+std::set<std::string> checkRanges(const Structure& structure, int rounds) {
+    return checkUntypedRanges(Untyped<Structure>(structure), rounds);
 }
 
 // A unit that is cut at any bit: the fault names the element that the data ends in.
-template <class Record>
-void checkCuts(const StructureUnderTest<Record>& structure, int rounds) {
-    Random random(3);
-    for (int round = 0; round < rounds; ++round) {
-        SCOPED_TRACE("round " + std::to_string(round));
-        RandomUnit generator(random);
-        structure.steer(generator, random);
-        Record generated = {};
-        structure.generate(generator, generated);
-        if (!generator.isLegal() || generator.elements().size() > 400) {
-            continue;
-        }
-        const std::vector<qv::TracedElement>& elements = generator.elements();
-        size_t next = 0;
-        for (uint64_t cut = 8 * generator.headerBytes(); cut < generator.rbspBits();
-             cut += structure.isPayload ? 8 : 1) {
-            while (elements[next].firstBit + elements[next].width <= cut) {
-                ++next;
-            }
-            if (next > 0 && elements[next - 1].element.name == structure.lastCut) {
-                break;
-            }
-            const std::vector<uint8_t> unit = generator.cutAt(cut);
-            RecordingVisitor visitor;
-            const qv::Read<Record> read = structure.trace(bytesOf(unit), visitor);
-            const std::string name = elements[next].element.name;
-            if (structure.extensionData.count(name) != 0 ||
-                (structure.optional.count(name) != 0 && elements[next].firstBit == cut)) {
-                ASSERT_TRUE(read.ok()) << qv::textOf(read.fault);
-                continue;
-            }
-            ASSERT_EQ(read.fault.kind, qv::FaultKind::EndOfData) << cut << " " << textOf(elements[next]);
-            ASSERT_EQ(qv::textOf(read.fault.element), qv::textOf(elements[next].element)) << cut;
-            ASSERT_EQ(read.fault.firstBit, elements[next].firstBit);
-            ASSERT_EQ(visitor.elements.size(), next);
-        }
-    }
+template <class Structure>
+void checkCuts(const Structure& structure, int rounds) {
+    checkUntypedCuts(Untyped<Structure>(structure), rounds);
 }
 
 }  // namespace qv_test
