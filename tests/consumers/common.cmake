@@ -12,6 +12,9 @@ function(run)
   set(output "${output}" PARENT_SCOPE)
 endfunction()
 
+# What these tests build of the libraries is not what they test: without optimisation and debug information.
+set(UNOPTIMISED -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG=-O0)
+
 # configure(SOURCE BINARY ARGUMENT...)
 function(configure source binary)
   run(${CMAKE_COMMAND} -S ${source} -B ${binary} -G ${GENERATOR}

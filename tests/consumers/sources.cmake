@@ -3,8 +3,8 @@
 include(${CMAKE_CURRENT_LIST_DIR}/common.cmake)
 
 write_readme_program(${WORK}/readme.cpp)
-configure(${SOURCE}/examples ${WORK}/build
-  -DCMAKE_BUILD_TYPE=Debug -DQVNALU_FROM=${FROM} -DUNITS_SOURCE=${WORK}/readme.cpp -DCMAKE_INSTALL_PREFIX=${WORK}/prefix)
+configure(${SOURCE}/examples ${WORK}/build ${UNOPTIMISED}
+  -DQVNALU_FROM=${FROM} -DUNITS_SOURCE=${WORK}/readme.cpp -DCMAKE_INSTALL_PREFIX=${WORK}/prefix)
 run(${CMAKE_COMMAND} --build ${WORK}/build --parallel 2)
 run_examples(${WORK}/build)
 

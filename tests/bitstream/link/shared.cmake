@@ -1,7 +1,7 @@
 # Builds both libraries as shared ones, and programs that load one of them or both, in either order.
 include(${CMAKE_CURRENT_LIST_DIR}/../../consumers/common.cmake)
 
-configure(${SOURCE} ${WORK}
+configure(${SOURCE} ${WORK} ${UNOPTIMISED}
   -DBUILD_SHARED_LIBS=ON -DQVNALU_BUILD_TESTS=OFF -DQVNALU_BUILD_TOOLS=OFF -DQVNALU_BUILD_FUZZERS=OFF)
 run(${CMAKE_COMMAND} --build ${WORK} --parallel 2 --target qvnalu qvbitstream qvsps_completion qvcore_standalone)
 
