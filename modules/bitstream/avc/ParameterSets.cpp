@@ -250,6 +250,19 @@ const Sps* ParameterSets::ofNextPicture() const noexcept {
     return sps(activeSps_.isActive ? activeSps_.id : last_);
 }
 
+const Pps* ParameterSets::ppsOfSlice(uint32_t pic_parameter_set_id) const noexcept {
+    return recordAt(pps_, pic_parameter_set_id);
+}
+
+const SpsData* ParameterSets::spsOfSlice(const Pps& pps, bool ofSubsetSps) const noexcept {
+    if (ofSubsetSps) {
+        const SubsetSps* const subset = subsetSps(pps.seq_parameter_set_id);
+        return subset != nullptr ? &subset->data : nullptr;
+    }
+    const Sps* const plain = sps(pps.seq_parameter_set_id);
+    return plain != nullptr ? &plain->data : nullptr;
+}
+
 const Pps* ParameterSets::ppsOfNextPicture() const noexcept {
     return recordAt(pps_, activePps_[0].isActive ? activePps_[0].id : lastPps_);
 }

@@ -75,6 +75,15 @@ public:
     ///         active becomes active all the same.
     Activation activate(uint32_t pic_parameter_set_id, SliceBegins begins, bool ofSubsetSps = false) noexcept;
 
+    /// The PPS with an identifier, for a slice header; null when there is none, and for identifiers above
+    /// 255. Its scaling lists may have been read with another chroma_format_idc than that of the SPS; see
+    /// pps().
+    const Pps* ppsOfSlice(uint32_t pic_parameter_set_id) const noexcept;
+
+    /// The data of the SPS, or of the subset SPS for \p ofSubsetSps, that the PPS of a slice refers to; null
+    /// when there is none.
+    const SpsData* spsOfSlice(const Pps& pps, bool ofSubsetSps) const noexcept;
+
     /// The SPS that a buffering period SEI message names by its seq_parameter_set_id (D.2.2). It applies to
     /// the other SEI messages up to the next slice; see ofNextPicture().
     ///

@@ -75,6 +75,54 @@ Sized sizeUnit(Record record, const Table& table) noexcept {
     return {sizer.failed() ? 0 : sizer.position(), sizer.fault()};
 }
 
+// --- A table that ends before the data of a unit does: a slice header ---
+
+// What follows is not looked at.
+template <class Record, class Table>
+Read<Record> readBegin(Bytes unit, const Table& table) noexcept {
+    Read<Record> read;
+    clear(read.record);
+    Reader reader(unit);
+    table(reader, read.record);
+    read.fault = reader.fault();
+    return read;
+}
+
+template <class Record, class Table>
+Read<Record> traceBegin(Bytes unit, TraceVisitor& visitor, const Table& table) {
+    Read<Record> read;
+    clear(read.record);
+    Tracer tracer(unit, visitor);
+    table(tracer, read.record);
+    read.fault = tracer.fault();
+    return read;
+}
+
+// What follows is that of a unit, bit by bit, and the bytes after its rbsp_trailing_bits().
+template <class Record, class Table>
+Written writeBegin(Record record, Bytes unit, std::vector<uint8_t>& out, const Table& table) {
+    Read<Record> own;
+    clear(own.record);
+    Reader reader(unit);
+    table(reader, own.record);
+    CodedBits rest;
+    reader.payload_bytes("", rest);
+    if (reader.failed()) {
+        return {0, reader.fault()};
+    }
+    Writer writer(out);
+    table(writer, record);
+    writer.payload_bytes("", rest);
+    writer.rbsp_trailing_bits();
+    Written written = writer.finish();
+    if (written.ok()) {
+        const Bytes after = reader.trailing().bytes;
+        out.insert(out.end(), after.begin(), after.end());
+        written.size += after.size;
+    }
+    return written;
+}
+
 }  // namespace qv::detail
 
 #endif
