@@ -21,6 +21,7 @@
 #include "bitstream/avc/FillerData.h"
 #include "bitstream/avc/ParameterSets.h"
 #include "bitstream/avc/PrefixNalUnit.h"
+#include "bitstream/avc/SliceHeader.h"
 #include "bitstream/avc/SubsetSps.h"
 #include "bitstream/avc/Unit.h"
 #include "bitstream/hevc/ParameterSets.h"
@@ -609,6 +610,39 @@ void growUnits() {
          [](const Bytes& bytes) { qv::probeCodec(borrowed(bytes)); });
 }
 
+// An SPS of 4 bits of frame_num, and a PPS of CAVLC.
+const qv::avc::ParameterSets& setsOfSlices() {
+    static const auto sets = [] {
+        auto made = std::make_unique<qv::avc::ParameterSets>();
+        const Bytes sps = {0x67, 0x42, 0x00, 0x1E, 0xDA, 0x05, 0x07, 0xE4};
+        const Bytes pps = {0x68, 0xCE, 0x38, 0x80};
+        require(!made->take(borrowed(sps)).fault && !made->take(borrowed(pps)).fault, "the sets of slices");
+        return made;
+    }();
+    return *sets;
+}
+
+void readSlice(const Bytes& bytes) {
+    const auto slice = qv::avc::readSliceHeader(borrowed(bytes), setsOfSlices());
+    require(slice.fault.kind == qv::FaultKind::EndOfData, "a slice header without an end");
+}
+
+void writeSliceAgain(const Bytes& bytes) {
+    const auto slice = qv::avc::readSliceHeader(borrowed(bytes), setsOfSlices());
+    std::vector<uint8_t> out;
+    require(qv::avc::writeSlice(slice.record, setsOfSlices(), borrowed(bytes), out).size == bytes.size(),
+            "writeSlice");
+}
+
+void growSlices() {
+    setsOfSlices();  // they are made before anything is counted
+    // difference_of_pic_nums_minus1 0 again and again, in four bits each.
+    grow("readSliceHeader, memory management without end", kSize, repeated({0x61, 0x88, 0x85}, {0x55}),
+         readSlice);
+    grow("readSliceHeader, a list without end", kSize, repeated({0x01, 0xE0}, {0xFF}), readSlice);
+    grow("writeSlice, 00 00 03 01", kSize, repeated({0x01, 0x88, 0x87}, {0, 0, 3, 1}), writeSliceAgain);
+}
+
 void readEveryMessage(const Bytes& bytes) {
     size_t messages = 0;
     for (const qv::SeiMessage& message : qv::SeiMessages(borrowed(bytes), qv::Codec::Avc)) {
@@ -803,6 +837,7 @@ int main() {
     growStructures();
     growConfigurationRecords();
     growUnits();
+    growSlices();
     growSeiMessages();
     growSeiUnits();
     growParameterSetsInForce();

@@ -6,7 +6,9 @@
 
 #include "FuzzCheck.h"
 #include "FuzzInput.h"
+#include "bitstream/avc/SliceHeader.h"
 #include "bitstream/avc/Unit.h"
+#include "bitstream/hevc/SliceSegmentHeader.h"
 #include "bitstream/hevc/Unit.h"
 #include "bitstream/sei/A53.h"
 #include "bitstream/sei/CaptionOrder.h"
@@ -62,6 +64,33 @@ void checkUnit(Bytes unit, Sets& sets, const Trace& traceUnit) {
     FUZZ_CHECK(qv::textOf(trace.fault).empty() == trace.ok());
     const qv::SetTaken taken = sets.take(unit);
     FUZZ_CHECK(!trace.ok() || taken.event != qv::SetEvent::Broken);
+}
+
+// Trace and read agree, and a slice that is written from its header is one, which is written the same again.
+template <class Sets, class Read, class Trace, class Write>
+void checkSliceWith(Bytes unit, const Sets& sets, const Read& read, const Trace& trace, const Write& write) {
+    Order order;
+    const auto traced = trace(unit, sets, order);
+    const auto slice = read(unit, sets);
+    FUZZ_CHECK(order.isAtRest() && !order.hasGap());
+    FUZZ_CHECK(traced.fault.kind == slice.fault.kind && traced.fault.firstBit == slice.fault.firstBit);
+    std::vector<uint8_t> first;
+    std::vector<uint8_t> second;
+    if (slice.ok() && write(slice.record, sets, unit, first).ok()) {
+        const Bytes written = {first.data(), first.size()};
+        const auto again = read(written, sets);
+        FUZZ_CHECK(again.ok() && write(again.record, sets, written, second).ok());
+    }
+    FUZZ_CHECK(first == second);
+}
+
+void checkSlice(Bytes unit, const qv::avc::ParameterSets& sets) {
+    checkSliceWith(unit, sets, qv::avc::readSliceHeader, qv::avc::traceSliceHeader, qv::avc::writeSlice);
+}
+
+void checkSlice(Bytes unit, const qv::hevc::ParameterSets& sets) {
+    checkSliceWith(unit, sets, qv::hevc::readSliceSegmentHeader, qv::hevc::traceSliceSegmentHeader,
+                   qv::hevc::writeSliceSegment);
 }
 
 // The messages of a unit follow each other, whatever its type, and their readers give what is there.
@@ -156,6 +185,7 @@ void checkUnits(Bytes buffer, Framing framing, Codec codec, const Trace& traceUn
     for (const qv::NalUnit& unit : qv::NalUnits(buffer, framing, codec)) {
         FUZZ_CHECK(unit.begin() == end);
         end = unit.end();
+        checkSlice(unit.bytes, sets);
         checkUnit(unit.bytes, sets, traceUnit);
         checkMessages(unit);
     }
