@@ -289,6 +289,27 @@ TEST(AvcSliceHeader, slicesOfViewsReferToSubsetSps) {
     EXPECT_FALSE(isIdr(slice.record.header));
 }
 
+// --- Traces ---
+
+TEST(AvcSliceHeader, aTraceNamesEveryElement) {
+    const auto sets = taken(plainSets());
+    BitWriter bits = sliceBits(1, 7);
+    const Buffer unit = bits.se("slice_qp_delta", -2).bits("slice_data()", "101").trailingBits().bytes();
+    RecordingVisitor visitor;
+    const auto traced = traceSliceHeader(bytesOf(unit), *sets, visitor);
+    ASSERT_TRUE(traced.ok()) << qv::textOf(traced.fault);
+    EXPECT_EQ(traced.record.slice_qp_delta, -2);
+    EXPECT_EQ(visitor.depth, 0);
+    std::vector<std::string> elements;
+    for (const qv::TracedElement& element : visitor.elements) {
+        elements.push_back(textOf(element));
+    }
+    EXPECT_THAT(elements,
+                ElementsAre("0 1 forbidden_zero_bit 0", "1 2 nal_ref_idc 0", "3 5 nal_unit_type 1",
+                            "8 7 first_mb_in_slice 7", "15 7 slice_type 7", "22 1 pic_parameter_set_id 0",
+                            "23 4 frame_num 9", "27 5 slice_qp_delta -2"));
+}
+
 // --- Other units, and sets that are not there ---
 
 struct FaultRow {

@@ -21,6 +21,7 @@ namespace {
 
 using namespace qv_test;
 using namespace qv::hevc;
+using testing::ElementsAre;
 using testing::IsSupersetOf;
 using Buffer = std::vector<uint8_t>;
 
@@ -326,6 +327,28 @@ TEST(HevcSliceSegmentHeader, dataFollowsAnotherHeader) {
         EXPECT_EQ(writeSliceSegment(slice, *sets, bytesOf(unit), out).size, wanted.size());
         EXPECT_EQ(Buffer(out.begin() + 1, out.end()), wanted) << slice_qp_delta;
     }
+}
+
+TEST(HevcSliceSegmentHeader, aTraceNamesEveryElement) {
+    const auto sets = taken(plainSets());
+    const Buffer unit = intraSlice(-2, {0x12}, {});
+    RecordingVisitor visitor;
+    const auto traced = traceSliceSegmentHeader(bytesOf(unit), *sets, visitor);
+    ASSERT_TRUE(traced.ok()) << qv::textOf(traced.fault);
+    EXPECT_EQ(traced.record.slice_qp_delta, -2);
+    EXPECT_EQ(visitor.depth, 0);
+    std::vector<std::string> elements;
+    for (const qv::TracedElement& element : visitor.elements) {
+        elements.push_back(textOf(element));
+    }
+    EXPECT_THAT(
+        elements,
+        ElementsAre("0 1 forbidden_zero_bit 0", "1 6 nal_unit_type 19", "7 6 nuh_layer_id 0",
+                    "13 3 nuh_temporal_id_plus1 1", "16 1 first_slice_segment_in_pic_flag 1",
+                    "17 1 no_output_of_prior_pics_flag 0", "18 1 slice_pic_parameter_set_id 0",
+                    "19 3 slice_type 2", "22 5 slice_qp_delta -2", "27 1 alignment_bit_equal_to_one 1",
+                    "28 1 alignment_bit_equal_to_zero 0", "29 1 alignment_bit_equal_to_zero 0",
+                    "30 1 alignment_bit_equal_to_zero 0", "31 1 alignment_bit_equal_to_zero 0"));
 }
 
 TEST(HevcSliceSegmentHeader, aHeaderThatDoesNotFitIsNotWritten) {
